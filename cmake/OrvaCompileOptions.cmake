@@ -1,0 +1,29 @@
+# Compiler and linker settings of everything we write ourselves, as the interface target orva_options.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_SCAN_FOR_MODULES OFF)
+
+add_library(orva_options INTERFACE)
+
+target_compile_definitions(orva_options INTERFACE
+  UNICODE _UNICODE NOMINMAX STRICT
+  _WIN32_WINNT=0x0600 WINVER=0x0600 NTDDI_VERSION=0x06000000 _WIN32_IE=0x0700)
+
+# g++ passes a class object through C varargs as its address without a word unless
+# conditionally-supported is an error; CString must never end there.
+target_compile_options(orva_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wcast-qual -Wundef
+  -Werror -Werror=conditionally-supported
+  -fno-strict-aliasing
+  "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=." "-ffile-prefix-map=${CMAKE_BINARY_DIR}=build"
+  "$<$<CONFIG:Release>:-g1>")
+
+# -static: the programs need no DLL that Windows itself does not bring. The rest makes images that
+# may be loaded anywhere, whose data does not execute, and that come out bit-identical from one commit.
+target_link_options(orva_options INTERFACE
+  -static
+  LINKER:--dynamicbase,--high-entropy-va,--nxcompat
+  LINKER:--no-insert-timestamp)
+
+include_directories(BEFORE "${CMAKE_SOURCE_DIR}")

@@ -1,0 +1,41 @@
+# orva_add_tests(NAME SOURCES a.cpp ... [LINK lib ...]) builds one test program and registers each of its
+# source files as one CTest test, so that a failure names the file and two files run at the same time.
+#
+# A file's test is a filter over the suites that its TEST, TEST_F and TEST_P lines name. A filter that
+# selects nothing is a failure, not a success.
+include(ProcessorCount)
+
+function(orva_add_tests NAME)
+  cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 180)
+  endif()
+  set(program test_${NAME})
+  add_executable(${program} ${ARG_SOURCES})
+  target_link_libraries(${program} PRIVATE orva_options orva_test_harness gmock gtest ${ARG_LINK})
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ARG_SOURCES})
+
+  foreach(source IN LISTS ARG_SOURCES)
+    if(NOT source MATCHES "Test\\.cpp$")
+      continue()
+    endif()
+    file(STRINGS "${source}" lines REGEX "^TEST(_F|_P)?\\(")
+    set(filter "")
+    foreach(line IN LISTS lines)
+      string(REGEX REPLACE "^TEST(_F|_P)?\\( *([A-Za-z0-9_]+).*$" "\\2" suite "${line}")
+      list(APPEND filter "${suite}.*" "*/${suite}.*")
+    endforeach()
+    list(REMOVE_DUPLICATES filter)
+    if(NOT filter)
+      message(FATAL_ERROR "${source} holds no test")
+    endif()
+    list(JOIN filter ":" filter)
+    get_filename_component(stem "${source}" NAME_WE)
+    add_test(NAME ${NAME}.${stem} COMMAND ${program} --gtest_filter=${filter} --gtest_brief=1)
+    set_tests_properties(${NAME}.${stem} PROPERTIES
+      TIMEOUT ${ARG_TIMEOUT}
+      FAIL_REGULAR_EXPRESSION "Running 0 tests;0 tests ran;\\[  PASSED  \\] 0 tests"
+      LABELS ${NAME}
+      ENVIRONMENT "${ARG_ENVIRONMENT}")
+  endforeach()
+endfunction()
