@@ -1,0 +1,27 @@
+// Collects what this process gives to OutputDebugString.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+/// Collects from construction to destruction, from every thread; one entry a call, without its terminator.
+/// One object at a time.
+class CDebugOutput
+{
+public:
+    CDebugOutput();
+    ~CDebugOutput();
+    CDebugOutput(const CDebugOutput&) = delete;
+    CDebugOutput& operator=(const CDebugOutput&) = delete;
+
+    std::vector<std::string> Lines() const;
+    void Clear();
+
+private:
+    void* m_handler;
+};
+
+} // namespace orva::test

@@ -1,0 +1,55 @@
+// The add-in's log file: where it is, what it says, and the registry switch that turns it on.
+#pragma once
+
+#include "harness/Registry.h"
+#include "harness/Waiting.h"
+
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+/// Key (under HKEY_CURRENT_USER or HKEY_LOCAL_MACHINE) and value of the switch.
+inline constexpr wchar_t kLogSwitchKey[] = L"SOFTWARE\\ORVA Connector";
+inline constexpr wchar_t kLogSwitchValue[] = L"EnableDebugLog";
+
+/// One line of the log, taken apart.
+struct CLogEntry
+{
+    /// "2011-01-20 14:03:07"
+    std::string time;
+    std::string text;
+};
+
+/// "<local application data>\ORVA Connector".
+std::wstring LogFolder();
+/// The log file's path.
+std::wstring LogPath();
+/// Removes the log with its folder.
+void DeleteLog();
+/// The log's bytes; empty if there is no log.
+std::string ReadLog();
+/// The entries. A line that is not "[time] text" with a CR LF end is given with an empty time, as it stands:
+/// texts that contain line ends make such lines.
+std::vector<CLogEntry> ReadLogEntries();
+/// Their texts alone.
+std::vector<std::string> ReadLogTexts();
+/// Waits until an entry with exactly this text is in the log.
+bool WaitForLogText(const std::string& text, DWORD timeout = kPatience);
+
+/// For its lifetime the log is switched on for the current user, and starts from nothing: an existing log is
+/// removed at construction, the new one at the end. It takes effect in programs started afterwards.
+class CDebugLogOn
+{
+public:
+    CDebugLogOn();
+    ~CDebugLogOn();
+    CDebugLogOn(const CDebugLogOn&) = delete;
+    CDebugLogOn& operator=(const CDebugLogOn&) = delete;
+
+private:
+    CRegistryValue m_switch;
+};
+
+} // namespace orva::test

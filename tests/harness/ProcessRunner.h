@@ -1,0 +1,68 @@
+// Starts Windows programs with captured output, a deadline and, if asked for, their debugger output.
+#pragma once
+
+#include "harness/Waiting.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+/// How to start a program.
+struct CProcessOptions
+{
+    /// Path of the program, or a name that the search path finds.
+    std::wstring program;
+    std::vector<std::wstring> arguments = {};
+    /// Set on top of this process's environment; an empty value removes the variable.
+    std::map<std::wstring, std::wstring> environment = {};
+    std::wstring folder = {};
+    /// Collect what the program gives to OutputDebugString; the program then runs under a debugger.
+    bool debug = false;
+};
+
+/// A running program. Standard output and standard error are captured together; standard input is empty.
+class CChildProcess
+{
+public:
+    /// Starts the program. Throws std::runtime_error if that fails.
+    explicit CChildProcess(const CProcessOptions& options);
+    /// Ends the program, by its own handle, if it still runs.
+    ~CChildProcess();
+    CChildProcess(const CChildProcess&) = delete;
+    CChildProcess& operator=(const CChildProcess&) = delete;
+
+    DWORD Id() const;
+    bool IsRunning() const;
+    /// The exit code, or nothing if the program still runs after `timeout` milliseconds.
+    std::optional<DWORD> WaitForExit(DWORD timeout = kPatience);
+    /// What the program has written up to now; all of it once WaitForExit has given a code.
+    std::string Output() const;
+    /// What it has given to OutputDebugString, one entry a call.
+    std::vector<std::string> DebugLines() const;
+    /// Ends the program.
+    void End();
+
+private:
+    class Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+struct CProcessResult
+{
+    DWORD exitCode = 0;
+    std::string output;
+};
+
+/// Runs a program to its end. Throws std::runtime_error if it cannot be started or does not end in time.
+CProcessResult RunProcess(const std::wstring& program, const std::vector<std::wstring>& arguments,
+                          DWORD timeout = kPatience);
+
+/// Arguments joined into a command line as the C runtime and CommandLineToArgvW take it apart again.
+std::wstring JoinCommandLine(const std::wstring& program, const std::vector<std::wstring>& arguments);
+
+} // namespace orva::test

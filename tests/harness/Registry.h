@@ -1,0 +1,91 @@
+// Registry fixtures: what they change they put back, and key trees can be exported as text for comparison.
+#pragma once
+
+#include <windows.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+/// One value under a test's control. The destructor restores the value as it was, and removes the keys that
+/// had to be created for it. Failures throw std::runtime_error, save in the destructor.
+class CRegistryValue
+{
+public:
+    /// `key` is the path under `root`. Nothing is changed yet; the 64-bit view is used.
+    CRegistryValue(HKEY root, std::wstring key, std::wstring name);
+    ~CRegistryValue();
+    CRegistryValue(const CRegistryValue&) = delete;
+    CRegistryValue& operator=(const CRegistryValue&) = delete;
+
+    void SetDword(DWORD value);
+    void SetString(const std::wstring& value);
+    void SetBytes(const std::vector<BYTE>& bytes, DWORD type = REG_BINARY);
+    /// Makes sure that the value does not exist.
+    void Remove();
+
+private:
+    HKEY m_root;
+    std::wstring m_key;
+    std::wstring m_name;
+    bool m_existed = false;
+    DWORD m_type = REG_NONE;
+    std::vector<BYTE> m_bytes;
+    /// The topmost key that did not exist before; empty if all did.
+    std::wstring m_missingKey;
+};
+
+/// A copy of a key tree: values and subkeys.
+struct CRegistrySnapshot
+{
+    struct Value
+    {
+        DWORD type = REG_NONE;
+        std::vector<BYTE> bytes;
+        bool operator==(const Value&) const = default;
+    };
+    std::map<std::wstring, Value> values;
+    std::map<std::wstring, CRegistrySnapshot> keys;
+};
+
+/// Keeps a whole key tree: the destructor makes it again what it was at construction (absent, if it was
+/// absent).
+class CRegistryTreeGuard
+{
+public:
+    CRegistryTreeGuard(HKEY root, std::wstring key);
+    ~CRegistryTreeGuard();
+    CRegistryTreeGuard(const CRegistryTreeGuard&) = delete;
+    CRegistryTreeGuard& operator=(const CRegistryTreeGuard&) = delete;
+
+    /// Removes the tree for the rest of the object's life.
+    void Remove();
+
+private:
+    HKEY m_root;
+    std::wstring m_key;
+    std::optional<CRegistrySnapshot> m_before;
+};
+
+/// The tree under the key, or nothing if the key does not exist.
+std::optional<CRegistrySnapshot> TakeRegistrySnapshot(HKEY root, const std::wstring& key);
+
+/// The tree as text, one line a key or value, sorted, names as they are stored: "[key]", "name = REG_SZ
+/// "text"", "name = REG_DWORD 0x00000003", "name = hex(3) 01 02"; the default value's name is "@". A missing
+/// key gives
+/// "(no key)".
+std::string ExportRegistryKey(HKEY root, const std::wstring& key);
+
+bool RegistryKeyExists(HKEY root, const std::wstring& key);
+/// A string value (REG_SZ or REG_EXPAND_SZ, not expanded); absent if missing or of another type.
+std::optional<std::wstring> RegistryString(HKEY root, const std::wstring& key, const std::wstring& name);
+std::optional<DWORD> RegistryDword(HKEY root, const std::wstring& key, const std::wstring& name);
+/// Removes a key with all below it; a missing key is no error.
+void DeleteRegistryKey(HKEY root, const std::wstring& key);
+
+} // namespace orva::test

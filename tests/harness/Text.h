@@ -1,0 +1,20 @@
+// Conversions between the wide texts of Windows and the UTF-8 texts that tests print and compare.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orva::test
+{
+
+/// The text in UTF-8. Lone surrogates become U+FFFD.
+std::string Utf8(std::wstring_view text);
+
+/// The UTF-8 text as UTF-16.
+std::wstring Wide(std::string_view text);
+
+/// The lines of a text, without their ends (CR LF or LF); a last line without an end counts as one.
+std::vector<std::string> SplitLines(std::string_view text);
+
+} // namespace orva::test
