@@ -3,6 +3,10 @@
 # take_slot     sets and locks $slot, a folder; the lock lasts as long as this shell.
 # start_slot D  makes prefix and display of slot D ready and exports WINEPREFIX, DISPLAY and Wine's settings.
 # stop_slots    ends the displays and Wine servers of every slot, by the ids noted when they were started.
+#
+# Descriptor 9 holds the lock. Whatever outlives this shell is started without it (9>&-), or the slot would stay
+# taken for good.
+# shellcheck shell=bash
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 wine_root=${ORVA_WINE_ROOT:-$repository/build/wine}
@@ -24,27 +28,94 @@ take_slot() {
     flock 9
 }
 
-is_running() { [ -s "$1" ] && kill -0 "$(cat "$1")" 2>/dev/null; }
+# is_running FILE: whether the process whose id FILE holds still runs. After a reboot the id may belong to
+# somebody else's process, which then is younger than the file.
+is_running() {
+    local file=$1 pid boot_time stat ticks
+    [ -s "$file" ] && pid=$(<"$file") && kill -0 "$pid" 2>/dev/null || return 1
+    boot_time=$(awk '$1 == "btime" { print $2 }' /proc/stat)
+    stat=$(<"/proc/$pid/stat") 2>/dev/null || return 1
+    # The 22nd field, counted after the name in brackets, which may hold blanks.
+    read -r -a stat <<<"${stat##*) }"
+    [ "${stat[0]}" != Z ] || return 1
+    ticks=${stat[19]}
+    # Two seconds for the rounding of either time.
+    ((boot_time + ticks / $(getconf CLK_TCK) <= $(stat -c %Y "$file") + 2))
+}
 
 start_display() {
-    local dir=$1
+    local dir=$1 pid
     if ! is_running "$dir/xvfb.pid"; then
-        rm -f "$dir/display" && mkfifo "$dir/display.fifo.$$"
-        Xvfb -displayfd 3 -screen 0 "$screen_size" -nolisten tcp 3>"$dir/display.fifo.$$" 9>&- >/dev/null 2>&1 &
-        echo $! >"$dir/xvfb.pid"
-        head -n 1 "$dir/display.fifo.$$" >"$dir/display"
-        rm -f "$dir/display.fifo.$$" "$dir/openbox.pid"
+        rm -f "$dir/display" "$dir/openbox.pid"
+        : >"$dir/display"
+        Xvfb -displayfd 1 -screen 0 "$screen_size" -nolisten tcp 9>&- >"$dir/display" 2>"$dir/xvfb.log" &
+        pid=$!
+        echo "$pid" >"$dir/xvfb.pid"
+        # Xvfb writes the number of its display, and a line end, once it takes connections.
+        wait_until 30 test_line "$dir/display" || { echo "$dir: Xvfb did not start:" >&2; cat "$dir/xvfb.log" >&2; return 1; }
     fi
-    export DISPLAY=:$(cat "$dir/display")
+    DISPLAY=:$(<"$dir/display")
+    export DISPLAY
     if ! is_running "$dir/openbox.pid"; then
-        openbox 9>&- >/dev/null 2>&1 &
+        rm -f "$dir/openbox.ready"
+        openbox --startup "touch '$dir/openbox.ready'" 9>&- >"$dir/openbox.log" 2>&1 &
         echo $! >"$dir/openbox.pid"
+        # A window that is mapped earlier would stay without caption and focus.
+        wait_until 30 test -e "$dir/openbox.ready" || { echo "$dir: openbox did not start" >&2; return 1; }
     fi
+}
+
+test_line() { [ "$(wc -l <"$1")" -ge 1 ]; }
+
+# wait_until SECONDS COMMAND...: runs COMMAND every 50 ms until it succeeds; fails when the time is over.
+wait_until() {
+    local deadline=$((SECONDS + $1))
+    shift
+    until "$@"; do
+        ((SECONDS < deadline)) || return 1
+        sleep 0.05
+    done
+}
+
+# Settings that every private prefix gets, for Wine's regedit.
+prefix_settings() {
+    cat <<'END'
+REGEDIT4
+
+; A crash ends the program, with no window that waits for somebody to close it.
+[HKEY_CURRENT_USER\Software\Wine\WineDbg]
+"ShowCrashDialog"=dword:00000000
+
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\AeDebug]
+"Auto"="1"
+
+; 96 dots an inch, as on a desktop with Windows' default size of text.
+[HKEY_CURRENT_USER\Control Panel\Desktop]
+"LogPixels"=dword:00000060
+"FontSmoothing"="2"
+"FontSmoothingType"=dword:00000001
+
+; As on Windows since 2000: the dialogs' shell font is Tahoma.
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\FontSubstitutes]
+"MS Shell Dlg"="Tahoma"
+"MS Shell Dlg 2"="Tahoma"
+END
+}
+
+make_prefix() {
+    local dir=$1
+    rm -rf "$dir/prefix"
+    wineboot --init 9>&- >"$dir/wineboot.log" 2>&1 || { cat "$dir/wineboot.log" >&2; return 1; }
+    prefix_settings >"$dir/settings.reg"
+    wine regedit /S "Z:${dir//\//\\}\\settings.reg" 9>&- >>"$dir/wineboot.log" 2>&1
+    wineserver -w 9>&-
+    touch "$dir/prefix.ready"
 }
 
 start_slot() {
     local dir=$1
     # Neither .NET nor the HTML engine is used; without them a prefix is made in seconds and asks nothing.
+    # The menu builder would write menus into the user's own home folder.
     export WINEPREFIX=$dir/prefix WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
     export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
     if [ -n "${ORVA_WINE_DISPLAY:-}" ]; then
@@ -52,24 +123,23 @@ start_slot() {
     else
         start_display "$dir"
     fi
-    if [ ! -e "$dir/prefix.ready" ]; then
-        wineboot --init 9>&- >"$dir/wineboot.log" 2>&1
-        wineserver -w 9>&-
-        touch "$dir/prefix.ready"
-    fi
+    [ -e "$dir/prefix.ready" ] || make_prefix "$dir"
     # Keeps Wine's server alive between two programs, which saves a second at each start.
     wineserver -p 9>&- 2>/dev/null || true
 }
 
 stop_slots() {
-    local dir pid
+    local dir file
     for dir in "$wine_root"/slot*; do
         [ -d "$dir" ] || continue
-        [ -e "$dir/prefix.ready" ] && WINEPREFIX=$dir/prefix wineserver -k 2>/dev/null
-        for pid in "$dir/openbox.pid" "$dir/xvfb.pid"; do
-            is_running "$pid" && kill "$(cat "$pid")" 2>/dev/null
-            rm -f "$pid"
+        if [ -e "$dir/prefix.ready" ]; then
+            WINEPREFIX=$dir/prefix wineserver -k 2>/dev/null || true
+        fi
+        for file in "$dir/openbox.pid" "$dir/xvfb.pid"; do
+            if is_running "$file"; then
+                kill "$(<"$file")" 2>/dev/null || true
+            fi
+            rm -f "$file"
         done
     done
-    return 0
 }
