@@ -1,0 +1,194 @@
+// The add-in object's life in the host: connecting, dispatching, disconnecting.
+#include "addin/Connect.h"
+
+#include "addin/LateBinding.h"
+#include "support/DebugLog.h"
+#include "support/DisabledWindow.h"
+#include "support/ExceptionGuard.h"
+#include "ui/AboutDlg.h"
+#include "ui/LocalizedResources.h"
+#include "update/UpdateCheck.h"
+
+const IID IID_IConnect = {0x3C3B6E0B, 0x6A0F, 0x4C0B, {0x9C, 0x0E, 0x5D, 0x2D, 0x1F, 0x0B, 0x7A, 0x41}};
+
+OBJECT_ENTRY_AUTO(CLSID_Connect, CConnect)
+
+namespace
+{
+
+using ExtensibilityDispatch =
+    IDispatchImpl<_IDTExtensibility2, &IID__IDTExtensibility2, &LIBID_AddInDesignerObjects, 1, 0>;
+using RibbonCallbackDispatch =
+    IDispatchImpl<IRibbonCallback, &IID_IRibbonCallback, &LIBID_OrvaOscAddinLib, 1, 0>;
+
+constexpr char kOnConnection[] = "CConnect::OnConnection";
+
+// The dispatch ids of the ribbon's callbacks, the second one beyond their range.
+constexpr DISPID kFirstRibbonCallback = 42000;
+constexpr DISPID kRibbonCallbacksEnd = 42010;
+
+// The Click event of _CommandBarButtonEvents.
+constexpr DISPID kClick = 1;
+
+// The first Office with a Backstage view; earlier ones get the menu command.
+constexpr int kFirstBackstageOffice = 14;
+
+void LogConnection(const char* message)
+{
+    WriteDebugLog(GetDebugLog(), kOnConnection, message, "");
+}
+
+void LogConnectMode(ext_ConnectMode mode)
+{
+    switch (static_cast<int>(mode))
+    {
+    case ext_cm_AfterStartup:
+        LogConnection("ext_cm_AfterStartup");
+        break;
+    case ext_cm_Startup:
+        LogConnection("ext_cm_Startup");
+        break;
+    case ext_cm_External:
+        LogConnection("ext_cm_External");
+        break;
+    case ext_cm_CommandLine:
+        LogConnection("ext_cm_CommandLine");
+        break;
+    default:
+        break;
+    }
+}
+
+// The leading integer of the host's version text; 0 when it does not start with a digit or there is none.
+int ReadOfficeVersion(IDispatch* application)
+{
+    CComVariant version;
+    RunGuarded<HRESULT>(kOnConnection, E_FAIL, [&] {
+        version = GetByName(application, L"Version");
+        return S_OK;
+    });
+    return version.vt == VT_BSTR && version.bstrVal != nullptr ? _wtoi(version.bstrVal) : 0;
+}
+
+} // namespace
+
+STDMETHODIMP CConnect::Invoke(DISPID dispIdMember, REFIID riid, LCID lcid, WORD wFlags,
+                              DISPPARAMS* pDispParams, VARIANT* pVarResult, EXCEPINFO* pExcepInfo,
+                              UINT* puArgErr)
+{
+    return RunGuarded<HRESULT>("CConnect::Invoke", E_UNEXPECTED, [&] {
+        WriteDebugLog(GetDebugLog(), "CConnect::Invoke");
+        HRESULT hr = DISP_E_MEMBERNOTFOUND;
+        if (dispIdMember >= kFirstRibbonCallback && dispIdMember < kRibbonCallbacksEnd)
+        {
+            hr = RibbonCallbackDispatch::Invoke(dispIdMember, riid, lcid, wFlags, pDispParams, pVarResult,
+                                                pExcepInfo, puArgErr);
+        }
+        if (dispIdMember == kClick)
+        {
+            ShowAboutDialog(GetLocalizedResources().FindOwnProcessWindow());
+        }
+        if (hr == DISP_E_MEMBERNOTFOUND)
+        {
+            // The click ends here as well. The dispatcher refuses it, because it knows the id as OnConnection
+            // with four arguments, and Office does not look at an event's result.
+            hr = ExtensibilityDispatch::Invoke(dispIdMember, riid, lcid, wFlags, pDispParams, pVarResult,
+                                               pExcepInfo, puArgErr);
+        }
+        return hr;
+    });
+}
+
+STDMETHODIMP CConnect::OnConnection(IDispatch* Application, ext_ConnectMode ConnectMode, IDispatch*,
+                                    SAFEARRAY**)
+{
+    return RunGuarded<HRESULT>(kOnConnection, S_OK, [&] {
+        WriteDebugLog(GetDebugLog(), kOnConnection);
+        LogConnectMode(ConnectMode);
+        AttachToHost(Application);
+
+        AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        AfxSetResourceHandle(_AtlBaseModule.GetModuleInstance());
+        const int officeVersion = ReadOfficeVersion(m_spApplication);
+        GetLocalizedResources().SetOfficeVersion(officeVersion);
+        InsertMenuForOldOffice(officeVersion);
+        if (ConnectMode == ext_cm_Startup)
+        {
+            CheckForUpdateAtStart();
+        }
+        return S_OK;
+    });
+}
+
+// Keeps the application and its active explorer; either stays null when the host does not give it.
+void CConnect::AttachToHost(IDispatch* application)
+{
+    if (application == nullptr ||
+        FAILED(application->QueryInterface(__uuidof(Outlook::_Application),
+                                           reinterpret_cast<void**>(&m_spApplication))))
+    {
+        return;
+    }
+    CComVariant explorer;
+    if (SUCCEEDED(m_spApplication.GetPropertyByName(L"ActiveExplorer", &explorer)) &&
+        explorer.vt == VT_DISPATCH && explorer.pdispVal != nullptr)
+    {
+        explorer.pdispVal->QueryInterface(__uuidof(Outlook::_Explorer),
+                                          reinterpret_cast<void**>(&m_spExplorer));
+    }
+}
+
+// Versions after the one with the Backstage tab get neither tab nor menu command: no one has seen them there
+// yet.
+void CConnect::InsertMenuForOldOffice(int officeVersion)
+{
+    if (officeVersion >= kFirstBackstageOffice)
+    {
+        m_spMenuButton.Release();
+    }
+    else if (m_spExplorer != nullptr)
+    {
+        LogConnection("m_spExplorer is not NULL");
+        InsertMenuCommands();
+    }
+    else
+    {
+        LogConnection("m_spExplorer is NULL");
+    }
+}
+
+void CConnect::CheckForUpdateAtStart()
+{
+    LogConnection("check for updates");
+    const HWND host = GetLocalizedResources().FindOwnProcessWindow();
+    const CDisabledWindow disabledHost(host);
+    CheckForUpdate(host, true);
+}
+
+// Leaves the button to Office, which drops a temporary one, and the host's objects to the destructor.
+STDMETHODIMP CConnect::OnDisconnection(ext_DisconnectMode, SAFEARRAY**)
+{
+    return RunGuarded<HRESULT>("CConnect::OnDisconnection", E_UNEXPECTED, [this] {
+        WriteDebugLog(GetDebugLog(), "CConnect::OnDisconnection");
+        return m_spMenuButton != nullptr ? DispEventUnadvise(m_spMenuButton, &DIID__CommandBarButtonEvents)
+                                         : S_OK;
+    });
+}
+
+STDMETHODIMP CConnect::OnAddInsUpdate(SAFEARRAY**)
+{
+    return S_OK;
+}
+
+STDMETHODIMP CConnect::OnStartupComplete(SAFEARRAY**)
+{
+    return RunGuarded<HRESULT>("CConnect::OnStartupComplete", S_OK, [] {
+        WriteDebugLog(GetDebugLog(), "CConnect::OnStartupComplete");
+        return S_OK;
+    });
+}
+
+STDMETHODIMP CConnect::OnBeginShutdown(SAFEARRAY**)
+{
+    return S_OK;
+}

@@ -1,0 +1,77 @@
+// The add-in object's part in Outlook 2010's Backstage view: markup, button and pictures.
+#include "addin/Connect.h"
+
+#include "addin/BackstageMarkup.h"
+#include "support/DebugLog.h"
+#include "support/DisabledWindow.h"
+#include "support/ExceptionGuard.h"
+#include "ui/LocalizedResources.h"
+#include "update/UpdateCheck.h"
+
+namespace
+{
+
+// The only Office that gets the tab: earlier ones have no Backstage view, and of later ones nothing is known.
+constexpr int kBackstageOffice = 14;
+
+// A BSTR of its own with the text's length; a zero character in the text does not end it.
+BSTR CopyToBstr(const std::wstring& text)
+{
+    const BSTR copy = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    if (copy == nullptr)
+    {
+        AtlThrow(E_OUTOFMEMORY);
+    }
+    return copy;
+}
+
+} // namespace
+
+STDMETHODIMP CConnect::GetCustomUI(BSTR, BSTR* RibbonXml)
+{
+    return RunGuarded<HRESULT>("CConnect::GetCustomUI", E_UNEXPECTED, [&]() -> HRESULT {
+        WriteDebugLog(GetDebugLog(), "CConnect::GetCustomUI");
+        if (RibbonXml == nullptr)
+        {
+            return E_POINTER;
+        }
+        if (GetLocalizedResources().GetOfficeVersion() != kBackstageOffice)
+        {
+            *RibbonXml = CopyToBstr(std::wstring());
+            return S_OK;
+        }
+        const auto markup = GetLocalizedResources().LoadXmlResource(IDR_BACKSTAGE_XML);
+        FillBackstageMarkup(*markup);
+        *RibbonXml = CopyToBstr(*markup);
+        return S_OK;
+    });
+}
+
+STDMETHODIMP CConnect::ButtonClicked(IDispatch*)
+{
+    return RunGuarded<HRESULT>("CConnect::ButtonClicked", S_OK, [] {
+        WriteDebugLog(GetDebugLog(), "CConnect::ButtonClicked");
+        AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        AfxSetResourceHandle(_AtlBaseModule.GetModuleInstance());
+        const HWND host = GetLocalizedResources().FindOwnProcessWindow();
+        const CDisabledWindow disabledHost(host);
+        CheckForUpdateExplicit(host);
+        return S_OK;
+    });
+}
+
+STDMETHODIMP CConnect::GetImageLogo(IDispatch* pControl, IPictureDisp** ppdispImage)
+{
+    return RunGuarded<HRESULT>("CConnect::GetImageLogo", E_UNEXPECTED, [&] {
+        WriteDebugLog(GetDebugLog(), "CConnect::GetImageLogo");
+        return GetLocalizedResources().LoadPngPicture(pControl, ppdispImage, IDR_LOGO_PNG);
+    });
+}
+
+STDMETHODIMP CConnect::GetImageIcon(IDispatch* pControl, IPictureDisp** ppdispImage)
+{
+    return RunGuarded<HRESULT>("CConnect::GetImageIcon", E_UNEXPECTED, [&] {
+        WriteDebugLog(GetDebugLog(), "CConnect::GetImageIcon");
+        return GetLocalizedResources().LoadPngPicture(pControl, ppdispImage, IDR_ICON_PNG);
+    });
+}

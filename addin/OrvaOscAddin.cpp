@@ -1,0 +1,83 @@
+// The DLL's five exports and its module object.
+#include "addin/OrvaOscAddinModule.h"
+
+#include "support/DebugLog.h"
+#include "support/ExceptionGuard.h"
+
+COrvaOscAddinModule _AtlModule;
+
+namespace
+{
+
+// Compared over its terminator too, so that only the whole word counts.
+constexpr wchar_t kPerUserSwitch[] = L"user";
+
+bool IsPerUserSwitch(LPCWSTR commandLine)
+{
+    return commandLine != nullptr && _wcsnicmp(commandLine, kPerUserSwitch, std::size(kPerUserSwitch)) == 0;
+}
+
+HRESULT Install(BOOL install, LPCWSTR commandLine)
+{
+    if (IsPerUserSwitch(commandLine))
+    {
+        AtlSetPerUserRegistration(true);
+    }
+    if (!install)
+    {
+        return DllUnregisterServer();
+    }
+    const HRESULT hr = DllRegisterServer();
+    if (FAILED(hr))
+    {
+        DllUnregisterServer();
+    }
+    return hr;
+}
+
+} // namespace
+
+// S_OK when nothing in the DLL is in use any more.
+STDAPI DllCanUnloadNow()
+{
+    return RunGuarded<HRESULT>("DllCanUnloadNow", S_FALSE, [] {
+        WriteDebugLog(GetDebugLog(), "DllCanUnloadNow");
+        return _AtlModule.DllCanUnloadNow();
+    });
+}
+
+// The class object of the add-in class, the only one there is.
+STDAPI DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* ppv)
+{
+    return RunGuarded<HRESULT>("DllGetClassObject", E_UNEXPECTED, [&] {
+        WriteDebugLog(GetDebugLog(), "DllGetClassObject");
+        return _AtlModule.DllGetClassObject(rclsid, riid, ppv);
+    });
+}
+
+// Registers ("user": for the current user) or unregisters; a registration that fails is taken back.
+STDAPI DllInstall(BOOL bInstall, LPCWSTR pszCmdLine)
+{
+    return RunGuarded<HRESULT>("DllInstall", E_FAIL, [&] {
+        WriteDebugLog(GetDebugLog(), "DllInstall");
+        return Install(bInstall, pszCmdLine);
+    });
+}
+
+// Adds the add-in's entry, the class and the type library to the registry.
+STDAPI DllRegisterServer()
+{
+    return RunGuarded<HRESULT>("DllRegisterServer", E_FAIL, [] {
+        WriteDebugLog(GetDebugLog(), "DllRegisterServer");
+        return _AtlModule.DllRegisterServer();
+    });
+}
+
+// Takes out of the registry what DllRegisterServer put there.
+STDAPI DllUnregisterServer()
+{
+    return RunGuarded<HRESULT>("DllUnregisterServer", E_FAIL, [] {
+        WriteDebugLog(GetDebugLog(), "DllUnregisterServer");
+        return _AtlModule.DllUnregisterServer();
+    });
+}

@@ -1,0 +1,20 @@
+// The DLL's module object: lock count, object map, registration.
+#pragma once
+
+#include <afxwin.h>
+
+#include <atlbase.h>
+
+#include "OrvaOscAddin.h"
+#include "res/resource.h"
+
+// One instance for the process, made when the DLL is loaded. Its own registration script is the add-in entry
+// that makes Outlook load the class.
+class COrvaOscAddinModule : public CAtlDllModuleT<COrvaOscAddinModule>
+{
+public:
+    DECLARE_LIBID(LIBID_OrvaOscAddinLib)
+    DECLARE_REGISTRY_APPID_RESOURCEID(IDR_ORVAOSCADDIN, "{AEC51F89-30A3-4488-83EB-705931CF2623}")
+};
+
+extern COrvaOscAddinModule _AtlModule;

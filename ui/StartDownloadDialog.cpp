@@ -1,0 +1,69 @@
+// The entry point of the download: fresh folder, progress dialog, start of the installer.
+#include "ui/StartDownloadDialog.h"
+
+#include "support/DebugLog.h"
+#include "support/DisabledWindow.h"
+#include "ui/DownloadPaths.h"
+#include "ui/LocalizedResources.h"
+#include "ui/UpdateDownloadDlg.h"
+
+#include <shellapi.h>
+
+namespace
+{
+
+constexpr char kFunction[] = "StartDownloadDialog";
+
+// Neither waits for the installer nor looks at the result: a user who refuses the elevation has seen why
+// nothing happens.
+void StartInstaller(const CString& path)
+{
+    SHELLEXECUTEINFOW info{};
+    info.cbSize = sizeof(info);
+    info.lpVerb = L"runas";
+    info.lpFile = path;
+    info.lpParameters = L"";
+    info.nShow = SW_SHOWNORMAL;
+    ShellExecuteExW(&info);
+}
+
+} // namespace
+
+void StartDownloadDialog(CString url, HWND owner)
+{
+    WriteDebugLog(GetDebugLog(), kFunction);
+    CLocalizedResources& resources = GetLocalizedResources();
+
+    const CString fileName = GetFileNameFromUrl(url);
+    if (fileName.IsEmpty())
+    {
+        // Shown as loaded, its placeholder unfilled: a link without a file name has nothing worth showing.
+        resources.ShowMessage(owner, resources.LoadString(IDS_URL_NOT_PARSED));
+        return;
+    }
+    const CString folder = CreateTempDownloadDirectory();
+    if (folder.IsEmpty())
+    {
+        resources.ShowMessage(owner, resources.LoadString(IDS_TEMP_DIR_NOT_CREATED));
+        return;
+    }
+    const CString path = folder + fileName;
+    WriteDebugLog(GetDebugLog(), kFunction, "target path", std::wstring(path.GetString()));
+
+    CUpdateDownloadDlg dialog;
+    dialog.m_url = url;
+    dialog.m_filePath = path;
+    INT_PTR result = IDCANCEL;
+    {
+        const CDisabledWindow disabledOwner(owner);
+        result = dialog.DoModal();
+    }
+    if (result == IDOK)
+    {
+        StartInstaller(path);
+    }
+    else
+    {
+        resources.ShowMessage(owner, resources.LoadString(IDS_UPDATE_CANCELED));
+    }
+}

@@ -1,0 +1,27 @@
+// The version that the update-information file publishes, and its comparison with the add-in's own.
+#pragma once
+
+#include <afxwin.h>
+
+#include <json_spirit.h>
+
+struct PublishedVersion
+{
+    int major;
+    int minor;
+    int build;
+};
+
+// Reads "majorVersion", "minorVersion" and "buildNumber" of the update's entry, all three and in this order,
+// and logs them. A member that is missing or not an integer raises json_spirit's type error.
+PublishedVersion ReadPublishedVersion(const json_spirit::wmObject& entry);
+
+// Whether `published` is greater than the add-in's own version in lexicographic order of (major, minor,
+// build). An equal version is not newer.
+bool IsNewerThanInstalled(const PublishedVersion& published);
+
+// "major.minor.build".
+CString FormatVersion(const PublishedVersion& version);
+
+// The add-in's own version, in the same form.
+CString FormatInstalledVersion();

@@ -1,0 +1,149 @@
+// Finds out whether a newer build is published and, if so, offers and installs it.
+#include "update/UpdateCheck.h"
+
+#include "OrvaWebHost.h"
+#include "res/resource.h"
+#include "support/DebugLog.h"
+#include "support/HttpRequest.h"
+#include "support/JsonUtilities.h"
+#include "support/TextUtilities.h"
+#include "support/Version.h"
+#include "ui/LocalizedResources.h"
+#include "ui/StartDownloadDialog.h"
+#include "update/PublishedVersion.h"
+#include "update/UpdateAvailableDlg.h"
+#include "update/UpdateDescription.h"
+
+#include <afxinet.h>
+
+#include <map>
+#include <string>
+
+namespace
+{
+
+constexpr char kFunction[] = "CheckForUpdate";
+constexpr char kUpdateInfoUrl[] = "http://" ORVA_WEB_HOST "/downloads/outlook/UpdateInfo.txt";
+
+void LogMessage(const std::string& message)
+{
+    WriteDebugLog(GetDebugLog(), kFunction, message, "");
+}
+
+void ShowString(HWND owner, UINT id)
+{
+    CLocalizedResources& resources = GetLocalizedResources();
+    resources.ShowMessage(owner, resources.LoadString(id));
+}
+
+void ShowStringUnlessSilent(HWND owner, bool silent, UINT id)
+{
+    if (!silent)
+    {
+        ShowString(owner, id);
+    }
+}
+
+std::wstring FetchUpdateInfo()
+{
+    LogMessage(kUpdateInfoUrl);
+    const std::wstring text = CHttpRequest::PerformTextRequest(
+        kUpdateInfoUrl, std::map<std::string, std::string>(), CHttpConnection::HTTP_VERB_GET);
+    // Written whatever the outcome was; the log's readers know the line as the end of the request.
+    LogMessage("TextRequest succeeded");
+    LogMessage(WideToNarrow(text));
+    return text;
+}
+
+// A broken file is reported in silent mode too, unlike an unreachable one: it is the publisher's mistake and
+// has to be noticed. What was read before the error stays in the value, and the check goes on with it.
+json_spirit::wmValue ParseUpdateInfo(const std::wstring& text, HWND owner)
+{
+    json_spirit::wmValue value;
+    try
+    {
+        LogMessage("parse json");
+        json_spirit::read_or_throw(text, value);
+    }
+    catch (...)
+    {
+        LogMessage("exception thrown while parsing json");
+        ShowString(owner, IDS_CONNECT_ERROR);
+    }
+    return value;
+}
+
+// Shows the published build. True when the user wants it installed.
+bool OfferUpdate(const CString& description, const PublishedVersion& published)
+{
+    CUpdateAvailableDlg dialog;
+    dialog.SetDescription(description);
+    dialog.SetVersions(FormatInstalledVersion(), FormatVersion(published));
+    return dialog.DoModal() == IDOK;
+}
+
+} // namespace
+
+bool CheckForUpdate(HWND owner, bool silent)
+{
+    WriteDebugLog(GetDebugLog(), kFunction);
+    const std::wstring text = FetchUpdateInfo();
+    if (text.empty())
+    {
+        LogMessage("inputData.length() == 0");
+        ShowStringUnlessSilent(owner, silent, IDS_CONNECT_ERROR);
+        return true;
+    }
+    const json_spirit::wmValue root = ParseUpdateInfo(text, owner);
+    if (CheckJSONObject(root, owner, silent))
+    {
+        return true;
+    }
+    const json_spirit::wmValue entryValue = FindValue(root.get_obj(), kUpdateEntryName);
+    if (CheckJSONObject(entryValue, owner, silent))
+    {
+        return true;
+    }
+    const json_spirit::wmObject& entry = entryValue.get_obj();
+    const PublishedVersion published = ReadPublishedVersion(entry);
+    if (!IsNewerThanInstalled(published))
+    {
+        return false;
+    }
+    const json_spirit::wmValue downloadLink = FindValue(entry, L"downloadLink");
+    if (CheckJSONObject(downloadLink, owner, silent))
+    {
+        return true;
+    }
+    const CString description = DetermineUpdateDescription(entry);
+    if (description.IsEmpty())
+    {
+        ShowStringUnlessSilent(owner, silent, IDS_UPDATE_INFO_NOT_PARSED);
+        return true;
+    }
+    if (OfferUpdate(description, published))
+    {
+        StartDownloadDialog(CString(downloadLink.get_str().c_str()), owner);
+    }
+    return true;
+}
+
+void CheckForUpdateExplicit(HWND owner)
+{
+    WriteDebugLog(GetDebugLog(), "CheckForUpdateExplicit");
+    if (!CheckForUpdate(owner, false))
+    {
+        ShowString(owner, IDS_LATEST_INSTALLED);
+    }
+}
+
+bool CheckJSONObject(json_spirit::wmValue value, HWND owner, bool silent)
+{
+    WriteDebugLog(GetDebugLog(), "CheckJSONObject");
+    if (!value.is_null())
+    {
+        return false;
+    }
+    ShowStringUnlessSilent(owner, silent, IDS_UPDATE_INFO_NOT_PARSED);
+    return true;
+}

@@ -1,0 +1,58 @@
+// Chooses the description of a published build for the user's language.
+#include "update/UpdateDescription.h"
+
+#include "support/DebugLog.h"
+#include "support/JsonUtilities.h"
+#include "ui/LocalizedResources.h"
+
+#include <string>
+
+namespace
+{
+
+constexpr wchar_t kDefaultKey[] = L"default";
+
+// These three ids only: another German, Spanish or Turkish variant reads the default text, although the
+// dialogs around it are in its language. Publishers rely on the key list being this short.
+std::wstring DescriptionKey(WORD language)
+{
+    constexpr WORD kGermanGermany = 1031;
+    constexpr WORD kTurkish = 1055;
+    constexpr WORD kSpanishModernSort = 3082;
+    switch (language)
+    {
+    case kGermanGermany:
+        return L"de";
+    case kTurkish:
+        return L"tr";
+    case kSpanishModernSort:
+        return L"es";
+    default:
+        return std::wstring();
+    }
+}
+
+} // namespace
+
+CString DetermineUpdateDescription(const json_spirit::wmObject& entry)
+{
+    WriteDebugLog(GetDebugLog(), "DetermineUpdateDescription");
+    const json_spirit::wmValue& description = FindValue(entry, L"description");
+    if (description.is_null())
+    {
+        return CString();
+    }
+    const json_spirit::wmObject& texts = description.get_obj();
+    const std::wstring key = DescriptionKey(GetLocalizedResources().GetUILanguage());
+
+    json_spirit::wmValue text;
+    if (!key.empty())
+    {
+        text = FindValue(texts, key);
+    }
+    if (text.is_null())
+    {
+        text = FindValue(texts, kDefaultKey);
+    }
+    return text.is_null() ? CString() : CString(text.get_str().c_str());
+}
