@@ -1,0 +1,135 @@
+// The choice of the user-interface language, and the strings and resources of the add-in's own module.
+#include "ui/LocalizedResources.h"
+
+#include "res/resource.h"
+#include "support/RegistryUtilities.h"
+#include "ui/StringBlock.h"
+
+#include <atlbase.h>
+
+#include <cstdint>
+
+namespace
+{
+constexpr WORD kFallbackLanguage = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
+
+/// A resource's bytes; they live as long as the module, so nothing has to be freed.
+struct ResourceBytes
+{
+    const void* data = nullptr;
+    DWORD size = 0;
+};
+
+/// Loads what FindResource found; false with the Win32 error set when that is null or cannot be loaded.
+bool LoadFound(HINSTANCE module, HRSRC found, ResourceBytes& bytes)
+{
+    const HGLOBAL loaded = found != nullptr ? ::LoadResource(module, found) : nullptr;
+    if (loaded == nullptr)
+    {
+        return false;
+    }
+    bytes.data = ::LockResource(loaded);
+    bytes.size = ::SizeofResource(module, found);
+    return bytes.data != nullptr;
+}
+} // namespace
+
+CLocalizedResources::CLocalizedResources()
+    : m_langId(GetUILanguage()), m_hInstance(_AtlBaseModule.GetModuleInstance())
+{
+}
+
+void CLocalizedResources::SetOfficeVersion(int version)
+{
+    m_officeVersion = version;
+    m_langId = GetUILanguage();
+}
+
+WORD CLocalizedResources::GetUILanguage() const
+{
+    if (m_officeVersion <= 0)
+    {
+        return 0;
+    }
+    CString key;
+    key.Format(L"SOFTWARE\\Microsoft\\Office\\%d.0\\Common\\LanguageResources", m_officeVersion);
+
+    std::int32_t language = ReadRegistryDword(key.GetString(), L"UILanguage");
+    // 0 says "as installed". A value that is missing reads as -1 and is not asked about again: such an Office
+    // shows empty texts, as it always has.
+    if (language == 0)
+    {
+        language = ReadRegistryDword(key.GetString(), L"InstallLanguage");
+    }
+    return LOWORD(language);
+}
+
+CString CLocalizedResources::LoadString(UINT id) const
+{
+    const UINT block = (id >> 4) + 1;
+    HRSRC found = ::FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(block), m_langId);
+    if (found == nullptr)
+    {
+        // Names the string where a block is to be named, so nothing is found and the text is empty. A
+        // language without a table is to show empty texts and not English ones: kept on purpose.
+        found = ::FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(id), kFallbackLanguage);
+    }
+    ResourceBytes bytes;
+    if (!LoadFound(m_hInstance, found, bytes))
+    {
+        return CString();
+    }
+    const std::u16string text = FindStringInBlock(bytes.data, bytes.size, id % 16);
+    const std::wstring wide(text.begin(), text.end());
+    return CString(wide.c_str(), static_cast<int>(wide.length()));
+}
+
+HRESULT CLocalizedResources::LoadResourceData(UINT id, const wchar_t* type, const void** data,
+                                              DWORD* size) const
+{
+    ResourceBytes bytes;
+    if (!LoadFound(m_hInstance, ::FindResourceW(m_hInstance, MAKEINTRESOURCEW(id), type), bytes))
+    {
+        return HRESULT_FROM_WIN32(::GetLastError());
+    }
+    *data = bytes.data;
+    *size = bytes.size;
+    return S_OK;
+}
+
+std::unique_ptr<std::wstring> CLocalizedResources::LoadXmlResource(UINT id) const
+{
+    const void* data = nullptr;
+    DWORD size = 0;
+    if (FAILED(LoadResourceData(id, L"XML", &data, &size)))
+    {
+        return nullptr;
+    }
+    return std::make_unique<std::wstring>(static_cast<const wchar_t*>(data), size / sizeof(wchar_t));
+}
+
+void CLocalizedResources::ShowMessage(HWND owner, const CString& text) const
+{
+    ::MessageBoxW(owner, text, LoadString(IDS_APPTITLE), MB_OK);
+}
+
+HWND CLocalizedResources::FindOwnProcessWindow() const
+{
+    for (HWND window = ::GetTopWindow(::GetDesktopWindow()); window != nullptr;
+         window = ::GetWindow(window, GW_HWNDNEXT))
+    {
+        DWORD process = 0;
+        ::GetWindowThreadProcessId(window, &process);
+        if (process == ::GetCurrentProcessId() && ::IsWindowVisible(window))
+        {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
+CLocalizedResources& GetLocalizedResources()
+{
+    static CLocalizedResources resources;
+    return resources;
+}
