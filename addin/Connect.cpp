@@ -59,6 +59,17 @@ void LogConnectMode(ext_ConnectMode mode)
     }
 }
 
+// The object by the interface id of what it has to be; null when it is null or something else.
+CComPtr<IDispatch> QueryForCalls(IDispatch* object, REFIID iid)
+{
+    CComPtr<IDispatch> found;
+    if (object != nullptr)
+    {
+        object->QueryInterface(iid, reinterpret_cast<void**>(&found));
+    }
+    return found;
+}
+
 // The leading integer of the host's version text; 0 when it does not start with a digit or there is none.
 int ReadOfficeVersion(IDispatch* application)
 {
@@ -123,19 +134,14 @@ STDMETHODIMP CConnect::OnConnection(IDispatch* Application, ext_ConnectMode Conn
 // Keeps the application and its active explorer; either stays null when the host does not give it.
 void CConnect::AttachToHost(IDispatch* application)
 {
-    if (application == nullptr ||
-        FAILED(application->QueryInterface(__uuidof(Outlook::_Application),
-                                           reinterpret_cast<void**>(&m_spApplication))))
-    {
-        return;
-    }
+    m_spApplication = QueryForCalls(application, __uuidof(Outlook::_Application));
     CComVariant explorer;
-    if (SUCCEEDED(m_spApplication.GetPropertyByName(L"ActiveExplorer", &explorer)) &&
-        explorer.vt == VT_DISPATCH && explorer.pdispVal != nullptr)
+    if (m_spApplication != nullptr)
     {
-        explorer.pdispVal->QueryInterface(__uuidof(Outlook::_Explorer),
-                                          reinterpret_cast<void**>(&m_spExplorer));
+        m_spApplication.GetPropertyByName(L"ActiveExplorer", &explorer);
     }
+    m_spExplorer =
+        QueryForCalls(explorer.vt == VT_DISPATCH ? explorer.pdispVal : nullptr, __uuidof(Outlook::_Explorer));
 }
 
 // Versions after the one with the Backstage tab get neither tab nor menu command: no one has seen them there
