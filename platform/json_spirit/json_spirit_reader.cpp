@@ -1,0 +1,15 @@
+// The two readers, compiled once: the grammar's templates are too large to be compiled into every user.
+#include "json_spirit_reader_template.h"
+
+namespace json_spirit
+{
+void read_or_throw(const std::string& text, mValue& value)
+{
+    Reader<mValue>(text, value).read_or_throw();
+}
+
+void read_or_throw(const std::wstring& text, wmValue& value)
+{
+    Reader<wmValue>(text, value).read_or_throw();
+}
+} // namespace json_spirit
