@@ -1,0 +1,54 @@
+// Dialogs; part of <afxwin.h>, which is the header to include.
+//
+// Left out: modeless dialogs (Create), templates made in memory, help, WM_ENTERIDLE and idle processing,
+// command routing from the dialog to its owner, list and combo box initialisation data (RT_DLGINIT).
+// Otherwise than the original: the object is attached with the first message that the dialog procedure sees,
+// so messages that precede it (WM_NCCREATE, WM_CREATE) do not reach the message map. An exception that leaves
+// OnInitDialog ends the dialog with IDABORT.
+#pragma once
+
+#include "afxwnd_.h"
+
+/// A modal dialog from a template of the current resource module (AfxGetResourceHandle).
+class CDialog : public CWnd
+{
+    DECLARE_DYNAMIC(CDialog)
+public:
+    explicit CDialog(UINT nIDTemplate, CWnd* pParentWnd = nullptr);
+    explicit CDialog(LPCTSTR lpszTemplateName, CWnd* pParentWnd = nullptr);
+
+    /// Shows the dialog and returns what EndDialog was called with. -1 when it could not be created, IDABORT
+    /// when OnInitDialog failed by an exception.
+    ///
+    /// The owner is that of CWnd::GetSafeOwner for the constructor's parent. It and the top-level window
+    /// above it are disabled around the dialog, unless they were already, and the owner is activated at the
+    /// end.
+    virtual INT_PTR DoModal();
+
+    /// Ends DoModal; may be called in OnInitDialog, and the dialog is then never shown.
+    void EndDialog(int nResult);
+
+    BOOL PreTranslateMessage(MSG* pMsg) override;
+
+protected:
+    /// Binds the controls by UpdateData(FALSE). Overrides call this first; TRUE lets the system set the
+    /// focus.
+    virtual BOOL OnInitDialog();
+    /// Enter or IDOK: UpdateData, then EndDialog(IDOK).
+    virtual void OnOK();
+    /// Escape, the close box or IDCANCEL: EndDialog(IDCANCEL).
+    virtual void OnCancel();
+    BOOL CheckAutoCenter() override;
+
+    LPCTSTR m_lpszTemplateName;
+    CWnd* m_pParentWnd;
+
+    DECLARE_MESSAGE_MAP()
+
+private:
+    static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
+    INT_PTR InitDialog(HWND hWnd);
+    BOOL CreateModal(HINSTANCE hInstance, HWND hWndOwner);
+
+    const DLGTEMPLATE* m_pTemplate = nullptr;
+};

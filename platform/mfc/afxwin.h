@@ -1,0 +1,42 @@
+// Windows, dialogs, controls, message maps, module state and threads, as MFC names them.
+//
+// Left out: everything that the add-in does not use; each of the included headers says what. Control classes
+// have only what is used of them, and no window creation. AfxInitRichEdit2 leaves the library loaded for
+// good.
+#pragma once
+
+#include <afx.h>
+
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include "afxcmdt_.h"
+#include "afxdd_.h"
+#include "afxdlg_.h"
+#include "afxgdi_.h"
+#include "afxmsg_.h"
+#include "afxstat_.h"
+#include "afxthrd_.h"
+#include "afxwnd_.h"
+#include "atltypes.h"
+
+class CStatic : public CWnd
+{
+    DECLARE_DYNAMIC(CStatic)
+};
+
+class CButton : public CWnd
+{
+    DECLARE_DYNAMIC(CButton)
+};
+
+class CEdit : public CWnd
+{
+    DECLARE_DYNAMIC(CEdit)
+public:
+    BOOL SetReadOnly(BOOL bReadOnly = TRUE);
+};
+
+/// Loads the library that registers the window class "RichEdit20W", once; FALSE when it cannot be loaded.
+BOOL AFXAPI AfxInitRichEdit2();
