@@ -6,9 +6,8 @@
 // stands at the head of its own header.
 #pragma once
 
-#include <afxver_.h>
-// The order is the order of dependence: each header includes only those above it.
 #include <afxexc_.h>
 #include <afxfile_.h>
 #include <afxobj_.h>
 #include <afxstr.h>
+#include <afxver_.h>
