@@ -10,11 +10,13 @@ target_compile_definitions(orva_options INTERFACE
   UNICODE _UNICODE NOMINMAX STRICT
   _WIN32_WINNT=0x0600 WINVER=0x0600 NTDDI_VERSION=0x06000000 _WIN32_IE=0x0700)
 
+# -Wno-restrict: g++ 12 takes the sum of a literal and a temporary string for overlapping memory.
 # g++ passes a class object through C varargs as its address without a word unless
 # conditionally-supported is an error; CString must never end there.
 target_compile_options(orva_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wcast-qual -Wundef
   -Werror -Werror=conditionally-supported
+  -Wno-restrict
   -fno-strict-aliasing
   "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=." "-ffile-prefix-map=${CMAKE_BINARY_DIR}=build"
   "$<$<CONFIG:Release>:-g1>")

@@ -8,6 +8,12 @@
 namespace orva::test
 {
 
+/// Makes this process read the proxy setting again when it is destroyed.
+struct CProxyChangeAnnouncer
+{
+    ~CProxyChangeAnnouncer();
+};
+
 /// For its lifetime the current user's proxy is 127.0.0.1:PORT, for programs started from now on and for this
 /// one.
 ///
@@ -21,11 +27,12 @@ public:
     explicit CProxySetting(unsigned short port);
     /// A proxy text as the user would type it.
     explicit CProxySetting(const std::wstring& proxy);
-    ~CProxySetting();
     CProxySetting(const CProxySetting&) = delete;
     CProxySetting& operator=(const CProxySetting&) = delete;
 
 private:
+    // First, so that it is destroyed last: when the values stand as before.
+    CProxyChangeAnnouncer m_announcer;
     CRegistryValue m_enable;
     CRegistryValue m_server;
     CRegistryValue m_override;
@@ -37,11 +44,12 @@ class CNoProxy
 {
 public:
     CNoProxy();
-    ~CNoProxy();
     CNoProxy(const CNoProxy&) = delete;
     CNoProxy& operator=(const CNoProxy&) = delete;
 
 private:
+    // First, so that it is destroyed last: when the values stand as before.
+    CProxyChangeAnnouncer m_announcer;
     CRegistryValue m_enable;
     CRegistryValue m_autoConfig;
 };

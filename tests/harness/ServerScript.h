@@ -6,6 +6,7 @@
 #include "harness/Waiting.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -56,12 +57,12 @@ public:
     struct Action
     {
         Kind kind = Kind::Close;
-        std::string bytes;
+        std::string bytes = {};
         /// Bytes sent at a time; 0: all at once.
         size_t chunk = 0;
         /// Milliseconds between two chunks, or of a pause.
         DWORD pause = 0;
-        CGate gate;
+        std::optional<CGate> gate = {};
     };
 
     CServerScript() = default;

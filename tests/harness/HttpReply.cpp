@@ -1,0 +1,142 @@
+// Builds the bytes of an HTTP response, well-formed by default, with every part open to change.
+#include "harness/HttpReply.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace orva::test
+{
+
+namespace
+{
+
+constexpr char kLengthHeader[] = "Content-Length";
+
+std::string ReasonOf(int status)
+{
+    switch (status)
+    {
+    case 200:
+        return "OK";
+    case 201:
+        return "Created";
+    case 204:
+        return "No Content";
+    case 301:
+        return "Moved Permanently";
+    case 302:
+        return "Found";
+    case 403:
+        return "Forbidden";
+    case 404:
+        return "Not Found";
+    case 500:
+        return "Internal Server Error";
+    case 503:
+        return "Service Unavailable";
+    default:
+        return "Status";
+    }
+}
+
+} // namespace
+
+CHttpReply::CHttpReply(int status, std::string body)
+    : m_status(status), m_reason(ReasonOf(status)),
+      m_body(std::move(body)), m_headers{{"Date", kReplyDate},
+                                         {"Content-Type", "text/plain"},
+                                         {"Connection", "close"}}
+{
+}
+
+CHttpReply& CHttpReply::Reason(std::string reason)
+{
+    m_reason = std::move(reason);
+    return *this;
+}
+
+CHttpReply& CHttpReply::Body(std::string body)
+{
+    m_body = std::move(body);
+    return *this;
+}
+
+CHttpReply& CHttpReply::Header(const std::string& name, std::string value)
+{
+    Without(name);
+    return AddHeader(name, std::move(value));
+}
+
+CHttpReply& CHttpReply::AddHeader(std::string name, std::string value)
+{
+    if (strcasecmp(name.c_str(), kLengthHeader) == 0)
+    {
+        m_hasLength = false;
+    }
+    m_headers.emplace_back(std::move(name), std::move(value));
+    return *this;
+}
+
+CHttpReply& CHttpReply::Without(const std::string& name)
+{
+    std::erase_if(m_headers,
+                  [&](const auto& header) { return strcasecmp(header.first.c_str(), name.c_str()) == 0; });
+    if (strcasecmp(name.c_str(), kLengthHeader) == 0)
+    {
+        m_hasLength = false;
+    }
+    return *this;
+}
+
+CHttpReply& CHttpReply::ContentLength(unsigned long long length)
+{
+    return Header(kLengthHeader, std::to_string(length));
+}
+
+CHttpReply& CHttpReply::Chunked(size_t chunkSize)
+{
+    m_chunkSize = chunkSize;
+    Without(kLengthHeader);
+    return Header("Transfer-Encoding", "chunked");
+}
+
+CHttpReply& CHttpReply::KeepAlive()
+{
+    m_keepAlive = true;
+    return Header("Connection", "keep-alive");
+}
+
+std::string CHttpReply::Head() const
+{
+    std::string head = "HTTP/1.1 " + std::to_string(m_status) + " " + m_reason + "\r\n";
+    for (const auto& [name, value] : m_headers)
+    {
+        head += name + ": " + value + "\r\n";
+    }
+    if (m_hasLength)
+    {
+        head += std::string(kLengthHeader) + ": " + std::to_string(m_body.size()) + "\r\n";
+    }
+    return head + "\r\n";
+}
+
+std::string CHttpReply::WireBody() const
+{
+    if (m_chunkSize == 0)
+    {
+        return m_body;
+    }
+    std::string wire;
+    for (size_t at = 0; at < m_body.size(); at += m_chunkSize)
+    {
+        const size_t length = std::min(m_chunkSize, m_body.size() - at);
+        char size[20];
+        std::snprintf(size, sizeof size, "%zx\r\n", length);
+        wire += size + m_body.substr(at, length) + "\r\n";
+    }
+    return wire + "0\r\n\r\n";
+}
+
+} // namespace orva::test

@@ -1,0 +1,602 @@
+// A scripted HTTP server on 127.0.0.1 inside the test process; it also plays the proxy of WinINet.
+// Before anything that includes windows.h, which brings the old sockets otherwise.
+#include <winsock2.h>
+
+#include "harness/LoopbackServer.h"
+#include "harness/Text.h"
+
+#include <process.h>
+#include <strings.h>
+
+#include <algorithm>
+#include <charconv>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <stdexcept>
+
+namespace orva::test
+{
+
+namespace
+{
+
+/// A request with a longer head than this is taken as it is.
+constexpr size_t kMaxHead = 1 << 20;
+/// How long a graceful close waits for the client's end, in milliseconds; longer than any client needs.
+constexpr DWORD kLinger = 2'000;
+
+struct SocketLibrary
+{
+    SocketLibrary()
+    {
+        WSADATA data;
+        if (WSAStartup(MAKEWORD(2, 2), &data) != 0)
+        {
+            throw std::runtime_error("no sockets");
+        }
+    }
+};
+
+/// A TCP socket bound to a free port of 127.0.0.1.
+SOCKET BoundSocket(unsigned short& port)
+{
+    static const SocketLibrary library;
+    const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    int length = sizeof address;
+    if (socket == INVALID_SOCKET ||
+        bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
+        getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+    {
+        throw std::runtime_error("cannot bind to 127.0.0.1: " + std::to_string(WSAGetLastError()));
+    }
+    port = ntohs(address.sin_port);
+    return socket;
+}
+
+void SplitTarget(CHttpRecord& record)
+{
+    std::string rest = record.target;
+    const size_t scheme = rest.find("://");
+    if (scheme != std::string::npos && scheme < rest.find('/'))
+    {
+        rest.erase(0, scheme + 3);
+        const size_t path = std::min(rest.find('/'), rest.size());
+        record.authority = rest.substr(0, path);
+        rest.erase(0, path);
+    }
+    const size_t query = rest.find('?');
+    record.path = rest.substr(0, query);
+    if (query != std::string::npos)
+    {
+        record.query = rest.substr(query + 1);
+    }
+}
+
+/// Takes the head of a request apart. A malformed one leaves fields empty.
+CHttpRecord ParseHead(const std::string& head)
+{
+    CHttpRecord record;
+    record.raw = head;
+    const std::vector<std::string> lines = SplitLines(head);
+    if (lines.empty())
+    {
+        return record;
+    }
+    record.requestLine = lines[0];
+    const size_t first = lines[0].find(' ');
+    const size_t last = lines[0].rfind(' ');
+    if (first != std::string::npos && last > first)
+    {
+        record.method = lines[0].substr(0, first);
+        record.target = lines[0].substr(first + 1, last - first - 1);
+        record.version = lines[0].substr(last + 1);
+        SplitTarget(record);
+    }
+    for (size_t i = 1; i < lines.size() && !lines[i].empty(); ++i)
+    {
+        const size_t colon = lines[i].find(':');
+        std::string value = colon == std::string::npos ? std::string() : lines[i].substr(colon + 1);
+        value.erase(0, std::min(value.find_first_not_of(" \t"), value.size()));
+        record.headers.emplace_back(lines[i].substr(0, colon), std::move(value));
+    }
+    return record;
+}
+
+size_t ContentLength(const CHttpRecord& record)
+{
+    size_t length = 0;
+    if (const auto text = record.Header("Content-Length"))
+    {
+        std::from_chars(text->data(), text->data() + text->size(), length);
+    }
+    return length;
+}
+
+} // namespace
+
+std::optional<std::string> CHttpRecord::Header(std::string_view name) const
+{
+    for (const auto& [key, value] : headers)
+    {
+        if (key.size() == name.size() && strncasecmp(key.data(), name.data(), name.size()) == 0)
+        {
+            return value;
+        }
+    }
+    return std::nullopt;
+}
+
+/// The server's state, its accepting thread and one thread a connection.
+class CLoopbackServer::Impl
+{
+public:
+    Impl() : m_stop(MakeEvent()), m_refuse(MakeEvent())
+    {
+        m_listener = BoundSocket(port);
+        if (listen(m_listener, SOMAXCONN) != 0)
+        {
+            throw std::runtime_error("cannot listen");
+        }
+        m_accepting.reset(
+            reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, AcceptEntry, this, 0, nullptr)));
+    }
+
+    ~Impl()
+    {
+        Refuse();
+        SetEvent(m_stop.get());
+        std::vector<UniqueHandle> threads;
+        {
+            const std::lock_guard lock(mutex);
+            threads.swap(m_threads);
+        }
+        for (const UniqueHandle& thread : threads)
+        {
+            WaitForSingleObject(thread.get(), INFINITE);
+        }
+    }
+
+    void Refuse()
+    {
+        SetEvent(m_refuse.get());
+        WaitForSingleObject(m_accepting.get(), INFINITE);
+    }
+
+    unsigned short port = 0;
+    mutable std::mutex mutex;
+    std::map<std::string, CServerScript> scripts;
+    std::map<std::string, std::deque<CServerScript>> nextScripts;
+    CServerScript otherScript = CHttpReply(404, "not found");
+    std::optional<CServerScript> connectionScript;
+    std::deque<CServerScript> nextConnectionScripts;
+    std::vector<CHttpRecord> requests;
+    size_t connections = 0;
+    size_t openConnections = 0;
+
+private:
+    struct Connection
+    {
+        Impl* server;
+        SOCKET socket;
+        size_t number;
+        UniqueHandle event;
+        std::optional<CServerScript> script;
+        bool peerClosed = false;
+        /// Received and not yet used.
+        std::string pending;
+    };
+
+    static unsigned __stdcall AcceptEntry(void* self)
+    {
+        static_cast<Impl*>(self)->Accept();
+        return 0;
+    }
+
+    static unsigned __stdcall ConnectionEntry(void* argument)
+    {
+        const std::unique_ptr<Connection> connection(static_cast<Connection*>(argument));
+        Impl& server = *connection->server;
+        server.Serve(*connection);
+        closesocket(connection->socket);
+        const std::lock_guard lock(server.mutex);
+        --server.openConnections;
+        return 0;
+    }
+
+    void Accept()
+    {
+        const UniqueHandle news(WSACreateEvent());
+        WSAEventSelect(m_listener, news.get(), FD_ACCEPT);
+        const HANDLE events[] = {m_refuse.get(), news.get()};
+        while (WSAWaitForMultipleEvents(2, events, FALSE, INFINITE, FALSE) == WSA_WAIT_EVENT_0 + 1)
+        {
+            WSAResetEvent(news.get());
+            SOCKET socket;
+            while ((socket = accept(m_listener, nullptr, nullptr)) != INVALID_SOCKET)
+            {
+                StartConnection(socket);
+            }
+        }
+        closesocket(m_listener);
+    }
+
+    void StartConnection(SOCKET socket)
+    {
+        auto connection = std::make_unique<Connection>();
+        connection->server = this;
+        connection->socket = socket;
+        connection->event.reset(WSACreateEvent());
+        WSAEventSelect(socket, connection->event.get(), FD_READ | FD_WRITE | FD_CLOSE);
+        const std::lock_guard lock(mutex);
+        connection->number = connections++;
+        ++openConnections;
+        connection->script = connectionScript;
+        if (!nextConnectionScripts.empty())
+        {
+            connection->script = std::move(nextConnectionScripts.front());
+            nextConnectionScripts.pop_front();
+        }
+        m_threads.emplace_back(reinterpret_cast<HANDLE>(
+            _beginthreadex(nullptr, 0, ConnectionEntry, connection.release(), 0, nullptr)));
+    }
+
+    void Serve(Connection& connection)
+    {
+        if (connection.script)
+        {
+            if (!Run(connection, *connection.script))
+            {
+                return;
+            }
+        }
+        while (const std::optional<CHttpRecord> request = ReadRequest(connection))
+        {
+            CServerScript script;
+            {
+                const std::lock_guard lock(mutex);
+                requests.push_back(*request);
+                script = ScriptFor(request->path);
+            }
+            if (!Run(connection, script))
+            {
+                return;
+            }
+        }
+    }
+
+    CServerScript ScriptFor(const std::string& path)
+    {
+        if (const auto queue = nextScripts.find(path); queue != nextScripts.end() && !queue->second.empty())
+        {
+            CServerScript script = std::move(queue->second.front());
+            queue->second.pop_front();
+            return script;
+        }
+        const auto script = scripts.find(path);
+        return script == scripts.end() ? otherScript : script->second;
+    }
+
+    /// Waits until the socket has news or the server stops. False when the server stops or time is up.
+    bool WaitForNews(const Connection& connection, DWORD timeout = INFINITE)
+    {
+        const HANDLE events[] = {m_stop.get(), connection.event.get()};
+        return WSAWaitForMultipleEvents(2, events, FALSE, timeout, FALSE) == WSA_WAIT_EVENT_0 + 1;
+    }
+
+    /// Receives what there is. False once the connection has ended.
+    bool Receive(Connection& connection)
+    {
+        char buffer[16'384];
+        while (!connection.peerClosed)
+        {
+            WSAResetEvent(connection.event.get());
+            const int count = recv(connection.socket, buffer, sizeof buffer, 0);
+            if (count > 0)
+            {
+                connection.pending.append(buffer, static_cast<size_t>(count));
+                return true;
+            }
+            if (count < 0 && WSAGetLastError() == WSAEWOULDBLOCK)
+            {
+                if (WaitForNews(connection))
+                {
+                    continue;
+                }
+                return false;
+            }
+            connection.peerClosed = true;
+        }
+        return false;
+    }
+
+    std::optional<CHttpRecord> ReadRequest(Connection& connection)
+    {
+        constexpr char kHeadEnd[] = "\r\n\r\n";
+        size_t head;
+        while ((head = connection.pending.find(kHeadEnd)) == std::string::npos &&
+               connection.pending.size() < kMaxHead)
+        {
+            if (!Receive(connection))
+            {
+                return std::nullopt;
+            }
+        }
+        head = std::min(head, connection.pending.size() - 4) + 4;
+        CHttpRecord record = ParseHead(connection.pending.substr(0, head));
+        record.connection = connection.number;
+        connection.pending.erase(0, head);
+        const size_t length = ContentLength(record);
+        while (connection.pending.size() < length)
+        {
+            if (!Receive(connection))
+            {
+                break;
+            }
+        }
+        record.body = connection.pending.substr(0, length);
+        record.raw += record.body;
+        connection.pending.erase(0, record.body.size());
+        return record;
+    }
+
+    bool SendAll(Connection& connection, const std::string& bytes)
+    {
+        for (size_t sent = 0; sent < bytes.size();)
+        {
+            WSAResetEvent(connection.event.get());
+            const int count =
+                send(connection.socket, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
+            if (count > 0)
+            {
+                sent += static_cast<size_t>(count);
+                continue;
+            }
+            if (WSAGetLastError() != WSAEWOULDBLOCK || !WaitForNews(connection))
+            {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool Send(Connection& connection, const CServerScript::Action& action)
+    {
+        if (action.chunk == 0)
+        {
+            return SendAll(connection, action.bytes);
+        }
+        for (size_t at = 0; at < action.bytes.size(); at += action.chunk)
+        {
+            if (!SendAll(connection, action.bytes.substr(at, action.chunk)) || IsStopping(action.pause))
+            {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool IsStopping(DWORD wait) { return WaitForSingleObject(m_stop.get(), wait) == WAIT_OBJECT_0; }
+
+    void CloseGracefully(Connection& connection)
+    {
+        // A close with unread data would send a reset and could take the reply's end away from the client, so
+        // the client's own end is awaited.
+        shutdown(connection.socket, SD_SEND);
+        const ULONGLONG end = GetTickCount64() + kLinger;
+        char buffer[16'384];
+        for (;;)
+        {
+            WSAResetEvent(connection.event.get());
+            const int count = recv(connection.socket, buffer, sizeof buffer, 0);
+            const ULONGLONG now = GetTickCount64();
+            if (count == 0 || (count < 0 && WSAGetLastError() != WSAEWOULDBLOCK) || now >= end)
+            {
+                return;
+            }
+            if (count < 0 && !WaitForNews(connection, static_cast<DWORD>(end - now)))
+            {
+                return;
+            }
+        }
+    }
+
+    /// Runs the actions. True if the connection goes on with the next request.
+    bool Run(Connection& connection, const CServerScript& script)
+    {
+        for (const CServerScript::Action& action : script.Actions())
+        {
+            switch (action.kind)
+            {
+            case CServerScript::Kind::Send:
+                if (!Send(connection, action))
+                {
+                    return false;
+                }
+                break;
+            case CServerScript::Kind::Wait: {
+                SetEvent(action.gate->ReachedEvent());
+                const HANDLE events[] = {m_stop.get(), action.gate->OpenedEvent()};
+                if (WaitForMultipleObjects(2, events, FALSE, INFINITE) != WAIT_OBJECT_0 + 1)
+                {
+                    return false;
+                }
+                break;
+            }
+            case CServerScript::Kind::Pause:
+                if (IsStopping(action.pause))
+                {
+                    return false;
+                }
+                break;
+            case CServerScript::Kind::Stall:
+                while (Receive(connection))
+                {
+                }
+                return false;
+            case CServerScript::Kind::Reset: {
+                const linger hard = {1, 0};
+                setsockopt(connection.socket, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&hard),
+                           sizeof hard);
+                return false;
+            }
+            case CServerScript::Kind::Close:
+                CloseGracefully(connection);
+                return false;
+            case CServerScript::Kind::NextRequest:
+                return true;
+            }
+        }
+        CloseGracefully(connection);
+        return false;
+    }
+
+    UniqueHandle m_stop;
+    UniqueHandle m_refuse;
+    SOCKET m_listener = INVALID_SOCKET;
+    UniqueHandle m_accepting;
+    std::vector<UniqueHandle> m_threads;
+};
+
+CLoopbackServer::CLoopbackServer() : m_impl(std::make_unique<Impl>()) {}
+
+CLoopbackServer::~CLoopbackServer() = default;
+
+unsigned short CLoopbackServer::Port() const
+{
+    return m_impl->port;
+}
+
+std::string CLoopbackServer::Url(const std::string& path) const
+{
+    return "http://127.0.0.1:" + std::to_string(Port()) + path;
+}
+
+std::wstring CLoopbackServer::WideUrl(const std::string& path) const
+{
+    return Wide(Url(path));
+}
+
+void CLoopbackServer::On(const std::string& path, CServerScript script)
+{
+    const std::lock_guard lock(m_impl->mutex);
+    m_impl->scripts[path] = std::move(script);
+}
+
+void CLoopbackServer::OnNext(const std::string& path, CServerScript script)
+{
+    const std::lock_guard lock(m_impl->mutex);
+    m_impl->nextScripts[path].push_back(std::move(script));
+}
+
+void CLoopbackServer::OnOther(CServerScript script)
+{
+    const std::lock_guard lock(m_impl->mutex);
+    m_impl->otherScript = std::move(script);
+}
+
+void CLoopbackServer::OnConnection(std::optional<CServerScript> script)
+{
+    const std::lock_guard lock(m_impl->mutex);
+    m_impl->connectionScript = std::move(script);
+}
+
+void CLoopbackServer::OnNextConnection(CServerScript script)
+{
+    const std::lock_guard lock(m_impl->mutex);
+    m_impl->nextConnectionScripts.push_back(std::move(script));
+}
+
+void CLoopbackServer::Refuse()
+{
+    m_impl->Refuse();
+}
+
+std::vector<CHttpRecord> CLoopbackServer::Requests() const
+{
+    const std::lock_guard lock(m_impl->mutex);
+    return m_impl->requests;
+}
+
+std::vector<CHttpRecord> CLoopbackServer::RequestsFor(const std::string& path) const
+{
+    std::vector<CHttpRecord> requests = Requests();
+    std::erase_if(requests, [&](const CHttpRecord& record) { return record.path != path; });
+    return requests;
+}
+
+bool CLoopbackServer::WaitForRequests(size_t count, DWORD timeout) const
+{
+    return WaitUntil(
+        [&] {
+            const std::lock_guard lock(m_impl->mutex);
+            return m_impl->requests.size() >= count;
+        },
+        timeout);
+}
+
+size_t CLoopbackServer::Connections() const
+{
+    const std::lock_guard lock(m_impl->mutex);
+    return m_impl->connections;
+}
+
+bool CLoopbackServer::WaitForConnections(size_t count, DWORD timeout) const
+{
+    return WaitUntil([&] { return Connections() >= count; }, timeout);
+}
+
+bool CLoopbackServer::WaitUntilIdle(DWORD timeout) const
+{
+    return WaitUntil(
+        [&] {
+            const std::lock_guard lock(m_impl->mutex);
+            return m_impl->openConnections == 0;
+        },
+        timeout);
+}
+
+CRefusingPort::CRefusingPort()
+{
+    // Bound and not listening: nobody else can get the port, and the system answers with a reset.
+    m_socket = BoundSocket(m_port);
+}
+
+CRefusingPort::~CRefusingPort()
+{
+    closesocket(m_socket);
+}
+
+CUnansweringPort::CUnansweringPort()
+{
+    m_socket = BoundSocket(m_port);
+    listen(m_socket, 1);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(m_port);
+    // Non-blocking connects until the queue is full; how many it holds differs from system to system.
+    constexpr int kFillers = 16;
+    for (int i = 0; i < kFillers; ++i)
+    {
+        const SOCKET filler = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+        u_long nonBlocking = 1;
+        ioctlsocket(filler, FIONBIO, &nonBlocking);
+        connect(filler, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        m_fillers.push_back(filler);
+    }
+}
+
+CUnansweringPort::~CUnansweringPort()
+{
+    for (const auto filler : m_fillers)
+    {
+        closesocket(filler);
+    }
+    closesocket(m_socket);
+}
+
+} // namespace orva::test

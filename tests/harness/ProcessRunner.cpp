@@ -1,0 +1,365 @@
+// Starts Windows programs with captured output, a deadline and, if asked for, their debugger output.
+#include "harness/ProcessRunner.h"
+
+#include "harness/Text.h"
+
+#include <process.h>
+
+#include <cwctype>
+#include <mutex>
+#include <stdexcept>
+
+namespace orva::test
+{
+
+namespace
+{
+
+/// Exit code of a program that End has ended.
+constexpr UINT kEndedCode = 0xE0D0;
+/// How often the debugger looks whether its program still runs, in milliseconds.
+constexpr DWORD kDebugInterval = 50;
+
+struct CompareNames
+{
+    bool operator()(const std::wstring& left, const std::wstring& right) const
+    {
+        return _wcsicmp(left.c_str(), right.c_str()) < 0;
+    }
+};
+
+/// This process's environment with changes, as CreateProcess takes it.
+std::wstring EnvironmentBlock(const std::map<std::wstring, std::wstring>& changes)
+{
+    std::map<std::wstring, std::wstring, CompareNames> variables;
+    wchar_t* const strings = GetEnvironmentStringsW();
+    for (const wchar_t* entry = strings; *entry; entry += wcslen(entry) + 1)
+    {
+        const std::wstring text = entry;
+        // From 1: the hidden ones of the form "=C:=..." keep their first character.
+        const size_t equals = text.find(L'=', 1);
+        variables[text.substr(0, equals)] = text.substr(equals + 1);
+    }
+    FreeEnvironmentStringsW(strings);
+    for (const auto& [name, value] : changes)
+    {
+        if (value.empty())
+        {
+            variables.erase(name);
+        }
+        else
+        {
+            variables[name] = value;
+        }
+    }
+    std::wstring block;
+    for (const auto& [name, value] : variables)
+    {
+        block += name + L"=" + value + L'\0';
+    }
+    return block + L'\0';
+}
+
+std::wstring Quoted(const std::wstring& argument)
+{
+    if (!argument.empty() && argument.find_first_of(L" \t\n\v\"") == std::wstring::npos)
+    {
+        return argument;
+    }
+    std::wstring quoted = L"\"";
+    size_t backslashes = 0;
+    for (const wchar_t character : argument)
+    {
+        if (character == L'"')
+        {
+            // Backslashes before a quote count double, and the quote takes one.
+            quoted.append(backslashes + 1, L'\\');
+        }
+        backslashes = character == L'\\' ? backslashes + 1 : 0;
+        quoted += character;
+    }
+    quoted.append(backslashes, L'\\');
+    return quoted + L"\"";
+}
+
+} // namespace
+
+/// The process, a thread that reads its output and, under a debugger, a thread that started it and hears its
+/// events.
+class CChildProcess::Impl
+{
+public:
+    explicit Impl(const CProcessOptions& options) : m_options(options), m_started(MakeEvent())
+    {
+        SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
+        HANDLE readEnd = nullptr;
+        HANDLE writeEnd = nullptr;
+        if (!CreatePipe(&readEnd, &writeEnd, &inherit, 0))
+        {
+            throw std::runtime_error("cannot make a pipe");
+        }
+        m_output.reset(readEnd);
+        m_writeEnd.reset(writeEnd);
+        SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
+        if (options.debug)
+        {
+            // The thread that starts a program under debugging is the one that gets its events.
+            m_debugger.reset(
+                reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, DebugEntry, this, 0, nullptr)));
+            WaitForSingleObject(m_started.get(), INFINITE);
+        }
+        else
+        {
+            Create();
+        }
+        m_writeEnd.reset();
+        if (!m_process)
+        {
+            WaitForDebugger();
+            throw std::runtime_error("cannot start " + Utf8(options.program) + ": " +
+                                     std::to_string(m_error));
+        }
+        m_reader.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, ReadEntry, this, 0, nullptr)));
+    }
+
+    ~Impl()
+    {
+        if (IsRunning())
+        {
+            End();
+        }
+        WaitForDebugger();
+        CancelReader();
+        WaitForSingleObject(m_reader.get(), INFINITE);
+    }
+
+    bool IsRunning() const { return WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT; }
+
+    std::optional<DWORD> WaitForExit(DWORD timeout)
+    {
+        if (WaitForSingleObject(m_process.get(), timeout) != WAIT_OBJECT_0)
+        {
+            return std::nullopt;
+        }
+        WaitForDebugger();
+        // A grandchild may hold the pipe open; what the program itself wrote is there by then.
+        constexpr DWORD kDrainTime = 1'000;
+        WaitForSingleObject(m_reader.get(), kDrainTime);
+        DWORD code = 0;
+        GetExitCodeProcess(m_process.get(), &code);
+        return code;
+    }
+
+    void End()
+    {
+        TerminateProcess(m_process.get(), kEndedCode);
+        WaitForSingleObject(m_process.get(), kPatience);
+    }
+
+    DWORD id = 0;
+    mutable std::mutex mutex;
+    std::string output;
+    std::vector<std::string> debugLines;
+
+private:
+    static unsigned __stdcall DebugEntry(void* self)
+    {
+        static_cast<Impl*>(self)->Debug();
+        return 0;
+    }
+
+    static unsigned __stdcall ReadEntry(void* self)
+    {
+        static_cast<Impl*>(self)->Read();
+        return 0;
+    }
+
+    void Create()
+    {
+        SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
+        const UniqueHandle nothing(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                               &inherit, OPEN_EXISTING, 0, nullptr));
+        STARTUPINFOW startup = {};
+        startup.cb = sizeof startup;
+        startup.dwFlags = STARTF_USESTDHANDLES;
+        startup.hStdInput = nothing.get();
+        startup.hStdOutput = m_writeEnd.get();
+        startup.hStdError = m_writeEnd.get();
+        std::wstring commandLine = JoinCommandLine(m_options.program, m_options.arguments);
+        std::wstring environment = EnvironmentBlock(m_options.environment);
+        PROCESS_INFORMATION information = {};
+        DWORD flags = CREATE_UNICODE_ENVIRONMENT;
+        if (m_options.debug)
+        {
+            flags |= DEBUG_ONLY_THIS_PROCESS;
+        }
+        if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, environment.data(),
+                           m_options.folder.empty() ? nullptr : m_options.folder.c_str(), &startup,
+                           &information))
+        {
+            m_process.reset(information.hProcess);
+            CloseHandle(information.hThread);
+            id = information.dwProcessId;
+        }
+        else
+        {
+            m_error = GetLastError();
+        }
+    }
+
+    void Debug()
+    {
+        Create();
+        const bool created = static_cast<bool>(m_process);
+        SetEvent(m_started.get());
+        while (created)
+        {
+            DEBUG_EVENT event = {};
+            if (!WaitForDebugEvent(&event, kDebugInterval))
+            {
+                if (!IsRunning())
+                {
+                    return;
+                }
+                continue;
+            }
+            DWORD answer = DBG_CONTINUE;
+            switch (event.dwDebugEventCode)
+            {
+            case OUTPUT_DEBUG_STRING_EVENT:
+                AddDebugLine(event.u.DebugString);
+                break;
+            case EXCEPTION_DEBUG_EVENT:
+                // The breakpoint at the start is the debugger's; every other exception is the program's own.
+                if (event.u.Exception.ExceptionRecord.ExceptionCode != EXCEPTION_BREAKPOINT)
+                {
+                    answer = DBG_EXCEPTION_NOT_HANDLED;
+                }
+                break;
+            case CREATE_PROCESS_DEBUG_EVENT:
+                CloseHandle(event.u.CreateProcessInfo.hFile);
+                break;
+            case LOAD_DLL_DEBUG_EVENT:
+                CloseHandle(event.u.LoadDll.hFile);
+                break;
+            default:
+                break;
+            }
+            ContinueDebugEvent(event.dwProcessId, event.dwThreadId, answer);
+            if (event.dwDebugEventCode == EXIT_PROCESS_DEBUG_EVENT)
+            {
+                return;
+            }
+        }
+    }
+
+    void AddDebugLine(const OUTPUT_DEBUG_STRING_INFO& info)
+    {
+        const size_t unit = info.fUnicode ? sizeof(wchar_t) : sizeof(char);
+        std::vector<char> bytes(info.nDebugStringLength * unit + unit, '\0');
+        SIZE_T count = 0;
+        ReadProcessMemory(m_process.get(), info.lpDebugStringData, bytes.data(),
+                          info.nDebugStringLength * unit, &count);
+        std::string line =
+            info.fUnicode ? Utf8(reinterpret_cast<const wchar_t*>(bytes.data())) : bytes.data();
+        const std::lock_guard lock(mutex);
+        debugLines.push_back(std::move(line));
+    }
+
+    void Read()
+    {
+        char buffer[4'096];
+        DWORD count = 0;
+        while (ReadFile(m_output.get(), buffer, sizeof buffer, &count, nullptr) && count > 0)
+        {
+            const std::lock_guard lock(mutex);
+            output.append(buffer, count);
+        }
+    }
+
+    void CancelReader()
+    {
+        // A grandchild that outlives the program keeps the pipe open and the reader waiting.
+        while (WaitForSingleObject(m_reader.get(), kDebugInterval) == WAIT_TIMEOUT)
+        {
+            CancelSynchronousIo(m_reader.get());
+        }
+    }
+
+    void WaitForDebugger()
+    {
+        if (m_debugger)
+        {
+            WaitForSingleObject(m_debugger.get(), kPatience);
+        }
+    }
+
+    const CProcessOptions m_options;
+    UniqueHandle m_started;
+    UniqueHandle m_output;
+    UniqueHandle m_writeEnd;
+    UniqueHandle m_process;
+    UniqueHandle m_debugger;
+    UniqueHandle m_reader;
+    DWORD m_error = 0;
+};
+
+CChildProcess::CChildProcess(const CProcessOptions& options) : m_impl(std::make_unique<Impl>(options)) {}
+
+CChildProcess::~CChildProcess() = default;
+
+DWORD CChildProcess::Id() const
+{
+    return m_impl->id;
+}
+
+bool CChildProcess::IsRunning() const
+{
+    return m_impl->IsRunning();
+}
+
+std::optional<DWORD> CChildProcess::WaitForExit(DWORD timeout)
+{
+    return m_impl->WaitForExit(timeout);
+}
+
+std::string CChildProcess::Output() const
+{
+    const std::lock_guard lock(m_impl->mutex);
+    return m_impl->output;
+}
+
+std::vector<std::string> CChildProcess::DebugLines() const
+{
+    const std::lock_guard lock(m_impl->mutex);
+    return m_impl->debugLines;
+}
+
+void CChildProcess::End()
+{
+    m_impl->End();
+}
+
+CProcessResult RunProcess(const std::wstring& program, const std::vector<std::wstring>& arguments,
+                          DWORD timeout)
+{
+    CChildProcess process({.program = program, .arguments = arguments});
+    const std::optional<DWORD> code = process.WaitForExit(timeout);
+    if (!code)
+    {
+        throw std::runtime_error(Utf8(program) + " did not end in time; its output: " + process.Output());
+    }
+    return {*code, process.Output()};
+}
+
+std::wstring JoinCommandLine(const std::wstring& program, const std::vector<std::wstring>& arguments)
+{
+    std::wstring line = Quoted(program);
+    for (const std::wstring& argument : arguments)
+    {
+        line += L" " + Quoted(argument);
+    }
+    return line;
+}
+
+} // namespace orva::test

@@ -1,0 +1,375 @@
+// Plays the user on a second thread: answers message boxes and dialogs in a stated order while the code under
+// test runs modally.
+#include "harness/UserScript.h"
+
+#include "harness/Text.h"
+
+#include <gtest/gtest.h>
+#include <process.h>
+
+#include <algorithm>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace orva::test
+{
+
+namespace
+{
+
+/// Milliseconds between two looks at the screen.
+constexpr DWORD kLookInterval = 5;
+/// Id of a message box's text.
+constexpr int kBoxTextId = 0xFFFF;
+
+bool IsButton(HWND control)
+{
+    return WindowClassName(control) == L"Button";
+}
+
+CSeenWindow Look(HWND window)
+{
+    CSeenWindow seen;
+    seen.window = window;
+    seen.caption = WindowText(window);
+    std::wstring statics;
+    for (const HWND control : ChildWindows(window))
+    {
+        // Control ids are 16 bits wide in dialogs; a message box's text is -1 there.
+        const int id = GetDlgCtrlID(control) & 0xFFFF;
+        std::wstring text = WindowText(control);
+        if (IsButton(control))
+        {
+            if (IsWindowVisible(control))
+            {
+                seen.buttons.push_back(text);
+            }
+        }
+        else if (id == kBoxTextId)
+        {
+            seen.text = text;
+        }
+        else if (WindowClassName(control) == L"Static" && !text.empty())
+        {
+            statics += (statics.empty() ? L"" : L"\n") + text;
+        }
+        seen.controls.emplace_back(id, std::move(text));
+    }
+    if (seen.text.empty())
+    {
+        seen.text = statics;
+    }
+    seen.owner = GetWindow(window, GW_OWNER);
+    if (seen.owner)
+    {
+        seen.ownerCaption = WindowText(seen.owner);
+        seen.ownerEnabled = IsWindowEnabled(seen.owner) != FALSE;
+    }
+    return seen;
+}
+
+std::string Describe(const CSeenWindow& seen)
+{
+    std::string text = "\"" + Utf8(seen.caption) + "\": \"" + Utf8(seen.text) + "\" [";
+    for (const std::wstring& button : seen.buttons)
+    {
+        text += (text.ends_with('[') ? "" : ", ") + Utf8(button);
+    }
+    return text + "]";
+}
+
+} // namespace
+
+std::wstring CSeenWindow::Control(int id) const
+{
+    for (const auto& [control, controlText] : controls)
+    {
+        if (control == id)
+        {
+            return controlText;
+        }
+    }
+    return {};
+}
+
+/// The steps, the thread that walks them, and what it has seen.
+class CUserScript::Impl
+{
+public:
+    struct Step
+    {
+        /// What is awaited, for messages.
+        std::string what;
+        /// Whether a window that has come up is the expected one; null for a step without a window.
+        std::function<bool(const CSeenWindow&)> matches;
+        /// Works the window (null for a step without one). Returns what went wrong, or nothing.
+        std::function<std::string(HWND)> act;
+    };
+
+    explicit Impl(DWORD processId) : process(processId), m_stop(MakeEvent()), m_finish(MakeEvent()) {}
+
+    ~Impl() { Join(false); }
+
+    void Start()
+    {
+        m_known = Dialogs();
+        m_thread.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, Entry, this, 0, nullptr)));
+    }
+
+    void Join(bool waitForSteps)
+    {
+        if (m_thread)
+        {
+            SetEvent(waitForSteps ? m_finish.get() : m_stop.get());
+            WaitForSingleObject(m_thread.get(), INFINITE);
+            m_thread.reset();
+        }
+    }
+
+    DWORD process;
+    DWORD patience = kPatience;
+    std::vector<Step> steps;
+    mutable std::mutex mutex;
+    std::vector<CSeenWindow> seen;
+    std::vector<std::string> failures;
+
+private:
+    static unsigned __stdcall Entry(void* self)
+    {
+        static_cast<Impl*>(self)->Run();
+        return 0;
+    }
+
+    std::vector<HWND> Dialogs() const { return FindWindows({.process = process, .className = kDialogClass}); }
+
+    /// A dialog that has come up since the last look, the oldest first (the lowest in the Z order).
+    std::optional<CSeenWindow> NextDialog()
+    {
+        const std::vector<HWND> now = Dialogs();
+        std::erase_if(m_known,
+                      [&](HWND window) { return std::find(now.begin(), now.end(), window) == now.end(); });
+        for (auto window = now.rbegin(); window != now.rend(); ++window)
+        {
+            if (std::find(m_known.begin(), m_known.end(), *window) == m_known.end())
+            {
+                m_known.push_back(*window);
+                CSeenWindow dialog = Look(*window);
+                const std::lock_guard lock(mutex);
+                seen.push_back(dialog);
+                return dialog;
+            }
+        }
+        return std::nullopt;
+    }
+
+    void Fail(std::string text)
+    {
+        const std::lock_guard lock(mutex);
+        failures.push_back(std::move(text));
+    }
+
+    bool IsStopped(DWORD wait = 0) const { return WaitForSingleObject(m_stop.get(), wait) == WAIT_OBJECT_0; }
+
+    void Run()
+    {
+        bool good = true;
+        for (size_t i = 0; i < steps.size() && good; ++i)
+        {
+            good = Take(steps[i], i + 1);
+        }
+        // After the steps, or after the first that went wrong, nothing may come any more; whatever does is
+        // closed. A finish that waits for the steps gets here when they are done.
+        const HANDLE ends[] = {m_stop.get(), m_finish.get()};
+        do
+        {
+            CloseUnexpected();
+        } while (WaitForMultipleObjects(2, ends, FALSE, kLookInterval) == WAIT_TIMEOUT);
+        CloseUnexpected();
+    }
+
+    void CloseUnexpected()
+    {
+        while (const auto dialog = NextDialog())
+        {
+            Fail("Unexpected window " + Describe(*dialog));
+            Dismiss(dialog->window);
+        }
+        if (!failures.empty())
+        {
+            // A dialog that did not take the first attempt, for instance because a box of its own was open.
+            for (const HWND window : m_known)
+            {
+                if (IsWindowEnabled(window))
+                {
+                    Dismiss(window);
+                }
+            }
+        }
+    }
+
+    static void Dismiss(HWND window)
+    {
+        for (const int id : {IDCANCEL, IDOK, IDNO})
+        {
+            if (ClickButton(window, id))
+            {
+                return;
+            }
+        }
+        PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
+    }
+
+    bool Take(const Step& step, size_t number)
+    {
+        const std::string name = "Step " + std::to_string(number) + " (" + step.what + "): ";
+        HWND window = nullptr;
+        if (step.matches)
+        {
+            const std::optional<CSeenWindow> dialog = AwaitDialog(name);
+            if (!dialog)
+            {
+                return false;
+            }
+            if (!step.matches(*dialog))
+            {
+                Fail(name + "came up instead: " + Describe(*dialog));
+                Dismiss(dialog->window);
+                return false;
+            }
+            window = dialog->window;
+        }
+        std::string failure;
+        try
+        {
+            failure = step.act(window);
+        }
+        catch (const std::exception& error)
+        {
+            failure = std::string("exception: ") + error.what();
+        }
+        if (!failure.empty())
+        {
+            Fail(name + failure);
+        }
+        return failure.empty();
+    }
+
+    std::optional<CSeenWindow> AwaitDialog(const std::string& name)
+    {
+        const ULONGLONG end = GetTickCount64() + patience;
+        for (;;)
+        {
+            if (std::optional<CSeenWindow> dialog = NextDialog())
+            {
+                return dialog;
+            }
+            if (IsStopped(kLookInterval))
+            {
+                Fail(name + "had not come up when the script was ended");
+                return std::nullopt;
+            }
+            if (GetTickCount64() >= end)
+            {
+                Fail(name + "did not come up in time. Windows:\n" + DescribeWindows(process));
+                return std::nullopt;
+            }
+        }
+    }
+
+    UniqueHandle m_stop;
+    UniqueHandle m_finish;
+    UniqueHandle m_thread;
+    /// Dialogs on the screen that have been dealt with.
+    std::vector<HWND> m_known;
+};
+
+CUserScript::CUserScript(DWORD process) : m_impl(std::make_unique<Impl>(process)) {}
+
+CUserScript::~CUserScript()
+{
+    Finish();
+}
+
+CUserScript& CUserScript::AnswerBox(std::wstring text, int buttonId)
+{
+    const std::string what = "message box \"" + Utf8(text) + "\"";
+    m_impl->steps.push_back(
+        {what, [text = std::move(text)](const CSeenWindow& seen) { return seen.text == text; },
+         [buttonId](HWND window) {
+             return ClickButton(window, buttonId) ? std::string()
+                                                  : "has no button " + std::to_string(buttonId) + " to press";
+         }});
+    return *this;
+}
+
+CUserScript& CUserScript::OnDialog(std::wstring caption, std::function<void(HWND)> act)
+{
+    const std::string what = "dialog \"" + Utf8(caption) + "\"";
+    m_impl->steps.push_back(
+        {what, [caption = std::move(caption)](const CSeenWindow& seen) { return seen.caption == caption; },
+         [act = std::move(act)](HWND window) {
+             act(window);
+             return std::string();
+         }});
+    return *this;
+}
+
+CUserScript& CUserScript::OnDialogWith(int childId, std::function<void(HWND)> act)
+{
+    const std::string what = "dialog with control " + std::to_string(childId);
+    m_impl->steps.push_back({what,
+                             [childId](const CSeenWindow& seen) {
+                                 return std::any_of(
+                                     seen.controls.begin(), seen.controls.end(),
+                                     [=](const auto& control) { return control.first == childId; });
+                             },
+                             [act = std::move(act)](HWND window) {
+                                 act(window);
+                                 return std::string();
+                             }});
+    return *this;
+}
+
+CUserScript& CUserScript::Then(std::string what, std::function<bool()> act)
+{
+    m_impl->steps.push_back({std::move(what), nullptr, [act = std::move(act)](HWND) {
+                                 return act() ? std::string() : std::string("did not happen");
+                             }});
+    return *this;
+}
+
+CUserScript& CUserScript::Patience(DWORD milliseconds)
+{
+    m_impl->patience = milliseconds;
+    return *this;
+}
+
+void CUserScript::Start()
+{
+    m_impl->Start();
+}
+
+std::vector<CSeenWindow> CUserScript::Finish(bool waitForSteps)
+{
+    for (const std::string& failure : FinishQuietly(waitForSteps))
+    {
+        ADD_FAILURE() << failure;
+    }
+    return Seen();
+}
+
+std::vector<std::string> CUserScript::FinishQuietly(bool waitForSteps)
+{
+    m_impl->Join(waitForSteps);
+    const std::lock_guard lock(m_impl->mutex);
+    return std::exchange(m_impl->failures, {});
+}
+
+std::vector<CSeenWindow> CUserScript::Seen() const
+{
+    const std::lock_guard lock(m_impl->mutex);
+    return m_impl->seen;
+}
+
+} // namespace orva::test
