@@ -1,0 +1,106 @@
+// Registry keys and kernel handles that close themselves (part of <atlbase.h>, which says what differs).
+#pragma once
+
+#include "platform/atl/atlexcept.h"
+
+namespace ATL
+{
+
+// Owns a kernel handle; none is null.
+class CHandle
+{
+public:
+    CHandle() noexcept = default;
+    explicit CHandle(HANDLE h) noexcept : m_h(h) {}
+    CHandle(CHandle& h) noexcept : m_h(h.Detach()) {}
+    CHandle(CHandle&& h) noexcept : m_h(h.Detach()) {}
+    ~CHandle()
+    {
+        if (m_h)
+            Close();
+    }
+    // Takes the handle over, as the copying constructor does.
+    CHandle& operator=(CHandle& h) noexcept
+    {
+        if (this != &h)
+        {
+            Close();
+            Attach(h.Detach());
+        }
+        return *this;
+    }
+
+    operator HANDLE() const noexcept { return m_h; }
+    void Attach(HANDLE h) noexcept { m_h = h; }
+    HANDLE Detach() noexcept
+    {
+        HANDLE h = m_h;
+        m_h = nullptr;
+        return h;
+    }
+    void Close() noexcept
+    {
+        if (m_h)
+        {
+            ::CloseHandle(m_h);
+            m_h = nullptr;
+        }
+    }
+
+    HANDLE m_h = nullptr;
+};
+
+// Owns an open registry key. Every member returns a Win32 error code.
+class CRegKey
+{
+public:
+    CRegKey() noexcept = default;
+    explicit CRegKey(HKEY hKey) noexcept : m_hKey(hKey) {}
+    CRegKey(CRegKey& key) noexcept : m_hKey(key.Detach()) {}
+    CRegKey(CRegKey&& key) noexcept : m_hKey(key.Detach()) {}
+    ~CRegKey() { Close(); }
+    CRegKey& operator=(CRegKey& key) noexcept
+    {
+        if (this != &key)
+        {
+            Close();
+            Attach(key.Detach());
+        }
+        return *this;
+    }
+
+    operator HKEY() const noexcept { return m_hKey; }
+    HKEY Detach() noexcept
+    {
+        HKEY hKey = m_hKey;
+        m_hKey = nullptr;
+        return hKey;
+    }
+    void Attach(HKEY hKey) noexcept { m_hKey = hKey; }
+
+    LONG Create(HKEY hKeyParent, LPCTSTR lpszKeyName, LPTSTR lpszClass = REG_NONE,
+                DWORD dwOptions = REG_OPTION_NON_VOLATILE, REGSAM samDesired = KEY_READ | KEY_WRITE,
+                LPSECURITY_ATTRIBUTES lpSecAttr = nullptr, LPDWORD lpdwDisposition = nullptr) noexcept;
+    LONG Open(HKEY hKeyParent, LPCTSTR lpszKeyName, REGSAM samDesired = KEY_READ | KEY_WRITE) noexcept;
+    LONG Close() noexcept;
+
+    // ERROR_INVALID_DATA when the value has another type.
+    LONG QueryDWORDValue(LPCTSTR pszValueName, DWORD& dwValue) noexcept;
+    // *pnChars is the size of pszValue in characters and receives the number needed, terminating zero
+    // included; pszValue may be null to ask for that. ERROR_INVALID_DATA when the value is no string.
+    LONG QueryStringValue(LPCTSTR pszValueName, LPTSTR pszValue, ULONG* pnChars) noexcept;
+    LONG SetDWORDValue(LPCTSTR pszValueName, DWORD dwValue) noexcept;
+    LONG SetStringValue(LPCTSTR pszValueName, LPCTSTR pszValue, DWORD dwType = REG_SZ) noexcept;
+    LONG SetBinaryValue(LPCTSTR pszValueName, const void* pValue, ULONG nBytes) noexcept;
+    // pszValue ends with two zero characters.
+    LONG SetMultiStringValue(LPCTSTR pszValueName, LPCTSTR pszValue) noexcept;
+    LONG DeleteValue(LPCTSTR lpszValue) noexcept;
+    // Deletes a key that has no subkeys.
+    LONG DeleteSubKey(LPCTSTR lpszSubKey) noexcept;
+    // Deletes a key with everything in it.
+    LONG RecurseDeleteKey(LPCTSTR lpszKey) noexcept;
+
+    HKEY m_hKey = nullptr;
+};
+
+} // namespace ATL
