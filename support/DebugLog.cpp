@@ -1,0 +1,122 @@
+// The debug log: its one stream, opened by the registry switch, and the forms of its lines.
+#include "support/DebugLog.h"
+
+#include "support/FileUtilities.h"
+#include "support/RegistryUtilities.h"
+#include "support/TextUtilities.h"
+
+#include <windows.h>
+
+#include <ctime>
+#include <utility>
+
+namespace
+{
+constexpr wchar_t kSwitchKey[] = L"SOFTWARE\\ORVA Connector";
+constexpr wchar_t kSwitchName[] = L"EnableDebugLog";
+constexpr std::int32_t kSwitchOn = 1;
+constexpr wchar_t kFileName[] = L"logfile_OrvaAddIn.txt";
+
+// A larger file is emptied when it is opened. It may grow beyond this while it stays open.
+constexpr std::int32_t kLargestKeptFile = 0x100000;
+
+void OpenDebugLog(std::ofstream& log) noexcept
+{
+    try
+    {
+        if (ReadRegistryDword(kSwitchKey, kSwitchName) != kSwitchOn)
+            return;
+
+        const std::wstring path = GetAppDataFolder() + kFileName;
+        CreateDirectoriesForPath(path, true);
+        const bool keep = GetExistingFileSize(path) <= kLargestKeptFile;
+
+        // By its wide path, for profiles whose names the code page does not know. In text mode, and other
+        // processes may read, write and delete meanwhile: that is how the runtime opens a stream's file.
+        log.open(path.c_str(), keep ? std::ios::out | std::ios::app : std::ios::out | std::ios::trunc);
+    }
+    catch (...)
+    {
+        // The log is never the reason for a failure: it stays closed.
+    }
+}
+
+// The local time as "2011-01-20 14:03:07".
+std::string FormatLocalTime()
+{
+    const std::time_t now = std::time(nullptr);
+    struct tm local = {};
+    char text[20] = {};
+    if (::localtime_s(&local, &now) == 0)
+        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local);
+    return text;
+}
+
+void WriteValueLine(std::ofstream& log, const std::string& function, const std::string& label,
+                    const std::string& value)
+{
+    WriteDebugLog(log, function + "() " + label + " " + value);
+}
+} // namespace
+
+std::ofstream& GetDebugLog() noexcept
+{
+    static std::ofstream log;
+    static const bool tried = (OpenDebugLog(log), true);
+    static_cast<void>(tried);
+    return log;
+}
+
+void WriteDebugLog(std::ofstream& log, std::string text) noexcept
+{
+    ::OutputDebugStringA(text.c_str());
+    try
+    {
+        if (log.is_open())
+        {
+            // Flushed with every line: the file is complete up to the last entry even if the host crashes.
+            log << "[" << FormatLocalTime() << "] " << text << std::endl;
+            log.flush();
+        }
+    }
+    catch (...)
+    {
+        // A line that cannot be written is lost.
+    }
+}
+
+void WriteDebugLog(std::ofstream& log, std::string function, std::string label, std::int32_t value) noexcept
+{
+    try
+    {
+        WriteValueLine(log, function, label, std::to_string(value));
+    }
+    catch (...)
+    {
+        // No memory for the line: it is lost.
+    }
+}
+
+void WriteDebugLog(std::ofstream& log, std::string function, std::string label, std::string value) noexcept
+{
+    try
+    {
+        WriteValueLine(log, function, label, value);
+    }
+    catch (...)
+    {
+        // No memory for the line: it is lost.
+    }
+}
+
+void WriteDebugLog(std::ofstream& log, std::string function, std::string label, std::wstring value) noexcept
+{
+    try
+    {
+        WriteValueLine(log, function, label, WideToNarrow(std::move(value)));
+    }
+    catch (...)
+    {
+        // No memory for the line: it is lost.
+    }
+}

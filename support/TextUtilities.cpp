@@ -1,0 +1,44 @@
+// Text conversions and replacements.
+#include "support/TextUtilities.h"
+
+#include <utility>
+
+std::string WideToNarrow(std::wstring text)
+{
+    std::string narrow;
+    narrow.reserve(text.size());
+    for (const wchar_t unit : text)
+        narrow += static_cast<char>(static_cast<unsigned char>(unit & 0xFF));
+    return narrow;
+}
+
+std::wstring NarrowToWide(std::string text)
+{
+    std::wstring wide;
+    wide.reserve(text.size());
+    for (const char byte : text)
+    {
+        // By way of 16 bits, so that the result is the same where wchar_t is wider.
+        wide += static_cast<wchar_t>(static_cast<char16_t>(static_cast<signed char>(byte)));
+    }
+    return wide;
+}
+
+void ReplaceAll(std::wstring& text, const std::wstring& what, const std::wstring& with)
+{
+    if (what.empty())
+        return;
+    for (std::size_t at = text.find(what); at != std::wstring::npos; at = text.find(what, at + with.size()))
+        text.replace(at, what.size(), with);
+}
+
+std::wstring EscapeXml(std::wstring text)
+{
+    // Removing the reference's tail turns an escaped ampersand into a bare one, which the next pass escapes
+    // once.
+    ReplaceAll(text, L"#x26;", L"");
+    ReplaceAll(text, L"&", L"&#x26;");
+    ReplaceAll(text, L"<", L"&#x3c;");
+    ReplaceAll(text, L">", L"&#x3e;");
+    return text;
+}

@@ -1,0 +1,7 @@
+// ReplaceAll for replacement texts held in a CString.
+#include "support/TextUtilitiesMfc.h"
+
+void ReplaceAll(std::wstring& text, const std::wstring& what, const CString& with)
+{
+    ReplaceAll(text, what, std::wstring(with.GetString()));
+}
