@@ -2,6 +2,7 @@
 #
 # take_slot     sets and locks $slot, a folder; the lock lasts as long as this shell.
 # start_slot D  makes prefix and display of slot D ready and exports WINEPREFIX, DISPLAY and Wine's settings.
+# make_slots    does so with every slot.
 # stop_slots    ends the displays and Wine servers of every slot, by the ids noted when they were started.
 #
 # Descriptor 9 holds the lock. Whatever outlives this shell is started without it (9>&-), or the slot would stay
@@ -104,12 +105,16 @@ END
 
 make_prefix() {
     local dir=$1
-    rm -rf "$dir/prefix"
+    if [ -d "$dir/prefix" ]; then
+        wineserver -k 2>/dev/null || true
+        wineserver -w
+        rm -rf "$dir/prefix" "$dir/prefix.ready"
+    fi
     wineboot --init 9>&- >"$dir/wineboot.log" 2>&1 || { cat "$dir/wineboot.log" >&2; return 1; }
     prefix_settings >"$dir/settings.reg"
     wine regedit /S "Z:${dir//\//\\}\\settings.reg" 9>&- >>"$dir/wineboot.log" 2>&1
     wineserver -w 9>&-
-    touch "$dir/prefix.ready"
+    prefix_settings >"$dir/prefix.ready"
 }
 
 start_slot() {
@@ -123,9 +128,24 @@ start_slot() {
     else
         start_display "$dir"
     fi
-    [ -e "$dir/prefix.ready" ] || make_prefix "$dir"
+    # Made anew when the settings have changed since.
+    [ "$(cat "$dir/prefix.ready" 2>/dev/null)" = "$(prefix_settings)" ] || make_prefix "$dir"
     # Keeps Wine's server alive between two programs, which saves a second at each start.
     wineserver -p 9>&- 2>/dev/null || true
+}
+
+# Makes all slots ready at the same time.
+make_slots() {
+    local number pids=() pid failed=0
+    for ((number = 0; number < wine_slots; number++)); do
+        mkdir -p "$wine_root/slot$number"
+        (start_slot "$wine_root/slot$number") 8>&- &
+        pids+=($!)
+    done
+    for pid in "${pids[@]}"; do
+        wait "$pid" || failed=1
+    done
+    return "$failed"
 }
 
 stop_slots() {

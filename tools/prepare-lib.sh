@@ -1,0 +1,54 @@
+# Installs the packages that are missing and builds; shared by ./run and ./test, to be sourced by bash.
+#
+# install_packages    installs what tools/packages.txt names and this machine has not.
+# configure_and_build builds preset release into $build_dir.
+# shellcheck shell=bash
+
+repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+build_dir=${ORVA_BUILD_DIR:-$repository/build/release}
+
+fail() {
+    echo "${0##*/}: $*" >&2
+    exit 2
+}
+
+# retry COMMAND...: a mirror that does not answer at once may answer later.
+retry() {
+    local attempt
+    for attempt in 1 2 3; do
+        "$@" && return
+        echo "${0##*/}: attempt $attempt failed: $*" >&2
+        sleep $((attempt * 5))
+    done
+    return 1
+}
+
+missing_packages() {
+    local package
+    while read -r package; do
+        [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || echo "$package"
+    done < <(grep -v '^#' "$repository/tools/packages.txt")
+}
+
+install_packages() {
+    local packages apt log
+    command -v apt-get >/dev/null || fail "this needs Debian 12 (the packages of tools/packages.txt)"
+    mapfile -t packages < <(missing_packages)
+    [ "${#packages[@]}" -gt 0 ] || return 0
+
+    apt=(env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || fail "packages are missing; run as root or install sudo: ${packages[*]}"
+        apt=(sudo "${apt[@]}")
+    fi
+    echo "Installing from Debian: ${packages[*]}"
+    mkdir -p "$repository/build"
+    log=$repository/build/apt.log
+    { retry "${apt[@]}" update && retry "${apt[@]}" install -y --no-install-recommends "${packages[@]}"; } \
+        >"$log" 2>&1 </dev/null || { tail -n 40 "$log" >&2; fail "packages could not be installed"; }
+}
+
+configure_and_build() {
+    (cd "$repository" && cmake --preset release -B "$build_dir")
+    cmake --build "$build_dir"
+}
