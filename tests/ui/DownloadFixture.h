@@ -1,0 +1,58 @@
+// What the tests of the download share: a server, a private temporary folder, a user, and the dialog's
+// controls.
+#pragma once
+
+#include "fixture/ProductFixture.h"
+#include "harness/HttpReply.h"
+#include "harness/LoopbackServer.h"
+#include "harness/ProxySetting.h"
+#include "harness/TempFolder.h"
+#include "harness/UserScript.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+inline constexpr int kStatusText = 2001;
+inline constexpr int kSourceText = 2002;
+inline constexpr int kTimeText = 2003;
+inline constexpr int kRateText = 2004;
+inline constexpr int kProgressBar = 202;
+inline constexpr int kTimeLabel = 2789;
+inline constexpr int kRateLabel = 2790;
+
+inline constexpr char kInstallerPath[] = "/setup.bin";
+inline constexpr wchar_t kConnectError[] = L"Error when connecting to the update server.";
+inline constexpr wchar_t kUpdateCanceled[] =
+    L"Update download canceled.\nClick on the \"Update\" button to try and download the update again.";
+inline constexpr wchar_t kTemplateCaption[] = L"Lade Update herunter";
+
+/// Runs StartDownloadDialog against a loopback server, in English, with a temporary folder of its own. The
+/// installer's name has an extension that no program opens, so that starting it does nothing.
+class CDownloadTest : public ::testing::Test
+{
+protected:
+    /// Runs the whole download of this link; the user's steps must have been added. `owner` may be null.
+    void Download(const std::wstring& url, HWND owner = nullptr);
+    /// The same for the installer's path on the server.
+    void DownloadInstaller(HWND owner = nullptr) { Download(m_server.WideUrl(kInstallerPath), owner); }
+    /// The user watches the dialog on the second thread.
+    CUserScript& OnDownloadDialog(std::function<void(HWND)> act = [](HWND) {});
+    /// Files and folders under the temporary folder, without the names that differ from run to run:
+    /// "osc?????? \ name".
+    std::vector<std::wstring> Left() const;
+
+    CLoopbackServer m_server;
+    CNoProxy m_noProxy;
+    COfficeLanguage m_language{1033};
+    CPrivateTemp m_temp;
+    CUserScript m_user;
+    std::vector<CSeenWindow> m_seen;
+};
+
+} // namespace orva::test

@@ -1,0 +1,176 @@
+// The dialog that offers a newer build: texts, keys, looks and result.
+#include "update/UpdateAvailableDlg.h"
+
+#include "update/UpdateFixture.h"
+
+#include <richedit.h>
+
+namespace orva::test
+{
+namespace
+{
+
+constexpr int kDescription = 203;
+constexpr int kInstall = 204;
+constexpr int kLater = 205;
+constexpr int kAvailable = 207;
+constexpr int kInstalled = 208;
+
+class UpdateAvailableDlgTest : public ::testing::Test
+{
+protected:
+    INT_PTR Run(std::function<void(HWND)> act)
+    {
+        m_user.OnDialogWith(kDescription, std::move(act)).Start();
+        AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        CUpdateAvailableDlg dialog;
+        dialog.SetDescription(m_description);
+        dialog.SetVersions(L"1.2.0", L"1.3.7");
+        const INT_PTR result = dialog.DoModal();
+        m_seen = m_user.Finish();
+        return result;
+    }
+
+    CString m_description = L"Faster contacts.";
+    COfficeLanguage m_language{1033};
+    CUserScript m_user;
+    std::vector<CSeenWindow> m_seen;
+};
+
+void ClickLater(HWND dialog)
+{
+    ClickButton(dialog, kLater);
+}
+
+TEST_F(UpdateAvailableDlgTest, InstallGivesIdOk)
+{
+    EXPECT_EQ(Run([](HWND dialog) { ClickButton(dialog, kInstall); }), IDOK);
+}
+
+TEST_F(UpdateAvailableDlgTest, LaterGivesIdCancel)
+{
+    EXPECT_EQ(Run(ClickLater), IDCANCEL);
+}
+
+TEST_F(UpdateAvailableDlgTest, EscapeGivesIdCancel)
+{
+    EXPECT_EQ(Run([](HWND dialog) { EXPECT_TRUE(TypeKey(dialog, VK_ESCAPE)); }), IDCANCEL);
+}
+
+TEST_F(UpdateAvailableDlgTest, EnterPressesTheDefaultButtonInstall)
+{
+    EXPECT_EQ(Run([](HWND dialog) { EXPECT_TRUE(TypeKey(dialog, VK_RETURN)); }), IDOK);
+}
+
+TEST_F(UpdateAvailableDlgTest, FocusStartsOnInstallAndTabGoesToLaterAndBack)
+{
+    EXPECT_EQ(Run([](HWND dialog) {
+                  const auto hasFocus = [&](int id) {
+                      return WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, id); });
+                  };
+                  EXPECT_TRUE(hasFocus(kInstall));
+                  EXPECT_TRUE(TypeKey(dialog, VK_TAB));
+                  EXPECT_TRUE(hasFocus(kLater));
+                  EXPECT_TRUE(TypeKey(dialog, VK_TAB));
+                  EXPECT_TRUE(hasFocus(kInstall));
+                  ClickLater(dialog);
+              }),
+              IDCANCEL);
+}
+
+TEST_F(UpdateAvailableDlgTest, EnglishTexts)
+{
+    Run(ClickLater);
+    ASSERT_EQ(m_seen.size(), 1u);
+    EXPECT_EQ(m_seen[0].caption, L"New update available");
+    EXPECT_EQ(m_seen[0].Control(kAvailable), L"Available version: 1.3.7");
+    EXPECT_EQ(m_seen[0].Control(kInstalled), L"Installed version: 1.2.0");
+    EXPECT_EQ(m_seen[0].Control(kInstall), L"Install");
+    EXPECT_EQ(m_seen[0].Control(kLater), L"Later");
+    EXPECT_EQ(m_seen[0].Control(kDescription), L"Faster contacts.");
+}
+
+TEST_F(UpdateAvailableDlgTest, GermanTexts)
+{
+    const COfficeLanguage german(1031);
+    Run(ClickLater);
+    ASSERT_EQ(m_seen.size(), 1u);
+    EXPECT_EQ(m_seen[0].caption, L"Neues Update verfügbar");
+    EXPECT_EQ(m_seen[0].Control(kInstall), L"Installieren");
+    EXPECT_EQ(m_seen[0].Control(kLater), L"Später");
+}
+
+TEST_F(UpdateAvailableDlgTest, LongDescriptionWrapsAtTheControlsWidthAndCannotBeEdited)
+{
+    m_description = CString(std::wstring(4000, L'w').insert(2000, L" ").c_str());
+    for (int i = 0; i < 200; ++i)
+    {
+        m_description += L" word";
+    }
+    Run([](HWND dialog) {
+        const HWND control = ChildById(dialog, kDescription);
+        EXPECT_GT(SendMessageW(control, EM_GETLINECOUNT, 0, 0), 20);
+        EXPECT_NE(GetWindowLongPtrW(control, GWL_STYLE) & ES_READONLY, 0);
+        EXPECT_NE(GetWindowLongPtrW(control, GWL_STYLE) & WS_VSCROLL, 0);
+        const std::wstring before = WindowText(control);
+        SendMessageW(control, WM_CHAR, L'x', 0);
+        EXPECT_EQ(WindowText(control), before);
+        ClickLater(dialog);
+    });
+}
+
+TEST_F(UpdateAvailableDlgTest, DescriptionIsShownUnchangedWithItsSpecialCharacters)
+{
+    m_description = L"Größer & <schöner>: 100 % \u20AC şğı";
+    Run(ClickLater);
+    ASSERT_EQ(m_seen.size(), 1u);
+    EXPECT_EQ(m_seen[0].Control(kDescription), L"Größer & <schöner>: 100 % \u20AC şğı");
+}
+
+TEST_F(UpdateAvailableDlgTest, BackgroundIsWhite)
+{
+    Run([](HWND dialog) {
+        const HDC dc = GetDC(dialog);
+        RECT client;
+        GetClientRect(dialog, &client);
+        EXPECT_TRUE(WaitUntil(
+            [&] { return GetPixel(dc, client.right / 2, client.bottom - 4) == RGB(255, 255, 255); }));
+        ReleaseDC(dialog, dc);
+        ClickLater(dialog);
+    });
+}
+
+TEST_F(UpdateAvailableDlgTest, OnlyTheFirstVersionLineIsTransparent)
+{
+    Run([](HWND dialog) {
+        EXPECT_NE(GetWindowLongPtrW(ChildById(dialog, kAvailable), GWL_EXSTYLE) & WS_EX_TRANSPARENT, 0);
+        EXPECT_EQ(GetWindowLongPtrW(ChildById(dialog, kInstalled), GWL_EXSTYLE) & WS_EX_TRANSPARENT, 0);
+        ClickLater(dialog);
+    });
+}
+
+TEST_F(UpdateAvailableDlgTest, HasNoCloseBox)
+{
+    Run([](HWND dialog) {
+        EXPECT_EQ(GetWindowLongPtrW(dialog, GWL_STYLE) & WS_SYSMENU, 0);
+        ClickLater(dialog);
+    });
+}
+
+TEST_F(UpdateAvailableDlgTest, IsOwnedByTheThreadsActiveWindowWhenItHasNoParent)
+{
+    const COwnerWindow owner;
+    Run(ClickLater);
+    ASSERT_EQ(m_seen.size(), 1u);
+    EXPECT_EQ(m_seen[0].owner, owner.Handle());
+}
+
+TEST(UpdateAvailableDlgClassTest, CarriesItsRunTimeClassName)
+{
+    CUpdateAvailableDlg dialog;
+    EXPECT_STREQ(dialog.GetRuntimeClass()->m_lpszClassName, "CUpdateAvailableDlg");
+    EXPECT_TRUE(dialog.IsKindOf(RUNTIME_CLASS(CDialog)));
+}
+
+} // namespace
+} // namespace orva::test

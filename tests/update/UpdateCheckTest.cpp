@@ -1,0 +1,401 @@
+// The update check as its callers see it: what is requested, shown, logged and returned.
+#include "update/UpdateCheck.h"
+
+#include "update/UpdateFixture.h"
+
+#include <stdexcept>
+
+namespace orva::test
+{
+namespace
+{
+
+constexpr char kLaterLink[] = "http://files.orva.example/setup.exe";
+
+class UpdateCheckTest : public CUpdateTest
+{
+protected:
+    // Runs the check in one mode with the user's steps, which must all be taken, and no window besides.
+    bool Check(bool silent)
+    {
+        m_user.Start();
+        const bool result = CheckForUpdate(m_owner.Handle(), silent);
+        m_seen = m_user.Finish();
+        return result;
+    }
+
+    void CheckExplicit()
+    {
+        m_user.Start();
+        CheckForUpdateExplicit(m_owner.Handle());
+        m_seen = m_user.Finish();
+    }
+
+    // The text of the exception that leaves the check.
+    std::string CheckRaises(bool silent)
+    {
+        m_user.Start();
+        std::string text = "(none)";
+        try
+        {
+            CheckForUpdate(m_owner.Handle(), silent);
+        }
+        catch (const std::exception& exception)
+        {
+            text = exception.what();
+        }
+        m_seen = m_user.Finish();
+        return text;
+    }
+
+    CUserScript& ExpectLater()
+    {
+        return m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, 205); });
+    }
+
+    CUserScript& ExpectInstall()
+    {
+        return m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, 204); });
+    }
+
+    std::vector<CSeenWindow> m_seen;
+};
+
+TEST_F(UpdateCheckTest, RequestsTheFileOfTheServiceHostWithATrailingQuestionMark)
+{
+    Publish(UpdateInfo("1.2.0", ""));
+    EXPECT_FALSE(Check(true));
+    const auto requests = m_server.Requests();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].method, "GET");
+    EXPECT_EQ(requests[0].path, kUpdateInfoPath);
+    EXPECT_EQ(requests[0].query, std::optional<std::string>(""));
+    EXPECT_EQ(requests[0].authority.substr(0, 16), "www.orva.example");
+}
+
+TEST_F(UpdateCheckTest, EqualVersionShowsNothingSilentlyAndGivesFalse)
+{
+    Publish(UpdateInfo("1.2.0", ""));
+    EXPECT_FALSE(Check(true));
+    EXPECT_TRUE(m_seen.empty());
+}
+
+TEST_F(UpdateCheckTest, EqualVersionSaysLatestWhenAskedForWithATrailingBlank)
+{
+    Publish(UpdateInfo("1.2.0", ""));
+    m_user.AnswerBox(kLatest);
+    CheckExplicit();
+    ASSERT_EQ(m_seen.size(), 1u);
+    EXPECT_EQ(m_seen[0].caption, L"ORVA Connector");
+    EXPECT_EQ(m_seen[0].owner, m_owner.Handle());
+    EXPECT_EQ(m_seen[0].buttons.size(), 1u);
+}
+
+TEST_F(UpdateCheckTest, EqualVersionWritesTheseLinesAndNoOthers)
+{
+    const std::string body = UpdateInfo("1.2.0", "");
+    Publish(body);
+    const CLogMark log;
+    EXPECT_FALSE(Check(true));
+    const std::vector<std::string> expected{
+        "CheckForUpdate",
+        "CheckForUpdate() http://www.orva.example/downloads/outlook/UpdateInfo.txt ",
+        "CHttpRequest::PerformTextRequest",
+        "CHttpRequest::PerformTextRequest",
+        "CHttpRequest::PerformTextRequest",
+        "CHttpRequest::PerformTextRequest() response content lenght " + std::to_string(body.size()),
+        "CHttpRequest::PerformTextRequest() response httpStatus 200",
+        "CHttpRequest::PerformTextRequest() check for BOM ",
+        "CHttpRequest::PerformTextRequest() newContentLenght " + std::to_string(body.size()),
+        "CHttpRequest::PerformTextRequest() num_chars " + std::to_string(body.size() + 1),
+        "CHttpRequest::PerformTextRequest() ret " + std::to_string(body.size() + 1),
+        "CHttpRequest::PerformTextRequest() response " + body,
+        "CHttpRequest::PerformTextRequest() delete resp ",
+        "CHttpRequest::PerformTextRequest() deleted resp ",
+        "CheckForUpdate() TextRequest succeeded ",
+        "CheckForUpdate() " + body + " ",
+        "CheckForUpdate() parse json ",
+        "CheckJSONObject",
+        "CheckJSONObject",
+        "CheckForUpdate() majorVersion 1",
+        "CheckForUpdate() minorVersion 2",
+        "CheckForUpdate() buildNumber 0",
+    };
+    EXPECT_EQ(log.Texts(), expected);
+}
+
+TEST_F(UpdateCheckTest, ExplicitCheckWritesItsOwnEntryFirst)
+{
+    Publish(UpdateInfo("1.2.0", ""));
+    m_user.AnswerBox(kLatest);
+    const CLogMark log;
+    CheckExplicit();
+    const auto texts = log.Texts();
+    ASSERT_GE(texts.size(), 2u);
+    EXPECT_EQ(texts[0], "CheckForUpdateExplicit");
+    EXPECT_EQ(texts[1], "CheckForUpdate");
+}
+
+TEST_F(UpdateCheckTest, OlderVersionWithoutFurtherMembersIsNotNewer)
+{
+    Publish(UpdateInfo("1.1.99", ""));
+    EXPECT_FALSE(Check(true));
+}
+
+TEST_F(UpdateCheckTest, NumbersAreTruncatedToTheirLow32Bits)
+{
+    // 4294967297 is 2^32 + 1, 18446744073709551615 is 2^64 - 1 and so -1.
+    Publish(UpdateInfo("4294967297.2.18446744073709551615", ""));
+    const CLogMark log;
+    EXPECT_FALSE(Check(true));
+    EXPECT_TRUE(log.Has("CheckForUpdate() majorVersion 1"));
+    EXPECT_TRUE(log.Has("CheckForUpdate() buildNumber -1"));
+}
+
+TEST_F(UpdateCheckTest, NewerVersionIsOfferedAndLaterDownloadsNothingAndAsksNoMore)
+{
+    Publish(OfferOf(kLaterLink));
+    ExpectLater();
+    CheckExplicit();
+    ASSERT_EQ(m_seen.size(), 1u);
+    EXPECT_EQ(m_seen[0].Control(207), L"Available version: 1.3.0");
+    EXPECT_EQ(m_seen[0].Control(208), L"Installed version: 1.2.0");
+    EXPECT_EQ(m_seen[0].Control(203), L"Faster contacts.");
+    EXPECT_EQ(m_server.Requests().size(), 1u);
+}
+
+TEST_F(UpdateCheckTest, NewerVersionIsOfferedSilentlyToo)
+{
+    Publish(OfferOf(kLaterLink));
+    ExpectLater();
+    EXPECT_TRUE(Check(true));
+}
+
+TEST_F(UpdateCheckTest, DeclinedVersionIsOfferedAgainByTheNextCheckWhichFetchesAnew)
+{
+    Publish(OfferOf(kLaterLink));
+    ExpectLater();
+    ExpectLater();
+    m_user.Start();
+    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), true));
+    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), true));
+    EXPECT_EQ(m_user.Finish().size(), 2u);
+    EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 2u);
+}
+
+TEST_F(UpdateCheckTest, InstallHandsTheLinkToTheDownload)
+{
+    // A link without a file name is refused by the download with a message, before any window or request.
+    Publish(OfferOf("nowhere"));
+    ExpectInstall();
+    m_user.AnswerBox(L"URL could not be parsed: %s");
+    const CLogMark log;
+    EXPECT_TRUE(Check(true));
+    EXPECT_TRUE(log.Has("StartDownloadDialog"));
+    ASSERT_EQ(m_seen.size(), 2u);
+    EXPECT_EQ(m_seen[1].owner, m_owner.Handle());
+}
+
+TEST_F(UpdateCheckTest, OtherMembersOfRootAndEntryAreIgnored)
+{
+    Publish(R"({"x86": {"majorVersion": 9}, "x64": {"majorVersion": 1, "extra": [1], "minorVersion": 2,)"
+            R"( "buildNumber": 0}, "X64": 5})");
+    EXPECT_FALSE(Check(true));
+}
+
+TEST_F(UpdateCheckTest, MissingEntrySaysNotParsedWhenAskedForAndNothingSilently)
+{
+    Publish(R"({"X64": {}})");
+    EXPECT_TRUE(Check(true));
+    EXPECT_TRUE(m_seen.empty());
+    CUserScript user;
+    user.AnswerBox(kNotParsed).Start();
+    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), false));
+    user.Finish();
+}
+
+TEST_F(UpdateCheckTest, NullEntryCountsAsMissing)
+{
+    Publish(R"({"x64": null})");
+    m_user.AnswerBox(kNotParsed);
+    EXPECT_TRUE(Check(false));
+}
+
+TEST_F(UpdateCheckTest, NullRootSaysNotParsedWhenAskedFor)
+{
+    Publish("null");
+    m_user.AnswerBox(kNotParsed);
+    EXPECT_TRUE(Check(false));
+}
+
+TEST_F(UpdateCheckTest, NullRootSaysNothingSilently)
+{
+    Publish("null");
+    EXPECT_TRUE(Check(true));
+}
+
+TEST_F(UpdateCheckTest, HtmlPageSaysConnectErrorEvenSilently)
+{
+    Publish("<html><body>Not here</body></html>");
+    m_user.AnswerBox(kConnectError);
+    const CLogMark log;
+    EXPECT_TRUE(Check(true));
+    EXPECT_TRUE(log.Has("CheckForUpdate() exception thrown while parsing json "));
+}
+
+TEST_F(UpdateCheckTest, HtmlPageSaysConnectErrorThenNotParsedWhenAskedFor)
+{
+    Publish("<html><body>Not here</body></html>");
+    m_user.AnswerBox(kConnectError).AnswerBox(kNotParsed);
+    EXPECT_TRUE(Check(false));
+}
+
+TEST_F(UpdateCheckTest, TextCutAfterTheCompleteEntryIsReportedAndStillOffered)
+{
+    std::string body = OfferOf(kLaterLink);
+    body.pop_back();
+    Publish(body);
+    m_user.AnswerBox(kConnectError);
+    ExpectLater();
+    EXPECT_TRUE(Check(true));
+    ASSERT_EQ(m_seen.size(), 2u);
+    EXPECT_EQ(m_seen[1].Control(207), L"Available version: 1.3.0");
+}
+
+TEST_F(UpdateCheckTest, HundredsOfThousandsOfBracketsAreABrokenFileAndNoCrash)
+{
+    Publish(std::string(250'000, '['));
+    m_user.AnswerBox(kConnectError);
+    // What was read up to the error is an array, and an array is no object.
+    EXPECT_EQ(CheckRaises(true), "value type is 1 not 0");
+}
+
+TEST_F(UpdateCheckTest, EmptyBodySaysConnectErrorWhenAskedForAndNothingSilently)
+{
+    Publish("");
+    const CLogMark log;
+    EXPECT_TRUE(Check(true));
+    EXPECT_TRUE(m_seen.empty());
+    EXPECT_EQ(log.Texts().back(), "CheckForUpdate() inputData.length() == 0 ");
+    CUserScript user;
+    user.AnswerBox(kConnectError).Start();
+    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), false));
+    user.Finish();
+}
+
+TEST_F(UpdateCheckTest, FailedRequestIsAnEmptyText)
+{
+    Publish(CHttpReply(500, "broken"));
+    const CLogMark log;
+    EXPECT_TRUE(Check(true));
+    EXPECT_TRUE(log.Has("CHttpRequest::PerformTextRequest() response httpStatus 500"));
+    // The line belongs to the end of every request, failed or not.
+    EXPECT_TRUE(log.Has("CheckForUpdate() TextRequest succeeded "));
+    EXPECT_TRUE(log.Has("CheckForUpdate() inputData.length() == 0 "));
+}
+
+TEST_F(UpdateCheckTest, MissingLinkOfANewerBuildSaysNotParsedOnlyWhenAskedFor)
+{
+    Publish(UpdateInfo("1.2.1", R"(, "description": {"default": "text"})"));
+    EXPECT_TRUE(Check(true));
+    CUserScript user;
+    user.AnswerBox(kNotParsed).Start();
+    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), false));
+    user.Finish();
+}
+
+TEST_F(UpdateCheckTest, NullLinkOfANewerBuildCountsAsMissing)
+{
+    Publish(UpdateInfo("1.2.1", R"(, "downloadLink": null, "description": {"default": "text"})"));
+    m_user.AnswerBox(kNotParsed);
+    EXPECT_TRUE(Check(false));
+}
+
+TEST_F(UpdateCheckTest, MissingDescriptionOfANewerBuildSaysNotParsedOnlyWhenAskedFor)
+{
+    Publish(UpdateInfo("1.2.1", R"(, "downloadLink": "http://x/y")"));
+    EXPECT_TRUE(Check(true));
+    CUserScript user;
+    user.AnswerBox(kNotParsed).Start();
+    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), false));
+    EXPECT_EQ(user.Finish().size(), 1u);
+}
+
+TEST_F(UpdateCheckTest, RootThatIsNoObjectRaisesTheTypeErrorAndShowsNothing)
+{
+    Publish("[]");
+    EXPECT_EQ(CheckRaises(false), "value type is 1 not 0");
+    EXPECT_TRUE(m_seen.empty());
+}
+
+TEST_F(UpdateCheckTest, EntryThatIsNoObjectRaisesTheTypeError)
+{
+    Publish(R"({"x64": "1.3.0"})");
+    EXPECT_EQ(CheckRaises(false), "value type is 2 not 0");
+}
+
+TEST_F(UpdateCheckTest, VersionGivenAsAStringRaisesTheTypeError)
+{
+    Publish(R"({"x64": {"majorVersion": "1", "minorVersion": 3, "buildNumber": 0}})");
+    EXPECT_EQ(CheckRaises(false), "value type is 2 not 4");
+}
+
+TEST_F(UpdateCheckTest, VersionGivenAsARealRaisesTheTypeError)
+{
+    Publish(R"({"x64": {"majorVersion": 1.0, "minorVersion": 3, "buildNumber": 0}})");
+    EXPECT_EQ(CheckRaises(false), "value type is 5 not 4");
+}
+
+TEST_F(UpdateCheckTest, MissingBuildNumberRaisesTheTypeErrorThoughTheMajorNumberDecides)
+{
+    Publish(R"({"x64": {"majorVersion": 2, "minorVersion": 0}})");
+    EXPECT_EQ(CheckRaises(true), "value type is 6 not 4");
+}
+
+TEST_F(UpdateCheckTest, LinkThatIsNoStringRaisesTheTypeErrorOnlyWhenItIsUsed)
+{
+    Publish(UpdateInfo("1.3.0", R"(, "downloadLink": 7, "description": {"default": "text"})"));
+    ExpectLater();
+    EXPECT_TRUE(Check(true));
+
+    CUserScript user;
+    user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, 204); }).Start();
+    EXPECT_THROW(CheckForUpdate(m_owner.Handle(), true), std::runtime_error);
+    user.Finish();
+}
+
+TEST_F(UpdateCheckTest, ResponseWithoutDateRaisesOutOfRange)
+{
+    Publish(CHttpReply(200, UpdateInfo("1.2.0", "")).WithoutDate());
+    EXPECT_EQ(CheckRaises(true), "invalid vector<T> subscript");
+}
+
+TEST_F(UpdateCheckTest, OwnerIsNeitherDisabledNorEnabledByTheCheckItself)
+{
+    Publish(UpdateInfo("1.2.0", ""));
+    EXPECT_FALSE(Check(true));
+    EXPECT_FALSE(IsWindowEnabled(m_owner.Handle()));
+    EnableWindow(m_owner.Handle(), TRUE);
+    EXPECT_FALSE(CheckForUpdate(m_owner.Handle(), true));
+    EXPECT_TRUE(IsWindowEnabled(m_owner.Handle()));
+}
+
+TEST(CheckJSONObjectTest, OnlyNullIsMissing)
+{
+    using json_spirit::wmValue;
+    EXPECT_TRUE(CheckJSONObject(wmValue(), nullptr, true));
+    EXPECT_FALSE(CheckJSONObject(wmValue(json_spirit::wmObject()), nullptr, false));
+    EXPECT_FALSE(CheckJSONObject(wmValue(std::wstring(L"text")), nullptr, false));
+    EXPECT_FALSE(CheckJSONObject(wmValue(0), nullptr, false));
+    EXPECT_FALSE(CheckJSONObject(wmValue(false), nullptr, false));
+}
+
+TEST(CheckJSONObjectTest, WritesItsEntry)
+{
+    const CLogMark log;
+    CheckJSONObject(json_spirit::wmValue(), nullptr, true);
+    EXPECT_EQ(log.Texts(), std::vector<std::string>{"CheckJSONObject"});
+}
+
+} // namespace
+} // namespace orva::test

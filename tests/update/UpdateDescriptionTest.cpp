@@ -1,0 +1,118 @@
+// Which language's description of a published build is chosen.
+#include "update/UpdateDescription.h"
+
+#include "update/UpdateFixture.h"
+
+#include <ostream>
+#include <stdexcept>
+
+namespace orva::test
+{
+namespace
+{
+
+json_spirit::wmObject Entry(const wchar_t* json)
+{
+    json_spirit::wmValue value;
+    json_spirit::read_or_throw(std::wstring(json), value);
+    return value.get_obj();
+}
+
+constexpr wchar_t kAll[] =
+    LR"({"description": {"de": "deutsch", "es": "español", "tr": "türkçe", "default": "text"}})";
+
+struct Case
+{
+    const char* behaviour;
+    DWORD language;
+    const wchar_t* entry;
+    const wchar_t* description;
+};
+
+void PrintTo(const Case& testCase, std::ostream* stream)
+{
+    *stream << testCase.behaviour;
+}
+
+class UpdateDescriptionTest : public ::testing::TestWithParam<Case>
+{
+};
+
+TEST_P(UpdateDescriptionTest, IsTheTextFor)
+{
+    const COfficeLanguage language(GetParam().language);
+    EXPECT_STREQ(DetermineUpdateDescription(Entry(GetParam().entry)), GetParam().description);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Languages, UpdateDescriptionTest,
+    ::testing::Values(Case{"German reads German", 1031, kAll, L"deutsch"},
+                      Case{"Turkish reads Turkish", 1055, kAll, L"türkçe"},
+                      Case{"Spanish of Spain reads Spanish", 3082, kAll, L"español"},
+                      Case{"English reads the default", 1033, kAll, L"text"},
+                      Case{"Traditional Spanish reads the default", 1034, kAll, L"text"},
+                      Case{"Mexican Spanish reads the default", 2058, kAll, L"text"},
+                      Case{"Austrian German reads the default", 3079, kAll, L"text"},
+                      Case{"no language reads the default", 65535, kAll, L"text"},
+                      Case{"German without German text falls back", 1031,
+                           LR"({"description": {"default": "text"}})", L"text"},
+                      Case{"null German text falls back", 1031,
+                           LR"({"description": {"de": null, "default": "text"}})", L"text"},
+                      Case{"empty Turkish text does not fall back", 1055,
+                           LR"({"description": {"tr": "", "default": "text"}})", L""},
+                      Case{"keys count in lower case only", 1031,
+                           LR"({"description": {"DE": "deutsch", "default": "text"}})", L"text"},
+                      Case{"an English key is no key", 1033, LR"({"description": {"en": "english"}})", L""},
+                      Case{"no default for English is empty", 1033, LR"({"description": {"de": "deutsch"}})",
+                           L""},
+                      Case{"no description is empty", 1033, LR"({})", L""},
+                      Case{"null description is empty", 1033, LR"({"description": null})", L""},
+                      Case{"null default is empty", 1033, LR"({"description": {"default": null}})", L""}));
+
+class DetermineUpdateDescriptionTest : public ::testing::Test
+{
+protected:
+    static std::string Raised(const wchar_t* entry)
+    {
+        try
+        {
+            DetermineUpdateDescription(Entry(entry));
+        }
+        catch (const std::runtime_error& error)
+        {
+            return error.what();
+        }
+        return "(none)";
+    }
+
+    COfficeLanguage m_language{1033};
+};
+
+TEST_F(DetermineUpdateDescriptionTest, RaisesTheTypeErrorForADescriptionThatIsNoObject)
+{
+    EXPECT_EQ(Raised(LR"({"description": "text"})"), "value type is 2 not 0");
+}
+
+TEST_F(DetermineUpdateDescriptionTest, RaisesTheTypeErrorForATextThatIsNoString)
+{
+    EXPECT_EQ(Raised(LR"({"description": {"default": 1}})"), "value type is 4 not 2");
+}
+
+TEST_F(DetermineUpdateDescriptionTest, WritesItsEntry)
+{
+    const CLogMark log;
+    DetermineUpdateDescription(Entry(kAll));
+    EXPECT_EQ(log.Texts(), std::vector<std::string>{"DetermineUpdateDescription"});
+}
+
+TEST_F(DetermineUpdateDescriptionTest, ReadsTheLanguageAnewAtEveryCall)
+{
+    EXPECT_STREQ(DetermineUpdateDescription(Entry(kAll)), L"text");
+    CRegistryValue language(HKEY_CURRENT_USER,
+                            L"SOFTWARE\\Microsoft\\Office\\14.0\\Common\\LanguageResources", L"UILanguage");
+    language.SetDword(1031);
+    EXPECT_STREQ(DetermineUpdateDescription(Entry(kAll)), L"deutsch");
+}
+
+} // namespace
+} // namespace orva::test

@@ -1,0 +1,33 @@
+// What the tests of the update check share: a server that publishes, and the texts to expect.
+#include "update/UpdateFixture.h"
+
+namespace orva::test
+{
+
+std::string UpdateInfo(const std::string& version, const std::string& more)
+{
+    std::string numbers = version;
+    const size_t first = numbers.find('.');
+    const size_t second = numbers.find('.', first + 1);
+    return "{\"x64\": {\"majorVersion\": " + numbers.substr(0, first) +
+           ", \"minorVersion\": " + numbers.substr(first + 1, second - first - 1) +
+           ", \"buildNumber\": " + numbers.substr(second + 1) + more + "}}";
+}
+
+std::string OfferOf(const std::string& link)
+{
+    return UpdateInfo("1.3.0", ", \"downloadLink\": \"" + link +
+                                   "\", \"description\": {\"default\": \"Faster contacts.\"}");
+}
+
+void CUpdateTest::Publish(std::string body)
+{
+    Publish(CHttpReply(200, std::move(body)));
+}
+
+void CUpdateTest::Publish(const CHttpReply& reply)
+{
+    m_server.On(kUpdateInfoPath, reply);
+}
+
+} // namespace orva::test

@@ -1,0 +1,45 @@
+// What the tests of the update check share: a server that publishes, an Office language, a log, an owner
+// window.
+#pragma once
+
+#include "fixture/ProductFixture.h"
+#include "harness/HttpReply.h"
+#include "harness/LoopbackServer.h"
+#include "harness/ProxySetting.h"
+#include "harness/UserScript.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+inline constexpr char kUpdateInfoPath[] = "/downloads/outlook/UpdateInfo.txt";
+inline constexpr wchar_t kConnectError[] = L"Error when connecting to the update server.";
+inline constexpr wchar_t kNotParsed[] = L"Update information could not be parsed.";
+inline constexpr wchar_t kLatest[] = L"You already have the latest version of the ORVA Connector. ";
+inline constexpr wchar_t kOfferCaption[] = L"New update available";
+
+/// An entry for "x64" with this version and these further members (JSON text that starts with a comma).
+std::string UpdateInfo(const std::string& version, const std::string& more);
+
+/// A complete file that offers 1.3.0 with this download link.
+std::string OfferOf(const std::string& link);
+
+/// Publishes on a loopback server that plays the proxy; English Office 2010.
+class CUpdateTest : public ::testing::Test
+{
+protected:
+    void Publish(std::string body);
+    void Publish(const CHttpReply& reply);
+
+    CLoopbackServer m_server;
+    CProxySetting m_proxy{m_server.Port()};
+    COfficeLanguage m_language{1033};
+    COwnerWindow m_owner;
+    CUserScript m_user;
+};
+
+} // namespace orva::test
