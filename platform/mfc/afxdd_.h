@@ -20,9 +20,9 @@ public:
 
     CDataExchange(CWnd* pDlgWnd, BOOL bSaveAndValidate);
 
-    /// The control with that id; throws CNotSupportedException when the dialog has none.
+    /// The control with that id; throws CInvalidArgException when the dialog has none.
     HWND PrepareCtrl(int nIDC);
 };
 
-/// Subclasses the control with that id for `rControl`, once; throws CNotSupportedException when it cannot.
+/// Subclasses the control with that id for `rControl`, once; throws CInvalidArgException when it cannot.
 void AFXAPI DDX_Control(CDataExchange* pDX, int nIDC, CWnd& rControl);

@@ -2,9 +2,9 @@
 //
 // Left out: modeless dialogs (Create), templates made in memory, help, WM_ENTERIDLE and idle processing,
 // command routing from the dialog to its owner, list and combo box initialisation data (RT_DLGINIT).
-// Otherwise than the original: the object is attached with the first message that the dialog procedure sees,
-// so messages that precede it (WM_NCCREATE, WM_CREATE) do not reach the message map. An exception that leaves
-// OnInitDialog ends the dialog with IDABORT.
+// Otherwise than the original: the object is attached at WM_INITDIALOG, so messages that precede it
+// (WM_NCCREATE, WM_CREATE, WM_SETFONT) do not reach the message map. The dialog is shown at once, not at the
+// first idle moment. An exception that leaves OnInitDialog ends the dialog with IDABORT.
 #pragma once
 
 #include "afxwnd_.h"
@@ -46,8 +46,8 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
+    afx_msg LRESULT HandleInitDialog(WPARAM wParam, LPARAM lParam);
     static INT_PTR CALLBACK DialogProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam);
-    INT_PTR InitDialog(HWND hWnd);
     BOOL CreateModal(HINSTANCE hInstance, HWND hWndOwner);
 
     const DLGTEMPLATE* m_pTemplate = nullptr;

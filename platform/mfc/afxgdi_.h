@@ -47,7 +47,7 @@ class CBrush : public CGdiObject
     DECLARE_DYNAMIC(CBrush)
 public:
     CBrush() = default;
-    /// A solid brush; throws CResourceException when it cannot be made.
+    /// A solid brush; throws std::bad_alloc when it cannot be made.
     explicit CBrush(COLORREF crColor);
     static CBrush* FromHandle(HBRUSH hBrush);
     operator HBRUSH() const;

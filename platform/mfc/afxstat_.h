@@ -50,19 +50,19 @@ AFX_MODULE_STATE* AFXAPI AfxGetStaticModuleState();
 
 /// Makes `pNewState` the thread's current module state and returns the previous one; leaves activation
 /// contexts alone. Null stands for the module's own state.
-AFX_MODULE_STATE* AFXAPI AfxSetModuleState(AFX_MODULE_STATE* pNewState) noexcept;
+AFX_MODULE_STATE* AFXAPI AfxSetModuleState(AFX_MODULE_STATE* pNewState);
 
 /// Switches the thread to a module state and activates its activation context, until the end of the scope.
 class AFX_MAINTAIN_STATE2
 {
 public:
-    explicit AFX_MAINTAIN_STATE2(AFX_MODULE_STATE* pModuleState) noexcept;
+    explicit AFX_MAINTAIN_STATE2(AFX_MODULE_STATE* pModuleState);
     ~AFX_MAINTAIN_STATE2();
     AFX_MAINTAIN_STATE2(const AFX_MAINTAIN_STATE2&) = delete;
     AFX_MAINTAIN_STATE2& operator=(const AFX_MAINTAIN_STATE2&) = delete;
 
 protected:
-    AFX_MODULE_STATE* m_pPrevModuleState;
+    AFX_MODULE_STATE* m_pPrevModuleState = nullptr;
     ULONG_PTR m_ulActCtxCookie = 0;
     BOOL m_bValidActCtxCookie = FALSE;
     size_t m_nTemporaryObjects;

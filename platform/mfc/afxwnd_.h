@@ -143,6 +143,7 @@ protected:
 
 private:
     friend LRESULT AfxCallWndProc(CWnd* pWnd, HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam);
+    friend class CDialog;
 
     WNDPROC m_pfnSuper = nullptr;
     HWND m_hWndOwner = nullptr;

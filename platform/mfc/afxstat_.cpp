@@ -1,0 +1,112 @@
+// Module state and its activation context.
+#include "afxstat_.h"
+
+#include "afxthreadstate.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+/// The module this library is linked into; its address is the module's handle, made by the linker.
+extern "C" IMAGE_DOS_HEADER __ImageBase;
+
+namespace
+{
+
+std::wstring ModulePath(HINSTANCE module)
+{
+    std::wstring path(MAX_PATH, L'\0');
+    for (;;)
+    {
+        const DWORD length = GetModuleFileNameW(module, path.data(), DWORD(path.size()));
+        if (length < path.size())
+        {
+            path.resize(length);
+            return path;
+        }
+        path.resize(path.size() * 2);
+    }
+}
+
+} // namespace
+
+AFX_MODULE_STATE::AFX_MODULE_STATE(HINSTANCE hInstance)
+    : m_hCurrentInstanceHandle(hInstance), m_hCurrentResourceHandle(hInstance),
+      m_lpszCurrentAppName(m_szDefaultAppName)
+{
+    std::wstring name = ModulePath(hInstance);
+    name.erase(0, name.find_last_of(L"\\/") + 1);
+    name.erase(std::min(name.size(), name.rfind(L'.')));
+    lstrcpynW(m_szDefaultAppName, name.c_str(), ARRAYSIZE(m_szDefaultAppName));
+}
+
+AFX_MODULE_STATE::~AFX_MODULE_STATE()
+{
+    if (m_hActCtx && m_hActCtx != INVALID_HANDLE_VALUE)
+    {
+        ReleaseActCtx(m_hActCtx);
+    }
+}
+
+void AFX_MODULE_STATE::CreateActivationContext()
+{
+    if (m_hActCtx)
+    {
+        return;
+    }
+    const std::wstring path = ModulePath(m_hCurrentInstanceHandle);
+    ACTCTXW description = {};
+    description.cbSize = sizeof description;
+    description.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
+    description.lpSource = path.c_str();
+    description.lpResourceName = MAKEINTRESOURCEW(2); // ISOLATIONAWARE_MANIFEST_RESOURCE_ID
+    description.hModule = m_hCurrentInstanceHandle;
+    const HANDLE context = CreateActCtxW(&description);
+    // Two threads may get here at once; the first one's context stays.
+    if (InterlockedCompareExchangePointer(&m_hActCtx, context, nullptr) != nullptr &&
+        context != INVALID_HANDLE_VALUE)
+    {
+        ReleaseActCtx(context);
+    }
+}
+
+AFX_MODULE_STATE* AFXAPI AfxGetStaticModuleState()
+{
+    static AFX_MODULE_STATE state(reinterpret_cast<HINSTANCE>(&__ImageBase));
+    return &state;
+}
+
+AFX_MODULE_STATE* AFXAPI AfxGetModuleState()
+{
+    AFX_MODULE_STATE* state = AfxGetThreadState().m_moduleState;
+    return state ? state : AfxGetStaticModuleState();
+}
+
+AFX_MODULE_STATE* AFXAPI AfxSetModuleState(AFX_MODULE_STATE* pNewState)
+{
+    return std::exchange(AfxGetThreadState().m_moduleState, pNewState);
+}
+
+AFX_MAINTAIN_STATE2::AFX_MAINTAIN_STATE2(AFX_MODULE_STATE* pModuleState)
+    : m_nTemporaryObjects(AfxGetThreadState().TemporaryCount())
+{
+    // What can throw comes before the switch, which nobody would undo.
+    pModuleState->CreateActivationContext();
+    m_pPrevModuleState = AfxSetModuleState(pModuleState);
+    if (pModuleState->m_hActCtx != INVALID_HANDLE_VALUE)
+    {
+        m_bValidActCtxCookie = ActivateActCtx(pModuleState->m_hActCtx, &m_ulActCtxCookie);
+    }
+}
+
+AFX_MAINTAIN_STATE2::~AFX_MAINTAIN_STATE2()
+{
+    AfxGetThreadState().FreeTemporaries(m_nTemporaryObjects);
+    AfxSetModuleState(m_pPrevModuleState);
+    if (m_bValidActCtxCookie)
+    {
+        // Forced: a context that somebody left active above ours would otherwise raise a structured
+        // exception.
+        DeactivateActCtx(DEACTIVATE_ACTCTX_FLAG_FORCE_EARLY_DEACTIVATION, m_ulActCtxCookie);
+    }
+}

@@ -1,0 +1,24 @@
+// The standard controls' classes, and the rich-edit library.
+#include "afxwin.h"
+
+#include <string>
+
+IMPLEMENT_DYNAMIC(CStatic, CWnd)
+IMPLEMENT_DYNAMIC(CButton, CWnd)
+IMPLEMENT_DYNAMIC(CEdit, CWnd)
+
+BOOL CEdit::SetReadOnly(BOOL bReadOnly)
+{
+    return BOOL(SendMessage(EM_SETREADONLY, WPARAM(bReadOnly)));
+}
+
+BOOL AFXAPI AfxInitRichEdit2()
+{
+    static const HMODULE library = [] {
+        // By its full path: the folders of the host program are not asked for a system library.
+        WCHAR folder[MAX_PATH] = L"";
+        GetSystemDirectoryW(folder, ARRAYSIZE(folder));
+        return LoadLibraryW((std::wstring(folder) + L"\\riched20.dll").c_str());
+    }();
+    return library != nullptr;
+}
