@@ -40,6 +40,10 @@ public:
         COM_INTERFACE_ENTRY(IRibbonCallback)
     END_COM_MAP()
 
+    // Empty: Invoke takes the click before a sink map would be asked.
+    BEGIN_SINK_MAP(CConnect)
+    END_SINK_MAP()
+
     // The one way in for every dispatch interface above and for the click event.
     //
     // Ribbon callbacks (42000 to 42009) go to IRibbonCallback's dispatcher. The click (1) shows the About

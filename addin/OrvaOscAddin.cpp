@@ -4,6 +4,10 @@
 #include "support/DebugLog.h"
 #include "support/ExceptionGuard.h"
 
+#include <olectl.h>
+
+#include <iterator>
+
 COrvaOscAddinModule _AtlModule;
 
 namespace

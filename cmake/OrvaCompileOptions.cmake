@@ -15,7 +15,7 @@ target_compile_definitions(orva_options INTERFACE
 # conditionally-supported is an error; CString must never end there.
 target_compile_options(orva_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wcast-qual -Wundef
-  -Werror -Werror=conditionally-supported
+  -Werror $<$<COMPILE_LANGUAGE:CXX>:-Werror=conditionally-supported>
   -Wno-restrict
   -fno-strict-aliasing
   "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=." "-ffile-prefix-map=${CMAKE_BINARY_DIR}=build"
