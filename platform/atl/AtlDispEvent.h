@@ -125,7 +125,7 @@ public:                                                                         
     typedef _class _GetSinkMapFinder;                                                                        \
     static const ATL::_ATL_EVENT_ENTRY<_class>* _GetSinkMap() noexcept                                       \
     {                                                                                                        \
-        typedef _class _atl_event_classtype;                                                                 \
+        using _atl_event_classtype [[maybe_unused]] = _class;                                                \
         static const ATL::_ATL_EVENT_ENTRY<_class> map[] = {
 
 // Event dispid of interface iid, raised by the source of the sink id, is handled by func as info says.

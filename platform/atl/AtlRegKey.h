@@ -3,6 +3,8 @@
 
 #include "platform/atl/atlexcept.h"
 
+#include <cstddef>
+
 namespace ATL
 {
 
@@ -101,6 +103,9 @@ public:
     LONG RecurseDeleteKey(LPCTSTR lpszKey) noexcept;
 
     HKEY m_hKey = nullptr;
+
+private:
+    LONG SetBytes(LPCTSTR pszValueName, DWORD dwType, const void* pValue, std::size_t nBytes) noexcept;
 };
 
 } // namespace ATL

@@ -15,6 +15,8 @@
 #include "platform/atl/atlcore.h"
 #include "platform/atl/atliface.h"
 
+#include <string>
+
 namespace ATL
 {
 
@@ -45,7 +47,6 @@ class CAtlComModule
 {
 public:
     constexpr CAtlComModule() noexcept = default;
-    ~CAtlComModule();
     CAtlComModule(const CAtlComModule&) = delete;
     CAtlComModule& operator=(const CAtlComModule&) = delete;
 
@@ -54,14 +55,14 @@ public:
 
     // Finds the class object of rclsid and asks it for riid. CLASS_E_CLASSNOTAVAILABLE when no class of the
     // module has that id, E_POINTER when ppv is null.
-    HRESULT GetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* ppv);
+    HRESULT GetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* ppv) noexcept;
 
     // Runs the registration script of every class (of pCLSID only, when given), then registers the type
     // library of the module. Returns the first failure and stops there.
-    HRESULT RegisterServer(BOOL bRegTypeLib = FALSE, const CLSID* pCLSID = nullptr);
+    HRESULT RegisterServer(BOOL bRegTypeLib = FALSE, const CLSID* pCLSID = nullptr) noexcept;
 
     // The reverse of RegisterServer.
-    HRESULT UnregisterServer(BOOL bUnRegTypeLib = FALSE, const CLSID* pCLSID = nullptr);
+    HRESULT UnregisterServer(BOOL bUnRegTypeLib = FALSE, const CLSID* pCLSID = nullptr) noexcept;
 
     // Releases the class objects that were kept.
     void Term() noexcept;
@@ -226,6 +227,9 @@ public:
         return _AtlComModule.GetClassObject(rclsid, riid, ppv);
     }
 };
+
+// The full path of a module's file. Throws CAtlException when the system does not give it.
+std::wstring AtlGetModulePath(HINSTANCE hInst);
 
 // Loads the type library that is part of hInstTypeLib; lpszIndex as in RegisterTypeLib. *pbstrPath receives
 // the path that was loaded. When the module has none, a .tlb file of the module's name beside it is tried.

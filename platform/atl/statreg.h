@@ -44,7 +44,7 @@ public:
 
 private:
     HRESULT RunResource(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR szType, bool bRegister) noexcept;
-    HRESULT RunText(std::wstring_view text, bool bRegister);
+    HRESULT RunText(std::wstring_view text, bool bRegister) noexcept;
 
     CRegistrationReplacements m_replacements;
 };
