@@ -1,0 +1,79 @@
+// Entry point of the stand-in Outlook.
+#include "host/HostOptions.h"
+#include "host/OutlookHost.h"
+#include "host/Trace.h"
+#include "host/TypeLibraries.h"
+
+#include <windows.h>
+
+#include <ole2.h>
+#include <shellapi.h>
+
+namespace
+{
+
+using namespace orva::host;
+
+constexpr int kBadUsage = 2;
+
+// Add-ins may keep references to Outlook's objects to the very end, and these keep the trace.
+CTrace g_trace;
+CMenuModel g_model(g_trace);
+
+/// The last words of a process that an add-in has brought down.
+LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception)
+{
+    g_trace.Event(L"crashed with exception " +
+                  HexText(static_cast<HRESULT>(exception->ExceptionRecord->ExceptionCode)));
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+void WriteError(const std::wstring& text)
+{
+    const std::string bytes(text.begin(), text.end());
+    const HANDLE output = GetStdHandle(STD_ERROR_HANDLE);
+    DWORD written = 0;
+    WriteFile(output, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+}
+
+std::vector<std::wstring> Arguments()
+{
+    int count = 0;
+    LPWSTR* texts = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::wstring> arguments;
+    for (int index = 1; index < count; ++index)
+        arguments.emplace_back(texts[index]);
+    LocalFree(texts);
+    return arguments;
+}
+
+} // namespace
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
+{
+    HostOptions options;
+    std::wstring error;
+    if (!ParseOptions(Arguments(), options, error))
+    {
+        WriteError(L"OutlookHost: " + error + L"\n");
+        return kBadUsage;
+    }
+    if (!options.traceFile.empty() && !g_trace.Open(options.traceFile))
+    {
+        WriteError(L"OutlookHost: cannot write the trace file\n");
+        return kBadUsage;
+    }
+    SetUnhandledExceptionFilter(OnCrash);
+    if (FAILED(OleInitialize(nullptr)))
+        return 1;
+    EnsureTypeLibraries(g_trace);
+    int status = 0;
+    {
+        COutlookHost host(options, g_trace, g_model);
+        status = host.Run();
+    }
+    // A fast end leaves the add-in loaded and connected, so OLE must not tear it down either.
+    if (!options.fastShutdown)
+        OleUninitialize();
+    return status;
+}
