@@ -1,7 +1,7 @@
 # Installs the packages that are missing and builds; shared by ./run and ./test, to be sourced by bash.
 #
-# install_packages    installs what tools/packages.txt names and this machine has not.
-# configure_and_build builds preset release into $build_dir.
+# install_packages                  installs what tools/packages.txt names and this machine has not.
+# configure_and_build [TARGET...]   builds preset release, or only these targets of it, into $build_dir.
 # shellcheck shell=bash
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -50,5 +50,5 @@ install_packages() {
 
 configure_and_build() {
     (cd "$repository" && cmake --preset release -B "$build_dir")
-    cmake --build "$build_dir"
+    cmake --build "$build_dir" ${1:+--target "$@"}
 }

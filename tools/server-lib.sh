@@ -6,7 +6,7 @@
 # start_server DIR     starts it with everything it needs below DIR; sets $server_port and $server_log.
 # publish DIR WHAT LANGUAGE   puts UpdateInfo.txt for version WHAT, or the file WHAT as it is, into the web root.
 # stop_server DIR
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the other libraries
 
 update_info_path=/downloads/outlook/UpdateInfo.txt
 # Large enough for the progress to be seen.

@@ -8,7 +8,7 @@
 # window_state        "enabled", "disabled" or "gone".
 # press ID, close_window
 # picture NAME        writes NN-NAME.png of $window with its frame into $pictures.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the other libraries
 
 declare -A control_text=() control_state=() control_class=()
 picture_count=0
@@ -20,15 +20,15 @@ start_user() {
     user_in=${user[1]} user_out=${user[0]}
 }
 
-# command_user COMMAND: sets the array $answer to the lines of its answer, carriage returns taken off.
+# command_user COMMAND: sets the array $reply to the lines of its answer, carriage returns taken off.
 command_user() {
     local line
-    answer=()
+    reply=()
     echo "$1" >&"$user_in"
     while read -r -t 60 line <&"$user_out"; do
         line=${line%$'\r'}
         [ "$line" != . ] || return 0
-        answer+=("$line")
+        reply+=("$line")
     done
     echo "the desktop does not answer: $1" >&2
     return 1
@@ -40,8 +40,8 @@ unescape() { printf -v plain '%b' "$1"; }
 next_window() {
     local fields
     command_user "next $1"
-    [ "${#answer[@]}" -gt 0 ] || return 1
-    IFS=$'\t' read -r -a fields <<<"${answer[0]}"
+    [ "${#reply[@]}" -gt 0 ] || return 1
+    IFS=$'\t' read -r -a fields <<<"${reply[0]}"
     window=${fields[1]}
     window_program=${fields[3]}
     window_class=${fields[4]}
@@ -54,7 +54,7 @@ read_window() {
     local line kind id class state shown text
     control_text=() control_state=() control_class=()
     command_user "read $window"
-    for line in "${answer[@]}"; do
+    for line in "${reply[@]}"; do
         IFS=$'\t' read -r kind id class state shown text <<<"$line"
         if [ "$kind" = caption ]; then
             unescape "$id"
@@ -70,12 +70,12 @@ read_window() {
 
 window_state() {
     command_user "state $window"
-    echo "${answer[0]}"
+    echo "${reply[0]}"
 }
 
 press() {
     command_user "press $window $1"
-    [ "${answer[0]}" = "done" ]
+    [ "${reply[0]}" = "done" ]
 }
 
 close_window() { command_user "close $window"; }
@@ -83,7 +83,7 @@ close_window() { command_user "close $window"; }
 # wait_gone SECONDS: until $window has gone.
 wait_gone() {
     local deadline=$((SECONDS + $1))
-    while command_user "state $window" && [ "${answer[0]}" != gone ]; do
+    while command_user "state $window" && [ "${reply[0]}" != gone ]; do
         ((SECONDS < deadline)) || return 1
         sleep 0.1
     done
@@ -92,7 +92,7 @@ wait_gone() {
 # x_window: the id of the X11 window that shows $window.
 x_window() {
     command_user "x $window"
-    echo "${answer[0]#x$'\t'}"
+    echo "${reply[0]#x$'\t'}"
 }
 
 picture() {
@@ -110,4 +110,19 @@ picture() {
 # keys KEY...: types on the window that has the focus.
 keys() {
     xdotool key --clearmodifiers --delay 120 "$@"
+}
+
+# show_to_keyboard: gives $window the keyboard.
+show_to_keyboard() {
+    local id
+    id=$(x_window)
+    xdotool windowactivate --sync "$id" 2>/dev/null || xdotool windowfocus --sync "$id"
+}
+
+# picture_of_screen NAME: of all that is on the screen; menus are windows of their own.
+picture_of_screen() {
+    local file
+    picture_count=$((picture_count + 1))
+    printf -v file '%s/%02d-%s.png' "$pictures" "$picture_count" "$1"
+    /usr/bin/import -silent -window root "$file"
 }
