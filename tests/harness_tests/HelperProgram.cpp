@@ -1,0 +1,56 @@
+// What the harness's own tests start as another program: it waits, speaks, hangs or crashes on request.
+#include "harness/Watchdog.h"
+
+#include <gtest/gtest.h>
+
+namespace orva::test
+{
+
+namespace
+{
+
+bool IsAsked()
+{
+    return GetEnvironmentVariableW(L"ORVA_HELPER", nullptr, 0) != 0;
+}
+
+} // namespace
+
+TEST(HelperProgram, Waits)
+{
+    if (IsAsked())
+    {
+        Sleep(INFINITE);
+    }
+}
+
+TEST(HelperProgram, Speaks)
+{
+    if (IsAsked())
+    {
+        OutputDebugStringA("one");
+        OutputDebugStringA("two ");
+    }
+}
+
+TEST(HelperProgram, Hangs)
+{
+    if (IsAsked())
+    {
+        SetTestDeadline(300);
+        NoteTestPart("waiting for nothing");
+        Sleep(INFINITE);
+    }
+}
+
+TEST(HelperProgram, Crashes)
+{
+    if (IsAsked())
+    {
+        // Volatile, so that the compiler does not see where it leads.
+        int* volatile nowhere = nullptr;
+        *nowhere = 1;
+    }
+}
+
+} // namespace orva::test
