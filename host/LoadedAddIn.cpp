@@ -33,6 +33,22 @@ private:
     SAFEARRAY* m_array;
 };
 
+/// The class of a ProgID. A version-independent one may have no class of its own and only name the current
+/// version: Windows follows that, Wine 8 does not.
+HRESULT FindClass(const std::wstring& progId, CLSID& classId)
+{
+    const HRESULT result = CLSIDFromProgID(progId.c_str(), &classId);
+    if (SUCCEEDED(result))
+        return result;
+    wchar_t current[MAX_PATH];
+    DWORD size = sizeof(current);
+    const std::wstring key = progId + L"\\CurVer";
+    if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, current, &size) !=
+        ERROR_SUCCESS)
+        return result;
+    return CLSIDFromProgID(current, &classId);
+}
+
 } // namespace
 
 CLoadedAddIn::CLoadedAddIn(CTrace& trace, const AddInEntry& entry)
@@ -45,7 +61,7 @@ CLoadedAddIn::~CLoadedAddIn() = default;
 bool CLoadedAddIn::Load()
 {
     HRESULT result = m_trace.Run(kOutlook, L"COM", L"CLSIDFromProgID(" + ProgId() + L")",
-                                 [&] { return CLSIDFromProgID(ProgId().c_str(), &m_classId); });
+                                 [&] { return FindClass(ProgId(), m_classId); });
     if (FAILED(result))
         return false;
     result = m_trace.Run(kOutlook, ProgId(), L"CoCreateInstance", [&] {
