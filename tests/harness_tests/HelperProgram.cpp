@@ -48,7 +48,7 @@ TEST(HelperProgram, Crashes)
     if (IsAsked())
     {
         // Volatile, so that the compiler does not see where it leads.
-        int* volatile nowhere = nullptr;
+        volatile int* volatile nowhere = nullptr;
         *nowhere = 1;
     }
 }
