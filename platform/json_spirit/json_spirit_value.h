@@ -42,6 +42,8 @@ public:
     T& operator*() noexcept { return *m_value; }
     const T& operator*() const noexcept { return *m_value; }
 
+    friend bool operator==(const Value_box& left, const Value_box& right) { return *left == *right; }
+
 private:
     std::unique_ptr<T> m_value;
 };
@@ -98,19 +100,10 @@ public:
                            : static_cast<std::uint64_t>(std::get<std::int64_t>(m_value));
     }
 
+    // By type and content; an integer beyond the signed range differs from every other one.
     friend bool operator==(const Value_impl& left, const Value_impl& right)
     {
-        if (left.type() != right.type())
-            return false;
-        switch (left.type())
-        {
-        case obj_type:
-            return left.get_obj() == right.get_obj();
-        case array_type:
-            return left.get_array() == right.get_array();
-        default:
-            return left.m_value == right.m_value;
-        }
+        return left.m_value == right.m_value;
     }
 
 private:
