@@ -136,10 +136,11 @@ void CConnect::AttachToHost(IDispatch* application)
 {
     m_spApplication = QueryForCalls(application, __uuidof(Outlook::_Application));
     CComVariant explorer;
-    if (m_spApplication != nullptr)
-    {
-        m_spApplication.GetPropertyByName(L"ActiveExplorer", &explorer);
-    }
+    RunGuarded<HRESULT>(kOnConnection, E_FAIL, [&] {
+        // A method, although it reads like a property.
+        explorer = GetByName(m_spApplication, L"ActiveExplorer");
+        return S_OK;
+    });
     m_spExplorer =
         QueryForCalls(explorer.vt == VT_DISPATCH ? explorer.pdispVal : nullptr, __uuidof(Outlook::_Explorer));
 }
