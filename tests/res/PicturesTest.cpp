@@ -1,0 +1,145 @@
+// The pictures that the module carries: sizes, depths, and what is transparent.
+#include "tests/res/ModuleResources.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <objidl.h>
+#include <wrl/client.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+using std::max;
+using std::min;
+#include <gdiplus.h>
+
+using Microsoft::WRL::ComPtr;
+using namespace orva::test;
+
+namespace
+{
+/// Starts GDI+ for a test.
+class PicturesTest : public testing::Test
+{
+protected:
+    PicturesTest()
+    {
+        const Gdiplus::GdiplusStartupInput input;
+        Gdiplus::GdiplusStartup(&m_token, &input, nullptr);
+    }
+    ~PicturesTest() override { Gdiplus::GdiplusShutdown(m_token); }
+
+    static std::unique_ptr<Gdiplus::Bitmap> Png(WORD id)
+    {
+        const auto bytes = ReadResource(L"PNG", id).value();
+        const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, bytes.size());
+        std::memcpy(GlobalLock(block), bytes.data(), bytes.size());
+        GlobalUnlock(block);
+        ComPtr<IStream> stream;
+        CreateStreamOnHGlobal(block, TRUE, &stream);
+        return std::unique_ptr<Gdiplus::Bitmap>(new Gdiplus::Bitmap(stream.Get(), FALSE));
+    }
+
+    static Gdiplus::Color Pixel(Gdiplus::Bitmap& bitmap, int x, int y)
+    {
+        Gdiplus::Color color;
+        EXPECT_EQ(bitmap.GetPixel(x, y, &color), Gdiplus::Ok);
+        return color;
+    }
+
+    static void ExpectTransparentCornersAndOpaqueInside(Gdiplus::Bitmap& bitmap)
+    {
+        const int right = static_cast<int>(bitmap.GetWidth()) - 1;
+        const int bottom = static_cast<int>(bitmap.GetHeight()) - 1;
+        EXPECT_EQ(Pixel(bitmap, 0, 0).GetAlpha(), 0);
+        EXPECT_EQ(Pixel(bitmap, right, 0).GetAlpha(), 0);
+        EXPECT_EQ(Pixel(bitmap, 0, bottom).GetAlpha(), 0);
+        EXPECT_EQ(Pixel(bitmap, right, bottom).GetAlpha(), 0);
+        int opaque = 0;
+        for (int y = 0; y <= bottom; ++y)
+        {
+            for (int x = 0; x <= right; ++x)
+            {
+                opaque += Pixel(bitmap, x, y).GetAlpha() == 255;
+            }
+        }
+        EXPECT_GT(opaque, right * bottom / 10);
+    }
+
+private:
+    ULONG_PTR m_token = 0;
+};
+
+DWORD BigEndian(const std::vector<BYTE>& bytes, std::size_t position)
+{
+    return static_cast<DWORD>(bytes.at(position) << 24 | bytes.at(position + 1) << 16 |
+                              bytes.at(position + 2) << 8 | bytes.at(position + 3));
+}
+
+/// Width, height, depth of a channel and colour type 6 (red, green, blue, alpha), from the file's own header.
+void ExpectRgbaHeader(WORD id, DWORD width, DWORD height)
+{
+    const auto bytes = ReadResource(L"PNG", id);
+    ASSERT_TRUE(bytes.has_value());
+    ASSERT_EQ(std::string(bytes->begin(), bytes->begin() + 8), "\x89PNG\r\n\x1a\n");
+    EXPECT_EQ(BigEndian(*bytes, 16), width);
+    EXPECT_EQ(BigEndian(*bytes, 20), height);
+    EXPECT_EQ(bytes->at(24), 8);
+    EXPECT_EQ(bytes->at(25), 6);
+}
+} // namespace
+
+TEST_F(PicturesTest, TheLogoIs132By55RgbaWithTransparentCorners)
+{
+    ExpectRgbaHeader(208, 132, 55);
+    const auto logo = Png(208);
+    ASSERT_EQ(logo->GetLastStatus(), Gdiplus::Ok);
+    ExpectTransparentCornersAndOpaqueInside(*logo);
+}
+
+TEST_F(PicturesTest, TheIconIs36By36RgbaWithTransparentCorners)
+{
+    ExpectRgbaHeader(207, 36, 36);
+    const auto icon = Png(207);
+    ASSERT_EQ(icon->GetLastStatus(), Gdiplus::Ok);
+    ExpectTransparentCornersAndOpaqueInside(*icon);
+}
+
+TEST_F(PicturesTest, TheBitmapIs132By55In24Bits)
+{
+    const auto bytes = ReadResource(RT_BITMAP, 2000);
+    ASSERT_TRUE(bytes.has_value());
+    BITMAPINFOHEADER header;
+    ASSERT_GE(bytes->size(), sizeof(header));
+    std::memcpy(&header, bytes->data(), sizeof(header));
+    EXPECT_EQ(header.biWidth, 132);
+    EXPECT_EQ(header.biHeight, 55);
+    EXPECT_EQ(header.biBitCount, 24);
+    EXPECT_EQ(header.biCompression, static_cast<DWORD>(BI_RGB));
+}
+
+TEST_F(PicturesTest, TheBitmapIsTheLogoOnWhite)
+{
+    const auto logo = Png(208);
+    Gdiplus::Bitmap bitmap(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(2000));
+    ASSERT_EQ(bitmap.GetLastStatus(), Gdiplus::Ok);
+    EXPECT_EQ(Pixel(bitmap, 0, 0).GetValue(), 0xFFFFFFFFu);
+    EXPECT_EQ(Pixel(bitmap, 131, 54).GetValue(), 0xFFFFFFFFu);
+    for (int y = 0; y != 55; ++y)
+    {
+        for (int x = 0; x != 132; ++x)
+        {
+            const Gdiplus::Color above = Pixel(*logo, x, y);
+            const Gdiplus::Color shown = Pixel(bitmap, x, y);
+            const auto onWhite = [&](int channel) { return 255 + (channel - 255) * above.GetAlpha() / 255; };
+            // Rounding in the blend may differ by little.
+            EXPECT_LE(std::abs(onWhite(above.GetR()) - shown.GetR()), 4) << x << "," << y;
+            EXPECT_LE(std::abs(onWhite(above.GetG()) - shown.GetG()), 4) << x << "," << y;
+            EXPECT_LE(std::abs(onWhite(above.GetB()) - shown.GetB()), 4) << x << "," << y;
+        }
+    }
+}

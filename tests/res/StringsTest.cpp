@@ -1,0 +1,242 @@
+// The texts of the four languages, read out of the built module.
+#include "tests/res/ModuleResources.h"
+
+#include "OrvaWebHost.h"
+#include "harness/Text.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <regex>
+
+using namespace orva::test;
+
+namespace
+{
+constexpr UINT kFirstId = 101;
+constexpr UINT kLastId = 142;
+
+std::string Text(WORD language, UINT id)
+{
+    return Utf8(ModuleString(language, id));
+}
+
+const std::map<UINT, std::string> kFixedEnglish = {
+    {101, "Cancel"},
+    {102, "ORVA Connector"},
+    {106, "More information"},
+    {107, "The following links provide you with information about use and troubleshooting:"},
+    {108, "ORVA Connector information"},
+    {109, "http://" ORVA_WEB_HOST "/outlook"},
+    {110, "FAQs"},
+    {111, "http://" ORVA_WEB_HOST "/outlook/faqs"},
+    {112, "Version"},
+    {113, "Please click on the update button to ensure that you installed the latest version of the ORVA "
+          "Connector "
+          "plugin."},
+    {114, "Update"},
+    {115, "Check for new version now"},
+    {116, "Update information could not be parsed."},
+    {118, "New update available"},
+    {119, "Install"},
+    {120, "Later"},
+    {121, "Error when connecting to the update server."},
+    {122, "Download started"},
+    {123, "Download canceled"},
+    {124, "File could not be created, error ID: %d"},
+    {125, "%s of %s"},
+    {126, "Time remaining:"},
+    {127, "Transfer rate:"},
+    {128, "Download: %s%% of %s"},
+    {129, "%dkb of %dkb"},
+    {130, "%ds (%s complete)"},
+    {131, "%d kb/s"},
+    {132, "Update download canceled.\nClick on the \"Update\" button to try and download the update again."},
+    {133, "URL could not be parsed: %s"},
+    {134, "Temporary directory could not be created."},
+    {135, "Available version: %s"},
+    {136, "Installed version: %s"},
+    {137, "You already have the latest version of the ORVA Connector. "},
+    {138, "About the ORVA Connector..."},
+    {139, "Close"},
+    {140, "Version %d.%d.%d (%d-bit)"},
+    {141, "About this site"},
+    {142, "http://" ORVA_WEB_HOST "/app/user?op=imprint"},
+};
+
+/// The placeholders of a format in their order, "%%" included.
+std::vector<std::string> Placeholders(const std::string& format)
+{
+    static const std::regex placeholder("%[^a-zA-Z%]*[a-zA-Z%]");
+    return {std::sregex_token_iterator(format.begin(), format.end(), placeholder),
+            std::sregex_token_iterator()};
+}
+} // namespace
+
+TEST(StringsTest, TheTablesAreStoredUnderTheirFourLanguagesOnly)
+{
+    for (const WORD block : {7, 8, 9})
+    {
+        EXPECT_EQ(ResourceLanguages(RT_STRING, block), (std::vector<WORD>{10, 31, 1031, 1033})) << block;
+    }
+    EXPECT_TRUE(ResourceLanguages(RT_STRING, 6).empty());
+    EXPECT_TRUE(ResourceLanguages(RT_STRING, 10).empty());
+}
+
+TEST(StringsTest, NoBlockIsNamedLikeAStringSoTheSecondSearchFindsNothing)
+{
+    for (UINT id = kFirstId; id <= kLastId; ++id)
+    {
+        EXPECT_TRUE(ResourceLanguages(RT_STRING, static_cast<WORD>(id)).empty()) << id;
+    }
+}
+
+TEST(StringsTest, EveryIdHasATextInEveryLanguageAndNoOtherIdHasOne)
+{
+    for (const WORD language : kLanguages)
+    {
+        for (UINT id = 96; id < 144; ++id)
+        {
+            EXPECT_EQ(!ModuleString(language, id).empty(), id >= kFirstId && id <= kLastId)
+                << LanguageName(language) << " " << id;
+        }
+    }
+}
+
+TEST(StringsTest, TheEnglishTextsAreExact)
+{
+    for (const auto& [id, text] : kFixedEnglish)
+    {
+        EXPECT_EQ(Text(kEnglish, id), text) << id;
+    }
+    // The four that the product's own words fill.
+    EXPECT_EQ(kFixedEnglish.size(), kLastId - kFirstId + 1 - 4);
+}
+
+TEST(StringsTest, LinksAndProductNameAreTheSameInEveryLanguage)
+{
+    for (const WORD language : kLanguages)
+    {
+        for (const UINT id : {102u, 109u, 111u, 142u})
+        {
+            EXPECT_EQ(Text(language, id), kFixedEnglish.at(id)) << LanguageName(language);
+        }
+    }
+}
+
+TEST(StringsTest, EveryTranslationKeepsThePlaceholdersInTheirOrder)
+{
+    EXPECT_EQ(Placeholders(Text(kEnglish, 128)), (std::vector<std::string>{"%s", "%%", "%s"}));
+    EXPECT_EQ(Placeholders(Text(kEnglish, 140)), (std::vector<std::string>{"%d", "%d", "%d", "%d"}));
+    for (const WORD language : kLanguages)
+    {
+        for (UINT id = kFirstId; id <= kLastId; ++id)
+        {
+            EXPECT_EQ(Placeholders(Text(language, id)), Placeholders(Text(kEnglish, id)))
+                << LanguageName(language) << " " << id << ": " << Text(language, id);
+        }
+    }
+}
+
+TEST(StringsTest, TheCanceledMessageHasOneLineBreakAndInnerQuotesInEveryLanguage)
+{
+    for (const WORD language : kLanguages)
+    {
+        const std::string text = Text(language, 132);
+        const std::size_t lineBreak = text.find('\n');
+        ASSERT_NE(lineBreak, std::string::npos) << text;
+        EXPECT_EQ(text.find('\n', lineBreak + 1), std::string::npos) << text;
+        EXPECT_EQ(text.find('\\'), std::string::npos) << text;
+        // The button it speaks of carries the very text between the quotes.
+        EXPECT_NE(text.find('"' + Text(language, 114) + '"', lineBreak), std::string::npos) << text;
+    }
+}
+
+TEST(StringsTest, OnlyTheLatestVersionMessageEndsInABlankAndDoesSoInEveryLanguage)
+{
+    for (const WORD language : kLanguages)
+    {
+        for (UINT id = kFirstId; id <= kLastId; ++id)
+        {
+            const std::string text = Text(language, id);
+            ASSERT_FALSE(text.empty());
+            EXPECT_EQ(text.back() == ' ', id == 137) << LanguageName(language) << " " << id;
+            EXPECT_NE(text.front(), ' ') << LanguageName(language) << " " << id;
+            EXPECT_EQ(text.find("  "), std::string::npos) << LanguageName(language) << " " << id;
+        }
+    }
+}
+
+TEST(StringsTest, OfTheBackstageTextsOnlyTheSpanishRequestIsNotFitForMarkup)
+{
+    std::vector<UINT> ids = {140, 141, 142};
+    for (UINT id = 102; id <= 117; ++id)
+    {
+        if (id != 116)
+        {
+            ids.push_back(id);
+        }
+    }
+    for (const WORD language : kLanguages)
+    {
+        for (const UINT id : ids)
+        {
+            const bool fit = Text(language, id).find_first_of("\"<>&") == std::string::npos;
+            EXPECT_EQ(fit, !(language == kSpanish && id == 113)) << LanguageName(language) << " " << id;
+        }
+    }
+    EXPECT_NE(Text(kSpanish, 113).find("\"Actualizar\""), std::string::npos);
+}
+
+TEST(StringsTest, TheFixedTranslationsAreExact)
+{
+    EXPECT_EQ(Text(kGerman, 118), "Neues Update verfügbar");
+    EXPECT_EQ(Text(kGerman, 119), "Installieren");
+    EXPECT_EQ(Text(kGerman, 120), "Später");
+    EXPECT_EQ(Text(kGerman, 140), "Version %d.%d.%d (%d-Bit)");
+    EXPECT_EQ(Text(kSpanish, 140), "Version %d.%d.%d (%d-Bit)");
+    EXPECT_EQ(Text(kTurkish, 125), "%s - %s");
+    EXPECT_EQ(Text(kTurkish, 129), "%dkb - %dkb");
+}
+
+TEST(StringsTest, SpecialCharactersOfEachLanguageArriveAsTheyWereWritten)
+{
+    EXPECT_EQ(ModuleString(kEnglish, 117), L"\u00A9 2011 ORVA. All rights reserved.");
+    EXPECT_EQ(ModuleString(kGerman, 139), L"Schlie\u00DFen");
+    EXPECT_EQ(ModuleString(kGerman, 138), L"\u00DCber den ORVA Connector...");
+    EXPECT_EQ(ModuleString(kSpanish, 106), L"M\u00E1s informaci\u00F3n");
+    EXPECT_EQ(ModuleString(kTurkish, 101), L"\u0130ptal");
+    EXPECT_EQ(ModuleString(kTurkish, 127), L"Aktar\u0131m h\u0131z\u0131:");
+    for (const WORD language : kLanguages)
+    {
+        for (UINT id = kFirstId; id <= kLastId; ++id)
+        {
+            // What UTF-8 turns into when it is read with another code page, and what cannot be read at all.
+            EXPECT_EQ(ModuleString(language, id).find_first_of(L"\u00C3\u00C2\u00C4\u00C5\uFFFD"),
+                      std::wstring::npos)
+                << Text(language, id);
+        }
+    }
+}
+
+TEST(StringsTest, TheTranslationsAreTranslated)
+{
+    // Product name, links and what the languages share.
+    const std::map<WORD, std::vector<UINT>> shared = {
+        {kGerman, {102, 109, 111, 112, 131, 142}},
+        {kSpanish, {102, 109, 111, 131, 142}},
+        {kTurkish, {102, 109, 111, 142}},
+    };
+    for (const auto& [language, ids] : shared)
+    {
+        std::vector<UINT> same;
+        for (UINT id = kFirstId; id <= kLastId; ++id)
+        {
+            if (ModuleString(language, id) == ModuleString(kEnglish, id))
+            {
+                same.push_back(id);
+            }
+        }
+        EXPECT_EQ(same, ids) << LanguageName(language);
+    }
+}
