@@ -29,6 +29,23 @@ DWORD ServiceTypeOf(INTERNET_SCHEME scheme)
     }
 }
 
+INTERNET_PORT DefaultPortOf(INTERNET_SCHEME scheme)
+{
+    switch (scheme)
+    {
+    case INTERNET_SCHEME_FTP:
+        return INTERNET_DEFAULT_FTP_PORT;
+    case INTERNET_SCHEME_GOPHER:
+        return INTERNET_DEFAULT_GOPHER_PORT;
+    case INTERNET_SCHEME_HTTP:
+        return INTERNET_DEFAULT_HTTP_PORT;
+    case INTERNET_SCHEME_HTTPS:
+        return INTERNET_DEFAULT_HTTPS_PORT;
+    default:
+        return INTERNET_INVALID_PORT_NUMBER;
+    }
+}
+
 /// `url` with the unsafe characters of its path escaped and its dots resolved, as a browser would send it;
 /// empty on failure.
 std::wstring Canonicalize(LPCWSTR url)
@@ -76,7 +93,7 @@ BOOL AFXAPI AfxParseURL(LPCWSTR url, DWORD& serviceType, CString& server, CStrin
     server.SetString(parts.lpszHostName, static_cast<int>(parts.dwHostNameLength));
     object.SetString(parts.lpszUrlPath, static_cast<int>(parts.dwUrlPathLength));
     object += CString(parts.lpszExtraInfo, static_cast<int>(parts.dwExtraInfoLength));
-    port = parts.nPort;
+    port = parts.nPort != INTERNET_INVALID_PORT_NUMBER ? parts.nPort : DefaultPortOf(parts.nScheme);
     serviceType = ServiceTypeOf(parts.nScheme);
     return serviceType != AFX_INET_SERVICE_UNK;
 }

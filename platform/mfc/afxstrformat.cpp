@@ -311,7 +311,7 @@ private:
         {
             digits.insert(0, minDigits - digits.length(), L'0');
         }
-        if (base == 8 && placeholder.hasPrefix && !digits.starts_with(L'0'))
+        if (base == 8 && placeholder.hasPrefix && !isZero && !digits.starts_with(L'0'))
         {
             digits.insert(digits.begin(), L'0');
         }

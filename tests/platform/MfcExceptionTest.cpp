@@ -1,0 +1,191 @@
+// Exceptions: their life as pointers, and their texts.
+#include "harness/Text.h"
+
+#include <afxinet.h>
+
+#include <gtest/gtest.h>
+
+#include <cwchar>
+#include <iterator>
+#include <string>
+
+namespace
+{
+
+using orva::test::Utf8;
+
+class CCountedException : public CException
+{
+public:
+    explicit CCountedException(int& deaths) : m_deaths(deaths) {}
+    CCountedException(int& deaths, BOOL autoDelete) : CException(autoDelete), m_deaths(deaths) {}
+    ~CCountedException() override { ++m_deaths; }
+
+private:
+    int& m_deaths;
+};
+
+std::wstring SystemMessage(DWORD error)
+{
+    wchar_t text[1024] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
+                   static_cast<DWORD>(std::size(text)), nullptr);
+    return text;
+}
+
+TEST(MfcException, DeleteDestroysAnExceptionFromTheHeap)
+{
+    int deaths = 0;
+    CException* const exception = new CCountedException(deaths);
+    exception->Delete();
+    EXPECT_EQ(1, deaths);
+}
+
+TEST(MfcException, DeleteLeavesAnExceptionThatIsNotToBeDeleted)
+{
+    int deaths = 0;
+    {
+        CCountedException exception(deaths, FALSE);
+        exception.Delete();
+        EXPECT_EQ(0, deaths);
+    }
+    EXPECT_EQ(1, deaths);
+}
+
+TEST(MfcException, BaseHasNoTextAndClearsTheBuffer)
+{
+    CException exception(FALSE);
+    wchar_t text[8] = L"before";
+    UINT help = 7;
+    EXPECT_FALSE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text)), &help));
+    EXPECT_EQ(L'\0', text[0]);
+    EXPECT_EQ(0U, help);
+    EXPECT_FALSE(exception.GetErrorMessage(nullptr, 0));
+}
+
+TEST(MfcException, FileExceptionGivesTheSystemsText)
+{
+    const CFileException exception(CFileException::fileNotFound, ERROR_FILE_NOT_FOUND, L"C:\\x");
+    wchar_t text[1024] = {};
+    EXPECT_TRUE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text))));
+    ASSERT_FALSE(SystemMessage(ERROR_FILE_NOT_FOUND).empty());
+    EXPECT_EQ(Utf8(SystemMessage(ERROR_FILE_NOT_FOUND)), Utf8(text));
+}
+
+TEST(MfcException, FileExceptionWithoutWin32ErrorHasNoText)
+{
+    const CFileException exception(CFileException::diskFull);
+    EXPECT_EQ(-1, exception.m_lOsError);
+    wchar_t text[16] = L"before";
+    EXPECT_FALSE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text))));
+    EXPECT_EQ(L'\0', text[0]);
+}
+
+TEST(MfcException, TextIsCutToTheBufferWithItsTerminator)
+{
+    const CFileException exception(CFileException::fileNotFound, ERROR_FILE_NOT_FOUND);
+    wchar_t text[8];
+    std::wmemset(text, L'#', std::size(text));
+    EXPECT_TRUE(exception.GetErrorMessage(text, 5));
+    EXPECT_EQ(Utf8(SystemMessage(ERROR_FILE_NOT_FOUND).substr(0, 4)), Utf8(text));
+    EXPECT_EQ(L'#', text[5]);
+}
+
+TEST(MfcException, InternetExceptionTakesASystemErrorFromTheSystem)
+{
+    const CInternetException exception(ERROR_INVALID_PARAMETER);
+    wchar_t text[1024] = {};
+    EXPECT_TRUE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text))));
+    EXPECT_EQ(Utf8(SystemMessage(ERROR_INVALID_PARAMETER)), Utf8(text));
+}
+
+// Windows' wininet.dll holds a message table, Wine's does not: there such an error has no text.
+TEST(MfcException, InternetExceptionTakesItsTextFromWinInetsMessageTable)
+{
+    wchar_t expected[1024] = {};
+    const BOOL hasText = FormatMessageW(FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_IGNORE_INSERTS,
+                                        LoadLibraryW(L"wininet.dll"), ERROR_INTERNET_NAME_NOT_RESOLVED, 0,
+                                        expected, static_cast<DWORD>(std::size(expected)), nullptr) != 0;
+    const CInternetException exception(ERROR_INTERNET_NAME_NOT_RESOLVED);
+    wchar_t text[1024] = L"before";
+    UINT help = 7;
+    EXPECT_EQ(hasText, exception.GetErrorMessage(text, static_cast<UINT>(std::size(text)), &help));
+    EXPECT_EQ(Utf8(expected), Utf8(text));
+    EXPECT_EQ(0U, help);
+}
+
+TEST(MfcException, UnknownErrorHasNoText)
+{
+    const CInternetException exception(0xE1234567);
+    wchar_t text[16] = L"before";
+    EXPECT_FALSE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text))));
+    EXPECT_EQ(L'\0', text[0]);
+}
+
+TEST(MfcException, ThrowInternetExceptionTakesTheLastErrorUnlessOneIsGiven)
+{
+    for (const DWORD given : {DWORD{0}, DWORD{ERROR_INTERNET_TIMEOUT}})
+    {
+        SetLastError(ERROR_INTERNET_CANNOT_CONNECT);
+        try
+        {
+            AfxThrowInternetException(42, given);
+        }
+        catch (CInternetException* exception)
+        {
+            EXPECT_EQ(given != 0 ? given : ERROR_INTERNET_CANNOT_CONNECT, exception->m_dwError);
+            EXPECT_EQ(42U, exception->m_dwContext);
+            exception->Delete();
+        }
+    }
+}
+
+TEST(MfcException, ThrownPointerIsCaughtAsItsBase)
+{
+    try
+    {
+        AfxThrowFileException(CFileException::diskFull, ERROR_DISK_FULL, L"C:\\full");
+    }
+    catch (CException* exception)
+    {
+        ASSERT_TRUE(exception->IsKindOf(RUNTIME_CLASS(CFileException)));
+        const auto* const file = static_cast<CFileException*>(exception);
+        EXPECT_EQ(CFileException::diskFull, file->m_cause);
+        EXPECT_EQ(ERROR_DISK_FULL, file->m_lOsError);
+        EXPECT_EQ("C:\\full", Utf8(file->m_strFileName.GetString()));
+        exception->Delete();
+    }
+}
+
+TEST(MfcException, FileCausesFollowFromWin32Errors)
+{
+    const struct
+    {
+        LONG error;
+        int cause;
+    } cases[] = {
+        {NO_ERROR, CFileException::none},
+        {ERROR_FILE_NOT_FOUND, CFileException::fileNotFound},
+        {ERROR_PATH_NOT_FOUND, CFileException::badPath},
+        {ERROR_INVALID_NAME, CFileException::badPath},
+        {ERROR_TOO_MANY_OPEN_FILES, CFileException::tooManyOpenFiles},
+        {ERROR_ACCESS_DENIED, CFileException::accessDenied},
+        {ERROR_WRITE_PROTECT, CFileException::accessDenied},
+        {ERROR_INVALID_HANDLE, CFileException::invalidFile},
+        {ERROR_CURRENT_DIRECTORY, CFileException::removeCurrentDir},
+        {ERROR_CANNOT_MAKE, CFileException::directoryFull},
+        {ERROR_NEGATIVE_SEEK, CFileException::badSeek},
+        {ERROR_WRITE_FAULT, CFileException::hardIO},
+        {ERROR_SHARING_VIOLATION, CFileException::sharingViolation},
+        {ERROR_LOCK_VIOLATION, CFileException::lockViolation},
+        {ERROR_DISK_FULL, CFileException::diskFull},
+        {ERROR_HANDLE_EOF, CFileException::endOfFile},
+        {ERROR_INTERNET_TIMEOUT, CFileException::genericException},
+    };
+    for (const auto& [error, cause] : cases)
+    {
+        EXPECT_EQ(cause, CFileException::OsErrorToException(error)) << "error " << error;
+    }
+}
+
+} // namespace
