@@ -1,0 +1,376 @@
+// The debug log: its switch, its file and its lines.
+//
+// The switch is read once per process, so each case runs in a process of its own: this program again, with
+// one of the disabled tests of the suite DebugLogChild as its script.
+#include "support/DebugLog.h"
+
+#include "harness/Files.h"
+#include "harness/LogFile.h"
+#include "harness/ProcessRunner.h"
+#include "harness/Registry.h"
+
+#include <gmock/gmock.h>
+
+#include <windows.h>
+
+#include <ctime>
+#include <optional>
+#include <regex>
+
+namespace
+{
+
+using namespace orva::test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr size_t kLargestKeptFile = 1'048'576;
+constexpr char kOldLine[] = "[2011-01-20 14:03:07] CConnect::OnConnection\r\n";
+
+/// Runs one script in a new process and returns what it gave to the debugger output.
+std::vector<std::string> RunScript(const std::string& name)
+{
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    const std::string filter = "--gtest_filter=DebugLogChild.DISABLED_" + name;
+    CProcessOptions options;
+    options.program = program;
+    options.arguments = {L"--gtest_also_run_disabled_tests", std::wstring(filter.begin(), filter.end())};
+    options.debug = true;
+    CChildProcess child(options);
+    const std::optional<DWORD> code = child.WaitForExit();
+    EXPECT_EQ(code, 0U) << child.Output();
+    EXPECT_THAT(child.Output(), testing::HasSubstr("[  PASSED  ] 1 test."));
+    return child.DebugLines();
+}
+
+/// Starts without the switch in either hive and without a log.
+class DebugLog : public testing::Test
+{
+protected:
+    DebugLog()
+        : m_userTree(HKEY_CURRENT_USER, kLogSwitchKey), m_machineTree(HKEY_LOCAL_MACHINE, kLogSwitchKey),
+          m_user(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue),
+          m_machine(HKEY_LOCAL_MACHINE, kLogSwitchKey, kLogSwitchValue)
+    {
+        m_userTree.Remove();
+        m_machineTree.Remove();
+        DeleteLog();
+    }
+    ~DebugLog() override { DeleteLog(); }
+
+    void ExpectOff()
+    {
+        EXPECT_THAT(RunScript("WritesOneEntry"), ElementsAre("CConnect::OnConnection"));
+        EXPECT_FALSE(FolderExists(LogFolder()));
+    }
+
+    void ExpectOn()
+    {
+        EXPECT_THAT(RunScript("WritesOneEntry"), ElementsAre("CConnect::OnConnection"));
+        EXPECT_THAT(ReadLogTexts(), ElementsAre("CConnect::OnConnection"));
+    }
+
+    void WriteOldLog(const std::string& bytes)
+    {
+        CreateDirectoryW(LogFolder().c_str(), nullptr);
+        WriteFileBytes(LogPath(), bytes);
+    }
+
+    CRegistryTreeGuard m_userTree;
+    CRegistryTreeGuard m_machineTree;
+    CRegistryValue m_user;
+    CRegistryValue m_machine;
+};
+
+} // namespace
+
+TEST(DebugLogChild, DISABLED_WritesOneEntry)
+{
+    WriteDebugLog(GetDebugLog(), "CConnect::OnConnection");
+}
+
+TEST(DebugLogChild, DISABLED_WritesEveryForm)
+{
+    WriteDebugLog(GetDebugLog(), "CHttpRequest::PerformTextRequest");
+    WriteDebugLog(GetDebugLog(), "CHttpRequest::PerformTextRequest", "response httpStatus", 200);
+    WriteDebugLog(GetDebugLog(), "F", "negative", -2147483647 - 1);
+    WriteDebugLog(GetDebugLog(), "F", "status", static_cast<std::int32_t>(4294967295U));
+    WriteDebugLog(GetDebugLog(), "F", "narrow", std::string("\xE4 text"));
+    WriteDebugLog(GetDebugLog(), "F", "literal", "a b");
+    WriteDebugLog(GetDebugLog(), "F", "wide", std::wstring(L"\x00E4\x0416\x20AC"));
+    WriteDebugLog(GetDebugLog(), "CheckForUpdate", "TextRequest succeeded", "");
+    WriteDebugLog(GetDebugLog(), "F", "", std::wstring());
+    WriteDebugLog(GetDebugLog(), "");
+}
+
+TEST(DebugLogChild, DISABLED_ReadsTheFileAfterEachEntry)
+{
+    for (const char* text : {"one", "two", "three"})
+    {
+        WriteDebugLog(GetDebugLog(), text);
+        ASSERT_FALSE(ReadLogTexts().empty());
+        EXPECT_EQ(ReadLogTexts().back(), text);
+    }
+}
+
+TEST(DebugLogChild, DISABLED_SharesTheFile)
+{
+    WriteDebugLog(GetDebugLog(), "mine");
+    const HANDLE other = CreateFileW(LogPath().c_str(), FILE_APPEND_DATA | GENERIC_READ,
+                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(other, INVALID_HANDLE_VALUE) << GetLastError();
+    DWORD written = 0;
+    EXPECT_TRUE(WriteFile(other, "theirs\r\n", 8, &written, nullptr));
+    CloseHandle(other);
+    WriteDebugLog(GetDebugLog(), "mine again");
+}
+
+TEST(DebugLogChild, DISABLED_TurnsTheSwitchRoundBetweenTwoEntries)
+{
+    WriteDebugLog(GetDebugLog(), "first");
+    CRegistryValue value(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue);
+    value.SetDword(GetDebugLog().is_open() ? 0 : 1);
+    WriteDebugLog(GetDebugLog(), "second");
+}
+
+TEST(DebugLogChild, DISABLED_WritesTwoEntriesInOneSecond)
+{
+    for (int attempt = 0; attempt < 20; ++attempt)
+    {
+        const std::time_t start = std::time(nullptr);
+        WriteDebugLog(GetDebugLog(), "early");
+        WriteDebugLog(GetDebugLog(), "late");
+        if (std::time(nullptr) == start)
+            return;
+    }
+    FAIL() << "no two entries in one second";
+}
+
+TEST(DebugLogChild, DISABLED_WritesIntoAStreamInErrorState)
+{
+    GetDebugLog().setstate(std::ios::badbit);
+    WriteDebugLog(GetDebugLog(), "lost");
+    WriteDebugLog(GetDebugLog(), "F", "lost", 1);
+}
+
+TEST(DebugLogChild, DISABLED_KeepsOneStream)
+{
+    EXPECT_EQ(&GetDebugLog(), &GetDebugLog());
+    EXPECT_TRUE(GetDebugLog().is_open());
+}
+
+TEST(DebugLogChild, DISABLED_WritesTwoMebibytes)
+{
+    const std::string text(4096, 'x');
+    for (int i = 0; i < 512; ++i)
+        WriteDebugLog(GetDebugLog(), text);
+}
+
+TEST_F(DebugLog, WithoutTheSwitchEntriesReachTheDebuggerAndNoFileIsMade)
+{
+    ExpectOff();
+}
+
+TEST_F(DebugLog, AnythingButOneIsOff)
+{
+    for (const DWORD value : {0U, 2U, 0x01000000U, 0xFFFFFFFFU, 0x101U})
+    {
+        SCOPED_TRACE(value);
+        m_user.SetDword(value);
+        ExpectOff();
+    }
+}
+
+TEST_F(DebugLog, OneIsOn)
+{
+    m_user.SetDword(1);
+    ExpectOn();
+}
+
+TEST_F(DebugLog, OneInTheMachineHiveIsOn)
+{
+    m_machine.SetDword(1);
+    ExpectOn();
+}
+
+TEST_F(DebugLog, TheUserHiveWinsOverTheMachineHive)
+{
+    m_user.SetDword(0);
+    m_machine.SetDword(1);
+    ExpectOff();
+}
+
+TEST_F(DebugLog, TheStringOneIsOff)
+{
+    m_user.SetString(L"1");
+    m_machine.SetDword(1);
+    ExpectOff();
+}
+
+TEST_F(DebugLog, TheFourBytesOfOneAreOnWhateverTheirType)
+{
+    m_user.SetBytes({1, 0, 0, 0}, REG_BINARY);
+    ExpectOn();
+}
+
+TEST_F(DebugLog, AValueLongerThanFourBytesLeavesTheChoiceToTheMachineHive)
+{
+    m_user.SetBytes({1, 0, 0, 0, 0, 0, 0, 0}, REG_QWORD);
+    ExpectOff();
+    m_machine.SetDword(1);
+    ExpectOn();
+}
+
+TEST_F(DebugLog, TheFileIsInTheLocalApplicationDataFolderUnderItsFixedName)
+{
+    m_user.SetDword(1);
+    ExpectOn();
+    EXPECT_EQ(LogPath(), LogFolder() + L"\\logfile_OrvaAddIn.txt");
+    EXPECT_THAT(ListFolder(LogFolder()), ElementsAre(L"logfile_OrvaAddIn.txt"));
+}
+
+TEST_F(DebugLog, WritesEveryFormToFileAndDebugger)
+{
+    m_user.SetDword(1);
+    const std::vector<std::string> lines = RunScript("WritesEveryForm");
+    EXPECT_THAT(lines, ElementsAre("CHttpRequest::PerformTextRequest",
+                                   "CHttpRequest::PerformTextRequest() response httpStatus 200",
+                                   "F() negative -2147483648", "F() status -1", "F() narrow \xE4 text",
+                                   "F() literal a b", "F() wide \xE4\x16\xAC",
+                                   "CheckForUpdate() TextRequest succeeded ", "F()  ", ""));
+    EXPECT_EQ(ReadLogTexts(), lines);
+}
+
+TEST_F(DebugLog, WritesEveryFormToTheDebuggerWhenOff)
+{
+    EXPECT_EQ(RunScript("WritesEveryForm").size(), 10U);
+    EXPECT_FALSE(FolderExists(LogFolder()));
+}
+
+TEST_F(DebugLog, ALineIsTheLocalTimeInBracketsTheTextAndALineEnd)
+{
+    m_user.SetDword(1);
+    const std::time_t before = std::time(nullptr);
+    RunScript("WritesOneEntry");
+    const std::time_t after = std::time(nullptr);
+
+    const std::string log = ReadLog();
+    ASSERT_EQ(log.size(), 1 + 19 + 2 + 22 + 2U) << log;
+    EXPECT_EQ(log[0], '[');
+    EXPECT_EQ(log.substr(20), "] CConnect::OnConnection\r\n");
+    bool found = false;
+    for (std::time_t time = before; time <= after; ++time)
+    {
+        char text[20] = {};
+        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", std::localtime(&time));
+        found = found || log.substr(1, 19) == text;
+    }
+    EXPECT_TRUE(found) << log;
+}
+
+TEST_F(DebugLog, TwoEntriesInOneSecondCarryTheSameTimeAndKeepTheirOrder)
+{
+    m_user.SetDword(1);
+    RunScript("WritesTwoEntriesInOneSecond");
+    const std::vector<CLogEntry> entries = ReadLogEntries();
+    ASSERT_GE(entries.size(), 2U);
+    EXPECT_EQ(entries[entries.size() - 2].text, "early");
+    EXPECT_EQ(entries.back().text, "late");
+    EXPECT_EQ(entries[entries.size() - 2].time, entries.back().time);
+    EXPECT_FALSE(entries.back().time.empty());
+}
+
+TEST_F(DebugLog, EveryEntryIsInTheFileAtOnce)
+{
+    m_user.SetDword(1);
+    RunScript("ReadsTheFileAfterEachEntry");
+    EXPECT_THAT(ReadLogTexts(), ElementsAre("one", "two", "three"));
+}
+
+TEST_F(DebugLog, OthersMayReadAndWriteTheFileMeanwhile)
+{
+    m_user.SetDword(1);
+    RunScript("SharesTheFile");
+    const std::vector<CLogEntry> entries = ReadLogEntries();
+    ASSERT_EQ(entries.size(), 3U);
+    EXPECT_EQ(entries[0].text, "mine");
+    EXPECT_EQ(entries[1].text, "theirs\r");
+    EXPECT_EQ(entries[2].text, "mine again");
+}
+
+TEST_F(DebugLog, TheSwitchIsReadOncePerProcess)
+{
+    EXPECT_THAT(RunScript("TurnsTheSwitchRoundBetweenTwoEntries"), ElementsAre("first", "second"));
+    EXPECT_FALSE(FolderExists(LogFolder()));
+
+    m_user.SetDword(1);
+    EXPECT_THAT(RunScript("TurnsTheSwitchRoundBetweenTwoEntries"), ElementsAre("first", "second"));
+    EXPECT_THAT(ReadLogTexts(), ElementsAre("first", "second"));
+}
+
+TEST_F(DebugLog, ThereIsOneStream)
+{
+    m_user.SetDword(1);
+    RunScript("KeepsOneStream");
+}
+
+TEST_F(DebugLog, ALaterProcessAppends)
+{
+    m_user.SetDword(1);
+    RunScript("WritesOneEntry");
+    RunScript("WritesOneEntry");
+    EXPECT_THAT(ReadLogTexts(), ElementsAre("CConnect::OnConnection", "CConnect::OnConnection"));
+}
+
+TEST_F(DebugLog, AFileOfExactlyOneMebibyteIsKept)
+{
+    m_user.SetDword(1);
+    WriteOldLog(std::string(kLargestKeptFile - sizeof(kOldLine) + 1, 'x') + kOldLine);
+    RunScript("WritesOneEntry");
+    const std::string log = ReadLog();
+    EXPECT_EQ(log.size(), kLargestKeptFile + sizeof(kOldLine) - 1);
+    EXPECT_EQ(log.substr(kLargestKeptFile - sizeof(kOldLine) + 1, sizeof(kOldLine) - 1), kOldLine);
+    EXPECT_EQ(ReadLogTexts().back(), "CConnect::OnConnection");
+}
+
+TEST_F(DebugLog, AFileOfOneByteMoreIsEmptied)
+{
+    m_user.SetDword(1);
+    WriteOldLog(std::string(kLargestKeptFile - sizeof(kOldLine) + 2, 'x') + kOldLine);
+    RunScript("WritesOneEntry");
+    EXPECT_EQ(ReadLog().size(), 46U);
+    EXPECT_THAT(ReadLogTexts(), ElementsAre("CConnect::OnConnection"));
+}
+
+TEST_F(DebugLog, AFileMayGrowBeyondOneMebibyteWhileItIsOpen)
+{
+    m_user.SetDword(1);
+    RunScript("WritesTwoMebibytes");
+    EXPECT_EQ(ReadLog().size(), 512U * (4096 + 24));
+}
+
+TEST_F(DebugLog, AFolderThatCannotBeMadeLeavesTheLogOff)
+{
+    m_user.SetDword(1);
+    WriteFileBytes(LogFolder(), "a file where the folder should be");
+    EXPECT_THAT(RunScript("WritesOneEntry"), ElementsAre("CConnect::OnConnection"));
+    EXPECT_EQ(ReadFileBytes(LogFolder()), "a file where the folder should be");
+    RemovePath(LogFolder());
+}
+
+TEST_F(DebugLog, AFileThatCannotBeOpenedLeavesTheLogOff)
+{
+    m_user.SetDword(1);
+    CreateDirectoryW(LogFolder().c_str(), nullptr);
+    CreateDirectoryW(LogPath().c_str(), nullptr);
+    EXPECT_THAT(RunScript("WritesEveryForm").size(), 10U);
+    EXPECT_TRUE(FolderExists(LogPath()));
+}
+
+TEST_F(DebugLog, WriteFailuresReachNobody)
+{
+    m_user.SetDword(1);
+    EXPECT_THAT(RunScript("WritesIntoAStreamInErrorState"), ElementsAre("lost", "F() lost 1"));
+    EXPECT_EQ(ReadLog(), "");
+}

@@ -1,0 +1,115 @@
+// Text conversions, replacements and XML escaping.
+#include "support/TextUtilities.h"
+#include "support/TextUtilitiesMfc.h"
+
+#include <gtest/gtest.h>
+
+TEST(WideToNarrow, KeepsTheLowByteOfEveryUnit)
+{
+    EXPECT_EQ(WideToNarrow(L"\x00C4\x20AC"), "\xC4\xAC");
+    EXPECT_EQ(WideToNarrow(L"\x00E4\x0416"), "\xE4\x16");
+    EXPECT_EQ(WideToNarrow(L"plain ~"), "plain ~");
+    EXPECT_EQ(WideToNarrow(L""), "");
+}
+
+TEST(WideToNarrow, ASurrogatePairGivesTwoBytes)
+{
+    EXPECT_EQ(WideToNarrow(L"\xD83D\xDE01"), "\x3D\x01");
+}
+
+TEST(WideToNarrow, KeepsZeroUnitsAndUnitsWhoseLowByteIsZero)
+{
+    EXPECT_EQ(WideToNarrow(std::wstring(L"a\0\x0100z", 4)), std::string("a\0\0z", 4));
+}
+
+TEST(NarrowToWide, ExtendsTheSignOfEveryByteTo16Bits)
+{
+    EXPECT_EQ(NarrowToWide("\xC4"), L"\xFFC4");
+    EXPECT_EQ(NarrowToWide("\x7F\x80\xFF"), L"\x007F\xFF80\xFFFF");
+    EXPECT_EQ(NarrowToWide("plain ~"), L"plain ~");
+    EXPECT_EQ(NarrowToWide(std::string("a\0b", 3)), std::wstring(L"a\0b", 3));
+    EXPECT_EQ(NarrowToWide(""), L"");
+}
+
+TEST(NarrowToWide, IsTheInverseOfWideToNarrowInTheLowerHalfOnly)
+{
+    for (int unit = 0; unit < 256; ++unit)
+    {
+        const std::wstring wide(1, static_cast<wchar_t>(unit));
+        const std::wstring expected(1, static_cast<wchar_t>(unit < 0x80 ? unit : 0xFF00 + unit));
+        EXPECT_EQ(NarrowToWide(WideToNarrow(wide)), expected) << unit;
+    }
+}
+
+namespace
+{
+
+template <class With> std::wstring Replaced(std::wstring text, const std::wstring& what, const With& with)
+{
+    ReplaceAll(text, what, with);
+    return text;
+}
+
+} // namespace
+
+TEST(ReplaceAll, NeverSearchesInsertedText)
+{
+    EXPECT_EQ(Replaced(L"aaa", L"a", std::wstring(L"aa")), L"aaaaaa");
+    EXPECT_EQ(Replaced(L"aaaa", L"aa", std::wstring(L"a")), L"aa");
+}
+
+TEST(ReplaceAll, ReplacesEveryMatchFromLeftToRight)
+{
+    EXPECT_EQ(Replaced(L"%1 and %1", L"%1", std::wstring(L"one")), L"one and one");
+    EXPECT_EQ(Replaced(L"aXbXc", L"X", std::wstring()), L"abc");
+    EXPECT_EQ(Replaced(L"aaa", L"aa", std::wstring(L"b")), L"ba");
+}
+
+TEST(ReplaceAll, WithoutAMatchTheTextStays)
+{
+    EXPECT_EQ(Replaced(L"abc", L"x", std::wstring(L"y")), L"abc");
+    EXPECT_EQ(Replaced(L"", L"x", std::wstring(L"y")), L"");
+    EXPECT_EQ(Replaced(L"abc", L"B", std::wstring(L"y")), L"abc");
+}
+
+TEST(ReplaceAll, AnEmptySearchTextChangesNothing)
+{
+    EXPECT_EQ(Replaced(L"abc", L"", std::wstring(L"y")), L"abc");
+    EXPECT_EQ(Replaced(L"abc", L"", std::wstring()), L"abc");
+}
+
+TEST(ReplaceAll, TakesTheReplacementFromACString)
+{
+    EXPECT_EQ(Replaced(L"<a> <a>", L"<a>", CString(L"\x00E4\x0416")), L"\x00E4\x0416 \x00E4\x0416");
+    EXPECT_EQ(Replaced(L"aaa", L"a", CString(L"aa")), L"aaaaaa");
+}
+
+TEST(ReplaceAll, TakesALiteral)
+{
+    std::wstring text = L"a-b";
+    ReplaceAll(text, L"-", L"+");
+    EXPECT_EQ(text, L"a+b");
+}
+
+TEST(EscapeXml, EscapesAmpersandsAndAngleBracketsOnly)
+{
+    EXPECT_EQ(EscapeXml(L"&"), L"&#x26;");
+    EXPECT_EQ(EscapeXml(L"<a b=\"c\" d='e'>"), L"&#x3c;a b=\"c\" d='e'&#x3e;");
+    EXPECT_EQ(EscapeXml(L"plain"), L"plain");
+    EXPECT_EQ(EscapeXml(L""), L"");
+}
+
+TEST(EscapeXml, DoesNotEscapeAnEscapedAmpersandTwice)
+{
+    EXPECT_EQ(EscapeXml(L"a&#x26;b<c>"), L"a&#x26;b&#x3c;c&#x3e;");
+}
+
+TEST(EscapeXml, RemovesEveryTailOfAnAmpersandReference)
+{
+    EXPECT_EQ(EscapeXml(L"A#x26;B"), L"AB");
+}
+
+TEST(EscapeXml, EscapesTheAmpersandOfOtherReferences)
+{
+    EXPECT_EQ(EscapeXml(L"&amp;&#x3c;"), L"&#x26;amp;&#x26;#x3c;");
+}

@@ -1,0 +1,135 @@
+// HTTP dates, month names and time-stamp texts.
+#include "support/TimeUtilities.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <stdexcept>
+
+namespace
+{
+
+/// "year-month-day hour:minute:second weekday/yearday", the fields as they stand in the structure.
+std::string Fields(const struct tm& date)
+{
+    char text[128];
+    std::snprintf(text, sizeof(text), "%d-%d-%d %d:%d:%d %d/%d", date.tm_year, date.tm_mon, date.tm_mday,
+                  date.tm_hour, date.tm_min, date.tm_sec, date.tm_wday, date.tm_yday);
+    return text;
+}
+
+std::string ErrorOf(const std::string& text)
+{
+    try
+    {
+        ParseHttpDate(text);
+    }
+    catch (const std::out_of_range& error)
+    {
+        return error.what();
+    }
+    return "no error";
+}
+
+constexpr char kTooShort[] = "invalid vector<T> subscript";
+
+} // namespace
+
+TEST(MonthFromName, KnowsTheTwelveNames)
+{
+    const char* const names[] = {"jan", "feb", "mar", "apr", "may", "jun",
+                                 "jul", "aug", "sep", "oct", "nov", "dec"};
+    for (int month = 0; month < 12; ++month)
+        EXPECT_EQ(MonthFromName(names[month]), month);
+}
+
+TEST(MonthFromName, ComparesExactly)
+{
+    for (const char* name : {"Nov", "NOV", "november", "no", "", " nov", "nov ", "xyz"})
+        EXPECT_EQ(MonthFromName(name), -1) << name;
+}
+
+TEST(ParseHttpDate, TakesTheHeadersTimeAsLocalTime)
+{
+    EXPECT_EQ(Fields(ParseHttpDate("Sun, 06 Nov 1994 08:49:37 GMT")), "94-10-6 8:49:37 0/309");
+    EXPECT_EQ(Fields(ParseHttpDate("Tue, 15 Nov 1994 08:12:31 GMT")), "94-10-15 8:12:31 2/318");
+    EXPECT_EQ(Fields(ParseHttpDate("Thu, 20 Jan 2011 14:03:07 GMT")), "111-0-20 14:3:7 4/19");
+    EXPECT_EQ(Fields(ParseHttpDate("Mon, 29 Feb 2016 23:59:59 GMT")), "116-1-29 23:59:59 1/59");
+}
+
+TEST(ParseHttpDate, IgnoresTheCaseOfTheMonthAndWeekdayAndZone)
+{
+    EXPECT_EQ(Fields(ParseHttpDate("xyz 06 NOV 1994 08:49:37 CET")), "94-10-6 8:49:37 0/309");
+    EXPECT_EQ(Fields(ParseHttpDate("xyz 06 nov 1994 08:49:37")), "94-10-6 8:49:37 0/309");
+}
+
+TEST(ParseHttpDate, CompressesAdjacentSeparators)
+{
+    EXPECT_EQ(Fields(ParseHttpDate("Sun,  06 : Nov::1994   08:49: 37")), "94-10-6 8:49:37 0/309");
+}
+
+TEST(ParseHttpDate, SeparatorsAtTheStartMakeAnEmptyFirstPart)
+{
+    EXPECT_EQ(Fields(ParseHttpDate("  06 Nov 1994 08:49:37")), "94-10-6 8:49:37 0/309");
+}
+
+TEST(ParseHttpDate, NormalisesFieldsThatAreTooLarge)
+{
+    EXPECT_EQ(Fields(ParseHttpDate("Sun, 31 Apr 2011 23:59:60 GMT")), "111-4-2 0:0:0 1/121");
+    EXPECT_EQ(Fields(ParseHttpDate("Sun, 00 Jan 2011 00:00:00 GMT")), "110-11-31 0:0:0 5/364");
+}
+
+TEST(ParseHttpDate, AnUnknownMonthIsTheOneBeforeJanuary)
+{
+    EXPECT_EQ(Fields(ParseHttpDate("Sun, 06 xyz 1994 08:49:37 GMT")), "93-11-6 8:49:37 1/339");
+}
+
+TEST(ParseHttpDate, ReadsNumbersUpToTheirFirstOtherCharacter)
+{
+    EXPECT_EQ(Fields(ParseHttpDate("Sun, 06th Nov 1994x 8h:49m:37s")), "94-10-6 8:49:37 0/309");
+    EXPECT_EQ(Fields(ParseHttpDate("Sun, 06 Nov 1994 x:-:s")), "94-10-6 0:0:0 0/309");
+}
+
+TEST(ParseHttpDate, FewerThanSevenPartsAreOutOfRange)
+{
+    EXPECT_EQ(ErrorOf(""), kTooShort);
+    EXPECT_EQ(ErrorOf("Sun,"), kTooShort);
+    EXPECT_EQ(ErrorOf("Sun, 06"), kTooShort);
+    EXPECT_EQ(ErrorOf("Sun, 06 Nov"), kTooShort);
+    EXPECT_EQ(ErrorOf("Sun, 06 Nov 1994"), kTooShort);
+    EXPECT_EQ(ErrorOf("Sun, 06 Nov 1994 08"), kTooShort);
+    EXPECT_EQ(ErrorOf("Sun, 06 Nov 1994 08:49"), kTooShort);
+    EXPECT_EQ(ErrorOf("Sunday, 06-Nov-94 08:49:37 GMT"), kTooShort);
+    EXPECT_EQ(ErrorOf("Sun, 06 Nov 1994 08:49:37"), "no error");
+}
+
+TEST(ParseHttpDate, NumbersBeyondTheRangeOfIntDoNoHarm)
+{
+    for (const char* text :
+         {"x 99999999999999999999 Nov 99999999999999999999 9999999999:9999999999:9999999999",
+          "x -99999999999999999999 Nov -99999999999999999999 -9999999999:-9999999999:-9999999999",
+          "x 2147483647 dec 2147483647 2147483647:2147483647:2147483647",
+          "x -2147483648 jan -2147483648 -2147483648:-2147483648:-2147483648"})
+        EXPECT_EQ(ErrorOf(text), "no error") << text;
+}
+
+TEST(ParseHttpDate, KeepsTheHourAcrossTheChangesOfSummerTime)
+{
+    EXPECT_EQ(Fields(ParseHttpDate("Fri, 15 Jul 2011 12:00:00 GMT")), "111-6-15 12:0:0 5/195");
+    EXPECT_EQ(Fields(ParseHttpDate("Sat, 15 Jan 2011 12:00:00 GMT")), "111-0-15 12:0:0 6/14");
+}
+
+TEST(TimestampStrings, AreTheSecondsSince1970InDecimal)
+{
+    const auto before = static_cast<std::int32_t>(std::time(nullptr));
+    const std::string narrow = GetTimestampString();
+    const std::wstring wide = GetTimestampStringW();
+    const auto after = static_cast<std::int32_t>(std::time(nullptr));
+
+    EXPECT_EQ(narrow, std::to_string(std::stol(narrow)));
+    EXPECT_EQ(wide, std::to_wstring(std::stol(wide)));
+    EXPECT_GE(std::stol(narrow), before);
+    EXPECT_LE(std::stol(narrow), after);
+    EXPECT_GE(std::stol(wide), before);
+    EXPECT_LE(std::stol(wide), after);
+}
