@@ -28,6 +28,14 @@ void Fill(HMENU menu, const CCommandBarControls& controls)
     }
 }
 
+std::wstring ItemText(HMENU menu, int position)
+{
+    wchar_t text[256] = L"";
+    GetMenuStringW(menu, static_cast<UINT>(position), text, static_cast<int>(std::size(text)), MF_BYPOSITION);
+    const UINT state = GetMenuState(menu, static_cast<UINT>(position), MF_BYPOSITION);
+    return std::wstring(text) + ((state & MF_GRAYED) != 0 ? L" (greyed)" : L"");
+}
+
 struct StandardMenu
 {
     const wchar_t* caption;
@@ -52,6 +60,20 @@ HMENU MakeMenu(const CCommandBar& bar)
     const HMENU menu = CreateMenu();
     Fill(menu, bar.Controls());
     return menu;
+}
+
+std::vector<std::wstring> DescribeMenu(HMENU menu)
+{
+    std::vector<std::wstring> lines;
+    for (int position = 0; position < GetMenuItemCount(menu); ++position)
+    {
+        std::wstring line = ItemText(menu, position);
+        const HMENU popup = GetSubMenu(menu, position);
+        for (int item = 0; popup != nullptr && item < GetMenuItemCount(popup); ++item)
+            line += (item == 0 ? L": " : L" | ") + ItemText(popup, item);
+        lines.push_back(line);
+    }
+    return lines;
 }
 
 void AddStandardMenus(CCommandBarControls& controls, const std::function<void()>& close)

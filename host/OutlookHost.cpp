@@ -82,6 +82,8 @@ void COutlookHost::Start()
             addIn->OnStartupComplete();
         m_trace.Event(L"start-up complete");
     }
+    for (const std::wstring& line : DescribeMenu(GetMenu(m_window->Window())))
+        m_trace.Event(L"menu " + line);
     if (HasFileView())
         m_window->AllowFileView(m_tabs, m_notes, m_options.noExplorer ? nullptr : m_explorer.Get());
     else

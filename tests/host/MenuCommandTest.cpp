@@ -1,0 +1,150 @@
+// A command that an add-in puts into the menu: shown, chosen, answered and gone at the next start.
+#include "HostFixture.h"
+
+#include "harness/Text.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace
+{
+
+using namespace orva::test;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
+const char kHelpAlone[] = "Outlook: menu &Help: Stand-in Outlook &Help | &About Stand-in Outlook";
+const char kHelpWithCommand[] =
+    "Outlook: menu &Help: Stand-in Outlook &Help | &About Stand-in Outlook | Fake command";
+const char kClicked[] = "Outlook -> add-in: CommandBarButton.Click = 0x00000000";
+
+class MenuCommandTest : public HostFixture
+{
+protected:
+    void Start(const std::vector<std::wstring>& more = {}, const std::wstring& fault = {})
+    {
+        std::vector<std::wstring> options = {L"--office", L"12"};
+        options.insert(options.end(), more.begin(), more.end());
+        StartHost(options, fault);
+        ASSERT_TRUE(WaitForTrace("Outlook: start-up complete")) << TraceText();
+    }
+
+    /// Chooses the last item of a menu by the keyboard: opens the menu by its letter, goes up to the end,
+    /// presses Enter. The keys are posted, so it does not matter which window the desktop has in front.
+    void ChooseLastItem(wchar_t letter)
+    {
+        const HWND window = MainWindow();
+        PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, letter);
+        CWindowQuery menu;
+        menu.process = HostProcess();
+        menu.className = L"#32768";
+        ASSERT_NE(WaitForWindow(menu), nullptr) << "the menu did not open";
+        PostMessageW(window, WM_KEYDOWN, VK_UP, 0);
+        PostMessageW(window, WM_KEYUP, VK_UP, 0);
+        PostMessageW(window, WM_KEYDOWN, VK_RETURN, 0);
+        PostMessageW(window, WM_KEYUP, VK_RETURN, 0);
+    }
+};
+
+TEST_F(MenuCommandTest, StandsAtTheEndOfTheHelpMenu)
+{
+    Start();
+    EXPECT_TRUE(WaitForTrace(kHelpWithCommand)) << TraceText();
+    EXPECT_EQ(CloseHost(), 0);
+}
+
+TEST_F(MenuCommandTest, CallsOfTheAddInAreTraced)
+{
+    Start();
+    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarControls.Add(1, missing, missing, missing, -1 (I2)) = "
+                         "0x00000000; object"))
+        << TraceText();
+    EXPECT_TRUE(HasTrace(
+        "add-in -> Outlook: CommandBarButton.Caption := \"Fake command\" [locale 1024] = 0x00000000"))
+        << TraceText();
+    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarButton.Advise(_CommandBarButtonEvents) = 0x00000000"));
+    ASSERT_EQ(CloseHost(), 0);
+    EXPECT_TRUE(
+        HasTrace("add-in -> Outlook: CommandBarButton.Unadvise(_CommandBarButtonEvents) = 0x00000000"));
+    EXPECT_TRUE(HasTrace("Outlook: OrvaHostTest.FakeAddIn unloaded")) << TraceText();
+}
+
+TEST_F(MenuCommandTest, ChoosingItRaisesClickWithItsTwoArguments)
+{
+    Start();
+    ChooseLastItem(L'h');
+    // The fake add-in answers with a failure to anything but a button and a by-reference Boolean.
+    EXPECT_TRUE(WaitForTrace(kClicked)) << TraceText();
+    EXPECT_EQ(CloseHost(), 0);
+}
+
+TEST_F(MenuCommandTest, IsThereOnceAfterEachStart)
+{
+    for (int start = 0; start < 2; ++start)
+    {
+        Start();
+        EXPECT_TRUE(WaitForTrace(kHelpWithCommand)) << TraceText();
+        ASSERT_EQ(CloseHost(), 0);
+    }
+}
+
+TEST_F(MenuCommandTest, IsGoneAtTheNextStartWithoutTheAddIn)
+{
+    Start();
+    EXPECT_TRUE(WaitForTrace(kHelpWithCommand)) << TraceText();
+    ASSERT_EQ(CloseHost(), 0);
+    SetLoadBehavior(2);
+    Start();
+    EXPECT_TRUE(WaitForTrace(kHelpAlone)) << TraceText();
+    EXPECT_EQ(CloseHost(), 0);
+}
+
+TEST_F(MenuCommandTest, EmptyMenuBarHasNoItemToGive)
+{
+    Start({L"--empty-menu-bar"});
+    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarControls.Count = 0x00000000; 0")) << TraceText();
+    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarControls.Item(0) = 0x80070057")) << TraceText();
+    EXPECT_EQ(CloseHost(), 0);
+    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("Outlook: menu"))));
+}
+
+TEST_F(MenuCommandTest, LastControlThatIsNoPopupHasNoControls)
+{
+    Start({L"--last-control-not-popup"});
+    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarControls.Item(8) = 0x00000000; object"))
+        << TraceText();
+    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarButton.GetIDsOfNames(Controls) = 0x80020006"))
+        << TraceText();
+    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("CommandBarControls.Add"))));
+    EXPECT_EQ(CloseHost(), 0);
+}
+
+TEST_F(MenuCommandTest, OutlookClosesOnlyWhenTheAddInsDialogIsGone)
+{
+    Start({}, L"box");
+    ChooseLastItem(L'h');
+    CWindowQuery query;
+    query.process = HostProcess();
+    query.caption = L"Fake add-in";
+    const HWND box = WaitForWindow(query);
+    ASSERT_NE(box, nullptr) << TraceText();
+    const HWND main = MainWindow();
+    EXPECT_FALSE(IsWindowEnabled(main));
+    SendMessageW(main, WM_CLOSE, 0, 0);
+    EXPECT_TRUE(IsWindow(main));
+    EXPECT_FALSE(HasTrace("Outlook: shutting down"));
+    ASSERT_TRUE(ClickButton(box, IDOK) || ClickButton(box, IDCANCEL)) << DescribeWindows(HostProcess());
+    EXPECT_EQ(WaitForHost(), 0);
+    EXPECT_LT(TraceIndex(kClicked), TraceIndex("Outlook: shutting down"));
+}
+
+TEST_F(MenuCommandTest, FileExitClosesOutlook)
+{
+    Start();
+    ChooseLastItem(L'f');
+    EXPECT_EQ(WaitForHost(), 0);
+    EXPECT_TRUE(HasTrace("Outlook: menu command E&xit")) << TraceText();
+}
+
+} // namespace
