@@ -34,7 +34,7 @@ public:
     // IDispatch leads to the ribbon callbacks: Office looks their names up on the object.
     BEGIN_COM_MAP(CConnect)
         COM_INTERFACE_ENTRY2(IDispatch, IRibbonCallback)
-        COM_INTERFACE_ENTRY(IConnect)
+        COM_INTERFACE_ENTRY_IID(IID_IConnect, IConnect)
         COM_INTERFACE_ENTRY(_IDTExtensibility2)
         COM_INTERFACE_ENTRY(IRibbonExtensibility)
         COM_INTERFACE_ENTRY(IRibbonCallback)
