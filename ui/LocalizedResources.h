@@ -49,7 +49,7 @@ public:
     ///
     /// `picture` receives a new object that owns its bitmap. A resource that is missing or is no image gives
     /// S_OK and leaves `picture` as it was: Office then shows the control without an image. Returns E_POINTER
-    /// without a control, otherwise the result of making the picture object.
+    /// without a control or a place for the picture, otherwise the result of making the picture object.
     HRESULT LoadPngPicture(IDispatch* control, IPictureDisp** picture, UINT resourceId) const;
 
     /// Shows `text` in a message box with the product's name and an OK button; returns when the user has

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 
 // The header uses min and max without saying where from.
 namespace Gdiplus
@@ -66,30 +65,24 @@ HRESULT MakePicture(HGLOBAL block, PICTDESC& description, IPictureDisp** picture
     {
         return S_OK;
     }
-    const std::unique_ptr<Gdiplus::Bitmap> bitmap(new Gdiplus::Bitmap(stream, FALSE));
+    Gdiplus::Bitmap bitmap(stream, FALSE);
     stream.Release();
-    if (bitmap->GetLastStatus() != Gdiplus::Ok)
+    if (bitmap.GetLastStatus() != Gdiplus::Ok)
     {
         return S_OK;
     }
     const Gdiplus::Color transparent(0);
-    if (bitmap->GetHBITMAP(transparent, &description.bmp.hbitmap) != Gdiplus::Ok)
+    if (bitmap.GetHBITMAP(transparent, &description.bmp.hbitmap) != Gdiplus::Ok)
     {
         return S_OK;
     }
-    const HRESULT result =
-        ::OleCreatePictureIndirect(&description, IID_IDispatch, TRUE, reinterpret_cast<void**>(picture));
-    if (FAILED(result))
-    {
-        ::DeleteObject(description.bmp.hbitmap);
-    }
-    return result;
+    return ::OleCreatePictureIndirect(&description, IID_IDispatch, TRUE, reinterpret_cast<void**>(picture));
 }
 } // namespace
 
 HRESULT CLocalizedResources::LoadPngPicture(IDispatch* control, IPictureDisp** picture, UINT resourceId) const
 {
-    if (control == nullptr)
+    if (control == nullptr || picture == nullptr)
     {
         return E_POINTER;
     }

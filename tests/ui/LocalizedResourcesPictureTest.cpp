@@ -1,0 +1,326 @@
+// PNG resources as picture objects for the ribbon, and what happens when that fails.
+#include "ui/LocalizedResources.h"
+
+#include "res/resource.h"
+
+#include <gtest/gtest.h>
+
+#include <Office.h>
+
+#include <windows.h>
+
+#include <ocidl.h>
+#include <olectl.h>
+#include <wrl/client.h>
+
+#include <cstring>
+#include <vector>
+
+using Microsoft::WRL::ComPtr;
+
+// The slots through which this program calls the two functions.
+using GdiplusStartupFunction = int(ULONG_PTR*, const void*, void*);
+using GdiplusShutdownFunction = void(ULONG_PTR);
+extern GdiplusStartupFunction* gdiplusStartupSlot asm("__imp_GdiplusStartup");
+extern GdiplusShutdownFunction* gdiplusShutdownSlot asm("__imp_GdiplusShutdown");
+
+namespace
+{
+int startups = 0;
+int shutdowns = 0;
+GdiplusStartupFunction* realStartup = nullptr;
+GdiplusShutdownFunction* realShutdown = nullptr;
+
+/// What the startup input says: version, debug callback, and the two things that may be suppressed.
+struct StartupInput
+{
+    UINT32 version;
+    void* debugCallback;
+    BOOL suppressBackgroundThread;
+    BOOL suppressExternalCodecs;
+};
+StartupInput lastInput = {};
+
+int CountStartup(ULONG_PTR* token, const void* input, void* output)
+{
+    ++startups;
+    std::memcpy(&lastInput, input, sizeof(lastInput));
+    return realStartup(token, input, output);
+}
+
+void CountShutdown(ULONG_PTR token)
+{
+    ++shutdowns;
+    realShutdown(token);
+}
+
+template <typename T> void WriteSlot(T*& slot, T* value)
+{
+    DWORD before = 0;
+    VirtualProtect(&slot, sizeof(slot), PAGE_READWRITE, &before);
+    slot = value;
+    VirtualProtect(&slot, sizeof(slot), before, &before);
+}
+
+/// Counts GDI+ startups and shutdowns for its lifetime.
+class CGdiplusCounter
+{
+public:
+    CGdiplusCounter()
+    {
+        startups = 0;
+        shutdowns = 0;
+        realStartup = gdiplusStartupSlot;
+        realShutdown = gdiplusShutdownSlot;
+        WriteSlot(gdiplusStartupSlot, CountStartup);
+        WriteSlot(gdiplusShutdownSlot, CountShutdown);
+    }
+    ~CGdiplusCounter()
+    {
+        WriteSlot(gdiplusStartupSlot, realStartup);
+        WriteSlot(gdiplusShutdownSlot, realShutdown);
+    }
+    CGdiplusCounter(const CGdiplusCounter&) = delete;
+    CGdiplusCounter& operator=(const CGdiplusCounter&) = delete;
+};
+
+/// Overwrites the beginning of a resource in memory for its lifetime.
+class CDamagedResource
+{
+public:
+    CDamagedResource(const wchar_t* type, WORD id)
+    {
+        const HMODULE module = GetModuleHandleW(nullptr);
+        m_bytes = static_cast<BYTE*>(
+            LockResource(LoadResource(module, FindResourceW(module, MAKEINTRESOURCEW(id), type))));
+        std::memcpy(m_kept, m_bytes, sizeof(m_kept));
+        Write(std::vector<BYTE>(sizeof(m_kept), 0xEE).data());
+    }
+    ~CDamagedResource() { Write(m_kept); }
+    CDamagedResource(const CDamagedResource&) = delete;
+    CDamagedResource& operator=(const CDamagedResource&) = delete;
+
+private:
+    void Write(const BYTE* bytes)
+    {
+        DWORD before = 0;
+        VirtualProtect(m_bytes, sizeof(m_kept), PAGE_READWRITE, &before);
+        std::memcpy(m_bytes, bytes, sizeof(m_kept));
+        VirtualProtect(m_bytes, sizeof(m_kept), before, &before);
+    }
+
+    BYTE* m_bytes;
+    BYTE m_kept[16];
+};
+
+/// A ribbon control on the stack that counts how often its id is read and how often it is referenced.
+class CFakeControl : public IRibbonControl
+{
+public:
+    explicit CFakeControl(bool isRibbonControl = true) : m_isRibbonControl(isRibbonControl) {}
+    virtual ~CFakeControl() = default;
+
+    STDMETHOD(QueryInterface)(REFIID id, void** object) override
+    {
+        if (id == IID_IUnknown || id == IID_IDispatch || (m_isRibbonControl && id == IID_IRibbonControl))
+        {
+            *object = this;
+            AddRef();
+            return S_OK;
+        }
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    STDMETHOD_(ULONG, AddRef)() override { return static_cast<ULONG>(++m_references); }
+    STDMETHOD_(ULONG, Release)() override { return static_cast<ULONG>(--m_references); }
+    STDMETHOD(GetTypeInfoCount)(UINT*) override { return E_NOTIMPL; }
+    STDMETHOD(GetTypeInfo)(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHOD(GetIDsOfNames)(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    STDMETHOD(Invoke)(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override
+    {
+        return E_NOTIMPL;
+    }
+    STDMETHOD(get_Id)(BSTR* id) override
+    {
+        ++m_idsRead;
+        *id = SysAllocString(L"OrvaLogo");
+        return S_OK;
+    }
+    STDMETHOD(get_Context)(IDispatch**) override { return E_NOTIMPL; }
+    STDMETHOD(get_Tag)(BSTR*) override { return E_NOTIMPL; }
+
+    int References() const { return m_references; }
+    int IdsRead() const { return m_idsRead; }
+
+private:
+    bool m_isRibbonControl;
+    int m_references = 1;
+    int m_idsRead = 0;
+};
+
+/// A picture's bitmap: 32 bits a pixel, top row first.
+struct Pixels
+{
+    LONG width = 0;
+    LONG height = 0;
+    WORD depth = 0;
+    std::vector<DWORD> values;
+
+    DWORD At(LONG x, LONG y) const { return values.at(static_cast<std::size_t>(y * width + x)); }
+};
+
+HBITMAP HandleOf(IPictureDisp* picture)
+{
+    ComPtr<IPicture> access;
+    EXPECT_EQ(picture->QueryInterface(IID_PPV_ARGS(&access)), S_OK);
+    short type = 0;
+    EXPECT_EQ(access->get_Type(&type), S_OK);
+    EXPECT_EQ(type, PICTYPE_BITMAP);
+    OLE_HANDLE handle = 0;
+    EXPECT_EQ(access->get_Handle(&handle), S_OK);
+    return reinterpret_cast<HBITMAP>(static_cast<LONG_PTR>(static_cast<int>(handle)));
+}
+
+Pixels PixelsOf(IPictureDisp* picture)
+{
+    const HBITMAP bitmap = HandleOf(picture);
+    BITMAP attributes = {};
+    EXPECT_EQ(GetObjectW(bitmap, sizeof(attributes), &attributes), static_cast<int>(sizeof(attributes)));
+    Pixels pixels = {attributes.bmWidth, attributes.bmHeight, attributes.bmBitsPixel, {}};
+    pixels.values.resize(static_cast<std::size_t>(pixels.width * pixels.height));
+    BITMAPINFO info = {};
+    info.bmiHeader.biSize = sizeof(info.bmiHeader);
+    info.bmiHeader.biWidth = pixels.width;
+    info.bmiHeader.biHeight = -pixels.height;
+    info.bmiHeader.biPlanes = 1;
+    info.bmiHeader.biBitCount = 32;
+    const HDC screen = GetDC(nullptr);
+    EXPECT_EQ(GetDIBits(screen, bitmap, 0, static_cast<UINT>(pixels.height), pixels.values.data(), &info,
+                        DIB_RGB_COLORS),
+              pixels.height);
+    ReleaseDC(nullptr, screen);
+    return pixels;
+}
+
+class LocalizedResourcesPictureTest : public testing::Test
+{
+protected:
+    CGdiplusCounter m_counter;
+    CLocalizedResources m_resources;
+    CFakeControl m_control;
+};
+} // namespace
+
+TEST_F(LocalizedResourcesPictureTest, TheLogoIsAPictureOf132By55)
+{
+    ComPtr<IPictureDisp> picture;
+    ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
+    ASSERT_NE(picture.Get(), nullptr);
+    const Pixels pixels = PixelsOf(picture.Get());
+    EXPECT_EQ(pixels.width, 132);
+    EXPECT_EQ(pixels.height, 55);
+    EXPECT_EQ(pixels.depth, 32);
+}
+
+TEST_F(LocalizedResourcesPictureTest, TheIconIsAPictureOf36By36)
+{
+    ComPtr<IPictureDisp> picture;
+    ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_ICON_PNG), S_OK);
+    ASSERT_NE(picture.Get(), nullptr);
+    const Pixels pixels = PixelsOf(picture.Get());
+    EXPECT_EQ(pixels.width, 36);
+    EXPECT_EQ(pixels.height, 36);
+}
+
+TEST_F(LocalizedResourcesPictureTest, TransparencyIsKeptOnATransparentBlackBackground)
+{
+    ComPtr<IPictureDisp> picture;
+    ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
+    const Pixels pixels = PixelsOf(picture.Get());
+    EXPECT_EQ(pixels.At(0, 0), 0u);
+    EXPECT_EQ(pixels.At(131, 54), 0u);
+    // On the left ring, in its own colour and opaque.
+    EXPECT_EQ(pixels.At(6, 27), 0xFF1B5A9Du);
+}
+
+TEST_F(LocalizedResourcesPictureTest, ThePictureAnswersAsIDispatch)
+{
+    ComPtr<IPictureDisp> picture;
+    ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
+    ComPtr<IDispatch> dispatch;
+    EXPECT_EQ(picture->QueryInterface(IID_PPV_ARGS(&dispatch)), S_OK);
+    EXPECT_EQ(static_cast<IUnknown*>(dispatch.Get()), static_cast<IUnknown*>(picture.Get()));
+}
+
+TEST_F(LocalizedResourcesPictureTest, ThePictureOwnsItsBitmap)
+{
+    ComPtr<IPictureDisp> picture;
+    ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
+    const HBITMAP bitmap = HandleOf(picture.Get());
+    EXPECT_EQ(GetObjectType(bitmap), static_cast<DWORD>(OBJ_BITMAP));
+    picture.Reset();
+    EXPECT_EQ(GetObjectType(bitmap), 0u);
+}
+
+TEST_F(LocalizedResourcesPictureTest, EachCallStartsAndStopsGdiplusAndDecodesAnew)
+{
+    ComPtr<IPictureDisp> first;
+    ComPtr<IPictureDisp> second;
+    m_resources.LoadPngPicture(&m_control, &first, IDR_ICON_PNG);
+    m_resources.LoadPngPicture(&m_control, &second, IDR_ICON_PNG);
+    EXPECT_NE(first.Get(), second.Get());
+    EXPECT_EQ(startups, 2);
+    EXPECT_EQ(shutdowns, 2);
+    EXPECT_EQ(lastInput.version, 1u);
+    EXPECT_EQ(lastInput.debugCallback, nullptr);
+    EXPECT_FALSE(lastInput.suppressBackgroundThread);
+    EXPECT_FALSE(lastInput.suppressExternalCodecs);
+}
+
+TEST_F(LocalizedResourcesPictureTest, TheControlsIdIsReadAndTheControlLetGo)
+{
+    ComPtr<IPictureDisp> picture;
+    m_resources.LoadPngPicture(&m_control, &picture, IDR_ICON_PNG);
+    EXPECT_EQ(m_control.IdsRead(), 1);
+    EXPECT_EQ(m_control.References(), 1);
+}
+
+TEST_F(LocalizedResourcesPictureTest, AMissingResourceLeavesThePictureAsItWasAndGdiplusStarted)
+{
+    auto* const untouched = reinterpret_cast<IPictureDisp*>(0x1234);
+    IPictureDisp* picture = untouched;
+    EXPECT_EQ(m_resources.LoadPngPicture(&m_control, &picture, 209), S_OK);
+    EXPECT_EQ(picture, untouched);
+    EXPECT_EQ(startups, 1);
+    EXPECT_EQ(shutdowns, 0);
+    EXPECT_EQ(m_control.References(), 1);
+}
+
+TEST_F(LocalizedResourcesPictureTest, BytesThatAreNoImageGiveNoPictureAndStopGdiplus)
+{
+    const CDamagedResource damage(L"PNG", IDR_LOGO_PNG);
+    auto* const untouched = reinterpret_cast<IPictureDisp*>(0x1234);
+    IPictureDisp* picture = untouched;
+    EXPECT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
+    EXPECT_EQ(picture, untouched);
+    EXPECT_EQ(startups, 1);
+    EXPECT_EQ(shutdowns, 1);
+}
+
+TEST_F(LocalizedResourcesPictureTest, AControlThatIsNoRibbonControlGetsItsPictureAllTheSame)
+{
+    CFakeControl other(false);
+    ComPtr<IPictureDisp> picture;
+    EXPECT_EQ(m_resources.LoadPngPicture(&other, &picture, IDR_ICON_PNG), S_OK);
+    EXPECT_NE(picture.Get(), nullptr);
+    EXPECT_EQ(other.IdsRead(), 0);
+}
+
+TEST_F(LocalizedResourcesPictureTest, WithoutAControlOrAPlaceForThePictureNothingIsDone)
+{
+    ComPtr<IPictureDisp> picture;
+    EXPECT_EQ(m_resources.LoadPngPicture(nullptr, &picture, IDR_ICON_PNG), E_POINTER);
+    EXPECT_EQ(picture.Get(), nullptr);
+    EXPECT_EQ(m_resources.LoadPngPicture(&m_control, nullptr, IDR_ICON_PNG), E_POINTER);
+    EXPECT_EQ(startups, 0);
+}

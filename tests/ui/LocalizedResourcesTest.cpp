@@ -1,0 +1,345 @@
+// The choice of language from Office's settings, the loading of texts and resources, the message box and the
+// search for the host's window.
+#include "ui/LocalizedResources.h"
+
+#include "harness/Registry.h"
+#include "harness/Text.h"
+#include "harness/UserScript.h"
+#include "harness/WindowDriver.h"
+#include "res/resource.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+using namespace orva::test;
+
+namespace
+{
+constexpr wchar_t kKey2007[] = L"SOFTWARE\\Microsoft\\Office\\12.0\\Common\\LanguageResources";
+constexpr wchar_t kKey2010[] = L"SOFTWARE\\Microsoft\\Office\\14.0\\Common\\LanguageResources";
+constexpr WORD kNoLanguage = 65535;
+
+/// No Office language is set anywhere, until a test sets one; what was there comes back afterwards.
+class LocalizedResourcesTest : public testing::Test
+{
+protected:
+    LocalizedResourcesTest()
+    {
+        for (CRegistryValue* value :
+             {&m_userLanguage, &m_machineLanguage, &m_userInstall, &m_machineInstall, &m_user2007})
+        {
+            value->Remove();
+        }
+    }
+
+    std::string Text(UINT id) const { return Utf8(m_resources.LoadString(id).GetString()); }
+
+    void ExpectNoTexts() const
+    {
+        for (UINT id = 100; id <= 143; ++id)
+        {
+            EXPECT_EQ(Text(id), "") << id;
+        }
+    }
+
+    CRegistryValue m_userLanguage{HKEY_CURRENT_USER, kKey2010, L"UILanguage"};
+    CRegistryValue m_machineLanguage{HKEY_LOCAL_MACHINE, kKey2010, L"UILanguage"};
+    CRegistryValue m_userInstall{HKEY_CURRENT_USER, kKey2010, L"InstallLanguage"};
+    CRegistryValue m_machineInstall{HKEY_LOCAL_MACHINE, kKey2010, L"InstallLanguage"};
+    CRegistryValue m_user2007{HKEY_CURRENT_USER, kKey2007, L"UILanguage"};
+    CLocalizedResources m_resources;
+};
+
+/// A top-level window, gone at the end.
+class CTestWindow
+{
+public:
+    explicit CTestWindow(DWORD style)
+        : m_window(CreateWindowExW(0, L"STATIC", L"Test window", style, 10, 10, 200, 100, nullptr, nullptr,
+                                   GetModuleHandleW(nullptr), nullptr))
+    {
+    }
+    ~CTestWindow() { DestroyWindow(m_window); }
+    CTestWindow(const CTestWindow&) = delete;
+    CTestWindow& operator=(const CTestWindow&) = delete;
+    HWND Handle() const { return m_window; }
+
+private:
+    HWND m_window;
+};
+} // namespace
+
+TEST_F(LocalizedResourcesTest, TheAccessorGivesOneObject)
+{
+    EXPECT_EQ(&GetLocalizedResources(), &GetLocalizedResources());
+}
+
+TEST_F(LocalizedResourcesTest, TheOfficeVersionIs0UntilSet)
+{
+    EXPECT_EQ(m_resources.GetOfficeVersion(), 0);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetOfficeVersion(), 14);
+}
+
+TEST_F(LocalizedResourcesTest, WithoutAnOfficeVersionTheLanguageIs0WhateverTheRegistrySays)
+{
+    m_userLanguage.SetDword(1031);
+    CRegistryValue version0(HKEY_CURRENT_USER, L"SOFTWARE\\Microsoft\\Office\\0.0\\Common\\LanguageResources",
+                            L"UILanguage");
+    version0.SetDword(1031);
+    EXPECT_EQ(m_resources.GetUILanguage(), 0);
+    m_resources.SetOfficeVersion(0);
+    EXPECT_EQ(m_resources.GetUILanguage(), 0);
+
+    CRegistryValue negative(HKEY_CURRENT_USER,
+                            L"SOFTWARE\\Microsoft\\Office\\-1.0\\Common\\LanguageResources", L"UILanguage");
+    negative.SetDword(1031);
+    m_resources.SetOfficeVersion(-1);
+    EXPECT_EQ(m_resources.GetUILanguage(), 0);
+}
+
+TEST_F(LocalizedResourcesTest, WithoutAnOfficeVersionTextsFollowTheThreadsLanguage)
+{
+    const LCID before = GetThreadLocale();
+    SetThreadLocale(MAKELCID(1031, SORT_DEFAULT));
+    EXPECT_EQ(Text(IDS_UPDATE_LATER), "Später");
+    SetThreadLocale(MAKELCID(1033, SORT_DEFAULT));
+    EXPECT_EQ(Text(IDS_UPDATE_LATER), "Later");
+    SetThreadLocale(before);
+}
+
+TEST_F(LocalizedResourcesTest, German)
+{
+    m_userLanguage.SetDword(1031);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
+    EXPECT_EQ(Text(IDS_UPDATE_TITLE), "Neues Update verfügbar");
+    EXPECT_EQ(Text(IDS_UPDATE_INSTALL), "Installieren");
+}
+
+TEST_F(LocalizedResourcesTest, English)
+{
+    m_userLanguage.SetDword(1033);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(Text(IDS_CANCEL), "Cancel");
+    EXPECT_EQ(Text(IDS_LATEST_INSTALLED), "You already have the latest version of the ORVA Connector. ");
+    EXPECT_EQ(Text(IDS_LINK3_TITLE), "About this site");
+}
+
+TEST_F(LocalizedResourcesTest, EverySpanishOfficeFindsTheSpanishTable)
+{
+    for (const DWORD language : {3082, 1034, 2058, 11274, 10})
+    {
+        m_userLanguage.SetDword(language);
+        m_resources.SetOfficeVersion(14);
+        EXPECT_EQ(m_resources.GetUILanguage(), language);
+        EXPECT_EQ(Text(IDS_UPDBUTTON_LABEL), "Actualizar") << language;
+    }
+}
+
+TEST_F(LocalizedResourcesTest, EveryTurkishOfficeFindsTheTurkishTable)
+{
+    for (const DWORD language : {1055, 31})
+    {
+        m_userLanguage.SetDword(language);
+        m_resources.SetOfficeVersion(14);
+        EXPECT_EQ(Text(IDS_CANCEL), "İptal") << language;
+    }
+}
+
+TEST_F(LocalizedResourcesTest, ALanguageWithoutATableHasEmptyTextsAndNotEnglishOnes)
+{
+    // French, and the other kinds of German and English: those tables are stored under one id only.
+    for (const DWORD language : {1036, 2055, 3079, 7, 2057, 9})
+    {
+        m_userLanguage.SetDword(language);
+        m_resources.SetOfficeVersion(14);
+        SCOPED_TRACE(language);
+        ExpectNoTexts();
+    }
+}
+
+TEST_F(LocalizedResourcesTest, AUiLanguageOf0LeadsToTheInstallLanguage)
+{
+    m_userLanguage.SetDword(0);
+    m_machineInstall.SetDword(1033);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetUILanguage(), 1033);
+    EXPECT_EQ(Text(IDS_CLOSE), "Close");
+
+    m_userInstall.SetDword(1031);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(Text(IDS_CLOSE), "Schließen") << "the user's before the machine's";
+}
+
+TEST_F(LocalizedResourcesTest, AUiLanguageOf0WithoutAnInstallLanguageIsNoLanguage)
+{
+    m_userLanguage.SetDword(0);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetUILanguage(), kNoLanguage);
+    ExpectNoTexts();
+}
+
+TEST_F(LocalizedResourcesTest, AUiLanguageOf0IsNotLookedForInTheMachinesSettings)
+{
+    m_userLanguage.SetDword(0);
+    m_machineLanguage.SetDword(1055);
+    m_machineInstall.SetDword(1031);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
+}
+
+TEST_F(LocalizedResourcesTest, AMissingUiLanguageDoesNotLeadToTheInstallLanguage)
+{
+    m_userInstall.SetDword(1031);
+    m_machineInstall.SetDword(1031);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetUILanguage(), kNoLanguage);
+    ExpectNoTexts();
+}
+
+TEST_F(LocalizedResourcesTest, TheMachinesUiLanguageIsReadOnlyWhereTheUserHasNone)
+{
+    m_machineLanguage.SetDword(1055);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetUILanguage(), 1055);
+
+    m_userLanguage.SetDword(1031);
+    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
+}
+
+TEST_F(LocalizedResourcesTest, OnlyTheLow16BitsCount)
+{
+    m_userLanguage.SetDword(0x7FFF0407);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
+    EXPECT_EQ(Text(IDS_UPDATE_LATER), "Später");
+}
+
+TEST_F(LocalizedResourcesTest, AValueOf4BytesCountsWhateverItsType)
+{
+    m_userLanguage.SetBytes({0x07, 0x04, 0x00, 0x00}, REG_BINARY);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
+}
+
+TEST_F(LocalizedResourcesTest, OnlyTheSettingsOfTheGivenVersionAreRead)
+{
+    m_user2007.SetDword(1031);
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(m_resources.GetUILanguage(), kNoLanguage);
+    m_resources.SetOfficeVersion(12);
+    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
+    EXPECT_EQ(Text(IDS_UPDATE_LATER), "Später");
+}
+
+TEST_F(LocalizedResourcesTest, TheLanguageOfTextsStaysUntilTheVersionIsSetAgain)
+{
+    m_userLanguage.SetDword(1031);
+    m_resources.SetOfficeVersion(14);
+    m_userLanguage.SetDword(1033);
+    EXPECT_EQ(m_resources.GetUILanguage(), 1033) << "the registry is read at every call";
+    EXPECT_EQ(Text(IDS_UPDATE_LATER), "Später");
+    m_resources.SetOfficeVersion(14);
+    EXPECT_EQ(Text(IDS_UPDATE_LATER), "Later");
+}
+
+TEST_F(LocalizedResourcesTest, AnIdWithoutATextIsEmpty)
+{
+    m_userLanguage.SetDword(1033);
+    m_resources.SetOfficeVersion(14);
+    for (const UINT id : {0u, 6u, 10u, 96u, 100u, 143u, 144u, 1600u, 65535u, 0xFFFFFFFFu})
+    {
+        EXPECT_EQ(Text(id), "") << id;
+    }
+}
+
+TEST_F(LocalizedResourcesTest, TheSecondSearchTakesTheIdForABlocksName)
+{
+    m_userLanguage.SetDword(1031);
+    m_resources.SetOfficeVersion(14);
+    // No text has this id, but the block named 7 is there in English, and its entry 7 is a text.
+    EXPECT_EQ(Text(7), "The ORVA Connector links Outlook to the ORVA business network.");
+}
+
+TEST_F(LocalizedResourcesTest, ResourceDataPointsAtTheResourcesBytes)
+{
+    const void* data = nullptr;
+    DWORD size = 0;
+    ASSERT_EQ(m_resources.LoadResourceData(IDR_LOGO_PNG, L"PNG", &data, &size), S_OK);
+    ASSERT_GT(size, 100u);
+    EXPECT_EQ(std::memcmp(data, "\x89PNG\r\n\x1a\n", 8), 0);
+}
+
+TEST_F(LocalizedResourcesTest, MissingResourceDataIsTheWin32ErrorAsAnHresult)
+{
+    const int untouched = 0;
+    const void* data = &untouched;
+    DWORD size = 17;
+    EXPECT_EQ(m_resources.LoadResourceData(209, L"PNG", &data, &size),
+              HRESULT_FROM_WIN32(ERROR_RESOURCE_NAME_NOT_FOUND));
+    EXPECT_EQ(m_resources.LoadResourceData(IDR_LOGO_PNG, L"GIF", &data, &size),
+              HRESULT_FROM_WIN32(ERROR_RESOURCE_TYPE_NOT_FOUND));
+    EXPECT_EQ(data, &untouched);
+    EXPECT_EQ(size, 17u);
+}
+
+TEST_F(LocalizedResourcesTest, TheMarkupIsLoadedWithItsByteOrderMarkAndNothingBehindIt)
+{
+    const auto markup = m_resources.LoadXmlResource(IDR_BACKSTAGE_XML);
+    ASSERT_NE(markup, nullptr);
+    EXPECT_TRUE(markup->starts_with(L"\uFEFF<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n<customUI "));
+    EXPECT_TRUE(markup->ends_with(L"</customUI>\r\n"));
+    EXPECT_EQ(markup->find(L'\0'), std::wstring::npos);
+}
+
+TEST_F(LocalizedResourcesTest, EachLoadingOfTheMarkupGivesANewString)
+{
+    const auto first = m_resources.LoadXmlResource(IDR_BACKSTAGE_XML);
+    first->clear();
+    EXPECT_FALSE(m_resources.LoadXmlResource(IDR_BACKSTAGE_XML)->empty());
+}
+
+TEST_F(LocalizedResourcesTest, MissingMarkupIsNull)
+{
+    EXPECT_EQ(m_resources.LoadXmlResource(204), nullptr);
+}
+
+TEST_F(LocalizedResourcesTest, AMessageHasTheProductsNameAndAnOkButtonAndBelongsToItsOwner)
+{
+    m_userLanguage.SetDword(1033);
+    m_resources.SetOfficeVersion(14);
+    const CTestWindow owner(WS_OVERLAPPEDWINDOW | WS_VISIBLE);
+    CUserScript user;
+    user.AnswerBox(L"100% of \u00DCmlaut\nand a second line");
+    user.Start();
+    m_resources.ShowMessage(owner.Handle(), L"100% of \u00DCmlaut\nand a second line");
+    const auto seen = user.Finish();
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(Utf8(seen[0].caption), "ORVA Connector");
+    EXPECT_EQ(Utf8(seen[0].text), "100% of \u00DCmlaut\nand a second line");
+    EXPECT_EQ(seen[0].buttons.size(), 1u);
+    EXPECT_EQ(seen[0].owner, owner.Handle());
+    EXPECT_FALSE(seen[0].ownerEnabled);
+    EXPECT_TRUE(IsWindowEnabled(owner.Handle()));
+}
+
+TEST_F(LocalizedResourcesTest, TheFirstVisibleTopLevelWindowOfTheProcessIsFound)
+{
+    const CTestWindow lower(WS_POPUP | WS_VISIBLE);
+    const CTestWindow hidden(WS_POPUP);
+    const CTestWindow upper(WS_POPUP | WS_VISIBLE);
+    for (const HWND top : {upper.Handle(), lower.Handle()})
+    {
+        SetWindowPos(top, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+        SetWindowPos(hidden.Handle(), HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+        EXPECT_EQ(m_resources.FindOwnProcessWindow(), top);
+    }
+}
+
+TEST_F(LocalizedResourcesTest, WithoutAVisibleTopLevelWindowNoneIsFound)
+{
+    const CTestWindow hidden(WS_POPUP);
+    EXPECT_EQ(m_resources.FindOwnProcessWindow(), nullptr);
+}
