@@ -171,7 +171,10 @@ void CFileView::OnItem(const Piece& piece)
     {
         const auto result = reinterpret_cast<INT_PTR>(
             ShellExecuteW(m_window, L"open", item.target.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
-        m_trace.Event(L"link " + item.id + L" opened " + item.target + L" with " + std::to_wstring(result));
+        // Above 32 is success; what the number is beyond that is each system's own.
+        const bool isOpened = result > 32;
+        m_trace.Event(L"link " + item.id + (isOpened ? L" opened " : L" could not open ") + item.target +
+                      (isOpened ? L"" : L": " + std::to_wstring(result)));
     }
     else if (item.kind == RibbonItemKind::Button && !item.onAction.empty())
     {

@@ -33,6 +33,8 @@ std::wstring ItemText(HMENU menu, int position)
     wchar_t text[256] = L"";
     GetMenuStringW(menu, static_cast<UINT>(position), text, static_cast<int>(std::size(text)), MF_BYPOSITION);
     const UINT state = GetMenuState(menu, static_cast<UINT>(position), MF_BYPOSITION);
+    if ((state & MF_SEPARATOR) != 0)
+        return L"---";
     return std::wstring(text) + ((state & MF_GRAYED) != 0 ? L" (greyed)" : L"");
 }
 
