@@ -48,6 +48,7 @@ install_packages() {
         >"$log" 2>&1 </dev/null || { tail -n 40 "$log" >&2; fail "packages could not be installed"; }
 }
 
+# shellcheck disable=SC2120 # ./test builds everything, ./run names targets
 configure_and_build() {
     (cd "$repository" && cmake --preset release -B "$build_dir")
     cmake --build "$build_dir" ${1:+--target "$@"}

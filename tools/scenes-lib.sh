@@ -237,6 +237,7 @@ play_the_start() {
     fi
     if [ -n "$main_window" ] && is_enabled "$main_window"; then
         seen start-enabled
+        picture outlook
     fi
     examine_download
 }

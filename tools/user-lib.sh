@@ -7,7 +7,7 @@
 # read_window         sets $window_caption, and $control_text, $control_state and $control_class by control id.
 # window_state        "enabled", "disabled" or "gone".
 # press ID, close_window
-# picture NAME        writes NN-NAME.png of $window with its frame into $pictures.
+# picture NAME        writes NN-NAME.png of $window with its frame into $pictures; none if the window has gone.
 # shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the other libraries
 
 declare -A control_text=() control_state=() control_class=()
@@ -96,15 +96,23 @@ x_window() {
 }
 
 picture() {
-    local file id
-    picture_count=$((picture_count + 1))
-    printf -v file '%s/%02d-%s.png' "$pictures" "$picture_count" "$1"
+    local id
     id=$(x_window)
-    # What it looks like, once it has been drawn.
+    # What it looks like, once it has come to the top and been drawn.
     xdotool windowraise "$id" 2>/dev/null || true
     sleep 0.3
-    # A window without a frame of the window manager's has none to include.
-    /usr/bin/import -silent -window "$id" -frame "$file" 2>/dev/null || /usr/bin/import -silent -window "$id" "$file"
+    quick_picture "$1"
+}
+
+# quick_picture NAME: of a window that will not be there for long.
+quick_picture() {
+    local file id
+    id=$(x_window)
+    # Without a window to look at, import would wait for somebody to click on one.
+    [ "$id" != 0 ] || return 0
+    picture_count=$((picture_count + 1))
+    printf -v file '%s/%02d-%s.png' "$pictures" "$picture_count" "$1"
+    timeout 20 /usr/bin/import -silent -window "$id" -frame "$file" 2>/dev/null || rm -f "$file"
 }
 
 # keys KEY...: types on the window that has the focus.
@@ -116,7 +124,7 @@ keys() {
 show_to_keyboard() {
     local id
     id=$(x_window)
-    xdotool windowactivate --sync "$id" 2>/dev/null || xdotool windowfocus --sync "$id"
+    timeout 10 xdotool windowactivate --sync "$id" 2>/dev/null || timeout 10 xdotool windowfocus --sync "$id"
 }
 
 # picture_of_screen NAME: of all that is on the screen; menus are windows of their own.
@@ -124,5 +132,5 @@ picture_of_screen() {
     local file
     picture_count=$((picture_count + 1))
     printf -v file '%s/%02d-%s.png' "$pictures" "$picture_count" "$1"
-    /usr/bin/import -silent -window root "$file"
+    timeout 20 /usr/bin/import -silent -window root "$file"
 }

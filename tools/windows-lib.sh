@@ -41,7 +41,6 @@ meet_window() {
     main)
         main_window=$window
         tell user "sees Outlook's window \"$window_caption\""
-        picture outlook
         ;;
     offer) meet_offer ;;
     download) meet_download ;;
@@ -104,11 +103,19 @@ meet_download() {
     if [ "$answer" = cancel ]; then
         tell user "presses \"${control_text[2]:-}\""
         press 2
-        sleep 0.3
-        read_window
-        [ "$(text_at IDC_DOWNLOAD_STATUS)" != "$(text_of IDS_DOWNLOAD_CANCELED)" ] || seen cancel-shown
-        tell user "sees \"$(text_at IDC_DOWNLOAD_STATUS)\""
-        picture download-canceled
+        # It stays for a second after the worker has ended.
+        until [ "$(text_at IDC_DOWNLOAD_STATUS)" = "$(text_of IDS_DOWNLOAD_CANCELED)" ]; do
+            command_user "state $window"
+            if ((SECONDS >= deadline)) || [ "${reply[0]}" = gone ]; then
+                break
+            fi
+            read_window
+        done
+        if [ "$(text_at IDC_DOWNLOAD_STATUS)" = "$(text_of IDS_DOWNLOAD_CANCELED)" ]; then
+            quick_picture download-canceled
+            tell user "sees \"$(text_at IDC_DOWNLOAD_STATUS)\""
+            seen cancel-shown
+        fi
     fi
     if wait_gone 60; then
         tell user "sees the download close"

@@ -59,7 +59,7 @@ start_display() {
     export DISPLAY
     if ! is_running "$dir/openbox.pid"; then
         rm -f "$dir/openbox.ready"
-        openbox --startup "touch '$dir/openbox.ready'" 9>&- >"$dir/openbox.log" 2>&1 &
+        openbox --config-file "$repository/tools/openbox.xml" --startup "touch '$dir/openbox.ready'" 9>&- >"$dir/openbox.log" 2>&1 &
         echo $! >"$dir/openbox.pid"
         # A window that is mapped earlier would stay without caption and focus.
         wait_until 30 test -e "$dir/openbox.ready" || { echo "$dir: openbox did not start" >&2; return 1; }
