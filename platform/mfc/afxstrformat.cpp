@@ -3,9 +3,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
+#include <cstdlib>
 #include <cwchar>
-#include <optional>
+#include <string_view>
+#include <utility>
 
 namespace
 {
@@ -81,40 +82,30 @@ private:
             ++m_next;
         }
 
+        const auto isOneOf = [&](std::wstring_view types) {
+            return types.find(placeholder.type) != std::wstring_view::npos;
+        };
         bool isFilledIn = false;
-        switch (placeholder.type)
+        if (isOneOf(L"diuoxX"))
         {
-        case L'd':
-        case L'i':
-        case L'u':
-        case L'o':
-        case L'x':
-        case L'X':
             isFilledIn = AppendInteger(placeholder);
-            break;
-        case L'c':
-        case L'C':
+        }
+        else if (isOneOf(L"cC"))
+        {
             isFilledIn = AppendCharacter(placeholder);
-            break;
-        case L's':
-        case L'S':
+        }
+        else if (isOneOf(L"sS"))
+        {
             isFilledIn = AppendText(placeholder);
-            break;
-        case L'e':
-        case L'E':
-        case L'f':
-        case L'F':
-        case L'g':
-        case L'G':
-        case L'a':
-        case L'A':
-        case L'p':
+        }
+        else if (isOneOf(L"eEfFgGaAp"))
+        {
             TakeArgument();
-            break;
-        default:
+        }
+        else
+        {
             // No placeholder at all: only its percent sign goes, which is also how %% becomes one.
             ++percent;
-            break;
         }
         if (!isFilledIn)
         {
@@ -126,26 +117,17 @@ private:
     {
         for (;; ++m_next)
         {
-            switch (*m_next)
+            bool* const flag = *m_next == L'-'   ? &placeholder.isLeftAligned
+                               : *m_next == L'+' ? &placeholder.hasPlus
+                               : *m_next == L'0' ? &placeholder.hasZeros
+                               : *m_next == L'#' ? &placeholder.hasPrefix
+                               : *m_next == L' ' ? &placeholder.hasBlank
+                                                 : nullptr;
+            if (flag == nullptr)
             {
-            case L'-':
-                placeholder.isLeftAligned = true;
-                break;
-            case L'+':
-                placeholder.hasPlus = true;
-                break;
-            case L'0':
-                placeholder.hasZeros = true;
-                break;
-            case L'#':
-                placeholder.hasPrefix = true;
-                break;
-            case L' ':
-                placeholder.hasBlank = true;
-                break;
-            default:
                 return;
             }
+            *flag = true;
         }
     }
 
