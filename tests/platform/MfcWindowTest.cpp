@@ -1,0 +1,459 @@
+// Windows: their objects by handle, subclassing, the containment of exceptions, owners, placement, texts.
+#include "MfcResources.h"
+#include "MfcTestWindow.h"
+#include "afxthreadstate.h"
+#include "harness/DebugOutput.h"
+#include "harness/Waiting.h"
+
+#include <afxcmn.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace
+{
+
+using orva::test::CDebugOutput;
+using orva::test::PumpUntil;
+
+constexpr UINT kThrowStandard = WM_APP + 1;
+constexpr UINT kThrowOwn = WM_APP + 2;
+constexpr UINT kThrowNumber = WM_APP + 3;
+constexpr UINT kNested = WM_APP + 4;
+
+class CTestException : public CException
+{
+public:
+    explicit CTestException(int& deaths) : m_deaths(deaths) {}
+    ~CTestException() override { ++m_deaths; }
+
+private:
+    int& m_deaths;
+};
+
+class CWatchedWnd : public CWnd
+{
+public:
+    int m_exceptionDeaths = 0;
+    int m_postNcDestroy = 0;
+    int m_preSubclass = 0;
+    bool m_throwOnPaint = false;
+    UINT m_currentAfterNesting = 0;
+    AFX_MODULE_STATE* m_stateInHandler = nullptr;
+
+protected:
+    void PreSubclassWindow() override { m_preSubclass += m_hWnd ? 1 : 100; }
+    void PostNcDestroy() override { m_postNcDestroy += m_hWnd ? 100 : 1; }
+    afx_msg LRESULT OnThrowStandard(WPARAM, LPARAM) { throw std::runtime_error("broken"); }
+    afx_msg LRESULT OnThrowOwn(WPARAM, LPARAM) { throw new CTestException(m_exceptionDeaths); }
+    afx_msg LRESULT OnThrowNumber(WPARAM, LPARAM) { throw 5; }
+    afx_msg LRESULT OnPaint(WPARAM, LPARAM)
+    {
+        if (m_throwOnPaint)
+        {
+            throw std::runtime_error("paint");
+        }
+        return Default();
+    }
+    afx_msg LRESULT OnNested(WPARAM, LPARAM)
+    {
+        m_stateInHandler = AfxGetModuleState();
+        SendMessage(WM_GETTEXTLENGTH);
+        m_currentAfterNesting = GetCurrentMessage()->message;
+        return 0;
+    }
+
+    DECLARE_MESSAGE_MAP()
+};
+
+BEGIN_MESSAGE_MAP(CWatchedWnd, CWnd)
+    ON_MESSAGE(kThrowStandard, &CWatchedWnd::OnThrowStandard)
+    ON_MESSAGE(kThrowOwn, &CWatchedWnd::OnThrowOwn)
+    ON_MESSAGE(kThrowNumber, &CWatchedWnd::OnThrowNumber)
+    ON_MESSAGE(kNested, &CWatchedWnd::OnNested)
+    ON_MESSAGE(WM_PAINT, &CWatchedWnd::OnPaint)
+END_MESSAGE_MAP()
+
+WNDPROC ProcedureOf(HWND window)
+{
+    return reinterpret_cast<WNDPROC>(GetWindowLongPtrW(window, GWLP_WNDPROC));
+}
+
+TEST(MfcWindow, HandleWithoutAnObjectGetsATemporaryOneThatIsTheSameEachTime)
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState())
+    const CTestWindow window;
+    CWnd* const wnd = CWnd::FromHandle(window);
+    ASSERT_TRUE(wnd);
+    EXPECT_EQ(window, wnd->m_hWnd);
+    EXPECT_EQ(wnd, CWnd::FromHandle(window));
+    EXPECT_EQ(nullptr, CWnd::FromHandlePermanent(window));
+    EXPECT_EQ(nullptr, CWnd::FromHandle(nullptr));
+}
+
+TEST(MfcWindow, AttachedObjectIsFoundByItsHandleUntilDetached)
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState())
+    const CTestWindow window;
+    CWnd wnd;
+    EXPECT_TRUE(wnd.Attach(window));
+    EXPECT_EQ(&wnd, CWnd::FromHandle(window));
+    EXPECT_EQ(&wnd, CWnd::FromHandlePermanent(window));
+    EXPECT_EQ(window, wnd.Detach());
+    EXPECT_EQ(nullptr, wnd.GetSafeHwnd());
+    EXPECT_EQ(nullptr, CWnd::FromHandlePermanent(window));
+}
+
+TEST(MfcWindow, NullHandleOrASecondObjectIsNotAttached)
+{
+    const CTestWindow window;
+    CWnd first;
+    CWnd second;
+    EXPECT_FALSE(first.Attach(nullptr));
+    EXPECT_TRUE(first.Attach(window));
+    EXPECT_FALSE(second.Attach(window));
+    EXPECT_EQ(nullptr, second.m_hWnd);
+    first.Detach();
+}
+
+TEST(MfcWindow, TemporaryObjectsEndWithTheirBlockAndLeaveTheWindow)
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState())
+    const CTestWindow outer;
+    const CTestWindow inner;
+    CWnd* const outside = CWnd::FromHandle(outer);
+    const size_t before = AfxGetThreadState().TemporaryCount();
+    {
+        const AFX_MAINTAIN_STATE2 block(AfxGetStaticModuleState());
+        EXPECT_EQ(outside, CWnd::FromHandle(outer));
+        CWnd::FromHandle(inner);
+        EXPECT_EQ(before + 1, AfxGetThreadState().TemporaryCount());
+    }
+    EXPECT_EQ(before, AfxGetThreadState().TemporaryCount());
+    EXPECT_EQ(outer, outside->m_hWnd);
+    EXPECT_TRUE(IsWindow(inner));
+}
+
+TEST(MfcWindow, MessageHandlersLeaveNoTemporaryObjectsBehind)
+{
+    const CTestWindow window;
+    CWatchedWnd wnd;
+    ASSERT_TRUE(wnd.SubclassWindow(window));
+    const size_t before = AfxGetThreadState().TemporaryCount();
+    for (int i = 0; i < 10; ++i)
+    {
+        wnd.SendMessage(WM_SETCURSOR, reinterpret_cast<WPARAM>(wnd.m_hWnd), MAKELPARAM(HTCLIENT, 0));
+        wnd.SendMessage(kNested);
+    }
+    EXPECT_EQ(before, AfxGetThreadState().TemporaryCount());
+}
+
+TEST(MfcWindow, AttachedObjectIsNotFoundFromAnotherThread)
+{
+    const CTestWindow window;
+    CWnd wnd;
+    wnd.Attach(window);
+    struct CQuestion
+    {
+        HWND window;
+        CWnd* answer;
+    } question = {window, &wnd};
+    CWinThread* thread = AfxBeginThread(
+        [](LPVOID parameter) -> UINT {
+            auto* asked = static_cast<CQuestion*>(parameter);
+            asked->answer = CWnd::FromHandlePermanent(asked->window);
+            return 0;
+        },
+        &question, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
+    ASSERT_TRUE(thread);
+    thread->m_bAutoDelete = FALSE;
+    thread->ResumeThread();
+    WaitForSingleObject(thread->m_hThread, INFINITE);
+    delete thread;
+    EXPECT_EQ(nullptr, question.answer);
+    wnd.Detach();
+}
+
+TEST(MfcWindow, UnsubclassGivesTheWindowItsProcedureBack)
+{
+    const CTestWindow window;
+    const WNDPROC before = ProcedureOf(window);
+    CWatchedWnd wnd;
+    EXPECT_TRUE(wnd.SubclassWindow(window));
+    EXPECT_EQ(1, wnd.m_preSubclass);
+    EXPECT_NE(before, ProcedureOf(window));
+    EXPECT_EQ(window, wnd.UnsubclassWindow());
+    EXPECT_EQ(before, ProcedureOf(window));
+    EXPECT_EQ(nullptr, wnd.m_hWnd);
+}
+
+TEST(MfcWindow, ObjectIsDetachedWithTheWindowsLastMessage)
+{
+    const CTestWindow window;
+    CWatchedWnd wnd;
+    ASSERT_TRUE(wnd.SubclassWindow(window));
+    DestroyWindow(window);
+    EXPECT_EQ(nullptr, wnd.m_hWnd);
+    EXPECT_EQ(1, wnd.m_postNcDestroy);
+}
+
+TEST(MfcWindow, DestructorDestroysTheWindow)
+{
+    const CTestWindow window;
+    {
+        CWatchedWnd wnd;
+        ASSERT_TRUE(wnd.SubclassWindow(window));
+    }
+    EXPECT_FALSE(IsWindow(window));
+}
+
+TEST(MfcWindow, DestroyWindowDetachesAWindowThatWasOnlyAttached)
+{
+    const CTestWindow window;
+    CWnd wnd;
+    wnd.Attach(window);
+    EXPECT_TRUE(wnd.DestroyWindow());
+    EXPECT_EQ(nullptr, wnd.m_hWnd);
+    EXPECT_FALSE(wnd.DestroyWindow());
+}
+
+TEST(MfcWindow, StandardExceptionEndsAtTheWindowProcedureAndIsTraced)
+{
+    const CTestWindow window;
+    CWatchedWnd wnd;
+    ASSERT_TRUE(wnd.SubclassWindow(window));
+    const CDebugOutput output;
+    EXPECT_EQ(0, wnd.SendMessage(kThrowStandard));
+    EXPECT_THAT(output.Lines(), testing::Contains("AfxCallWndProc: broken\n"));
+}
+
+TEST(MfcWindow, OwnExceptionIsDeletedAndTraced)
+{
+    const CTestWindow window;
+    CWatchedWnd wnd;
+    ASSERT_TRUE(wnd.SubclassWindow(window));
+    const CDebugOutput output;
+    EXPECT_EQ(0, wnd.SendMessage(kThrowOwn));
+    EXPECT_EQ(1, wnd.m_exceptionDeaths);
+    EXPECT_THAT(output.Lines(), testing::Contains("AfxCallWndProc: CException \n"));
+}
+
+TEST(MfcWindow, AnythingElseThrownIsContainedToo)
+{
+    const CTestWindow window;
+    CWatchedWnd wnd;
+    ASSERT_TRUE(wnd.SubclassWindow(window));
+    const CDebugOutput output;
+    EXPECT_EQ(0, wnd.SendMessage(kThrowNumber));
+    EXPECT_THAT(output.Lines(), testing::Contains("AfxCallWndProc: unknown exception\n"));
+}
+
+TEST(MfcWindow, PaintingThatThrowsIsNotAskedForAgain)
+{
+    const CTestWindow window;
+    CWatchedWnd wnd;
+    ASSERT_TRUE(wnd.SubclassWindow(window));
+    wnd.m_throwOnPaint = true;
+    wnd.Invalidate();
+    wnd.UpdateWindow();
+    EXPECT_FALSE(GetUpdateRect(window, nullptr, FALSE));
+    wnd.m_throwOnPaint = false;
+}
+
+TEST(MfcWindow, CurrentMessageIsTheOuterOneAgainAfterANestedOne)
+{
+    const CTestWindow window;
+    CWatchedWnd wnd;
+    ASSERT_TRUE(wnd.SubclassWindow(window));
+    wnd.SendMessage(kNested);
+    EXPECT_EQ(kNested, wnd.m_currentAfterNesting);
+}
+
+TEST(MfcWindow, WindowProcedureSwitchesToTheModulesOwnState)
+{
+    const CTestWindow window;
+    CWatchedWnd wnd;
+    ASSERT_TRUE(wnd.SubclassWindow(window));
+    AFX_MODULE_STATE foreign(GetModuleHandleW(L"kernel32.dll"));
+    {
+        AFX_MANAGE_STATE(&foreign)
+        ::SendMessage(window, kNested, 0, 0);
+        EXPECT_EQ(&foreign, AfxGetModuleState());
+    }
+    EXPECT_EQ(AfxGetStaticModuleState(), wnd.m_stateInHandler);
+}
+
+TEST(MfcWindow, TextsOfAnyLengthComeBackAsTheyWereSet)
+{
+    const CTestWindow window;
+    CWnd wnd;
+    wnd.Attach(window);
+    for (const std::wstring& text :
+         {std::wstring(), std::wstring(L"Gr\u00FC\u00DFe \u0130\u015F"), std::wstring(5000, L'x')})
+    {
+        wnd.SetWindowText(text.c_str());
+        CString read = L"before";
+        wnd.GetWindowText(read);
+        EXPECT_EQ(text, read.GetString());
+        EXPECT_EQ(int(text.length()), wnd.GetWindowTextLength());
+    }
+    wnd.Detach();
+}
+
+TEST(MfcWindow, ControlsAreReachedByTheirIds)
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState())
+    const CTestWindow window;
+    const CTestWindow field(window, WS_CHILD | WS_VISIBLE, L"EDIT");
+    SetWindowLongPtrW(field, GWLP_ID, IDC_FIELD);
+    CWnd wnd;
+    wnd.Attach(window);
+    CEdit edit;
+    EXPECT_TRUE(edit.SubclassDlgItem(IDC_FIELD, &wnd));
+    EXPECT_EQ(&edit, wnd.GetDlgItem(IDC_FIELD));
+    EXPECT_EQ(nullptr, wnd.GetDlgItem(IDC_TEXT));
+    EXPECT_EQ(IDC_FIELD, edit.GetDlgCtrlID());
+    EXPECT_EQ(&wnd, edit.GetParent());
+
+    wnd.SetDlgItemText(IDC_FIELD, L"typed");
+    CString text;
+    EXPECT_EQ(5, wnd.GetDlgItemText(IDC_FIELD, text));
+    EXPECT_STREQ(L"typed", text);
+    EXPECT_EQ(0, wnd.GetDlgItemText(IDC_TEXT, text));
+    EXPECT_STREQ(L"", text);
+
+    EXPECT_TRUE(edit.SetReadOnly());
+    EXPECT_TRUE(edit.GetStyle() & ES_READONLY);
+    EXPECT_FALSE(edit.EnableWindow(FALSE));
+    EXPECT_FALSE(edit.IsWindowEnabled());
+    EXPECT_TRUE(edit.ShowWindow(SW_HIDE));
+    EXPECT_FALSE(edit.IsWindowVisible());
+    wnd.Detach();
+}
+
+TEST(MfcWindow, WorkerMaySetTheTextOfASubclassedControlWhileTheWindowsThreadRunsMessages)
+{
+    const CTestWindow window;
+    const CTestWindow label(window, WS_CHILD | WS_VISIBLE, L"STATIC");
+    CStatic control;
+    ASSERT_TRUE(control.SubclassWindow(label));
+    CWinThread* thread = AfxBeginThread(
+        [](LPVOID parameter) -> UINT {
+            for (int i = 1; i <= 200; ++i)
+            {
+                static_cast<CStatic*>(parameter)->SetWindowText(std::to_wstring(i).c_str());
+            }
+            return 0;
+        },
+        &control, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
+    ASSERT_TRUE(thread);
+    thread->m_bAutoDelete = FALSE;
+    thread->ResumeThread();
+    EXPECT_TRUE(PumpUntil([=] { return WaitForSingleObject(thread->m_hThread, 0) == WAIT_OBJECT_0; }));
+    delete thread;
+    CString text;
+    control.GetWindowText(text);
+    EXPECT_STREQ(L"200", text);
+}
+
+TEST(MfcWindow, OwnerOfAModalWindowIsNeverAChild)
+{
+    const CTestWindow main;
+    const CTestWindow child(main, WS_CHILD | WS_VISIBLE);
+    const CTestWindow grandchild(child, WS_CHILD | WS_VISIBLE);
+    HWND top = main;
+    EXPECT_EQ(main, CWnd::GetSafeOwner_(grandchild, &top));
+    EXPECT_EQ(nullptr, top) << "the owner itself is not the window to be disabled besides";
+    EXPECT_TRUE(IsWindowEnabled(main));
+}
+
+TEST(MfcWindow, TopLevelWindowAboveTheOwnerIsDisabledAndNamed)
+{
+    const CTestWindow main;
+    const CTestWindow popup(main, WS_POPUP | WS_CAPTION | WS_VISIBLE);
+    HWND top = nullptr;
+    EXPECT_EQ(popup, CWnd::GetSafeOwner_(popup, &top));
+    EXPECT_EQ(main, top);
+    EXPECT_FALSE(IsWindowEnabled(main));
+    EXPECT_EQ(popup, CWnd::GetSafeOwner_(popup, &top));
+    EXPECT_EQ(nullptr, top) << "one that is disabled already is nobody's to enable";
+}
+
+TEST(MfcWindow, OwnerWithoutAParentIsTheLastActivePopupOfTheActiveWindow)
+{
+    AFX_MANAGE_STATE(AfxGetStaticModuleState())
+    const CTestWindow main;
+    SetActiveWindow(main);
+    EXPECT_EQ(main, CWnd::GetSafeOwner_(nullptr, nullptr));
+    const CTestWindow popup(main, WS_POPUP | WS_CAPTION | WS_VISIBLE);
+    SetActiveWindow(popup);
+    EXPECT_EQ(popup, CWnd::GetSafeOwner_(nullptr, nullptr));
+    EXPECT_EQ(popup, CWnd::GetSafeOwner()->m_hWnd);
+}
+
+TEST(MfcWindow, CentringPlacesTheMiddleOverTheOwners)
+{
+    const CTestWindow main;
+    SetWindowPos(main, nullptr, 200, 150, 600, 500, SWP_NOZORDER);
+    const CTestWindow popup(main, WS_POPUP);
+    SetWindowPos(popup, nullptr, 0, 0, 200, 100, SWP_NOZORDER);
+    CWnd wnd;
+    wnd.Attach(popup);
+    wnd.CenterWindow();
+    RECT rect = {};
+    GetWindowRect(popup, &rect);
+    RECT owner = {};
+    GetWindowRect(main, &owner);
+    EXPECT_EQ((owner.left + owner.right) / 2 - 100, rect.left);
+    EXPECT_EQ((owner.top + owner.bottom) / 2 - 50, rect.top);
+    wnd.Detach();
+}
+
+TEST(MfcWindow, CentringKeepsTheWindowInsideTheWorkArea)
+{
+    const CTestWindow main(nullptr, WS_POPUP | WS_VISIBLE);
+    SetWindowPos(main, nullptr, -150, -120, 200, 200, SWP_NOZORDER);
+    const CTestWindow popup(main, WS_POPUP);
+    SetWindowPos(popup, nullptr, 300, 300, 400, 300, SWP_NOZORDER);
+    CWnd wnd;
+    wnd.Attach(popup);
+    wnd.CenterWindow();
+    RECT rect = {};
+    GetWindowRect(popup, &rect);
+    EXPECT_EQ(0, rect.left);
+    EXPECT_EQ(0, rect.top);
+    wnd.Detach();
+}
+
+TEST(MfcWindow, CentringIgnoresAHiddenOwner)
+{
+    const CTestWindow main(nullptr, WS_POPUP);
+    SetWindowPos(main, nullptr, 0, 0, 50, 50, SWP_NOZORDER);
+    const CTestWindow popup(main, WS_POPUP);
+    SetWindowPos(popup, nullptr, 0, 0, 400, 300, SWP_NOZORDER);
+    CWnd wnd;
+    wnd.Attach(popup);
+    wnd.CenterWindow();
+    RECT work = {};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    RECT rect = {};
+    GetWindowRect(popup, &rect);
+    EXPECT_EQ((work.left + work.right - 400) / 2, rect.left);
+    EXPECT_EQ((work.top + work.bottom - 300) / 2, rect.top);
+    wnd.Detach();
+}
+
+TEST(MfcWindow, RunTimeClassesFormTheDocumentedTree)
+{
+    const CProgressCtrl progress;
+    EXPECT_STREQ("CProgressCtrl", progress.GetRuntimeClass()->m_lpszClassName);
+    EXPECT_TRUE(progress.IsKindOf(RUNTIME_CLASS(CWnd)));
+    EXPECT_TRUE(progress.IsKindOf(RUNTIME_CLASS(CCmdTarget)));
+    EXPECT_FALSE(progress.IsKindOf(RUNTIME_CLASS(CStatic)));
+}
+
+} // namespace
