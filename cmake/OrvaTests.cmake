@@ -13,6 +13,7 @@ function(orva_add_tests NAME)
   set(program test_${NAME})
   add_executable(${program} ${ARG_SOURCES})
   target_link_libraries(${program} PRIVATE orva_options orva_test_harness gmock gtest ${ARG_LINK})
+  target_precompile_headers(${program} REUSE_FROM orva_test_harness)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ARG_SOURCES})
 
   foreach(source IN LISTS ARG_SOURCES)
