@@ -23,6 +23,7 @@ take_slot() {
         exec 9>"$slot/lock"
         flock -n 9 && return
     done
+    [ "$wine_slots" -gt 1 ] || echo "Waiting for another run in $wine_root to end" >&2
     # All are taken: wait for one, spread over the slots.
     slot=$wine_root/slot$((RANDOM % wine_slots))
     exec 9>"$slot/lock"
