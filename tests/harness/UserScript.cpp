@@ -113,7 +113,9 @@ public:
 
     void Start()
     {
-        m_known = Dialogs();
+        // What another process shows belongs to the test even if it was faster than this call.
+        seen.clear();
+        m_known = process == GetCurrentProcessId() ? Dialogs() : std::vector<HWND>();
         m_thread.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, Entry, this, 0, nullptr)));
     }
 
@@ -124,6 +126,10 @@ public:
             SetEvent(waitForSteps ? m_finish.get() : m_stop.get());
             WaitForSingleObject(m_thread.get(), INFINITE);
             m_thread.reset();
+            // Ready for another run with steps of its own.
+            ResetEvent(m_stop.get());
+            ResetEvent(m_finish.get());
+            steps.clear();
         }
     }
 
@@ -347,6 +353,12 @@ CUserScript& CUserScript::Patience(DWORD milliseconds)
 
 void CUserScript::Start()
 {
+    m_impl->Start();
+}
+
+void CUserScript::StartFor(DWORD process)
+{
+    m_impl->process = process;
     m_impl->Start();
 }
 

@@ -32,7 +32,8 @@ struct CSeenWindow
     std::wstring Control(int id) const;
 };
 
-/// Steps are added, then Start is called, then the code under test runs on the test's thread, then Finish.
+/// Steps are added, then Start is called, then the code under test runs on the test's thread, then Finish;
+/// after that, the same again with new steps if need be.
 ///
 /// Only dialogs (class #32770) that come up after Start, in the given process, are looked at. A step that
 /// gets another window than it expects, or none in time, is a failure: it is reported by Finish, and from
@@ -58,6 +59,9 @@ public:
     CUserScript& Patience(DWORD milliseconds);
 
     void Start();
+    /// Starts with another process than the one given at construction. Its dialogs that are already there
+    /// count as new.
+    void StartFor(DWORD process);
     /// Ends the script, reports each failure as one of the test's, and returns what was seen. With
     /// `waitForSteps` the remaining steps are waited for first; without, a step that has not been taken by
     /// now is a failure. To be called on the test's thread.

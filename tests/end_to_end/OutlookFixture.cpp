@@ -1,0 +1,301 @@
+// The whole product as its user has it: the built DLL, registered, in the stand-in Outlook, with the scripted
+// server as the user's proxy and the user on a second thread.
+#include "end_to_end/OutlookFixture.h"
+
+#include "end_to_end/Texts.h"
+#include "harness/Files.h"
+#include "harness/Text.h"
+#include "harness/Watchdog.h"
+
+#include <algorithm>
+#include <regex>
+
+namespace orva::test
+{
+
+namespace
+{
+
+using testing::Contains;
+using testing::HasSubstr;
+
+constexpr wchar_t kHostWindowClass[] = L"OrvaOutlookHost";
+constexpr char kAddIn[] = "Outlook -> OrvaOscAddin.Connect: ";
+constexpr wchar_t kClasses[] = L"Software\\Classes\\";
+
+/// What registration writes, and the lists of add-ins, so that no other is loaded during a test.
+constexpr const wchar_t* kRegisteredKeys[] = {
+    L"Software\\Microsoft\\Office\\Outlook\\Addins",
+    L"Software\\Classes\\OrvaOscAddin.Connect",
+    L"Software\\Classes\\OrvaOscAddin.Connect.1",
+    L"Software\\Classes\\CLSID\\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}",
+    L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}",
+    L"Software\\Classes\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}",
+};
+
+testing::Environment* const g_installed = testing::AddGlobalTestEnvironment(new CInstalledAddIn);
+
+/// The entries from `first` to `last`, both left out; an end that is not there is the log's end.
+std::vector<std::string> Between(const std::vector<std::string>& texts, const std::string& first,
+                                 const std::vector<std::string>& last)
+{
+    auto begin = std::find(texts.begin(), texts.end(), first);
+    if (begin == texts.end())
+    {
+        return {"(no entry \"" + first + "\")"};
+    }
+    ++begin;
+    return std::vector<std::string>(begin, std::find_first_of(begin, texts.end(), last.begin(), last.end()));
+}
+
+HWND ButtonWithText(HWND window, const std::wstring& text)
+{
+    for (const HWND child : ChildWindows(window))
+    {
+        if (WindowClassName(child) == L"Button" && IsWindowVisible(child) && WindowText(child) == text)
+        {
+            return child;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::string UpdateInfo(const std::string& major, const std::string& minor, const std::string& build,
+                       const std::string& link)
+{
+    return R"({"x64":{"majorVersion":)" + major + R"(,"minorVersion":)" + minor + R"(,"buildNumber":)" +
+           build + R"(,"downloadLink":")" + link + R"(","description":{"default":"Better than ever."}}})";
+}
+
+std::string NewerBuild(const std::string& link)
+{
+    return UpdateInfo("1", "3", "0", link);
+}
+
+std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+std::vector<std::string> RequestLog(const std::vector<std::string>& response, const std::string& text)
+{
+    const std::string trace = "CHttpRequest::PerformTextRequest";
+    std::vector<std::string> log = {"CheckForUpdate", std::string("CheckForUpdate() ") + kUpdateInfoUrl + " ",
+                                    trace, trace, trace};
+    for (const std::string& line : response)
+    {
+        log.push_back(line.starts_with("CHttpRequest") ? line : trace + "() " + line);
+    }
+    return Joined(std::move(log),
+                  {trace + "() delete resp ", trace + "() deleted resp ",
+                   "CheckForUpdate() TextRequest succeeded ", "CheckForUpdate() " + text + " "});
+}
+
+std::vector<std::string> TextLog(const std::string& text, int status)
+{
+    const std::string length = std::to_string(text.size());
+    const std::string characters = std::to_string(text.size() + 1);
+    std::vector<std::string> response = {"response content lenght " + length,
+                                         "response httpStatus " + std::to_string(status)};
+    if (text.size() >= 3)
+    {
+        response.push_back("check for BOM ");
+    }
+    return RequestLog(Joined(std::move(response), {"newContentLenght " + length, "num_chars " + characters,
+                                                   "ret " + characters, "response " + text}),
+                      text);
+}
+
+std::vector<std::string> StatusLog(int status)
+{
+    return RequestLog({"response content lenght 0", "response httpStatus " + std::to_string(status),
+                       "newContentLenght 0", "num_chars 0"},
+                      "");
+}
+
+std::vector<std::string> NoReplyLog(const std::string& error)
+{
+    return RequestLog({"CHttpRequest::PerformRequest() Caught CInternetException " + error,
+                       "response content lenght 0", "response httpStatus -1", "newContentLenght 0",
+                       "num_chars 0"},
+                      "");
+}
+
+void CInstalledAddIn::SetUp()
+{
+    for (const wchar_t* const key : kRegisteredKeys)
+    {
+        for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
+        {
+            m_guards.push_back(std::make_unique<CRegistryTreeGuard>(root, key));
+            m_guards.back()->Remove();
+        }
+    }
+    const CProcessResult result = RunProcess(L"regsvr32.exe", {L"/s", BuiltFile(kModule)});
+    ASSERT_EQ(result.exitCode, 0u) << result.output;
+}
+
+void CInstalledAddIn::TearDown()
+{
+    m_guards.clear();
+}
+
+OutlookFixture::OutlookFixture() : m_proxy(m_server.Port())
+{
+    constexpr DWORD kEnglish = 1033;
+    for (const wchar_t* const version : {L"12.0", L"14.0", L"15.0"})
+    {
+        m_languages.push_back(std::make_unique<CRegistryValue>(
+            HKEY_CURRENT_USER,
+            std::wstring(L"SOFTWARE\\Microsoft\\Office\\") + version + L"\\Common\\LanguageResources",
+            L"UILanguage"));
+        m_languages.back()->SetDword(kEnglish);
+    }
+}
+
+OutlookFixture::~OutlookFixture()
+{
+    // The last made is the first to be put back: they share keys.
+    while (!m_languages.empty())
+    {
+        m_languages.pop_back();
+    }
+}
+
+void OutlookFixture::StartOutlook(const std::vector<std::wstring>& options)
+{
+    m_tracePath = m_folder.File(L"trace" + std::to_wstring(++m_starts));
+    CProcessOptions process = {.program = BuiltFile(kHost), .arguments = options};
+    process.arguments.insert(process.arguments.end(), {L"--trace", m_tracePath});
+    m_outlook = std::make_unique<CChildProcess>(process);
+    m_user.StartFor(m_outlook->Id());
+}
+
+void OutlookFixture::StartWithBackstage()
+{
+    StartOutlook({L"--mode", L"after-startup", L"--backstage"});
+    WaitForStart();
+}
+
+void OutlookFixture::CheckExplicitly()
+{
+    HWND button = nullptr;
+    ASSERT_TRUE(WaitUntil([&] { return (button = ButtonWithText(MainWindow(), L"Update")) != nullptr; }))
+        << DescribeWindows(m_outlook->Id());
+    PostMessageW(button, BM_CLICK, 0, 0);
+    ASSERT_TRUE(WaitForTrace("Invoke 42000 ButtonClicked(btnCheckUpdate) = 0x00000000"))
+        << DescribeWindows(m_outlook->Id());
+}
+
+void OutlookFixture::WaitForStart()
+{
+    NoteTestPart("Outlook's start");
+    ASSERT_TRUE(WaitForTrace("OnAddInsUpdate = 0x00000000")) << DescribeWindows(m_outlook->Id());
+    EXPECT_THAT(Trace(), Contains(testing::AllOf(
+                             testing::StartsWith(std::string(kAddIn) + "OnConnection(ConnectMode "),
+                             testing::EndsWith(" = 0x00000000"))));
+}
+
+void OutlookFixture::ExpectOutlookGoesOn()
+{
+    NoteTestPart("Outlook's going on");
+    const HWND window = MainWindow();
+    ASSERT_NE(window, nullptr);
+    EXPECT_TRUE(IsWindowEnabled(window));
+    EXPECT_EQ(FindTopLevelWindow({.process = m_outlook->Id(), .className = kDialogClass}), nullptr)
+        << DescribeWindows(m_outlook->Id());
+    m_seen = m_user.Finish();
+
+    NoteTestPart("Outlook's end");
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    EXPECT_EQ(m_outlook->WaitForExit(), 0u) << DescribeWindows(m_outlook->Id());
+    const std::vector<std::string> trace = Trace();
+    EXPECT_THAT(trace, Contains("Outlook: references to OrvaOscAddin.Connect left: 0"));
+    EXPECT_THAT(trace, Contains(std::string(kAddIn) + "DllCanUnloadNow = 0x00000000"));
+    EXPECT_THAT(trace, Contains("Outlook: ended"));
+}
+
+void OutlookFixture::RunToTheEnd(const std::vector<std::wstring>& options)
+{
+    StartOutlook(options);
+    WaitForStart();
+    if (!HasFatalFailure())
+    {
+        ExpectOutlookGoesOn();
+    }
+}
+
+std::vector<std::wstring> OutlookFixture::Shown() const
+{
+    std::vector<std::wstring> texts;
+    for (const CSeenWindow& seen : m_seen)
+    {
+        texts.push_back(seen.caption == kProduct ? seen.text : seen.caption);
+    }
+    return texts;
+}
+
+std::vector<std::string> OutlookFixture::StartCheckLog() const
+{
+    return Between(ReadLogTexts(), "CConnect::OnConnection() check for updates ",
+                   {"CConnect::GetCustomUI", "CConnect::OnStartupComplete", "CConnect::OnDisconnection"});
+}
+
+std::vector<std::string> OutlookFixture::ExplicitCheckLog() const
+{
+    return Between(ReadLogTexts(), "CheckForUpdateExplicit", {"CConnect::OnDisconnection"});
+}
+
+HWND OutlookFixture::MainWindow() const
+{
+    return WaitForWindow({.process = m_outlook->Id(), .className = kHostWindowClass});
+}
+
+std::vector<std::string> OutlookFixture::Trace() const
+{
+    static const std::regex time("^ *[0-9]+\\.[0-9]{3} ");
+    static const std::regex duration(", [0-9]+ ms");
+    std::vector<std::string> lines = SplitLines(ReadFileBytes(m_tracePath).value_or(""));
+    for (std::string& line : lines)
+    {
+        line = std::regex_replace(std::regex_replace(line, time, ""), duration, "");
+    }
+    return lines;
+}
+
+bool OutlookFixture::WaitForTrace(const std::string& part) const
+{
+    return WaitUntil([&] {
+        const std::vector<std::string> lines = Trace();
+        return !m_outlook->IsRunning() ||
+               std::any_of(lines.begin(), lines.end(),
+                           [&](const std::string& line) { return line.find(part) != std::string::npos; });
+    });
+}
+
+void OutlookFixture::OfferAndInstall(const std::string& link)
+{
+    Publish(NewerBuild(link));
+    m_user.OnDialog(kOfferCaption, [](HWND dialog) { EXPECT_TRUE(ClickButton(dialog, kInstallButton)); });
+}
+
+void OutlookFixture::ExpectDownloadDialog()
+{
+    m_user.OnDialogWith(kProgressBar, [](HWND) {});
+}
+
+std::vector<std::wstring> OutlookFixture::TempFiles() const
+{
+    static const std::wregex fresh(L"^osc[A-Za-z0-9_]{6}\\\\");
+    std::vector<std::wstring> paths = ListFolder(m_temp.Path());
+    for (std::wstring& path : paths)
+    {
+        path = std::regex_replace(path, fresh, L"osc??????\\");
+    }
+    return paths;
+}
+
+} // namespace orva::test

@@ -1,0 +1,111 @@
+// The whole product as its user has it: the built DLL, registered, in the stand-in Outlook, with the scripted
+// server as the user's proxy and the user on a second thread.
+#pragma once
+
+#include "harness/LogFile.h"
+#include "harness/LoopbackServer.h"
+#include "harness/ProcessRunner.h"
+#include "harness/ProxySetting.h"
+#include "harness/TempFolder.h"
+#include "harness/UserScript.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+/// An update-information file on one line, whose entry holds the three numbers, the link and a description.
+std::string UpdateInfo(const std::string& major, const std::string& minor, const std::string& build,
+                       const std::string& link);
+/// One that offers 1.3.0 at this link.
+std::string NewerBuild(const std::string& link);
+
+/// The log of a check up to the end of its request, as it has to be word for word.
+std::vector<std::string> RequestLog(const std::vector<std::string>& response, const std::string& text);
+/// A reply with this status whose body, of this length as sent, was read as this text.
+std::vector<std::string> TextLog(const std::string& text, int status = 200);
+/// A reply whose status is not one of those that are read.
+std::vector<std::string> StatusLog(int status);
+/// No reply: what WinINet said is the text.
+std::vector<std::string> NoReplyLog(const std::string& error);
+std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second);
+
+/// Registers the DLL once for a whole test program, and restores the registry at its end.
+class CInstalledAddIn : public testing::Environment
+{
+public:
+    void SetUp() override;
+    void TearDown() override;
+
+private:
+    std::vector<std::unique_ptr<CRegistryTreeGuard>> m_guards;
+};
+
+/// One test with one stand-in Outlook. The language is English, the log is on and empty, the temporary folder
+/// is fresh.
+class OutlookFixture : public testing::Test
+{
+protected:
+    OutlookFixture();
+    ~OutlookFixture() override;
+
+    /// Starts Outlook with further options of the stand-in; the steps added to m_user are played in it.
+    void StartOutlook(const std::vector<std::wstring>& options = {});
+    /// Starts it without its start-up check and with the add-in's Backstage tab open.
+    void StartWithBackstage();
+    /// Presses "Update" in the Backstage and waits until that has been dealt with.
+    void CheckExplicitly();
+    /// Waits until Outlook says that its start is over, and checks that the add-in was connected.
+    void WaitForStart();
+    /// Checks that the main window is enabled and nothing else is on the screen, that every step of the user
+    /// has been taken, then closes Outlook in an orderly way and checks that the add-in was let go.
+    void ExpectOutlookGoesOn();
+    /// All of it, for a test of the start-up check.
+    void RunToTheEnd(const std::vector<std::wstring>& options = {});
+
+    /// The texts of the windows that came up, in order: a message box's text, another dialog's caption.
+    std::vector<std::wstring> Shown() const;
+    /// The log of the start-up check, without the lines around it.
+    std::vector<std::string> StartCheckLog() const;
+    /// The log of an explicit check after its entry line.
+    std::vector<std::string> ExplicitCheckLog() const;
+
+    HWND MainWindow() const;
+    /// The host's trace without times.
+    std::vector<std::string> Trace() const;
+    bool WaitForTrace(const std::string& part) const;
+
+    /// Publishes the file's text as the reply to the update check.
+    void Publish(const std::string& text) { m_server.On(kPublished, CHttpReply(200, text)); }
+    /// Publishes a newer build with this link, and has the user choose "Install".
+    void OfferAndInstall(const std::string& link);
+    /// Has the user look at the progress dialog and go on.
+    void ExpectDownloadDialog();
+    /// What there is in the temporary folder, the name of a fresh folder given as "osc??????".
+    std::vector<std::wstring> TempFiles() const;
+
+private:
+    static constexpr const char* kPublished = "/downloads/outlook/UpdateInfo.txt";
+
+    CDebugLogOn m_log;
+    std::vector<std::unique_ptr<CRegistryValue>> m_languages;
+    // Made before the private temporary folder, so that it lies outside.
+    CTempFolder m_folder;
+    std::wstring m_tracePath;
+    int m_starts = 0;
+
+protected:
+    CLoopbackServer m_server;
+    std::optional<CProxySetting> m_proxy;
+    CUserScript m_user;
+    std::vector<CSeenWindow> m_seen;
+    std::unique_ptr<CChildProcess> m_outlook;
+    CPrivateTemp m_temp;
+};
+
+} // namespace orva::test

@@ -1,0 +1,189 @@
+// The start-up check in Outlook: when it runs, what it asks for, what it offers and what becomes of the
+// user's choice.
+#include "end_to_end/OutlookFixture.h"
+#include "end_to_end/Texts.h"
+#include "harness/Files.h"
+#include "harness/Text.h"
+
+namespace orva::test
+{
+
+namespace
+{
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+class StartupCheckTest : public OutlookFixture
+{
+protected:
+    /// Waits for the installer's window, as its user, closes it and waits for its end.
+    void CloseInstaller()
+    {
+        const HWND window = WaitForWindow({.process = 0, .className = L"OrvaDemoInstaller"});
+        ASSERT_NE(window, nullptr);
+        const UniqueHandle process(OpenProcess(SYNCHRONIZE, FALSE, WindowProcess(window)));
+        PostMessageW(window, WM_CLOSE, 0, 0);
+        EXPECT_EQ(WaitForSingleObject(process.get(), kPatience), WAIT_OBJECT_0);
+    }
+};
+
+} // namespace
+
+TEST_F(StartupCheckTest, AsksForTheFileOnceWithItsTrailingQuestionMark)
+{
+    Publish(UpdateInfo("1", "2", "0", ""));
+    RunToTheEnd();
+    const std::vector<CHttpRecord> requests = m_server.Requests();
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].requestLine,
+              "GET http://" ORVA_WEB_HOST ":80/downloads/outlook/UpdateInfo.txt? HTTP/1.1");
+    EXPECT_EQ(requests[0].Header("Host"), ORVA_WEB_HOST);
+    EXPECT_EQ(requests[0].Header("Accept-Encoding"), "gzip");
+    EXPECT_EQ(requests[0].body, "");
+}
+
+TEST_F(StartupCheckTest, TheInstalledBuildIsTheLatestAndNothingIsShown)
+{
+    const std::string text = UpdateInfo("1", "2", "0", "");
+    Publish(text);
+    RunToTheEnd();
+    EXPECT_THAT(Shown(), IsEmpty());
+    EXPECT_THAT(StartCheckLog(),
+                ElementsAreArray(Joined(TextLog(text),
+                                        {"CheckForUpdate() parse json ", "CheckJSONObject", "CheckJSONObject",
+                                         "CheckForUpdate() majorVersion 1", "CheckForUpdate() minorVersion 2",
+                                         "CheckForUpdate() buildNumber 0"})));
+}
+
+TEST_F(StartupCheckTest, RunsAtOutlooksOwnStartOnly)
+{
+    Publish(NewerBuild(kInstallerUrl));
+    const std::pair<const wchar_t*, const char*> modes[] = {{L"after-startup", "ext_cm_AfterStartup"},
+                                                            {L"external", "ext_cm_External"},
+                                                            {L"command-line", "ext_cm_CommandLine"}};
+    for (const auto& [mode, logged] : modes)
+    {
+        StartOutlook({L"--mode", mode, L"--quit-after-startup"});
+        ASSERT_EQ(m_outlook->WaitForExit(), 0u);
+        m_user.Finish();
+        EXPECT_THAT(ReadLogTexts(), Contains(std::string("CConnect::OnConnection() ") + logged + " "));
+    }
+    EXPECT_THAT(ReadLogTexts(), Not(Contains("CheckForUpdate")));
+    EXPECT_THAT(m_server.Requests(), IsEmpty());
+}
+
+TEST_F(StartupCheckTest, OutlooksWindowIsDisabledWhileTheServerThinksAndEnabledAfterwards)
+{
+    CGate gate;
+    m_server.On(kUpdateInfoPath, CServerScript().WaitFor(gate).Send(CHttpReply(404).Bytes()));
+    StartOutlook();
+    ASSERT_TRUE(gate.WaitUntilReached());
+    EXPECT_FALSE(IsWindowEnabled(MainWindow()));
+    gate.Open();
+    WaitForStart();
+    ExpectOutlookGoesOn();
+}
+
+TEST_F(StartupCheckTest, OffersANewerBuildWithBothVersionsAndTheDescription)
+{
+    Publish(NewerBuild(kInstallerUrl));
+    bool isDisabled = false;
+    m_user.OnDialog(kOfferCaption, [&](HWND dialog) {
+        isDisabled = !IsWindowEnabled(MainWindow());
+        EXPECT_TRUE(ClickButton(dialog, kLaterButton));
+    });
+    RunToTheEnd();
+    ASSERT_EQ(m_seen.size(), 1u);
+    EXPECT_TRUE(isDisabled);
+    EXPECT_EQ(m_seen[0].Control(kAvailableText), L"Available version: 1.3.0");
+    EXPECT_EQ(m_seen[0].Control(kInstalledText), L"Installed version: 1.2.0");
+    EXPECT_EQ(m_seen[0].Control(kDescriptionText), L"Better than ever.");
+    EXPECT_EQ(m_seen[0].Control(kInstallButton), L"Install");
+    EXPECT_EQ(m_seen[0].Control(kLaterButton), L"Later");
+}
+
+TEST_F(StartupCheckTest, LaterDownloadsNothingAndIsOfferedAgainAtTheNextStart)
+{
+    Publish(NewerBuild(kInstallerUrl));
+    for (size_t start = 1; start <= 2; ++start)
+    {
+        m_user.OnDialog(kOfferCaption, [](HWND dialog) { EXPECT_TRUE(ClickButton(dialog, kLaterButton)); });
+        RunToTheEnd();
+        EXPECT_EQ(m_server.Requests().size(), start);
+    }
+    EXPECT_THAT(m_server.RequestsFor(kInstallerPath), IsEmpty());
+    EXPECT_THAT(TempFiles(), IsEmpty());
+}
+
+TEST_F(StartupCheckTest, InstallDownloadsAndStartsTheInstaller)
+{
+    const std::string installer = ReadFileBytes(BuiltFile(kInstaller)).value();
+    m_server.On(kInstallerPath,
+                CHttpReply(200, installer).Header("Content-Type", "application/octet-stream"));
+    OfferAndInstall(kInstallerUrl);
+    std::wstring source;
+    m_user.OnDialogWith(kProgressBar, [&](HWND dialog) {
+        source = WaitForChildText(dialog, kSourceText, L"setup.exe of files.orva.example");
+        EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download started"), L"Download started");
+        EXPECT_FALSE(IsWindowEnabled(MainWindow()));
+    });
+    RunToTheEnd();
+    CloseInstaller();
+
+    EXPECT_EQ(source, L"setup.exe of files.orva.example");
+    const std::vector<CHttpRecord> requests = m_server.RequestsFor(kInstallerPath);
+    ASSERT_EQ(requests.size(), 1u);
+    EXPECT_EQ(requests[0].method, "GET");
+    EXPECT_EQ(requests[0].authority, "files.orva.example:80");
+    EXPECT_EQ(requests[0].query, std::nullopt);
+    EXPECT_EQ(requests[0].Header("Accept"), "*/*");
+    EXPECT_EQ(requests[0].Header("Accept-Encoding"), "identity, *;q=0");
+    EXPECT_THAT(requests[0].headers,
+                Contains(std::pair<std::string, std::string>("User-Agent", "ORVA OSC Outlook Add-In")));
+
+    EXPECT_THAT(TempFiles(),
+                ElementsAre(L"osc??????\\", L"osc??????\\setup.exe", L"osc??????\\setup.exe.trace.txt"));
+    const std::wstring folder = m_temp.Path() + L"\\" + ListFolder(m_temp.Path()).at(0);
+    EXPECT_TRUE(ReadFileBytes(folder + L"setup.exe") == installer);
+    const std::vector<std::string> log = ReadLogTexts();
+    EXPECT_THAT(log, Contains("StartDownloadDialog"));
+    EXPECT_THAT(log, Contains("StartDownloadDialog() target path " + Utf8(folder) + "setup.exe"));
+}
+
+TEST_F(StartupCheckTest, CancelDuringTheDownloadLeavesNothingAndSaysHowToTryAgain)
+{
+    CGate gate;
+    const CHttpReply reply(200, std::string(100'000, 'x'));
+    m_server.On(kInstallerPath, CServerScript().Send(reply.Bytes().substr(0, 50'000)).WaitFor(gate).Stall());
+    OfferAndInstall(kInstallerUrl);
+    m_user.OnDialogWith(kProgressBar, [&](HWND dialog) {
+        EXPECT_TRUE(gate.WaitUntilReached());
+        EXPECT_TRUE(ClickButton(dialog, IDCANCEL));
+        EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download canceled"), L"Download canceled");
+        EXPECT_FALSE(IsWindowEnabled(ChildById(dialog, IDCANCEL)));
+    });
+    m_user.AnswerBox(kDownloadFailed);
+    RunToTheEnd();
+    EXPECT_THAT(TempFiles(), ElementsAre(L"osc??????\\"));
+}
+
+TEST_F(StartupCheckTest, TwoDownloadsUseTwoFolders)
+{
+    m_server.On(kInstallerPath, CHttpReply(404));
+    for (int start = 0; start < 2; ++start)
+    {
+        OfferAndInstall(kInstallerUrl);
+        ExpectDownloadDialog();
+        m_user.AnswerBox(kConnectError).AnswerBox(kDownloadFailed);
+        RunToTheEnd();
+    }
+    EXPECT_THAT(TempFiles(), ElementsAre(L"osc??????\\", L"osc??????\\"));
+    EXPECT_NE(ListFolder(m_temp.Path())[0], ListFolder(m_temp.Path())[1]);
+}
+
+} // namespace orva::test
