@@ -71,7 +71,8 @@ void CMainWindow::OpenFileView()
     if (m_fileButton == nullptr || m_fileView)
         return;
     m_trace.Event(L"File view opened");
-    m_fileView = std::make_unique<CFileView>(m_trace, m_window, m_tabs, m_notes, m_context.Get());
+    m_fileView =
+        std::make_unique<CFileView>(m_trace, m_window, kTabStripHeight, m_tabs, m_notes, m_context.Get());
 }
 
 void CMainWindow::PostStart()
@@ -188,7 +189,10 @@ void CMainWindow::OnCommand(unsigned id)
 {
     if (id == static_cast<unsigned>(kFileButton))
     {
-        OpenFileView();
+        if (m_fileView)
+            PostMessageW(m_window, kFileViewClosed, 0, 0);
+        else
+            OpenFileView();
         return;
     }
     CCommandBarButton* button = m_bar.Controls().FindButton(id);

@@ -22,7 +22,7 @@ constexpr int kFileButton = 600;
 constexpr int kInfoButton = 700;
 constexpr int kBackButton = 701;
 constexpr int kTabButton = 710;
-constexpr int kInfoNote = 990;
+constexpr int kInfoNote = 1001;
 // Ids of what the markup below declares, in its order: headings and helper texts count too.
 constexpr int kHeading = 1000;
 constexpr int kLogo = 1001;
@@ -177,9 +177,11 @@ TEST_F(FileViewTest, InfoAndTabPagesTakeTurns)
 {
     Start();
     Click(kInfoButton);
-    EXPECT_EQ(ControlText(kInfoNote), L"Account information of the stand-in Outlook.");
+    ASSERT_TRUE(WaitForTrace("Outlook: File view shows Info"));
+    EXPECT_EQ(ControlText(kInfoNote), L"This is the stand-in Outlook. It has no accounts.");
     EXPECT_EQ(ChildById(MainWindow(), kButton), nullptr);
     Click(kTabButton);
+    ASSERT_NE(Control(kLink), nullptr);
     EXPECT_EQ(ControlText(kButton), L"Go");
     EXPECT_EQ(CloseHost(), 0);
 }

@@ -1,0 +1,86 @@
+// One page of the File view: headings, texts, links, pictures and buttons in up to two columns.
+#pragma once
+
+#include "host/Painting.h"
+#include "host/RibbonMarkup.h"
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orva::host
+{
+
+/// Ids of a page's controls, in the order in which the page declares them; headings and helper texts count
+/// too.
+inline constexpr int kFirstPageItem = 1000;
+
+/// The controls are children of the view, so that Tab reaches them after the view's own; their window text is
+/// their label (a picture's: its id). They go with the page.
+class CFilePage
+{
+public:
+    using PictureLoader = std::function<CPicture(const RibbonItem&)>;
+
+    /// `loadPicture` is asked once for each control that has a picture.
+    CFilePage(HWND view, const RibbonTab& tab, const PictureLoader& loadPicture);
+    ~CFilePage();
+    CFilePage(const CFilePage&) = delete;
+    CFilePage& operator=(const CFilePage&) = delete;
+
+    void Layout(const RECT& area) const;
+    void Paint(HDC dc, const RECT& area) const;
+    /// For the view's WM_DRAWITEM and WM_CTLCOLORSTATIC.
+    void DrawItem(const DRAWITEMSTRUCT& draw) const;
+    LRESULT StaticColour(HDC dc, HWND control) const;
+    /// The control with this id; null when the page has none or it is a heading.
+    const RibbonItem* FindItem(int id) const;
+
+private:
+    enum class Role
+    {
+        Heading,
+        Helper,
+        Item
+    };
+    struct Piece
+    {
+        HWND window = nullptr;
+        Role role = Role::Item;
+        RibbonItem item;
+        CPicture picture;
+    };
+    /// Indices into m_pieces; -1 for none.
+    struct GroupPieces
+    {
+        int heading = -1;
+        int helper = -1;
+        int primary = -1;
+        std::vector<int> rest;
+    };
+
+    GroupPieces MakeGroup(const RibbonGroup& group, const PictureLoader& loadPicture);
+    int MakeText(const std::wstring& text, Role role);
+    int MakeItem(const RibbonItem& item, const PictureLoader& loadPicture);
+    int Add(Piece piece);
+    void AddTip(HWND control, const std::wstring& text) const;
+    void LayoutColumn(const std::vector<GroupPieces>& groups, int x, int y, int width) const;
+    int LayoutGroup(const GroupPieces& group, int x, int y, int width) const;
+    int Place(int piece, int x, int y, int width) const;
+    SIZE ButtonSize(const Piece& piece) const;
+    HFONT FontOf(const Piece& piece) const;
+    void DrawButton(const DRAWITEMSTRUCT& draw, const Piece& piece) const;
+
+    HWND m_view;
+    HWND m_tips;
+    std::vector<Piece> m_pieces;
+    std::vector<GroupPieces> m_columns[2];
+    CFont m_textFont;
+    CFont m_headingFont;
+    CFont m_linkFont;
+    HBRUSH m_white;
+};
+
+} // namespace orva::host
