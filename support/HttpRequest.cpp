@@ -4,6 +4,7 @@
 #include "support/ComUtilities.h"
 #include "support/DebugLog.h"
 #include "support/GzipDecoder.h"
+#include "support/RedirectLimit.h"
 #include "support/TextUtilities.h"
 #include "support/TimeUtilities.h"
 #include "support/UrlCracker.h"
@@ -183,6 +184,7 @@ std::unique_ptr<CHttpResponse> CHttpRequest::PerformRequest(std::string url, Par
 {
     // A session that cannot be opened is the caller's concern: nothing has been asked of the network yet.
     CInternetSession session(nullptr, kContext, PRE_CONFIG_INTERNET_ACCESS, nullptr, nullptr, 0);
+    const CRedirectLimit redirectLimit(session);
 
     auto response = std::make_unique<CHttpResponse>();
     CrackedUrl parts;

@@ -1,0 +1,200 @@
+// What the HTTP client makes of servers, networks and URLs that fail it.
+#include "support/HttpFixture.h"
+
+#include "support/RedirectLimit.h"
+
+#include <stdexcept>
+
+namespace
+{
+
+using namespace orva::test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class HttpFaults : public HttpFixture
+{
+protected:
+    static void ExpectFailure(const Fetched& fetched, const std::string& reason)
+    {
+        EXPECT_EQ(fetched.text, L"");
+        EXPECT_EQ(fetched.status, 4294967295U);
+        EXPECT_EQ(fetched.date.tm_year, 0);
+        EXPECT_EQ(fetched.lines, FailureLines(reason));
+    }
+
+    static void ExpectInternetError(const Fetched& fetched, DWORD error)
+    {
+        ASSERT_NE(InternetErrorText(error), "");
+        ExpectFailure(fetched, "Caught CInternetException " + InternetErrorText(error));
+    }
+
+    /// The exception's text; the lines written until then are left in `lines`.
+    std::string OutOfRange(CServerScript script, std::vector<std::string>& lines)
+    {
+        const CDebugOutput output;
+        try
+        {
+            m_server.OnNext("/file", std::move(script));
+            CHttpRequest::PerformTextRequest(m_server.Url("/file"), {}, kGet);
+        }
+        catch (const std::out_of_range& error)
+        {
+            lines = output.Lines();
+            return error.what();
+        }
+        return "no error";
+    }
+};
+
+constexpr char kCouldNotParse[] = "Caught exception Could not parse url";
+constexpr char kTooShort[] = "invalid vector<T> subscript";
+
+} // namespace
+
+TEST_F(HttpFaults, AUrlThatCannotBeCrackedFails)
+{
+    for (const char* url : {"", "x", "www.orva.example/a", "/a"})
+        ExpectFailure(FetchUrl(url), kCouldNotParse);
+}
+
+TEST_F(HttpFaults, AHostOrPathThatIsTooLongFails)
+{
+    ExpectFailure(FetchUrl("http://" + std::string(256, 'h') + "/"), kCouldNotParse);
+    ExpectFailure(FetchUrl(m_server.Url("/" + std::string(255, 'p'))), kCouldNotParse);
+    EXPECT_THAT(m_server.Requests(), IsEmpty());
+}
+
+TEST_F(HttpFaults, TheLongestPathIsAskedFor)
+{
+    const std::string path = "/" + std::string(253, 'p');
+    m_server.On(path, CHttpReply(200, "{}"));
+    EXPECT_EQ(FetchUrl(m_server.Url(path)).text, L"{}");
+}
+
+TEST_F(HttpFaults, TheShortestFormWritesItsEntriesBeforeTheFailure)
+{
+    const CDebugOutput output;
+    EXPECT_EQ(CHttpRequest::PerformTextRequest("x", {}, kGet), L"");
+    EXPECT_THAT(output.Lines(),
+                ElementsAre("CHttpRequest::PerformTextRequest", "CHttpRequest::PerformTextRequest",
+                            "CHttpRequest::PerformTextRequest",
+                            "CHttpRequest::PerformRequest() Caught exception Could not parse url",
+                            "CHttpRequest::PerformTextRequest() response content lenght 0",
+                            "CHttpRequest::PerformTextRequest() response httpStatus -1",
+                            "CHttpRequest::PerformTextRequest() newContentLenght 0",
+                            "CHttpRequest::PerformTextRequest() num_chars 0",
+                            "CHttpRequest::PerformTextRequest() delete resp ",
+                            "CHttpRequest::PerformTextRequest() deleted resp "));
+}
+
+TEST_F(HttpFaults, ARefusedConnectionFails)
+{
+    const CRefusingPort port;
+    ExpectInternetError(FetchUrl("http://127.0.0.1:" + std::to_string(port.Port()) + "/"),
+                        ERROR_INTERNET_CANNOT_CONNECT);
+}
+
+TEST_F(HttpFaults, AServerThatHasGoneDownFails)
+{
+    m_server.On("/a", CHttpReply(200, "{}"));
+    const std::string url = m_server.Url("/a");
+    EXPECT_EQ(FetchUrl(url).text, L"{}");
+    m_server.Refuse();
+    ExpectInternetError(FetchUrl(url), ERROR_INTERNET_CANNOT_CONNECT);
+}
+
+TEST_F(HttpFaults, AHostNameThatCannotBeResolvedFails)
+{
+    // No name server has to be asked for a name with an empty part.
+    ExpectInternetError(FetchUrl("http://no..name/a"), ERROR_INTERNET_NAME_NOT_RESOLVED);
+}
+
+TEST_F(HttpFaults, AResetConnectionFails)
+{
+    ExpectInternetError(Fetch(CServerScript().Reset()), ERROR_INTERNET_CONNECTION_ABORTED);
+}
+
+TEST_F(HttpFaults, AServerThatRedirectsToItselfForEverFails)
+{
+    m_server.On("/loop", CHttpReply(301).Header("Location", m_server.Url("/loop")));
+    const Fetched fetched = FetchUrl(m_server.Url("/loop"));
+    EXPECT_EQ(fetched.text, L"");
+    EXPECT_EQ(fetched.status, 4294967295U);
+    ASSERT_EQ(fetched.lines.size(), 8U);
+    EXPECT_THAT(fetched.lines[1],
+                testing::StartsWith("CHttpRequest::PerformRequest() Caught CInternetException "));
+}
+
+TEST_F(HttpFaults, ARedirectionLimitIsForOneRequestOnly)
+{
+    m_server.On("/loop", CHttpReply(301).Header("Location", m_server.Url("/loop")));
+    m_server.On("/old", CHttpReply(301).Header("Location", m_server.Url("/new")));
+    m_server.On("/new", CServerScript().Pause(100).Send(CHttpReply(200, "{}").Bytes()).Close());
+    FetchUrl(m_server.Url("/loop"));
+    EXPECT_EQ(FetchUrl(m_server.Url("/old")).text, L"{}");
+}
+
+TEST_F(HttpFaults, AChainOfRedirectionsWithinTheLimitIsFollowed)
+{
+    for (int i = 0; i < 5; ++i)
+        m_server.On("/" + std::to_string(i),
+                    CHttpReply(302).Header("Location", m_server.Url("/" + std::to_string(i + 1))));
+    m_server.On("/5", CHttpReply(200, "{}"));
+    EXPECT_EQ(FetchUrl(m_server.Url("/0")).text, L"{}");
+}
+
+TEST_F(HttpFaults, ARedirectionToNowhereFails)
+{
+    const CRefusingPort port;
+    ExpectInternetError(
+        Fetch(CHttpReply(302).Header("Location", "http://127.0.0.1:" + std::to_string(port.Port()) + "/")),
+        ERROR_INTERNET_CANNOT_CONNECT);
+}
+
+TEST_F(HttpFaults, AMissingDateIsOutOfRangeAndReachesTheCaller)
+{
+    std::vector<std::string> lines;
+    EXPECT_EQ(OutOfRange(CHttpReply(200, "{}").WithoutDate(), lines), kTooShort);
+    EXPECT_THAT(lines, ElementsAre("CHttpRequest::PerformTextRequest", "CHttpRequest::PerformTextRequest",
+                                   "CHttpRequest::PerformTextRequest"));
+    EXPECT_EQ(OutOfRange(CHttpReply(404).WithoutDate(), lines), kTooShort);
+}
+
+TEST_F(HttpFaults, ADateOfFewerThanSevenPartsIsOutOfRange)
+{
+    std::vector<std::string> lines;
+    EXPECT_EQ(OutOfRange(CHttpReply(200, "{}").Header("Date", "Sunday, 06-Nov-94 08:49:37 GMT"), lines),
+              kTooShort);
+    EXPECT_EQ(OutOfRange(CHttpReply(200, "{}").Header("Date", "now"), lines), kTooShort);
+}
+
+TEST_F(HttpFaults, AServerThatClosesWithoutAResponseHasNoDate)
+{
+    std::vector<std::string> lines;
+    EXPECT_EQ(OutOfRange(CServerScript().Close(), lines), kTooShort);
+    EXPECT_EQ(OutOfRange(CServerScript().Send("garbage\r\n\r\n").Close(), lines), kTooShort);
+}
+
+TEST_F(HttpFaults, AnExceptionLeavesNoConnectionOpen)
+{
+    std::vector<std::string> lines;
+    const std::string head = CHttpReply(200).WithoutDate().ContentLength(1'000).Head();
+    EXPECT_EQ(OutOfRange(CServerScript().Send(head).Stall(), lines), kTooShort);
+    EXPECT_TRUE(m_server.WaitUntilIdle());
+}
+
+// How much of a body must have come is the system's affair: whatever it delivers without an error is used.
+TEST_F(HttpFaults, ABodyThatStopsHalfWayGivesWhatHasCome)
+{
+    const Fetched fetched = Fetch(CHttpReply(200, "{\"a\":1").ContentLength(1'000));
+    EXPECT_EQ(fetched.text, L"{\"a\":1");
+    EXPECT_EQ(fetched.status, 200U);
+}
+
+TEST_F(HttpFaults, AContentLengthThatIsTooSmallIsNoFailure)
+{
+    const Fetched fetched = Fetch(CHttpReply(200, "{\"a\":1}").ContentLength(3));
+    EXPECT_EQ(fetched.text.substr(0, 3), L"{\"a");
+    EXPECT_EQ(fetched.status, 200U);
+}

@@ -1,0 +1,291 @@
+// What the HTTP client sends: request line, headers, body, agent, and over which kind of connection.
+#include "support/HttpFixture.h"
+
+#include <winsock2.h>
+
+#include <afxwin.h>
+
+#include <oleauto.h>
+
+#include <stdexcept>
+#include <thread>
+
+namespace
+{
+
+using namespace orva::test;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class HttpRequest : public HttpFixture
+{
+protected:
+    HttpRequest() { m_server.OnOther(CHttpReply(200, "{}")); }
+
+    CHttpRecord Sent(const std::string& path, CHttpRequest::Parameters params, int verb)
+    {
+        CHttpRequest::PerformTextRequest(m_server.Url(path), std::move(params), verb);
+        return m_server.Requests().back();
+    }
+};
+
+/// Takes connections on loopback, notes the first byte that comes over each, and closes it. A client may try
+/// more than once.
+class CFirstByte
+{
+public:
+    CFirstByte() : m_listener(socket(AF_INET, SOCK_STREAM, IPPROTO_TCP))
+    {
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        int length = sizeof(address);
+        bind(m_listener, reinterpret_cast<sockaddr*>(&address), length);
+        listen(m_listener, 1);
+        getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &length);
+        m_port = ntohs(address.sin_port);
+        m_thread = std::thread([this] {
+            for (SOCKET client; (client = accept(m_listener, nullptr, nullptr)) != INVALID_SOCKET;)
+            {
+                char byte = 0;
+                m_bytes += recv(client, &byte, 1, 0) == 1 ? byte : '?';
+                closesocket(client);
+            }
+        });
+    }
+
+    /// The first bytes of the connections so far. No further ones are taken.
+    std::string Stop()
+    {
+        closesocket(m_listener);
+        m_thread.join();
+        return m_bytes;
+    }
+
+    std::string Authority() const { return "127.0.0.1:" + std::to_string(m_port); }
+
+private:
+    SOCKET m_listener;
+    int m_port = 0;
+    std::string m_bytes;
+    std::thread m_thread;
+};
+
+} // namespace
+
+TEST_F(HttpRequest, AsksForThePathWithAQuestionMarkEvenWithoutParameters)
+{
+    const CHttpRecord sent = Sent("/downloads/outlook/UpdateInfo.txt", {}, kGet);
+    EXPECT_EQ(sent.requestLine, "GET /downloads/outlook/UpdateInfo.txt? HTTP/1.1");
+    EXPECT_EQ(sent.body, "");
+    EXPECT_EQ(sent.Header("Host"), "127.0.0.1:" + std::to_string(m_server.Port()));
+}
+
+TEST_F(HttpRequest, AsksForGzipWithAnEmptyUserAgent)
+{
+    const CHttpRecord sent = Sent("/a", {}, kGet);
+    EXPECT_EQ(sent.Header("Accept-Encoding"), "gzip");
+    EXPECT_EQ(sent.Header("User-Agent"), "");
+    EXPECT_EQ(sent.Header("Referer"), std::nullopt);
+    EXPECT_EQ(sent.Header("Content-Type"), std::nullopt);
+}
+
+TEST_F(HttpRequest, AppendsParametersInTheOrderOfTheirKeysWithoutEncoding)
+{
+    EXPECT_EQ(Sent("/a", {{"b", "2"}, {"a", "1"}}, kGet).target, "/a?a=1&b=2");
+    EXPECT_EQ(Sent("/a", {{"key", "x=y&z;/?:@+%41"}}, kGet).target, "/a?key=x=y&z;/?:@+%41");
+    EXPECT_EQ(Sent("/a", {{"", ""}}, kGet).target, "/a?=");
+}
+
+TEST_F(HttpRequest, AQueryOfTheUrlIsFollowedByAnotherQuestionMark)
+{
+    EXPECT_EQ(Sent("/a?b=c", {{"d", "e"}}, kGet).target, "/a?b=c?d=e");
+}
+
+TEST_F(HttpRequest, AUrlWithoutPathAsksForTheRoot)
+{
+    EXPECT_EQ(Sent("", {}, kGet).target, "/?");
+}
+
+TEST_F(HttpRequest, PostSendsTheParametersTwiceAndHalfOfTheBodysUtf16Form)
+{
+    const CHttpRecord sent = Sent("/a", {{"b", "22"}, {"a", "1"}}, kPost);
+    EXPECT_EQ(sent.requestLine, "POST /a?a=1&b=22 HTTP/1.1");
+    EXPECT_EQ(sent.Header("Content-Type"), "application/x-www-form-urlencoded");
+    EXPECT_EQ(sent.Header("Content-Length"), "8");
+    EXPECT_EQ(sent.body, std::string("a\0=\0"
+                                     "1\0&\0",
+                                     8));
+    EXPECT_EQ(sent.Header("Accept-Encoding"), "gzip");
+}
+
+TEST_F(HttpRequest, PostWidensItsBodyWithTheCodePage)
+{
+    const CHttpRecord sent = Sent("/a", {{"a", "\x80\xE4"}}, kPost);
+    EXPECT_EQ(sent.body, std::string("a\0=\0", 4));
+    // 80 is U+20AC in code page 1252.
+    EXPECT_EQ(Sent("/a", {{"\x80", "\xE4"}}, kPost).body, std::string("\xAC\x20=", 3));
+}
+
+TEST_F(HttpRequest, PostWithoutParametersHasAnEmptyBody)
+{
+    const CHttpRecord sent = Sent("/a", {}, kPost);
+    EXPECT_EQ(sent.requestLine, "POST /a? HTTP/1.1");
+    EXPECT_EQ(sent.Header("Content-Length"), "0");
+    EXPECT_EQ(sent.body, "");
+}
+
+TEST_F(HttpRequest, DeleteHasNoBody)
+{
+    const CHttpRecord sent = Sent("/a", {{"b", "2"}}, kDelete);
+    EXPECT_EQ(sent.requestLine, "DELETE /a?b=2 HTTP/1.1");
+    EXPECT_EQ(sent.Header("Content-Type"), std::nullopt);
+    EXPECT_EQ(sent.body, "");
+}
+
+TEST_F(HttpRequest, OtherVerbsSendNothing)
+{
+    for (const int verb : {2, 3, 4, 6})
+    {
+        try
+        {
+            CHttpRequest::PerformRequest(m_server.Url("/a"), {}, verb);
+        }
+        catch (const std::out_of_range&)
+        {
+            // Without a response there is no date.
+        }
+    }
+    EXPECT_THAT(m_server.Requests(), IsEmpty());
+}
+
+TEST_F(HttpRequest, HttpsBeginsWithATlsHandshake)
+{
+    CFirstByte listener;
+    const Fetched fetched = FetchUrl("https://" + listener.Authority() + "/a");
+    const std::string bytes = listener.Stop();
+    EXPECT_NE(bytes, "");
+    EXPECT_EQ(bytes, std::string(bytes.size(), '\x16'));
+    EXPECT_EQ(fetched.text, L"");
+    EXPECT_EQ(fetched.status, 4294967295U);
+    ASSERT_EQ(fetched.lines.size(), 8U);
+    EXPECT_THAT(fetched.lines[1],
+                testing::StartsWith("CHttpRequest::PerformRequest() Caught CInternetException "));
+}
+
+TEST_F(HttpRequest, HttpIsPlainText)
+{
+    CFirstByte listener;
+    try
+    {
+        FetchUrl("http://" + listener.Authority() + "/a");
+    }
+    catch (const std::out_of_range&)
+    {
+        // The connection ends without a response, so there may be no date.
+    }
+    EXPECT_EQ(listener.Stop().substr(0, 1), "G");
+}
+
+TEST_F(HttpRequest, FollowsARedirection)
+{
+    m_server.On("/old", CHttpReply(302).Header("Location", m_server.Url("/new")));
+    m_server.On("/new", CHttpReply(200, "{\"a\":1}"));
+    EXPECT_EQ(FetchUrl(m_server.Url("/old")).text, L"{\"a\":1}");
+}
+
+TEST_F(HttpRequest, EveryCallAsksTheServerAgain)
+{
+    m_server.On("/a", CHttpReply(200, "{}").Header("Cache-Control", "max-age=3600").KeepAlive());
+    Sent("/a", {}, kGet);
+    Sent("/a", {}, kGet);
+    EXPECT_EQ(m_server.RequestsFor("/a").size(), 2U);
+}
+
+TEST_F(HttpRequest, TheAgentIsTheApplicationNameUntilATextOrBinaryRequestClearsIt)
+{
+    const LPCWSTR before = AfxGetModuleState()->m_lpszCurrentAppName;
+    AfxGetModuleState()->m_lpszCurrentAppName = L"Application";
+    CHttpRequest::PerformRequest(m_server.Url("/a"), {}, kGet);
+    EXPECT_EQ(m_server.Requests().back().Header("User-Agent"), "Application");
+
+    SAFEARRAY* bytes = nullptr;
+    CHttpRequest::PerformBinaryRequest(m_server.Url("/a"), {}, kGet, bytes);
+    SafeArrayDestroy(bytes);
+    EXPECT_EQ(m_server.Requests().back().Header("User-Agent"), "");
+    EXPECT_STREQ(AfxGetModuleState()->m_lpszCurrentAppName, L"");
+
+    AfxGetModuleState()->m_lpszCurrentAppName = L"Application";
+    EXPECT_EQ(Sent("/a", {}, kGet).Header("User-Agent"), "");
+    EXPECT_STREQ(AfxGetModuleState()->m_lpszCurrentAppName, L"");
+
+    CHttpRequest::PerformRequest(m_server.Url("/a"), {}, kGet);
+    EXPECT_EQ(m_server.Requests().back().Header("User-Agent"), "");
+    AfxGetModuleState()->m_lpszCurrentAppName = before;
+}
+
+TEST_F(HttpRequest, SetParameterStoresAndReplaces)
+{
+    CHttpRequest::Parameters params;
+    CHttpRequest::SetParameter(params, "b", "1");
+    CHttpRequest::SetParameter(params, "a", "2");
+    CHttpRequest::SetParameter(params, "b", "3");
+    EXPECT_THAT(params, ElementsAre(std::pair("a", "2"), std::pair("b", "3")));
+}
+
+TEST_F(HttpRequest, TheResponseHoldsBodyStatusTypeAndDate)
+{
+    m_server.On("/a",
+                CHttpReply(201, std::string("a\0b", 3)).Header("Content-Type", "text/plain; charset=utf-8"));
+    const CDebugOutput output;
+    const auto response = CHttpRequest::PerformRequest(m_server.Url("/a"), {}, kGet);
+    EXPECT_THAT(output.Lines(), IsEmpty());
+    ASSERT_NE(response->m_data, nullptr);
+    EXPECT_EQ(response->m_length, 3U);
+    EXPECT_EQ(std::string(response->m_data.get(), 4), std::string("a\0b\0", 4));
+    EXPECT_EQ(response->m_status, 201U);
+    EXPECT_EQ(response->m_contentType, "text/plain; charset=utf-8");
+    EXPECT_EQ(response->m_date.tm_year, 111);
+    EXPECT_EQ(response->m_date.tm_sec, 7);
+}
+
+TEST_F(HttpRequest, TheResponseOfAnotherStatusHoldsStatusAndDateOnly)
+{
+    m_server.On("/a", CHttpReply(404, "not found"));
+    const auto response = CHttpRequest::PerformRequest(m_server.Url("/a"), {}, kGet);
+    EXPECT_EQ(response->m_data, nullptr);
+    EXPECT_EQ(response->m_length, 0U);
+    EXPECT_EQ(response->m_status, 404U);
+    EXPECT_EQ(response->m_contentType, "");
+    EXPECT_EQ(response->m_date.tm_year, 111);
+}
+
+TEST_F(HttpRequest, ABinaryRequestGivesTheBytesAndWritesNothing)
+{
+    const std::string body("\0\xFF"
+                           "a",
+                           3);
+    m_server.On("/a", CHttpReply(200, body));
+    const CDebugOutput output;
+    SAFEARRAY* array = nullptr;
+    ASSERT_EQ(CHttpRequest::PerformBinaryRequest(m_server.Url("/a"), {}, kGet, array), S_OK);
+    EXPECT_THAT(output.Lines(), IsEmpty());
+
+    LONG upper = -1;
+    void* data = nullptr;
+    EXPECT_EQ(SafeArrayGetUBound(array, 1, &upper), S_OK);
+    ASSERT_EQ(upper, 2);
+    ASSERT_EQ(SafeArrayAccessData(array, &data), S_OK);
+    EXPECT_EQ(std::string(static_cast<const char*>(data), 3), body);
+    SafeArrayUnaccessData(array);
+    EXPECT_EQ(SafeArrayDestroy(array), S_OK);
+}
+
+TEST_F(HttpRequest, ABinaryRequestWithoutABodyFails)
+{
+    m_server.On("/a", CHttpReply(404, "not found"));
+    SAFEARRAY* array = nullptr;
+    EXPECT_EQ(CHttpRequest::PerformBinaryRequest(m_server.Url("/a"), {}, kGet, array), E_FAIL);
+    EXPECT_EQ(CHttpRequest::PerformBinaryRequest("no url", {}, kGet, array), E_FAIL);
+    EXPECT_EQ(array, nullptr);
+}
