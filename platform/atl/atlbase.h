@@ -15,6 +15,8 @@
 #include "platform/atl/atlcore.h"
 #include "platform/atl/atliface.h"
 
+#include <olectl.h>
+
 #include <string>
 
 namespace ATL
