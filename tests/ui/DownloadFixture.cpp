@@ -5,8 +5,33 @@
 #include "harness/Files.h"
 #include "ui/StartDownloadDialog.h"
 
+#include <algorithm>
+
 namespace orva::test
 {
+namespace
+{
+
+constexpr wchar_t kExtensionKey[] = L"Software\\Classes\\.orvatest";
+constexpr wchar_t kTypeKey[] = L"Software\\Classes\\OrvaTest.Installer";
+constexpr wchar_t kCommandKey[] = L"Software\\Classes\\OrvaTest.Installer\\shell\\runas\\command";
+constexpr wchar_t kMark[] = L".started";
+constexpr size_t kFolderNameLength = 9;
+
+} // namespace
+
+CInstallerType::CInstallerType()
+    : m_keptExtension(HKEY_LOCAL_MACHINE, kExtensionKey), m_keptType(HKEY_LOCAL_MACHINE, kTypeKey),
+      m_type(HKEY_LOCAL_MACHINE, kExtensionKey, L""), m_command(HKEY_LOCAL_MACHINE, kCommandKey, L"")
+{
+    m_type.SetString(L"OrvaTest.Installer");
+    m_command.SetString(std::wstring(L"cmd.exe /c copy /y nul \"%1") + kMark + L"\"");
+}
+
+void CDownloadTest::Serve(const CHttpReply& reply)
+{
+    m_server.On(kInstallerPath, CServerScript().WaitFor(m_seenGate).Send(reply.Bytes()));
+}
 
 void CDownloadTest::Download(const std::wstring& url, HWND owner)
 {
@@ -18,15 +43,30 @@ void CDownloadTest::Download(const std::wstring& url, HWND owner)
 
 CUserScript& CDownloadTest::OnDownloadDialog(std::function<void(HWND)> act)
 {
-    return m_user.OnDialogWith(kProgressBar, std::move(act));
+    return m_user.OnDialogWith(kProgressBar, [this, act = std::move(act)](HWND dialog) {
+        act(dialog);
+        m_seenGate.Open();
+    });
+}
+
+bool CDownloadTest::WaitForInstaller() const
+{
+    return WaitUntil([this] {
+        const auto paths = ListFolder(m_temp.Path());
+        return std::any_of(paths.begin(), paths.end(),
+                           [](const std::wstring& path) { return path.ends_with(kMark); });
+    });
 }
 
 std::vector<std::wstring> CDownloadTest::Left() const
 {
-    constexpr size_t kFolderNameLength = 9;
     std::vector<std::wstring> left;
     for (std::wstring path : ListFolder(m_temp.Path()))
     {
+        if (path.ends_with(kMark))
+        {
+            continue;
+        }
         if (path.starts_with(L"osc") && path.size() > kFolderNameLength)
         {
             path.replace(3, kFolderNameLength - 3, L"??????");

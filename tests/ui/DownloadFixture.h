@@ -26,31 +26,51 @@ inline constexpr int kProgressBar = 202;
 inline constexpr int kTimeLabel = 2789;
 inline constexpr int kRateLabel = 2790;
 
-inline constexpr char kInstallerPath[] = "/setup.bin";
+inline constexpr char kInstallerPath[] = "/setup.orvatest";
 inline constexpr wchar_t kConnectError[] = L"Error when connecting to the update server.";
 inline constexpr wchar_t kUpdateCanceled[] =
     L"Update download canceled.\nClick on the \"Update\" button to try and download the update again.";
 inline constexpr wchar_t kTemplateCaption[] = L"Lade Update herunter";
 
-/// Runs StartDownloadDialog against a loopback server, in English, with a temporary folder of its own. The
-/// installer's name has an extension that no program opens, so that starting it does nothing.
+/// A file type of the test's own, opened with the verb that the installer is started with. The command ends
+/// at once and leaves "NAME.started" beside the file, so that a test sees that it ran.
+class CInstallerType
+{
+public:
+    CInstallerType();
+
+private:
+    CRegistryTreeGuard m_keptExtension;
+    CRegistryTreeGuard m_keptType;
+    CRegistryValue m_type;
+    CRegistryValue m_command;
+};
+
+/// Runs StartDownloadDialog against a loopback server, in English, with a temporary folder of its own.
 class CDownloadTest : public ::testing::Test
 {
 protected:
+    /// Answers the installer's request, but not before the dialog has been seen: at its end the dialog sleeps
+    /// and would not answer who looks at it.
+    void Serve(const CHttpReply& reply);
     /// Runs the whole download of this link; the user's steps must have been added. `owner` may be null.
     void Download(const std::wstring& url, HWND owner = nullptr);
     /// The same for the installer's path on the server.
     void DownloadInstaller(HWND owner = nullptr) { Download(m_server.WideUrl(kInstallerPath), owner); }
-    /// The user watches the dialog on the second thread.
+    /// The user sees the dialog, does this on the second thread, and then the server goes on.
     CUserScript& OnDownloadDialog(std::function<void(HWND)> act = [](HWND) {});
-    /// Files and folders under the temporary folder, without the names that differ from run to run:
-    /// "osc?????? \ name".
+    /// Waits until the installer has been started and has ended.
+    bool WaitForInstaller() const;
+    /// Files and folders under the temporary folder, save the installer's mark, without the names that differ
+    /// from run to run: "osc??????\name".
     std::vector<std::wstring> Left() const;
 
     CLoopbackServer m_server;
     CNoProxy m_noProxy;
     COfficeLanguage m_language{1033};
+    CInstallerType m_installerType;
     CPrivateTemp m_temp;
+    CGate m_seenGate;
     CUserScript m_user;
     std::vector<CSeenWindow> m_seen;
 };

@@ -2,6 +2,7 @@
 // search for the host's window.
 #include "ui/LocalizedResources.h"
 
+#include "harness/ProcessRunner.h"
 #include "harness/Registry.h"
 #include "harness/Text.h"
 #include "harness/UserScript.h"
@@ -342,4 +343,16 @@ TEST_F(LocalizedResourcesTest, WithoutAVisibleTopLevelWindowNoneIsFound)
 {
     const CTestWindow hidden(WS_POPUP);
     EXPECT_EQ(m_resources.FindOwnProcessWindow(), nullptr);
+}
+
+TEST_F(LocalizedResourcesTest, AWindowOfAnotherProcessIsPassedOver)
+{
+    const CChildProcess other({.program = L"notepad.exe"});
+    const HWND theirs = WaitForWindow({.process = other.Id()});
+    ASSERT_NE(theirs, nullptr);
+    EXPECT_EQ(m_resources.FindOwnProcessWindow(), nullptr);
+
+    const CTestWindow own(WS_POPUP | WS_VISIBLE);
+    SetWindowPos(own.Handle(), theirs, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    EXPECT_EQ(m_resources.FindOwnProcessWindow(), own.Handle());
 }
