@@ -101,11 +101,14 @@ void CConnect::AddMenuButton(IDispatch* commandBars)
 {
     const CComPtr<IDispatch> control = AddControlToLastMenu(commandBars);
     CComVariant caption(GetLocalizedResources().LoadString(IDS_ABOUT_COMMAND).GetString());
-    if (FAILED(control->QueryInterface(__uuidof(Office::_CommandBarButton),
-                                       reinterpret_cast<void**>(&m_spMenuButton))))
+    CComPtr<IDispatch> button;
+    if (FAILED(
+            control->QueryInterface(__uuidof(Office::_CommandBarButton), reinterpret_cast<void**>(&button))))
     {
         AtlThrow(E_POINTER);
     }
+    // By assignment: a host that connects the object again has left a button here.
+    m_spMenuButton = button;
     wchar_t captionName[] = L"Caption";
     wchar_t enabledName[] = L"Enabled";
     PutDispatchProperty(m_spMenuButton, captionName, caption);

@@ -1,0 +1,159 @@
+// A host for the built DLL inside the test program: it loads, registers and creates the add-in, has a main
+// window, and sees the log, the requests and what the user saw.
+#pragma once
+
+#include "addin/FakeOutlook.h"
+#include "harness/LogFile.h"
+#include "harness/LoopbackServer.h"
+#include "harness/ProxySetting.h"
+#include "harness/UserScript.h"
+
+#include <gmock/gmock.h>
+
+#include <AddInDesignerObjects.h>
+#include <Office.h>
+#include <OrvaOscAddin.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+inline constexpr wchar_t kAddInModule[] = L"OrvaOscAddin.dll";
+inline constexpr wchar_t kAddInProgId[] = L"OrvaOscAddin.Connect.1";
+inline constexpr CLSID kAddInClass = {
+    0x9C7130EA, 0xAEC4, 0x4EA5, {0x97, 0xB8, 0x7D, 0x71, 0x72, 0xC9, 0xE0, 0x51}};
+/// The class's primary interface, which is in no type library.
+inline constexpr IID kConnectInterface = {
+    0x3C3B6E0B, 0x6A0F, 0x4C0B, {0x9C, 0x0E, 0x5D, 0x2D, 0x1F, 0x0B, 0x7A, 0x41}};
+
+inline constexpr char kUpdateInfoPath[] = "/downloads/outlook/UpdateInfo.txt";
+inline constexpr wchar_t kProduct[] = L"ORVA Connector";
+inline constexpr wchar_t kConnectError[] = L"Error when connecting to the update server.";
+inline constexpr wchar_t kLatest[] = L"You already have the latest version of the ORVA Connector. ";
+/// A file that publishes the installed version.
+inline constexpr char kSameVersion[] = R"({"x64":{"majorVersion":1,"minorVersion":2,"buildNumber":0}})";
+/// A control that only the About dialog has: its close button.
+inline constexpr int kAboutClose = 224;
+
+/// The loaded DLL and its exports. Throws std::runtime_error when it cannot be loaded.
+class CAddInModule
+{
+public:
+    /// The DLL of the build, or a copy of it.
+    CAddInModule();
+    explicit CAddInModule(const std::wstring& path);
+    ~CAddInModule();
+    CAddInModule(const CAddInModule&) = delete;
+    CAddInModule& operator=(const CAddInModule&) = delete;
+
+    HRESULT CanUnloadNow() const;
+    HRESULT GetClassObject(REFCLSID classId, REFIID iid, void** object) const;
+    HRESULT Register() const;
+    HRESULT Unregister() const;
+    HRESULT Install(BOOL install, const wchar_t* commandLine) const;
+
+    /// Whether the DLL is in this process, whoever loaded it.
+    static bool IsLoaded();
+
+private:
+    HMODULE m_module;
+};
+
+/// Everything that registration may write, for a test's lifetime, in both hives.
+class CRegistrationGuard
+{
+public:
+    CRegistrationGuard();
+    /// Removes it all.
+    void Remove();
+
+private:
+    std::vector<std::unique_ptr<CRegistryTreeGuard>> m_trees;
+};
+
+/// The host's type libraries, registered for the test's lifetime.
+class COfficeLibraries
+{
+public:
+    COfficeLibraries();
+    ~COfficeLibraries();
+    COfficeLibraries(const COfficeLibraries&) = delete;
+    COfficeLibraries& operator=(const COfficeLibraries&) = delete;
+
+private:
+    std::vector<std::unique_ptr<CRegistryTreeGuard>> m_trees;
+};
+
+/// The host's main window. It notes when it is enabled and disabled, and runs what it is sent.
+class CHostWindow
+{
+public:
+    CHostWindow();
+    ~CHostWindow();
+    CHostWindow(const CHostWindow&) = delete;
+    CHostWindow& operator=(const CHostWindow&) = delete;
+
+    HWND Handle() const { return m_window; }
+    /// true for each time it was enabled, false for each time it was disabled.
+    const std::vector<bool>& EnableHistory() const { return m_history; }
+    /// Runs `work` on the window's thread when that next looks at its messages. Callable from any thread.
+    void Post(std::function<void()> work);
+
+private:
+    static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM first, LPARAM second);
+
+    HWND m_window = nullptr;
+    std::vector<bool> m_history;
+};
+
+/// One test with one add-in object in one freshly loaded DLL. Office speaks English; the log is on; every
+/// request reaches the scripted server.
+class CAddInTest : public testing::Test
+{
+protected:
+    CAddInTest();
+    ~CAddInTest() override;
+
+    /// Makes the add-in's object through its class object.
+    void Create();
+    /// Makes it and connects it to m_outlook. Mode 0 unless told otherwise: no start-up check.
+    HRESULT Connect(const wchar_t* version, int mode = ext_cm_AfterStartup);
+    /// OnConnection on the object there is, with any application.
+    HRESULT ConnectTo(IDispatch* application, int mode);
+    /// Lets the object go, checks that the module can be unloaded, and unloads it.
+    void ReleaseAll();
+
+    template <typename Interface> Microsoft::WRL::ComPtr<Interface> Query(REFIID iid)
+    {
+        Microsoft::WRL::ComPtr<Interface> found;
+        EXPECT_EQ(m_object->QueryInterface(iid, reinterpret_cast<void**>(found.GetAddressOf())), S_OK);
+        return found;
+    }
+    Microsoft::WRL::ComPtr<_IDTExtensibility2> AddIn()
+    {
+        return Query<_IDTExtensibility2>(IID__IDTExtensibility2);
+    }
+    Microsoft::WRL::ComPtr<IDispatch> Dispatch() { return Query<IDispatch>(IID_IDispatch); }
+
+    /// The log's lines since the last call, or since the test began.
+    std::vector<std::string> NewLogLines();
+    void Publish(const std::string& text) { m_server.On(kUpdateInfoPath, CHttpReply(200, text)); }
+
+    CHostWindow m_host;
+    CLoopbackServer m_server;
+    CProxySetting m_proxy{m_server.Port()};
+    std::vector<std::unique_ptr<CRegistryValue>> m_languages;
+    CUserScript m_user;
+    std::unique_ptr<CFakeOutlook> m_outlook;
+    std::unique_ptr<CAddInModule> m_module;
+    Microsoft::WRL::ComPtr<IUnknown> m_object;
+
+private:
+    size_t m_logLines = 0;
+};
+
+} // namespace orva::test

@@ -1,0 +1,399 @@
+// The menu command of an Outlook without Backstage view: every call on the host's objects, argument by
+// argument, and the click that comes back.
+#include "addin/AddInFixture.h"
+
+#include <olectl.h>
+
+namespace orva::test
+{
+namespace
+{
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr wchar_t kOutlook2007[] = L"12.0.6423.1000";
+constexpr char kInsert[] = "CConnect::InsertMenuCommands";
+constexpr char kReturnHr[] = "CConnect::InsertMenuCommands() return hr ";
+constexpr LCID kUserDefault = 1024;
+constexpr LCID kSystemDefault = 2048;
+
+class MenuCommandTest : public CAddInTest
+{
+protected:
+    MenuCommandTest() { m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007); }
+
+    /// Connects to m_outlook and returns the lines that this wrote.
+    std::vector<std::string> Lines()
+    {
+        Create();
+        NewLogLines();
+        EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
+        return NewLogLines();
+    }
+
+    /// The first call of this member.
+    CMemberCall Call(const std::string& member)
+    {
+        for (const CMemberCall& call : m_outlook->record)
+        {
+            if (call.member == member)
+            {
+                return call;
+            }
+        }
+        ADD_FAILURE() << member << " was not called";
+        return {};
+    }
+
+    HRESULT Disconnect() { return AddIn()->OnDisconnection(ext_dm_HostShutdown, nullptr); }
+
+    void ExpectNoCommand()
+    {
+        EXPECT_EQ(m_outlook->button->Advises(), 0);
+        EXPECT_THAT(MemberNames(m_outlook->record), Not(Contains("button.Caption")));
+        EXPECT_EQ(Disconnect(), S_OK);
+        EXPECT_EQ(m_outlook->button->Unadvises(), 0);
+    }
+};
+
+TEST_F(MenuCommandTest, IsAddedToTheLastMenuInThisOrder)
+{
+    EXPECT_THAT(Lines(), Contains(kInsert).Times(1));
+    EXPECT_THAT(MemberNames(m_outlook->record),
+                ElementsAre("application.ActiveExplorer", "application.Version", "explorer.CommandBars",
+                            "commandBars.ActiveMenuBar", "menuBar.Controls", "menus.Count", "menus.Item",
+                            "helpMenu.Controls", "commands.Add", "button.Caption", "button.Enabled"));
+    EXPECT_EQ(m_outlook->button->Advises(), 1);
+    EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
+}
+
+TEST_F(MenuCommandTest, TheLastMenuIsAskedForByTheCountBecauseIndicesStartAtOne)
+{
+    m_outlook->menus->Give(L"Count", _variant_t(3L));
+    Lines();
+    const CMemberCall item = Call("menus.Item");
+    ASSERT_EQ(item.arguments.size(), 1u);
+    EXPECT_EQ(item.arguments[0].vt, VT_I4);
+    EXPECT_EQ(item.arguments[0].lVal, 3);
+}
+
+TEST_F(MenuCommandTest, AddGetsTypeThenThreeMissingThenTemporaryAsAShort)
+{
+    Lines();
+    const CMemberCall add = Call("commands.Add");
+    ASSERT_EQ(add.arguments.size(), 5u);
+    EXPECT_THAT(add.named, IsEmpty());
+    EXPECT_EQ(add.arguments[0].vt, VT_I4);
+    EXPECT_EQ(add.arguments[0].lVal, 1);
+    for (const size_t missing : {1, 2, 3})
+    {
+        EXPECT_EQ(add.arguments[missing].vt, VT_ERROR) << missing;
+        EXPECT_EQ(add.arguments[missing].scode, static_cast<SCODE>(0x80020004)) << missing;
+    }
+    EXPECT_EQ(add.arguments[4].vt, VT_I2);
+    EXPECT_EQ(add.arguments[4].iVal, -1);
+}
+
+TEST_F(MenuCommandTest, TheCaptionIsTheLocalizedTextAsABstr)
+{
+    Lines();
+    const CMemberCall caption = Call("button.Caption");
+    ASSERT_EQ(caption.arguments.size(), 1u);
+    EXPECT_EQ(caption.arguments[0].vt, VT_BSTR);
+    EXPECT_EQ(caption.text, L"About the ORVA Connector...");
+}
+
+TEST_F(MenuCommandTest, TheCaptionIsInOfficesLanguage)
+{
+    m_languages[0]->SetDword(1031);
+    Lines();
+    EXPECT_EQ(Call("button.Caption").text, L"\x00DC"
+                                           L"ber den ORVA Connector...");
+}
+
+TEST_F(MenuCommandTest, ALanguageWithoutTextsGivesAnEmptyCaption)
+{
+    m_languages[0]->SetDword(1036);
+    Lines();
+    const CMemberCall caption = Call("button.Caption");
+    ASSERT_EQ(caption.arguments.size(), 1u);
+    EXPECT_EQ(caption.arguments[0].vt, VT_BSTR);
+    EXPECT_EQ(caption.text, L"");
+}
+
+TEST_F(MenuCommandTest, EnabledIsABooleanWhoseLowByteAloneIsOne)
+{
+    Lines();
+    const CMemberCall enabled = Call("button.Enabled");
+    ASSERT_EQ(enabled.arguments.size(), 1u);
+    EXPECT_EQ(enabled.arguments[0].vt, VT_BOOL);
+    EXPECT_EQ(enabled.arguments[0].boolVal, 1);
+}
+
+TEST_F(MenuCommandTest, PropertiesAreLookedUpInTheUsersLocaleAndSetInTheSystems)
+{
+    Lines();
+    for (const char* const member : {"button.Caption", "button.Enabled"})
+    {
+        const CMemberCall put = Call(member);
+        EXPECT_EQ(put.nameLocale, kUserDefault) << member;
+        EXPECT_EQ(put.nameCount, 1u) << member;
+        EXPECT_EQ(put.callLocale, kSystemDefault) << member;
+        EXPECT_EQ(put.flags, DISPATCH_PROPERTYPUT) << member;
+        EXPECT_THAT(put.named, ElementsAre(DISPID_PROPERTYPUT)) << member;
+        EXPECT_FALSE(put.wantsResult) << member;
+        EXPECT_FALSE(put.wantsException) << member;
+        EXPECT_FALSE(put.wantsArgumentError) << member;
+    }
+}
+
+TEST_F(MenuCommandTest, ResultsOfSettingPropertiesDoNotMatter)
+{
+    m_outlook->button->Fail(L"Caption", E_ACCESSDENIED);
+    m_outlook->button->Forget(L"Enabled");
+    EXPECT_THAT(Lines(), Not(Contains(kReturnHr)));
+    EXPECT_THAT(MemberNames(m_outlook->record), Contains("button.Caption"));
+    EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
+}
+
+TEST_F(MenuCommandTest, FailingCommandBarsAreLoggedAndLeaveOutlookWithoutTheCommand)
+{
+    m_outlook->explorer->Fail(L"CommandBars", E_FAIL);
+    EXPECT_THAT(Lines(),
+                ElementsAre("CConnect::OnConnection", "CConnect::OnConnection() ext_cm_AfterStartup ",
+                            "CConnect::OnConnection() m_spExplorer is not NULL ", kInsert, kReturnHr));
+    ExpectNoCommand();
+}
+
+TEST_F(MenuCommandTest, AnExplorerWithoutCommandBarsIsTheSameFailure)
+{
+    m_outlook->explorer->Forget(L"CommandBars");
+    const std::vector<std::string> lines = Lines();
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.back(), kReturnHr);
+    ExpectNoCommand();
+}
+
+TEST_F(MenuCommandTest, AfterFailingCommandBarsTheStartUpCheckStillRuns)
+{
+    Publish(kSameVersion);
+    m_outlook->explorer->Fail(L"CommandBars", E_FAIL);
+    Create();
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_Startup), S_OK);
+    EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 1u);
+}
+
+/// A way in which the host's objects do not lead to a new control.
+struct MissingCase
+{
+    const char* name;
+    std::function<void(CFakeOutlook&)> change;
+};
+
+void PrintTo(const MissingCase& missing, std::ostream* out)
+{
+    *out << missing.name;
+}
+
+class MenuCommandMissingTest : public MenuCommandTest, public testing::WithParamInterface<MissingCase>
+{
+};
+
+TEST_P(MenuCommandMissingTest, OutlookGoesOnWithoutTheCommandAndTheCheckRuns)
+{
+    Publish(kSameVersion);
+    GetParam().change(*m_outlook);
+    Create();
+    NewLogLines();
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_Startup), S_OK);
+    const std::vector<std::string> lines = NewLogLines();
+    EXPECT_THAT(lines, Contains(kInsert));
+    EXPECT_THAT(lines, Not(Contains(kReturnHr)));
+    EXPECT_THAT(lines, Not(Contains(testing::HasSubstr("Caught exception"))));
+    EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 1u);
+    ExpectNoCommand();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Objects, MenuCommandMissingTest,
+    testing::Values(
+        MissingCase{"null command bars",
+                    [](CFakeOutlook& outlook) { outlook.explorer->GiveObject(L"CommandBars", nullptr); }},
+        MissingCase{
+            "no menu bar",
+            [](CFakeOutlook& outlook) { outlook.commandBars->GiveObject(L"ActiveMenuBar", nullptr); }},
+        MissingCase{"failing menu bar",
+                    [](CFakeOutlook& outlook) { outlook.commandBars->Fail(L"ActiveMenuBar", E_FAIL); }},
+        MissingCase{"no controls",
+                    [](CFakeOutlook& outlook) { outlook.menuBar->GiveObject(L"Controls", nullptr); }},
+        MissingCase{"empty menu bar",
+                    [](CFakeOutlook& outlook) {
+                        outlook.menus->Give(L"Count", _variant_t(0L));
+                        outlook.menus->Fail(L"Item", E_INVALIDARG);
+                    }},
+        MissingCase{"empty menu bar that gives null",
+                    [](CFakeOutlook& outlook) {
+                        outlook.menus->Give(L"Count", _variant_t(0L));
+                        outlook.menus->GiveObject(L"Item", nullptr);
+                    }},
+        MissingCase{"count that is no number",
+                    [](CFakeOutlook& outlook) { outlook.menus->Give(L"Count", _variant_t(L"many")); }},
+        MissingCase{"failing count", [](CFakeOutlook& outlook) { outlook.menus->Fail(L"Count", E_FAIL); }},
+        MissingCase{"last control that is a button",
+                    [](CFakeOutlook& outlook) {
+                        outlook.menus->GiveObject(L"Item", static_cast<CFakeObject*>(outlook.button.Get()));
+                    }},
+        MissingCase{"menu without controls",
+                    [](CFakeOutlook& outlook) { outlook.helpMenu->GiveObject(L"Controls", nullptr); }},
+        MissingCase{"refused control",
+                    [](CFakeOutlook& outlook) { outlook.commands->Fail(L"Add", E_ACCESSDENIED); }},
+        MissingCase{"null control",
+                    [](CFakeOutlook& outlook) { outlook.commands->GiveObject(L"Add", nullptr); }},
+        MissingCase{"new control that is no button", [](CFakeOutlook& outlook) {
+                        outlook.commands->GiveObject(L"Add", outlook.helpMenu.Get());
+                    }}));
+
+TEST_F(MenuCommandTest, ARefusedSubscriptionIsAbsorbedAndTheCommandStays)
+{
+    m_outlook->button->FailAdvise(CONNECT_E_ADVISELIMIT);
+    Lines();
+    EXPECT_THAT(MemberNames(m_outlook->record), Contains("button.Enabled"));
+    EXPECT_EQ(m_outlook->button->Advises(), 1);
+    // There is a button, and nothing to end.
+    EXPECT_EQ(Disconnect(), CONNECT_E_NOCONNECTION);
+}
+
+TEST_F(MenuCommandTest, DisconnectingEndsTheSubscriptionAndNeitherDeletesNorChangesTheButton)
+{
+    Lines();
+    m_outlook->record.clear();
+    EXPECT_EQ(Disconnect(), S_OK);
+    EXPECT_THAT(m_outlook->record, IsEmpty());
+    EXPECT_EQ(m_outlook->button->Unadvises(), 1);
+    EXPECT_THAT(m_outlook->button->Sinks(), IsEmpty());
+    EXPECT_EQ(m_outlook->button->Click(), std::nullopt);
+}
+
+TEST_F(MenuCommandTest, AFailingEndOfTheSubscriptionIsPassedOn)
+{
+    Lines();
+    m_outlook->button->FailUnadvise(E_ACCESSDENIED);
+    EXPECT_EQ(Disconnect(), E_ACCESSDENIED);
+}
+
+TEST_F(MenuCommandTest, DisconnectingASecondTimeSaysThatThereIsNoSubscription)
+{
+    Lines();
+    EXPECT_EQ(Disconnect(), S_OK);
+    EXPECT_EQ(Disconnect(), CONNECT_E_NOCONNECTION);
+}
+
+TEST_F(MenuCommandTest, ASecondConnectionOfTheObjectDoesNotSubscribeTwice)
+{
+    Lines();
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
+    EXPECT_EQ(m_outlook->button->Advises(), 1);
+    EXPECT_EQ(Disconnect(), S_OK);
+    EXPECT_THAT(m_outlook->button->Sinks(), IsEmpty());
+}
+
+TEST_F(MenuCommandTest, ASecondConnectionKeepsOneReferenceToTheButton)
+{
+    const LONG before = m_outlook->button->References();
+    Lines();
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
+    EXPECT_EQ(Disconnect(), S_OK);
+    EXPECT_EQ(m_outlook->button->References(), before + 1);
+    ReleaseAll();
+    EXPECT_EQ(m_outlook->button->References(), before);
+}
+
+TEST_F(MenuCommandTest, ReconnectingToOutlook2010ForgetsTheButton)
+{
+    const LONG before = m_outlook->button->References();
+    Lines();
+    m_outlook->button->DropSinks();
+    m_outlook->application->Give(L"Version", _variant_t(L"14.0.4760.1000"));
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
+    EXPECT_EQ(m_outlook->button->References(), before);
+    EXPECT_EQ(Disconnect(), S_OK);
+    EXPECT_EQ(m_outlook->button->Unadvises(), 0);
+}
+
+TEST_F(MenuCommandTest, AClickShowsAboutOwnedByTheHostWindowAndLeavesCancelDefaultAlone)
+{
+    Lines();
+    m_user.OnDialogWith(kAboutClose, [](HWND dialog) { ClickButton(dialog, kAboutClose); });
+    m_user.Start();
+    EXPECT_TRUE(m_outlook->button->Click().has_value());
+    const std::vector<CSeenWindow> seen = m_user.Finish();
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(seen[0].caption, kProduct);
+    EXPECT_EQ(seen[0].owner, m_host.Handle());
+    EXPECT_FALSE(seen[0].ownerEnabled);
+    EXPECT_TRUE(IsWindowEnabled(m_host.Handle()));
+    EXPECT_EQ(m_outlook->button->CancelDefault(), VARIANT_FALSE);
+    EXPECT_EQ(Disconnect(), S_OK);
+}
+
+TEST_F(MenuCommandTest, TheNextClickShowsAboutAgain)
+{
+    Lines();
+    for (int click = 0; click < 2; ++click)
+    {
+        m_user.OnDialogWith(kAboutClose, [](HWND dialog) { ClickButton(dialog, kAboutClose); });
+        m_user.Start();
+        m_outlook->button->Click();
+        EXPECT_EQ(m_user.Finish().size(), 1u) << click;
+    }
+    EXPECT_EQ(Disconnect(), S_OK);
+}
+
+TEST_F(MenuCommandTest, AClickWhileAboutIsOpenOpensAnotherOwnedByTheFirst)
+{
+    Lines();
+    HWND first = nullptr;
+    m_user.OnDialogWith(kAboutClose, [&](HWND dialog) {
+        first = dialog;
+        m_host.Post([this] { m_outlook->button->Click(); });
+    });
+    m_user.OnDialogWith(kAboutClose, [&](HWND second) {
+        ClickButton(second, kAboutClose);
+        WaitUntilGone(second);
+        WaitUntilEnabled(first);
+        ClickButton(first, kAboutClose);
+    });
+    m_user.Start();
+    m_outlook->button->Click();
+    const std::vector<CSeenWindow> seen = m_user.Finish();
+    ASSERT_EQ(seen.size(), 2u);
+    EXPECT_EQ(seen[0].owner, m_host.Handle());
+    EXPECT_EQ(seen[1].owner, first);
+    EXPECT_FALSE(seen[1].ownerEnabled);
+    EXPECT_TRUE(IsWindowEnabled(m_host.Handle()));
+    EXPECT_EQ(Disconnect(), S_OK);
+}
+
+TEST_F(MenuCommandTest, TwoObjectsInOneHostHaveOneCommandEach)
+{
+    Lines();
+    const Microsoft::WRL::ComPtr<IUnknown> former = m_object;
+    const auto formerAddIn = AddIn();
+    CFakeOutlook second(kOutlook2007);
+    Create();
+    EXPECT_EQ(ConnectTo(second.application.Get(), ext_cm_AfterStartup), S_OK);
+    EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
+    EXPECT_EQ(second.button->Sinks().size(), 1u);
+    EXPECT_EQ(Disconnect(), S_OK);
+    EXPECT_THAT(second.button->Sinks(), IsEmpty());
+    EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
+    EXPECT_EQ(formerAddIn->OnDisconnection(ext_dm_HostShutdown, nullptr), S_OK);
+    EXPECT_THAT(m_outlook->button->Sinks(), IsEmpty());
+    m_object.Reset();
+}
+
+} // namespace
+} // namespace orva::test
