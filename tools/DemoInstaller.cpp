@@ -1,7 +1,7 @@
 // Demonstration installer: what ./run publishes for download. It installs nothing; it shows a window and
 // leaves a trace file beside itself, so that its start can be proved.
 //
-// A language behind the last hyphen of its file name (OrvaConnectorSetup-1.3.0-de.exe) sets the window's
+// A language behind the last hyphen of its file name (OrvaSetup-1.3.0-de.exe) sets the window's
 // texts. The trace file is the program's path with ".trace.txt" appended, in UTF-8: its path, its command
 // line, and "closed" once the window has gone.
 

@@ -73,7 +73,7 @@ request_seen() {
 trace_seen() {
     local line=$1
     case $line in
-    *QueryInterface* | *GetIDsOfNames* | *CLSIDFromProgID* | *"references to"*) ;;
+    *QueryInterface* | *GetIDsOfNames* | *CLSIDFromProgID* | *"references to"* | "Outlook: menu &"*) ;;
     "Outlook -> "*) tell Outlook "calls ${line#Outlook -> *: }" ;;
     "Outlook: "*) tell Outlook "${line#Outlook: }" ;;
     "add-in -> "*) tell add-in "calls ${line#add-in -> }" ;;
@@ -255,7 +255,7 @@ examine_download() {
     fi
     if [ -z "$trace" ]; then
         seen installer-not-run
-    elif grep -q '^path C:.*\\osc......\\OrvaConnectorSetup' "$trace"; then
+    elif grep -q '^path C:.*\\osc......\\OrvaSetup' "$trace"; then
         tell installer "says: $(sed -n 's/\r$//; s/^path /ran from /p' "$trace")"
         seen installer-ran
     fi

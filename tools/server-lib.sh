@@ -118,10 +118,10 @@ publish() {
     if [ -f "$what" ]; then
         cp "$what" "$dir/www$update_info_path"
         # Such a file may offer an installer too.
-        add_installer "$folder/OrvaConnectorSetup-$language.exe"
+        add_installer "$folder/OrvaSetup-$language.exe"
         return
     fi
-    installer=OrvaConnectorSetup-$what-$language.exe
+    installer=OrvaSetup-$what-$language.exe
     IFS=. read -r major minor build <<<"$what"
     add_installer "$folder/$installer"
     cat >"$dir/www$update_info_path" <<END

@@ -132,5 +132,5 @@ picture_of_screen() {
     local file
     picture_count=$((picture_count + 1))
     printf -v file '%s/%02d-%s.png' "$pictures" "$picture_count" "$1"
-    timeout 20 /usr/bin/import -silent -window root "$file"
+    timeout 20 /usr/bin/import -silent -window root -trim +repage "$file"
 }

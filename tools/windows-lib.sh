@@ -6,7 +6,7 @@ file_button=600
 
 # kind_of_window: what the user calls $window, by its program and its controls.
 kind_of_window() {
-    if [[ $window_program == OrvaConnectorSetup* ]]; then
+    if [[ $window_program == OrvaSetup* ]]; then
         echo installer
     elif has IDC_UPDATE_INSTALL && has IDC_UPDATE_LATER && has IDC_UPDATE_DESCRIPTION; then
         echo offer
@@ -214,8 +214,9 @@ request_in_about() {
     # The command is the menu's last one.
     keys alt+h
     sleep 0.5
+    keys Up
     picture_of_screen help-menu
-    keys Up Return
+    keys Return
     if ! watch 20 test_about_is_open; then
         tell "" "the About dialog did not open"
         return

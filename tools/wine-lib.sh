@@ -97,7 +97,7 @@ REGEDIT4
 "FontSmoothing"="2"
 "FontSmoothingType"=dword:00000001
 
-; As on Windows since 2000: the dialogs' shell font is Tahoma.
+; The dialogs' shell font has Tahoma's measures.
 [HKEY_LOCAL_MACHINE\Software\Microsoft\Windows NT\CurrentVersion\FontSubstitutes]
 "MS Shell Dlg"="Tahoma"
 "MS Shell Dlg 2"="Tahoma"
@@ -111,6 +111,10 @@ make_prefix() {
         wineserver -w
         rm -rf "$dir/prefix" "$dir/prefix.ready"
     fi
+    # Wine itself does not look where Debian puts its fonts. Without them dialogs have other sizes than on Windows,
+    # and what stands in for the System font may break lines elsewhere, which SysLink controls do not survive.
+    mkdir -p "$dir/prefix/drive_c/windows/Fonts"
+    ln -s /usr/share/wine/fonts/*.{ttf,fon} "$dir/prefix/drive_c/windows/Fonts/"
     wineboot --init 9>&- >"$dir/wineboot.log" 2>&1 || { cat "$dir/wineboot.log" >&2; return 1; }
     prefix_settings >"$dir/settings.reg"
     wine regedit /S "Z:${dir//\//\\}\\settings.reg" 9>&- >>"$dir/wineboot.log" 2>&1
