@@ -1,0 +1,310 @@
+// The About dialog: texts, links, keys, the update check started from it, and the host's window meanwhile.
+#include "ui/AboutDlg.h"
+
+#include "fixture/ProductFixture.h"
+#include "harness/Files.h"
+#include "harness/HttpReply.h"
+#include "harness/LoopbackServer.h"
+#include "harness/ProxySetting.h"
+#include "harness/TempFolder.h"
+#include "harness/Text.h"
+#include "harness/UserScript.h"
+
+#include <gtest/gtest.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+namespace orva::test
+{
+namespace
+{
+
+constexpr int kDescription = 209;
+constexpr int kTitle = 216;
+constexpr int kVersionLine1 = 221;
+constexpr int kUpdate = 223;
+constexpr int kClose = 224;
+constexpr char kUpdateInfoPath[] = "/downloads/outlook/UpdateInfo.txt";
+constexpr char kEqualVersion[] = R"({"x64": {"majorVersion": 1, "minorVersion": 2, "buildNumber": 0}})";
+constexpr wchar_t kLatest[] = L"You already have the latest version of the ORVA Connector. ";
+
+void Close(HWND dialog)
+{
+    ClickButton(dialog, kClose);
+}
+
+class AboutDlgTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { EnableWindow(m_owner.Handle(), TRUE); }
+
+    CUserScript& OnAbout(std::function<void(HWND)> act)
+    {
+        return m_user.OnDialogWith(kTitle, std::move(act));
+    }
+
+    // Shows the dialog with the user's steps, which must all be taken.
+    void Show()
+    {
+        m_user.Start();
+        ShowAboutDialog(m_owner.Handle());
+        m_seen = m_user.Finish();
+    }
+
+    void Publish(const CHttpReply& reply) { m_server.On(kUpdateInfoPath, reply); }
+
+    CLoopbackServer m_server;
+    CProxySetting m_proxy{m_server.Port()};
+    COfficeLanguage m_language{1033};
+    COwnerWindow m_owner;
+    CUserScript m_user;
+    std::vector<CSeenWindow> m_seen;
+};
+
+TEST_F(AboutDlgTest, EnglishTexts)
+{
+    OnAbout(Close);
+    Show();
+    ASSERT_EQ(m_seen.size(), 1u);
+    const CSeenWindow& about = m_seen[0];
+    EXPECT_EQ(about.caption, L"ORVA Connector");
+    EXPECT_EQ(about.Control(kTitle), L"ORVA Connector");
+    EXPECT_EQ(about.Control(217), L"More information");
+    EXPECT_EQ(about.Control(218),
+              L"The following links provide you with information about use and troubleshooting:");
+    EXPECT_EQ(about.Control(213),
+              L"<a href=\"http://www.orva.example/outlook\">ORVA Connector information</a>");
+    EXPECT_EQ(about.Control(214), L"<a href=\"http://www.orva.example/outlook/faqs\">FAQs</a>");
+    EXPECT_EQ(about.Control(215),
+              L"<a href=\"http://www.orva.example/app/user?op=imprint\">About this site</a>");
+    EXPECT_EQ(about.Control(219), L"Version");
+    EXPECT_EQ(about.Control(220),
+              L"Please click on the update button to ensure that you installed the latest version of "
+              L"the ORVA Connector plugin.");
+    EXPECT_EQ(about.Control(kUpdate), L"Update");
+    EXPECT_EQ(about.Control(kVersionLine1), L"Version 1.2.0 (64-bit)");
+    EXPECT_EQ(about.Control(kClose), L"Close");
+}
+
+TEST_F(AboutDlgTest, DescriptionIsThreeParagraphsWithAnEmptyLineBetween)
+{
+    OnAbout(Close);
+    Show();
+    ASSERT_EQ(m_seen.size(), 1u);
+    const std::wstring text = m_seen[0].Control(kDescription);
+    const size_t first = text.find(L"\n\n");
+    ASSERT_NE(first, std::wstring::npos);
+    const size_t second = text.find(L"\n\n", first + 2);
+    ASSERT_NE(second, std::wstring::npos);
+    EXPECT_EQ(text.find(L"\n\n", second + 2), std::wstring::npos);
+}
+
+TEST_F(AboutDlgTest, GermanTexts)
+{
+    const COfficeLanguage german(1031);
+    OnAbout(Close);
+    Show();
+    ASSERT_EQ(m_seen.size(), 1u);
+    const CSeenWindow& about = m_seen[0];
+    EXPECT_EQ(about.caption, L"ORVA Connector");
+    EXPECT_EQ(about.Control(217), L"Weitere Informationen");
+    EXPECT_EQ(about.Control(kUpdate), L"Aktualisieren");
+    EXPECT_EQ(about.Control(kClose), L"Schließen");
+    EXPECT_EQ(about.Control(214),
+              L"<a href=\"http://www.orva.example/outlook/faqs\">Häufig gestellte Fragen</a>");
+    EXPECT_EQ(about.Control(kVersionLine1), L"Version 1.2.0 (64-Bit)");
+}
+
+TEST_F(AboutDlgTest, TitleIsBoldAndOtherwiseTheDialogsFont)
+{
+    OnAbout([](HWND dialog) {
+        LOGFONTW title{};
+        LOGFONTW other{};
+        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(ChildById(dialog, kTitle), WM_GETFONT, 0, 0)),
+                   sizeof(title), &title);
+        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(ChildById(dialog, kVersionLine1), WM_GETFONT, 0, 0)),
+                   sizeof(other), &other);
+        EXPECT_EQ(title.lfWeight, FW_BOLD);
+        EXPECT_EQ(title.lfHeight, other.lfHeight);
+        EXPECT_STREQ(title.lfFaceName, other.lfFaceName);
+        EXPECT_NE(other.lfWeight, FW_BOLD);
+        Close(dialog);
+    });
+    Show();
+}
+
+TEST_F(AboutDlgTest, HostWindowIsDisabledMeanwhileAndEnabledAfter)
+{
+    OnAbout([&](HWND dialog) {
+        EXPECT_FALSE(IsWindowEnabled(m_owner.Handle()));
+        Close(dialog);
+    });
+    Show();
+    EXPECT_TRUE(IsWindowEnabled(m_owner.Handle()));
+    ASSERT_EQ(m_seen.size(), 1u);
+    EXPECT_EQ(m_seen[0].owner, m_owner.Handle());
+}
+
+TEST_F(AboutDlgTest, OpensASecondTimeAfterItWasClosed)
+{
+    OnAbout(Close);
+    OnAbout(Close);
+    m_user.Start();
+    ShowAboutDialog(m_owner.Handle());
+    ShowAboutDialog(m_owner.Handle());
+    EXPECT_EQ(m_user.Finish().size(), 2u);
+}
+
+TEST_F(AboutDlgTest, EscapeEndsIt)
+{
+    OnAbout([](HWND dialog) { EXPECT_TRUE(TypeKey(dialog, VK_ESCAPE)); });
+    Show();
+}
+
+TEST_F(AboutDlgTest, EnterPressesCloseFromALink)
+{
+    const CLogMark log;
+    OnAbout([](HWND dialog) {
+        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, kClose)), TRUE);
+        EXPECT_TRUE(TypeKey(dialog, VK_RETURN));
+    });
+    Show();
+    EXPECT_TRUE(log.Has("CAboutDlg::OnBnClickedBtnClose"));
+}
+
+TEST_F(AboutDlgTest, TabVisitsTheLinksThenUpdateThenClose)
+{
+    OnAbout([](HWND dialog) {
+        for (const int id : {213, 214, 215, kUpdate, kClose, 213})
+        {
+            EXPECT_TRUE(WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, id); })) << id;
+            EXPECT_TRUE(TypeKey(dialog, VK_TAB));
+        }
+        Close(dialog);
+    });
+    Show();
+}
+
+TEST_F(AboutDlgTest, DefaultButtonIsClose)
+{
+    OnAbout([](HWND dialog) {
+        EXPECT_EQ(LOWORD(SendMessageW(dialog, DM_GETDEFID, 0, 0)), kClose);
+        Close(dialog);
+    });
+    Show();
+}
+
+TEST_F(AboutDlgTest, EveryHandlerWritesItsEntry)
+{
+    Publish(CHttpReply(200, kEqualVersion));
+    const CLogMark log;
+    OnAbout([](HWND dialog) { ClickButton(dialog, kUpdate); });
+    m_user.AnswerBox(kLatest).Then("close", [] {
+        const HWND about = FindTopLevelWindow({.childId = kTitle});
+        return WaitUntilEnabled(about) && ClickButton(about, kClose);
+    });
+    Show();
+    ASSERT_GE(log.Texts().size(), 2u);
+    EXPECT_EQ(log.Texts()[0], "ShowAboutDialog");
+    EXPECT_EQ(log.Texts()[1], "CAboutDlg::OnInitDialog");
+    for (const char* const entry :
+         {"CAboutDlg::OnEraseBkgnd", "CAboutDlg::OnCtlColor", "CAboutDlg::OnBnClickedBtnUpdate",
+          "CheckForUpdateExplicit", "CAboutDlg::OnBnClickedBtnClose"})
+    {
+        EXPECT_TRUE(log.Has(entry)) << entry;
+    }
+}
+
+TEST_F(AboutDlgTest, NeitherButtonReactsWhileTheCheckRunsAndBothWorkAfter)
+{
+    CGate gate;
+    m_server.On(kUpdateInfoPath, CServerScript().WaitFor(gate).Send(CHttpReply(200, kEqualVersion).Bytes()));
+    OnAbout([&](HWND dialog) {
+        ClickButton(dialog, kUpdate);
+        EXPECT_TRUE(gate.WaitUntilReached());
+        EXPECT_FALSE(IsWindowEnabled(dialog));
+        gate.Open();
+    });
+    HWND about = nullptr;
+    m_user.AnswerBox(kLatest).Then("close", [&] {
+        about = FindTopLevelWindow({.childId = kTitle});
+        return WaitUntilEnabled(about) && ClickButton(about, kClose);
+    });
+    Show();
+    ASSERT_EQ(m_seen.size(), 2u);
+    EXPECT_EQ(m_seen[1].owner, about);
+}
+
+TEST_F(AboutDlgTest, CheckThatRaisesLeavesTheDialogOpenAndEnabledAndIsLogged)
+{
+    Publish(CHttpReply(200, R"({"x64": {"majorVersion": "1"}})"));
+    const CLogMark log;
+    OnAbout([&](HWND dialog) {
+        ClickButton(dialog, kUpdate);
+        EXPECT_TRUE(
+            WaitForLogText("CAboutDlg::OnBnClickedBtnUpdate() Caught exception value type is 2 not 4"));
+        EXPECT_TRUE(WaitUntilEnabled(dialog));
+        Close(dialog);
+    });
+    Show();
+    EXPECT_EQ(m_seen.size(), 1u);
+}
+
+TEST_F(AboutDlgTest, BackgroundIsWhite)
+{
+    OnAbout([](HWND dialog) {
+        const HDC dc = GetDC(dialog);
+        RECT client;
+        GetClientRect(dialog, &client);
+        EXPECT_TRUE(WaitUntil([&] { return GetPixel(dc, 4, client.bottom - 4) == RGB(255, 255, 255); }));
+        ReleaseDC(dialog, dc);
+        Close(dialog);
+    });
+    Show();
+}
+
+// A browser of the test's own: writes the address that it is called with into a file.
+class AboutDlgLinkTest : public AboutDlgTest,
+                         public ::testing::WithParamInterface<std::pair<int, const char*>>
+{
+protected:
+    AboutDlgLinkTest()
+    {
+        m_protocol.SetString(L"");
+        m_command.SetString(L"cmd.exe /c echo %1>\"" + m_folder.File(L"address") + L"\"");
+    }
+
+    CTempFolder m_folder;
+    CRegistryTreeGuard m_kept{HKEY_LOCAL_MACHINE, L"Software\\Classes\\http"};
+    CRegistryValue m_protocol{HKEY_LOCAL_MACHINE, L"Software\\Classes\\http", L"URL Protocol"};
+    CRegistryValue m_command{HKEY_LOCAL_MACHINE, L"Software\\Classes\\http\\shell\\open\\command", L""};
+};
+
+TEST_P(AboutDlgLinkTest, OpensItsExactAddressAndLeavesTheDialogOpen)
+{
+    const auto [link, address] = GetParam();
+    const std::wstring file = m_folder.File(L"address");
+    OnAbout([&](HWND dialog) {
+        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, link)), TRUE);
+        const LPARAM position = MAKELPARAM(6, 4);
+        PostMessageW(ChildById(dialog, link), WM_LBUTTONDOWN, MK_LBUTTON, position);
+        PostMessageW(ChildById(dialog, link), WM_LBUTTONUP, 0, position);
+        EXPECT_TRUE(WaitForLogText("CAboutDlg::OnNMClickSyslink"));
+        EXPECT_TRUE(WaitForFile(file, std::string(address).size()));
+        EXPECT_TRUE(IsWindowVisible(dialog));
+        Close(dialog);
+    });
+    Show();
+    const std::string written = ReadFileBytes(file).value_or("");
+    EXPECT_EQ(written.substr(0, written.find_last_not_of("\r\n ") + 1), address);
+}
+
+INSTANTIATE_TEST_SUITE_P(Links, AboutDlgLinkTest,
+                         ::testing::Values(std::pair{213, "http://www.orva.example/outlook"},
+                                           std::pair{214, "http://www.orva.example/outlook/faqs"},
+                                           std::pair{215, "http://www.orva.example/app/user?op=imprint"}));
+
+} // namespace
+} // namespace orva::test
