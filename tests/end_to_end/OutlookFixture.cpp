@@ -180,13 +180,13 @@ void OutlookFixture::StartWithBackstage()
     WaitForStart();
 }
 
-void OutlookFixture::CheckExplicitly()
+void OutlookFixture::CheckExplicitly(int time)
 {
     HWND button = nullptr;
     ASSERT_TRUE(WaitUntil([&] { return (button = ButtonWithText(MainWindow(), L"Update")) != nullptr; }))
         << DescribeWindows(m_outlook->Id());
     PostMessageW(button, BM_CLICK, 0, 0);
-    ASSERT_TRUE(WaitForTrace("Invoke 42000 ButtonClicked(btnCheckUpdate) = 0x00000000"))
+    ASSERT_TRUE(WaitForTrace("Invoke 42000 ButtonClicked(btnCheckUpdate) = 0x00000000", time))
         << DescribeWindows(m_outlook->Id());
 }
 
@@ -266,13 +266,14 @@ std::vector<std::string> OutlookFixture::Trace() const
     return lines;
 }
 
-bool OutlookFixture::WaitForTrace(const std::string& part) const
+bool OutlookFixture::WaitForTrace(const std::string& part, int count) const
 {
     return WaitUntil([&] {
+        const bool isRunning = m_outlook->IsRunning();
         const std::vector<std::string> lines = Trace();
-        return !m_outlook->IsRunning() ||
-               std::any_of(lines.begin(), lines.end(),
-                           [&](const std::string& line) { return line.find(part) != std::string::npos; });
+        return !isRunning || std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
+                                 return line.find(part) != std::string::npos;
+                             }) >= count;
     });
 }
 

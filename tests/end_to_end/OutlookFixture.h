@@ -58,8 +58,9 @@ protected:
     void StartOutlook(const std::vector<std::wstring>& options = {});
     /// Starts it without its start-up check and with the add-in's Backstage tab open.
     void StartWithBackstage();
-    /// Presses "Update" in the Backstage and waits until that has been dealt with.
-    void CheckExplicitly();
+    /// Presses "Update" in the Backstage, for the nth time since Outlook's start, and waits until that has
+    /// been dealt with.
+    void CheckExplicitly(int time = 1);
     /// Waits until Outlook says that its start is over, and checks that the add-in was connected.
     void WaitForStart();
     /// Checks that the main window is enabled and nothing else is on the screen, that every step of the user
@@ -78,7 +79,8 @@ protected:
     HWND MainWindow() const;
     /// The host's trace without times.
     std::vector<std::string> Trace() const;
-    bool WaitForTrace(const std::string& part) const;
+    /// Waits until `count` lines hold this text, or Outlook has ended.
+    bool WaitForTrace(const std::string& part, int count = 1) const;
 
     /// Publishes the file's text as the reply to the update check.
     void Publish(const std::string& text) { m_server.On(kPublished, CHttpReply(200, text)); }

@@ -38,6 +38,13 @@ struct SocketLibrary
     }
 };
 
+/// Keeps a socket from programs that are started meanwhile: they would hold the port, or the connection,
+/// open.
+void KeepToThisProcess(SOCKET socket)
+{
+    SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
+}
+
 /// A TCP socket bound to a free port of 127.0.0.1.
 SOCKET BoundSocket(unsigned short& port)
 {
@@ -53,6 +60,7 @@ SOCKET BoundSocket(unsigned short& port)
     {
         throw std::runtime_error("cannot bind to 127.0.0.1: " + std::to_string(WSAGetLastError()));
     }
+    KeepToThisProcess(socket);
     port = ntohs(address.sin_port);
     return socket;
 }
@@ -226,6 +234,7 @@ private:
 
     void StartConnection(SOCKET socket)
     {
+        KeepToThisProcess(socket);
         auto connection = std::make_unique<Connection>();
         connection->server = this;
         connection->socket = socket;

@@ -23,48 +23,59 @@ constexpr DWORD kLookInterval = 5;
 /// Id of a message box's text.
 constexpr int kBoxTextId = 0xFFFF;
 
-bool IsButton(HWND control)
+/// Presses a button of a message box. The only one of a box may have another id than it reports: Windows
+/// gives the "OK" of a box without "Cancel" the id of that.
+bool PressButton(HWND window, int id)
 {
-    return WindowClassName(control) == L"Button";
+    if (ClickButton(window, id))
+    {
+        return true;
+    }
+    return id == IDOK && ClickButton(window, IDCANCEL);
 }
 
 CSeenWindow Look(HWND window)
 {
     CSeenWindow seen;
     seen.window = window;
-    seen.caption = WindowText(window);
-    std::wstring statics;
-    for (const HWND control : ChildWindows(window))
+    seen.owner = GetWindow(window, GW_OWNER);
+    // What can be known without asking the window comes first: one whose thread is busy answers late, perhaps
+    // only when it has been destroyed.
+    const std::vector<HWND> children = ChildWindows(window);
+    std::vector<std::wstring> classes;
+    for (const HWND control : children)
     {
         // Control ids are 16 bits wide in dialogs; a message box's text is -1 there.
-        const int id = GetDlgCtrlID(control) & 0xFFFF;
-        std::wstring text = WindowText(control);
-        if (IsButton(control))
-        {
-            if (IsWindowVisible(control))
-            {
-                seen.buttons.push_back(text);
-            }
-        }
-        else if (id == kBoxTextId)
+        seen.controls.emplace_back(GetDlgCtrlID(control) & 0xFFFF, L"");
+        classes.push_back(IsWindowVisible(control) ? WindowClassName(control) : L"");
+    }
+    if (seen.owner)
+    {
+        seen.ownerEnabled = IsWindowEnabled(seen.owner) != FALSE;
+        seen.ownerCaption = WindowText(seen.owner);
+    }
+    seen.caption = WindowText(window);
+    std::wstring statics;
+    for (size_t i = 0; i < children.size(); ++i)
+    {
+        auto& [id, text] = seen.controls[i];
+        text = WindowText(children[i]);
+        if (id == kBoxTextId)
         {
             seen.text = text;
         }
-        else if (WindowClassName(control) == L"Static" && !text.empty())
+        else if (classes[i] == L"Button")
+        {
+            seen.buttons.push_back(text);
+        }
+        else if (classes[i] == L"Static" && !text.empty())
         {
             statics += (statics.empty() ? L"" : L"\n") + text;
         }
-        seen.controls.emplace_back(id, std::move(text));
     }
     if (seen.text.empty())
     {
         seen.text = statics;
-    }
-    seen.owner = GetWindow(window, GW_OWNER);
-    if (seen.owner)
-    {
-        seen.ownerCaption = WindowText(seen.owner);
-        seen.ownerEnabled = IsWindowEnabled(seen.owner) != FALSE;
     }
     return seen;
 }
@@ -303,7 +314,7 @@ CUserScript& CUserScript::AnswerBox(std::wstring text, int buttonId)
     m_impl->steps.push_back(
         {what, [text = std::move(text)](const CSeenWindow& seen) { return seen.text == text; },
          [buttonId](HWND window) {
-             return ClickButton(window, buttonId) ? std::string()
+             return PressButton(window, buttonId) ? std::string()
                                                   : "has no button " + std::to_string(buttonId) + " to press";
          }});
     return *this;

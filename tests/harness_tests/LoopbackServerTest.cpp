@@ -8,7 +8,6 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 #include <wininet.h>
-#include <zlib.h>
 
 #include <optional>
 
@@ -116,23 +115,6 @@ CFetched Fetch(const std::wstring& url)
     }
     InternetCloseHandle(session);
     return result;
-}
-
-std::string Inflate(const std::string& bytes)
-{
-    z_stream stream = {};
-    // A 15-bit window; 32 more: zlib or gzip, whichever it is.
-    inflateInit2(&stream, 15 + 32);
-    std::string input = bytes;
-    std::string output(100'000, '\0');
-    stream.next_in = reinterpret_cast<Bytef*>(input.data());
-    stream.avail_in = static_cast<uInt>(input.size());
-    stream.next_out = reinterpret_cast<Bytef*>(output.data());
-    stream.avail_out = static_cast<uInt>(output.size());
-    const int result = inflate(&stream, Z_FINISH);
-    output.resize(stream.total_out);
-    inflateEnd(&stream);
-    return result == Z_STREAM_END ? output : "(cut) " + output;
 }
 
 } // namespace
@@ -395,11 +377,12 @@ TEST(LoopbackServerTest, PlaysTheProxyOfEveryHostInProcess)
 TEST(CompressionTest, GzipAndZlibAndTheirCutFormsInflate)
 {
     const std::string text(10'000, 'x');
-    EXPECT_EQ(Inflate(GzipBytes(text)), text);
+    EXPECT_EQ(InflatedPart(GzipBytes(text), 20'000), text);
     EXPECT_EQ(GzipBytes(text).substr(0, 2), "\x1f\x8b");
-    EXPECT_EQ(Inflate(ZlibBytes(text)), text);
+    EXPECT_EQ(InflatedPart(ZlibBytes(text), 20'000), text);
     EXPECT_EQ(ZlibBytes(text).substr(0, 1), "\x78");
-    EXPECT_EQ(Inflate(CutOff(GzipBytes(text), 1)).substr(0, 6), "(cut) ");
+    EXPECT_EQ(InflatedPart(GzipBytes(text), 9'999), text.substr(1));
+    EXPECT_LT(InflatedPart(CutOff(GzipBytes(text), 20), 20'000).size(), text.size());
     EXPECT_EQ(CutOff("ab", 3), "");
 }
 
