@@ -53,8 +53,8 @@ std::wstring Fill(const std::wstring& format, const std::vector<std::wstring>& a
 
 /// The longest that a user is likely to see.
 constexpr wchar_t kVersion[] = L"12.34.5678";
-constexpr wchar_t kFile[] = L"OrvaConnectorSetup-1.3.0-x64.exe";
-constexpr wchar_t kServer[] = L"downloads.orva.example";
+constexpr wchar_t kFile[] = L"OrvaSetup-1.3.0-x64.exe";
+constexpr wchar_t kServer[] = L"www.orva.example";
 
 std::vector<Shown> UpdateAvailableTexts(WORD language)
 {
