@@ -178,8 +178,13 @@ bool PostKey(HWND window, WORD virtualKey)
     // Repeat count 1; of the release also "was down" and "is going up".
     const LPARAM down = scan | 1;
     const LPARAM up = down | (LPARAM{3} << 30);
-    return PostMessageW(target, WM_KEYDOWN, virtualKey, down) &&
-           PostMessageW(target, WM_KEYUP, virtualKey, up);
+    if (!PostMessageW(target, WM_KEYDOWN, virtualKey, down))
+    {
+        return false;
+    }
+    // The window may be gone already: the press alone can end a dialog.
+    PostMessageW(target, WM_KEYUP, virtualKey, up);
+    return true;
 }
 
 HWND FocusOf(HWND window)

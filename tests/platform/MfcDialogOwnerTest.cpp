@@ -48,6 +48,39 @@ TEST_F(MfcDialogOwner, ParentIsDisabledMeanwhileAndActiveAfterwards)
     EXPECT_EQ(m_main, GetFocus());
 }
 
+TEST_F(MfcDialogOwner, ParentIsEnabledAndActiveBeforeTheDialogGoes)
+{
+    // Otherwise the system activates another program's window, because ours cannot be.
+    class CLastLookDialog : public CDialog
+    {
+    public:
+        explicit CLastLookDialog(HWND main) : CDialog(IDD_PLAIN, CWnd::FromHandle(main)), m_main(main) {}
+        BOOL m_enabled = FALSE;
+        HWND m_active = nullptr;
+
+    protected:
+        BOOL OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) override
+        {
+            if (message == WM_DESTROY)
+            {
+                m_enabled = ::IsWindowEnabled(m_main);
+                m_active = ::GetActiveWindow();
+            }
+            return CDialog::OnWndMsg(message, wParam, lParam, result);
+        }
+
+    private:
+        const HWND m_main;
+    } dialog(m_main);
+    CUserScript user;
+    user.OnDialog(L"Plain", [](HWND window) { EXPECT_TRUE(ClickButton(window, IDOK)); });
+    user.Start();
+    EXPECT_EQ(IDOK, dialog.DoModal());
+    user.Finish();
+    EXPECT_TRUE(dialog.m_enabled);
+    EXPECT_EQ(m_main, dialog.m_active);
+}
+
 TEST_F(MfcDialogOwner, ParentThatWasDisabledStaysSo)
 {
     EnableWindow(m_main, FALSE);

@@ -9,6 +9,7 @@
 #define IDD_OWN_BUTTONS 105
 #define IDD_OLD_FORM 106
 #define IDD_ABSOLUTE 107
+#define IDD_OLD_POSITIONED 108
 
 #define IDC_TEXT 1001
 #define IDC_FIELD 1002

@@ -117,6 +117,9 @@ TEST(MfcWindow, NullHandleOrASecondObjectIsNotAttached)
     EXPECT_TRUE(first.Attach(window));
     EXPECT_FALSE(second.Attach(window));
     EXPECT_EQ(nullptr, second.m_hWnd);
+    const CTestWindow other;
+    EXPECT_FALSE(first.Attach(other)) << "an object has one window";
+    EXPECT_EQ(window, first.m_hWnd);
     first.Detach();
 }
 
@@ -395,9 +398,22 @@ TEST(MfcWindow, OwnerWithoutAParentIsTheLastActivePopupOfTheActiveWindow)
     EXPECT_EQ(popup, CWnd::GetSafeOwner()->m_hWnd);
 }
 
+TEST(MfcWindow, OwnerWithoutAParentIsTheLastActivePopupOfTheMainWindow)
+{
+    AFX_MODULE_STATE other(GetModuleHandleW(L"kernel32.dll"));
+    AFX_MANAGE_STATE(&other)
+    const CTestWindow main;
+    const CTestWindow popup(main, WS_POPUP | WS_CAPTION | WS_VISIBLE);
+    SetActiveWindow(popup);
+    CWinApp app;
+    app.m_pMainWnd = CWnd::FromHandle(main);
+    EXPECT_EQ(popup, CWnd::GetSafeOwner_(nullptr, nullptr));
+    EXPECT_EQ(main, CWnd::GetSafeOwner_(main, nullptr)) << "a parent that is given is taken as it is";
+}
+
 TEST(MfcWindow, CentringPlacesTheMiddleOverTheOwners)
 {
-    const CTestWindow main;
+    const CTestWindow main(nullptr, WS_POPUP | WS_VISIBLE);
     SetWindowPos(main, nullptr, 200, 150, 600, 500, SWP_NOZORDER);
     const CTestWindow popup(main, WS_POPUP);
     SetWindowPos(popup, nullptr, 0, 0, 200, 100, SWP_NOZORDER);
