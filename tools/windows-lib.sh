@@ -62,6 +62,9 @@ meet_offer() {
     tell user "reads \"$(one_line "$(text_at IDC_UPDATE_DESCRIPTION)")\""
     picture "$phase-offer"
     seen "$phase-offer"
+    if [ "$outcome" = any ] && [ "$phase" = start ]; then
+        ask_for_answer
+    fi
     if [ "$window_caption" = "$(text_of IDS_UPDATE_TITLE)" ] &&
         [ "$(text_at IDC_UPDATE_INSTALL)" = "$(text_of IDS_UPDATE_INSTALL)" ] &&
         [ "$(text_at IDC_UPDATE_AVAILABLE_VERSION)" = "$(with "$(text_of IDS_AVAILABLE_VERSION)" "$publish")" ] &&
