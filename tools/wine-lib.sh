@@ -135,11 +135,12 @@ start_slot() {
     fi
     # Made anew when the settings have changed since.
     [ "$(cat "$dir/prefix.ready" 2>/dev/null)" = "$(prefix_settings)" ] || make_prefix "$dir"
-    # Keeps Wine's server alive between two programs, which saves a second at each start.
-    # It must not hold the output open: who reads that to its end would wait for the server.
-    wineserver -p 9>&- >/dev/null 2>&1 || true
-    # Nor must Wine's services, which the first program after the server's start brings up with its own output.
-    wine cmd.exe /c exit 9>&- </dev/null >/dev/null 2>&1 || true
+    # Keeps Wine's server alive between two programs, which saves a second at each start. A new server's services
+    # are started right away and not by the first program: they would hold its output open, and who reads that to its
+    # end would wait for them.
+    if wineserver -p 9>&- >/dev/null 2>&1; then
+        wineboot 9>&- </dev/null >/dev/null 2>&1 || true
+    fi
 }
 
 # Makes all slots ready at the same time.
