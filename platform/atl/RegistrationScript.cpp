@@ -9,28 +9,14 @@ namespace ATL
 namespace
 {
 
-constexpr wchar_t ToLowerAscii(wchar_t c)
-{
-    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
-}
-
 bool EqualNoCase(std::wstring_view left, std::wstring_view right)
 {
-    return std::ranges::equal(left, right, {}, ToLowerAscii, ToLowerAscii);
+    return std::ranges::equal(left, right, {}, ToLowerAsciiLetter, ToLowerAsciiLetter);
 }
 
 constexpr bool IsBlank(wchar_t c)
 {
     return c == L' ' || (c >= L'\t' && c <= L'\r');
-}
-
-// The value of a digit in any base up to 16, or -1.
-constexpr int DigitValue(wchar_t c)
-{
-    if (c >= L'0' && c <= L'9')
-        return c - L'0';
-    const wchar_t lower = ToLowerAscii(c);
-    return lower >= L'a' && lower <= L'f' ? lower - L'a' + 10 : -1;
 }
 
 struct HiveName
@@ -78,65 +64,6 @@ struct Token
     bool IsPunctuation() const { return IsBare(L"{") || IsBare(L"}") || IsBare(L"="); }
     bool IsName() const { return kind != Kind::End && !IsPunctuation(); }
 };
-
-// Decimal, or hexadecimal after 0x or &H; nothing else and no more than 32 bits.
-bool ParseDword(std::wstring_view text, std::uint32_t& value)
-{
-    std::uint64_t base = 10;
-    if (text.size() > 2 && (text.substr(0, 2) == L"0x" || text.substr(0, 2) == L"0X" ||
-                            text.substr(0, 2) == L"&H" || text.substr(0, 2) == L"&h"))
-    {
-        base = 16;
-        text.remove_prefix(2);
-    }
-    if (text.empty())
-        return false;
-    std::uint64_t sum = 0;
-    for (const wchar_t c : text)
-    {
-        const int digit = DigitValue(c);
-        if (digit < 0 || static_cast<std::uint64_t>(digit) >= base)
-            return false;
-        sum = sum * base + static_cast<std::uint64_t>(digit);
-        if (sum > 0xFFFFFFFFu)
-            return false;
-    }
-    value = static_cast<std::uint32_t>(sum);
-    return true;
-}
-
-bool ParseBinary(std::wstring_view text, std::vector<std::uint8_t>& bytes)
-{
-    if (text.size() % 2 != 0)
-        return false;
-    bytes.reserve(text.size() / 2);
-    for (std::size_t i = 0; i < text.size(); i += 2)
-    {
-        const int high = DigitValue(text[i]);
-        const int low = DigitValue(text[i + 1]);
-        if (high < 0 || low < 0)
-            return false;
-        bytes.push_back(static_cast<std::uint8_t>(high * 16 + low));
-    }
-    return true;
-}
-
-// Parts are separated by a backslash and the digit zero. An empty part would end the list for every reader of
-// the registry, so there is none.
-std::vector<std::wstring> ParseMultiString(std::wstring_view text)
-{
-    constexpr std::wstring_view kSeparator = L"\\0";
-    std::vector<std::wstring> parts;
-    while (!text.empty())
-    {
-        const std::size_t end = text.find(kSeparator);
-        const std::wstring_view part = text.substr(0, end);
-        if (!part.empty())
-            parts.emplace_back(part);
-        text.remove_prefix(end == std::wstring_view::npos ? text.size() : end + kSeparator.size());
-    }
-    return parts;
-}
 
 class ScriptReader
 {
@@ -375,27 +302,27 @@ private:
         Advance();
         if (!m_token.IsName())
             return Fail("the data of a value is expected here");
-        switch (ToLowerAscii(type.front()))
+        switch (ToLowerAsciiLetter(type.front()))
         {
         case L's':
             step.data = std::move(m_token.text);
             break;
         case L'd': {
             std::uint32_t value = 0;
-            if (!ParseDword(m_token.text, value))
+            if (!ParseRegistrationDword(m_token.text, value))
                 return Fail("this is no number of 32 bits");
             step.data = value;
             break;
         }
         case L'b': {
             std::vector<std::uint8_t> bytes;
-            if (!ParseBinary(m_token.text, bytes))
+            if (!ParseRegistrationBinary(m_token.text, bytes))
                 return Fail("binary data are pairs of hexadecimal digits");
             step.data = std::move(bytes);
             break;
         }
         default:
-            step.data = ParseMultiString(m_token.text);
+            step.data = ParseRegistrationMultiString(m_token.text);
             break;
         }
         Add(std::move(step));

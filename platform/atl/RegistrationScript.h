@@ -1,12 +1,12 @@
 // Reads the text of a registration script into the list of what it asks for. Knows nothing of any registry.
 #pragma once
 
+#include "platform/atl/RegistrationData.h"
+
 #include <cstddef>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace ATL
@@ -23,10 +23,6 @@ enum class RegistrationHive
     DynData,
     CurrentConfig,
 };
-
-// The data of a value: string, DWORD, binary or multi-string.
-using RegistrationData =
-    std::variant<std::wstring, std::uint32_t, std::vector<std::uint8_t>, std::vector<std::wstring>>;
 
 // One step of a script, in the script's order. Every EnterHive and EnterKey is followed by its own Leave.
 struct CRegistrationStep
