@@ -17,11 +17,9 @@ namespace
 {
 
 using testing::Contains;
-using testing::HasSubstr;
 
 constexpr wchar_t kHostWindowClass[] = L"OrvaOutlookHost";
 constexpr char kAddIn[] = "Outlook -> OrvaOscAddin.Connect: ";
-constexpr wchar_t kClasses[] = L"Software\\Classes\\";
 
 /// What registration writes, and the lists of add-ins, so that no other is loaded during a test.
 constexpr const wchar_t* kRegisteredKeys[] = {
@@ -140,6 +138,7 @@ void CInstalledAddIn::SetUp()
 
 void CInstalledAddIn::TearDown()
 {
+    RunProcess(L"regsvr32.exe", {L"/s", L"/u", BuiltFile(kModule)});
     m_guards.clear();
 }
 

@@ -1,0 +1,234 @@
+// What each Outlook gets: the menu command, the Backstage tab or neither; and how the add-in is let go.
+#include "end_to_end/OutlookFixture.h"
+#include "end_to_end/Texts.h"
+#include "harness/Files.h"
+#include "harness/Text.h"
+#include "harness/Watchdog.h"
+
+#include <algorithm>
+
+namespace orva::test
+{
+
+namespace
+{
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr char kCommand[] = "About the ORVA Connector...";
+constexpr int kAboutUpdate = 223;
+constexpr int kAboutClose = 224;
+
+class OutlookVersionsTest : public OutlookFixture
+{
+protected:
+    OutlookVersionsTest() { Publish(UpdateInfo("1", "2", "0", kInstallerUrl)); }
+
+    /// The traced items of the Help menu.
+    std::string HelpMenu() const
+    {
+        std::string menu = "(none)";
+        for (const std::string& line : Trace())
+        {
+            if (line.starts_with("Outlook: menu &Help:"))
+            {
+                menu = line;
+            }
+        }
+        return menu;
+    }
+
+    /// Chooses the last item of the Help menu by posted keys.
+    void ChooseLastHelpItem()
+    {
+        const HWND window = MainWindow();
+        PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, L'h');
+        ASSERT_NE(WaitForWindow({.process = m_outlook->Id(), .className = L"#32768"}), nullptr);
+        for (const WORD key : {VK_UP, VK_RETURN})
+        {
+            PostMessageW(window, WM_KEYDOWN, key, 0);
+            PostMessageW(window, WM_KEYUP, key, 0);
+        }
+    }
+};
+
+} // namespace
+
+TEST_F(OutlookVersionsTest, Outlook2007GetsTheCommandAtTheEndOfTheHelpMenu)
+{
+    RunToTheEnd({L"--office", L"12"});
+    EXPECT_THAT(HelpMenu(), testing::EndsWith(std::string(" | ") + kCommand));
+    EXPECT_THAT(ReadLogTexts(), Contains("CConnect::OnConnection() m_spExplorer is not NULL "));
+    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("custom UI"))));
+}
+
+TEST_F(OutlookVersionsTest, TheCommandIsTemporaryAndStandsThereOnceAtTheNextStart)
+{
+    RunToTheEnd({L"--office", L"12"});
+    const std::string first = HelpMenu();
+    RunToTheEnd({L"--office", L"12"});
+    EXPECT_EQ(HelpMenu(), first);
+}
+
+TEST_F(OutlookVersionsTest, TheCommandOpensTheAboutDialogAndItsUpdateButtonChecks)
+{
+    m_user.OnDialogWith(kAboutUpdate, [](HWND about) { EXPECT_TRUE(ClickButton(about, kAboutUpdate)); });
+    m_user.AnswerBox(kLatest);
+    HWND about = nullptr;
+    m_user.Then("the About dialog can be used again", [&] {
+        about = FindTopLevelWindow({.process = m_outlook->Id(), .childId = kAboutUpdate});
+        return about != nullptr && WaitUntilEnabled(about) && ClickButton(about, kAboutClose);
+    });
+    StartOutlook({L"--office", L"12"});
+    WaitForStart();
+    ChooseLastHelpItem();
+    // What comes of a click that the life-cycle's dispatcher refuses; Outlook does not care.
+    ASSERT_TRUE(WaitForTrace("CommandBarButton.Click = "));
+    ExpectOutlookGoesOn();
+    EXPECT_FALSE(IsWindow(about));
+    EXPECT_THAT(ReadLogTexts(), Contains("CheckForUpdateExplicit"));
+    EXPECT_EQ(m_server.Requests().size(), 2u);
+}
+
+TEST_F(OutlookVersionsTest, Outlook2007WithoutAnExplorerGetsNoCommand)
+{
+    RunToTheEnd({L"--office", L"12", L"--no-explorer"});
+    EXPECT_THAT(HelpMenu(), Not(HasSubstr(kCommand)));
+    EXPECT_THAT(ReadLogTexts(), Contains("CConnect::OnConnection() m_spExplorer is NULL "));
+}
+
+TEST_F(OutlookVersionsTest, AMenuBarWithoutMenusGetsNoCommandAndTheCheckRuns)
+{
+    for (const wchar_t* const option : {L"--empty-menu-bar", L"--last-control-not-popup"})
+    {
+        RunToTheEnd({L"--office", L"12", option});
+        EXPECT_THAT(HelpMenu(), Not(HasSubstr(kCommand)));
+        EXPECT_THAT(ReadLogTexts(), Contains("CheckForUpdate() buildNumber 0"));
+        DeleteLog();
+    }
+}
+
+TEST_F(OutlookVersionsTest, Outlook2010GetsTheTabAndNoCommand)
+{
+    RunToTheEnd({L"--office", L"14"});
+    EXPECT_THAT(Trace(),
+                Contains(HasSubstr("custom UI of OrvaOscAddin.Connect: File tab OrvaOSCBackStageTab")));
+    EXPECT_THAT(HelpMenu(), Not(HasSubstr(kCommand)));
+    EXPECT_THAT(ReadLogTexts(), Not(Contains(HasSubstr("m_spExplorer"))));
+}
+
+TEST_F(OutlookVersionsTest, Outlook2013GetsNeither)
+{
+    RunToTheEnd({L"--office", L"15"});
+    EXPECT_THAT(Trace(), Contains("Outlook: custom UI of OrvaOscAddin.Connect: 0 characters"));
+    EXPECT_THAT(HelpMenu(), Not(HasSubstr(kCommand)));
+    EXPECT_THAT(ReadLogTexts(), Contains("CheckForUpdate() buildNumber 0"));
+}
+
+TEST_F(OutlookVersionsTest, AVersionThatDoesNotStartWithADigitCountsAsOld)
+{
+    // Its language is unknown too, and so are all texts: the command has an empty caption.
+    RunToTheEnd({L"--office", L"beta 14.0"});
+    EXPECT_THAT(ReadLogTexts(), Contains("CConnect::OnConnection() m_spExplorer is not NULL "));
+}
+
+TEST_F(OutlookVersionsTest, AnOutlookThatEndsWithoutAWordEndsWell)
+{
+    for (const wchar_t* const version : {L"12", L"14"})
+    {
+        StartOutlook({L"--office", version, L"--fast-shutdown"});
+        WaitForStart();
+        PostMessageW(MainWindow(), WM_CLOSE, 0, 0);
+        EXPECT_EQ(m_outlook->WaitForExit(), 0u);
+        m_user.Finish();
+        EXPECT_THAT(Trace(), Contains("Outlook: fast shutdown"));
+    }
+    EXPECT_THAT(ReadLogTexts(), Not(Contains("CConnect::OnDisconnection")));
+}
+
+TEST_F(OutlookVersionsTest, TheLogTellsTheWholeRunInOrder)
+{
+    RunToTheEnd();
+    std::vector<std::string> log = ReadLogTexts();
+    // The check between is tested by itself.
+    const auto check = std::find(log.begin(), log.end(), "CheckForUpdate");
+    const auto end = std::find(log.begin(), log.end(), "CConnect::GetCustomUI");
+    ASSERT_LT(check, end);
+    log.erase(check, end);
+    // COM asks whether the DLL may be unloaded as often as it likes.
+    std::erase(log, "DllCanUnloadNow");
+    EXPECT_THAT(log, ElementsAre("DllGetClassObject", "CConnect::OnConnection",
+                                 "CConnect::OnConnection() ext_cm_Startup ",
+                                 "CConnect::OnConnection() check for updates ", "CConnect::GetCustomUI",
+                                 "CConnect::OnStartupComplete", "CConnect::OnDisconnection"));
+    for (const CLogEntry& entry : ReadLogEntries())
+    {
+        EXPECT_NE(entry.time, "") << entry.text;
+    }
+}
+
+TEST_F(OutlookVersionsTest, DebuggersHearWhatTheLogSaysEvenIfItIsOff)
+{
+    RunToTheEnd();
+    const std::vector<std::string> log = ReadLogTexts();
+    DeleteLog();
+    CRegistryValue off(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue);
+    off.SetDword(0);
+    CChildProcess outlook(
+        {.program = BuiltFile(kHost), .arguments = {L"--quit-after-startup"}, .debug = true});
+    ASSERT_EQ(outlook.WaitForExit(), 0u);
+    EXPECT_FALSE(FolderExists(LogFolder()));
+    EXPECT_THAT(outlook.DebugLines(), testing::IsSupersetOf(log));
+}
+
+TEST_F(OutlookVersionsTest, TheOfferSpeaksTheLanguageOfOffice)
+{
+    struct CLanguage
+    {
+        DWORD id;
+        const wchar_t* caption;
+        const wchar_t* install;
+        const wchar_t* description;
+    };
+    const CLanguage languages[] = {
+        {1033, L"New update available", L"Install", L"default"},
+        {1031, L"Neues Update verf\u00FCgbar", L"Installieren", L"deutsch"},
+        {3082, nullptr, nullptr, L"espa\u00F1ol"},
+        {1034, nullptr, nullptr, L"default"},
+        {1055, nullptr, nullptr, L"T\u00FCrk\u00E7e"},
+    };
+    Publish("{\"x64\":{\"majorVersion\":1,\"minorVersion\":3,\"buildNumber\":0,\"downloadLink\":\"http://h/"
+            "s.exe\","
+            "\"description\":{\"de\":\"deutsch\",\"es\":\"espa\xC3\xB1ol\",\"tr\":\"T\xC3\xBCrk\xC3\xA7"
+            "e\","
+            "\"default\":\"default\"}}}");
+    for (const CLanguage& language : languages)
+    {
+        SCOPED_TRACE(language.id);
+        CRegistryValue setting(HKEY_CURRENT_USER,
+                               L"SOFTWARE\\Microsoft\\Office\\14.0\\Common\\LanguageResources",
+                               L"UILanguage");
+        setting.SetDword(language.id);
+        m_user.OnDialogWith(kInstallButton,
+                            [](HWND dialog) { EXPECT_TRUE(ClickButton(dialog, kLaterButton)); });
+        RunToTheEnd();
+        ASSERT_EQ(m_seen.size(), 1u);
+        EXPECT_EQ(m_seen[0].Control(kDescriptionText), language.description);
+        EXPECT_NE(m_seen[0].caption, L"");
+        if (language.caption != nullptr)
+        {
+            EXPECT_EQ(m_seen[0].caption, language.caption);
+            EXPECT_EQ(m_seen[0].Control(kInstallButton), language.install);
+        }
+        else
+        {
+            EXPECT_NE(m_seen[0].caption, languages[0].caption);
+        }
+    }
+}
+
+} // namespace orva::test
