@@ -4,8 +4,7 @@
 // managers, LoadString, Tokenize, Trim, Replace, Insert, Delete, MakeUpper/MakeLower, AppendFormat,
 // FormatMessage, BSTR functions. Otherwise than the original:
 //  - Format is a template over the types of its arguments; see there for what it accepts and what it does
-//  when the
-//    text and the arguments do not agree. Floating-point numbers and pointers cannot be formatted.
+//    when the text and the arguments do not agree. Floating-point numbers and pointers cannot be formatted.
 //  - An index outside the text throws CInvalidArgException* in every build.
 //  - Between GetBuffer and ReleaseBuffer GetLength counts the whole buffer.
 #pragma once

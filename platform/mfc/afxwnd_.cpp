@@ -3,7 +3,6 @@
 
 #include "afxthreadstate.h"
 
-#include <algorithm>
 #include <utility>
 
 IMPLEMENT_DYNAMIC(CWnd, CCmdTarget)
@@ -154,47 +153,6 @@ void CWnd::SetOwner(CWnd* pOwnerWnd)
     m_hWndOwner = pOwnerWnd ? pOwnerWnd->m_hWnd : nullptr;
 }
 
-CWnd* CWnd::GetSafeOwner(CWnd* pParent, HWND* pTopLevel)
-{
-    return FromHandle(GetSafeOwner_(pParent ? pParent->m_hWnd : nullptr, pTopLevel));
-}
-
-HWND CWnd::GetSafeOwner_(HWND hWnd, HWND* pWndTopLevel)
-{
-    HWND start = hWnd;
-    if (!start)
-    {
-        const CWnd* main = AfxGetMainWnd();
-        start = main ? main->m_hWnd : nullptr;
-    }
-
-    HWND owner = start;
-    while (owner && (GetWindowLongPtr(owner, GWL_STYLE) & WS_CHILD))
-    {
-        owner = ::GetParent(owner);
-    }
-    HWND top = start;
-    while (const HWND above = top ? ::GetParent(top) : nullptr)
-    {
-        top = above;
-    }
-    if (!hWnd && owner)
-    {
-        owner = ::GetLastActivePopup(owner);
-    }
-
-    if (pWndTopLevel)
-    {
-        const bool isOther = top && top != owner && ::IsWindowEnabled(top);
-        *pWndTopLevel = isOther ? top : nullptr;
-        if (isOther)
-        {
-            ::EnableWindow(top, FALSE);
-        }
-    }
-    return owner;
-}
-
 CWnd* CWnd::GetActiveWindow()
 {
     return FromHandle(::GetActiveWindow());
@@ -331,53 +289,6 @@ BOOL CWnd::SetWindowPos(const CWnd* pWndInsertAfter, int x, int y, int cx, int c
     return ::SetWindowPos(m_hWnd, pWndInsertAfter ? pWndInsertAfter->m_hWnd : nullptr, x, y, cx, cy, nFlags);
 }
 
-void CWnd::CenterWindow(CWnd* pAlternateOwner)
-{
-    const bool isChild = (GetStyle() & WS_CHILD) != 0;
-    HWND over = isChild ? ::GetParent(m_hWnd) : ::GetWindow(m_hWnd, GW_OWNER);
-    if (pAlternateOwner)
-    {
-        over = pAlternateOwner->m_hWnd;
-    }
-
-    CRect center;
-    CRect limits;
-    if (isChild)
-    {
-        // A child's position counts from its parent's client area.
-        const HWND parent = ::GetParent(m_hWnd);
-        ::GetClientRect(parent, limits);
-        ::GetClientRect(over, center);
-        MapWindowPoints(over, parent, reinterpret_cast<POINT*>(&center), 2);
-    }
-    else
-    {
-        // Nobody would look for a window over one that is not to be seen.
-        if (over && (!::IsWindowVisible(over) || IsIconic(over)))
-        {
-            over = nullptr;
-        }
-        MONITORINFO monitor = {};
-        monitor.cbSize = sizeof monitor;
-        GetMonitorInfo(MonitorFromWindow(over, MONITOR_DEFAULTTOPRIMARY), &monitor);
-        limits = monitor.rcWork;
-        center = limits;
-        if (over)
-        {
-            ::GetWindowRect(over, center);
-        }
-    }
-
-    CRect own;
-    GetWindowRect(own);
-    const auto place = [](int low, int high, int size, int lowest, int highest) {
-        return std::max(lowest, std::min((low + high - size) / 2, highest - size));
-    };
-    ::SetWindowPos(m_hWnd, nullptr, place(center.left, center.right, own.Width(), limits.left, limits.right),
-                   place(center.top, center.bottom, own.Height(), limits.top, limits.bottom), 0, 0,
-                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
-
 void CWnd::Invalidate(BOOL bErase)
 {
     InvalidateRect(m_hWnd, nullptr, bErase);
@@ -420,65 +331,6 @@ BOOL CWnd::UpdateData(BOOL bSaveAndValidate)
 }
 
 void CWnd::DoDataExchange(CDataExchange*) {}
-
-BOOL CWnd::CheckAutoCenter()
-{
-    return TRUE;
-}
-
-BOOL CWnd::PreTranslateMessage(MSG*)
-{
-    return FALSE;
-}
-
-int CWnd::RunModalLoop(DWORD)
-{
-    m_bInModalLoop = true;
-    m_bContinueModal = true;
-    if (!IsWindowVisible())
-    {
-        ShowWindow(SW_SHOWNORMAL);
-        UpdateWindow();
-    }
-    while (ContinueModal())
-    {
-        MSG message;
-        const BOOL fetched = ::GetMessage(&message, nullptr, 0, 0);
-        if (fetched <= 0)
-        {
-            if (fetched == 0)
-            {
-                PostQuitMessage(int(message.wParam));
-            }
-            m_nModalResult = -1;
-            break;
-        }
-        if (!PreTranslateMessage(&message))
-        {
-            TranslateMessage(&message);
-            DispatchMessage(&message);
-        }
-    }
-    m_bInModalLoop = false;
-    m_bContinueModal = false;
-    return m_nModalResult;
-}
-
-BOOL CWnd::ContinueModal()
-{
-    return m_bContinueModal && m_hWnd;
-}
-
-void CWnd::EndModalLoop(int nResult)
-{
-    m_nModalResult = nResult;
-    if (m_bContinueModal)
-    {
-        m_bContinueModal = false;
-        // Wakes the loop, which may be waiting for a message.
-        PostMessage(WM_NULL);
-    }
-}
 
 BOOL CWnd::OnEraseBkgnd(CDC*)
 {

@@ -28,6 +28,7 @@ public:
     ~CWnd() override;
 
     operator HWND() const;
+    /// Null without a window. Not for null pointers, which the original lets pass here.
     HWND GetSafeHwnd() const;
 
     /// The object of that window on this thread; a temporary one when the window was not attached. Null for

@@ -1,4 +1,4 @@
-// Modal dialogs: templates, keys and buttons, results, bound controls, failures, placement.
+// Modal dialogs: templates, keys and buttons, results, bound controls, failures.
 #include "MfcResources.h"
 #include "MfcTestWindow.h"
 #include "harness/DebugOutput.h"
@@ -29,17 +29,8 @@ public:
     std::function<void(CTestDialog&)> m_onAct;
     BOOL m_initResult = TRUE;
     std::vector<std::string> m_calls;
-    RECT m_shownAt = {}; ///< before a window manager had a say
 
 protected:
-    BOOL OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) override
-    {
-        if (message == WM_SHOWWINDOW && wParam)
-        {
-            GetWindowRect(&m_shownAt);
-        }
-        return CDialog::OnWndMsg(message, wParam, lParam, result);
-    }
     BOOL OnInitDialog() override
     {
         CDialog::OnInitDialog();
@@ -441,87 +432,6 @@ TEST_F(MfcDialog, EndsWithMinusOneWhenItsWindowIsDestroyed)
     EXPECT_EQ(-1, RunWith(dialog, L"Plain", [](HWND window) { Click(window, IDC_ACT); }));
     EXPECT_TRUE(IsWindowEnabled(owner));
     parent.Detach();
-}
-
-class MfcDialogPlace : public MfcDialog
-{
-protected:
-    MfcDialogPlace()
-    {
-        SetWindowPos(m_owner, nullptr, 200, 150, 700, 600, SWP_NOZORDER);
-        m_parent.Attach(m_owner);
-    }
-    ~MfcDialogPlace() override { m_parent.Detach(); }
-
-    RECT PlaceOf(CTestDialog& dialog, const wchar_t* caption)
-    {
-        RunWith(dialog, caption, [](HWND window) { Click(window, IDOK); });
-        return dialog.m_shownAt;
-    }
-    void ExpectCentred(const RECT& rect)
-    {
-        RECT owner = {};
-        GetWindowRect(m_owner, &owner);
-        EXPECT_NEAR(owner.left + owner.right, rect.left + rect.right, 2);
-        EXPECT_NEAR(owner.top + owner.bottom, rect.top + rect.bottom, 2);
-    }
-    POINT OwnersClientOrigin() const
-    {
-        POINT origin = {0, 0};
-        ClientToScreen(m_owner, &origin);
-        return origin;
-    }
-
-    // Without a caption, so that no window manager moves it.
-    const CTestWindow m_owner{nullptr, WS_POPUP | WS_VISIBLE};
-    CWnd m_parent;
-};
-
-TEST_F(MfcDialogPlace, IsCentredOverItsOwner)
-{
-    CTestDialog dialog(IDD_PLAIN, &m_parent);
-    ExpectCentred(PlaceOf(dialog, L"Plain"));
-}
-
-TEST_F(MfcDialogPlace, TemplateOfTheOldFormIsCentredToo)
-{
-    CTestDialog dialog(IDD_OLD_FORM, &m_parent);
-    ExpectCentred(PlaceOf(dialog, L"Old form"));
-}
-
-TEST_F(MfcDialogPlace, TemplateWithAPositionKeepsIt)
-{
-    CTestDialog dialog(IDD_POSITIONED, &m_parent);
-    const RECT rect = PlaceOf(dialog, L"Positioned");
-    const POINT origin = OwnersClientOrigin();
-    // Some dialog units right of and below the owner's corner; whether its frame counts differs by system.
-    EXPECT_GT(rect.left, origin.x + 20);
-    EXPECT_LT(rect.left, origin.x + 80);
-    EXPECT_GT(rect.top, origin.y - 10);
-    EXPECT_LT(rect.top, origin.y + 60);
-}
-
-TEST_F(MfcDialogPlace, TemplateOfTheOldFormWithAPositionKeepsIt)
-{
-    CTestDialog dialog(IDD_OLD_POSITIONED, &m_parent);
-    EXPECT_LT(PlaceOf(dialog, L"Old positioned").left, OwnersClientOrigin().x + 80);
-}
-
-TEST_F(MfcDialogPlace, AbsolutePlacementIsNotCentred)
-{
-    CTestDialog dialog(IDD_ABSOLUTE, &m_parent);
-    EXPECT_LT(PlaceOf(dialog, L"Absolute").left, 100);
-}
-
-TEST_F(MfcDialogPlace, DialogMovedByOnInitDialogStaysThere)
-{
-    CTestDialog dialog(IDD_PLAIN, &m_parent);
-    dialog.m_onInit = [](CTestDialog& self) {
-        self.SetWindowPos(nullptr, 33, 44, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-    };
-    const RECT rect = PlaceOf(dialog, L"Plain");
-    EXPECT_EQ(33, rect.left);
-    EXPECT_EQ(44, rect.top);
 }
 
 } // namespace
