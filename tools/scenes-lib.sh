@@ -124,7 +124,10 @@ ask_for_facts() {
     else
         asked start-fetched "at Outlook's start the add-in read $update_info_path, compressed with gzip"
     fi
-    [ -z "$show" ] || return 0
+    if [ -n "$show" ]; then
+        asked ended "Outlook ended by itself"
+        return
+    fi
     asked started "Outlook's start was completed"
     asked start-enabled "after the start-up check Outlook's window could be used"
     case $outcome in
@@ -284,7 +287,6 @@ play_the_request() {
 }
 
 play_the_end() {
-    local status=0
     catch_up
     if [ -n "$main_window" ]; then
         tell user "closes Outlook"
@@ -293,13 +295,18 @@ play_the_end() {
     fi
     watch 30 is_over || true
     if is_over; then
-        wait "$host_pid" || status=$?
-        tell Outlook "has ended with status $status"
-        [ "$status" -ne 0 ] || seen ended
+        tell_the_end
     else
         tell "" "Outlook did not end"
     fi
+}
+
+tell_the_end() {
+    local status=0
     catch_up
+    wait "$host_pid" || status=$?
+    tell Outlook "has ended with status $status"
+    [ "$status" -ne 0 ] || seen ended
 }
 
 is_over() { ! kill -0 "$host_pid" 2>/dev/null; }
@@ -313,7 +320,7 @@ play_for_a_person() {
         fi
         catch_up
     done
-    catch_up
+    tell_the_end
     examine_download
 }
 
