@@ -74,8 +74,8 @@ BOOL CUpdateAvailableDlg::OnEraseBkgnd(CDC* pDC)
 HBRUSH CUpdateAvailableDlg::OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor)
 {
     const HWND control = pWnd->GetSafeHwnd();
-    if (control == GetDlgItem(IDC_UPDATE_AVAILABLE_VERSION)->GetSafeHwnd() ||
-        control == GetDlgItem(IDC_UPDATE_INSTALLED_VERSION)->GetSafeHwnd())
+    if (control == ::GetDlgItem(m_hWnd, IDC_UPDATE_AVAILABLE_VERSION) ||
+        control == ::GetDlgItem(m_hWnd, IDC_UPDATE_INSTALLED_VERSION))
     {
         return MakeControlWhite(*pDC);
     }
