@@ -82,6 +82,51 @@ std::wstring Quoted(const std::wstring& argument)
     return quoted + L"\"";
 }
 
+/// A job that every program started here belongs to, and every program that these start. The system ends them
+/// all when this process is gone, however it ended: nothing may wait for a person then.
+HANDLE TheJob()
+{
+    static const HANDLE job = [] {
+        const HANDLE created = CreateJobObjectW(nullptr, nullptr);
+        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+        SetInformationJobObject(created, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+        return created;
+    }();
+    return job;
+}
+
+/// Names the only handles that a new program inherits. This process's own output would be one of the others,
+/// and whoever reads that would wait for the last program that holds it.
+class CInheritedHandles
+{
+public:
+    explicit CInheritedHandles(std::vector<HANDLE> handles) : m_handles(std::move(handles))
+    {
+        SIZE_T size = 0;
+        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        m_bytes.resize(size);
+        if (!InitializeProcThreadAttributeList(Get(), 1, 0, &size) ||
+            !UpdateProcThreadAttribute(Get(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, m_handles.data(),
+                                       m_handles.size() * sizeof(HANDLE), nullptr, nullptr))
+        {
+            throw std::runtime_error("cannot choose the handles to be inherited");
+        }
+    }
+    ~CInheritedHandles() { DeleteProcThreadAttributeList(Get()); }
+    CInheritedHandles(const CInheritedHandles&) = delete;
+    CInheritedHandles& operator=(const CInheritedHandles&) = delete;
+
+    LPPROC_THREAD_ATTRIBUTE_LIST Get()
+    {
+        return reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_bytes.data());
+    }
+
+private:
+    std::vector<HANDLE> m_handles;
+    std::vector<BYTE> m_bytes;
+};
+
 } // namespace
 
 /// The process, a thread that reads its output and, under a debugger, a thread that started it and hears its
@@ -179,25 +224,29 @@ private:
         SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
         const UniqueHandle nothing(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                                &inherit, OPEN_EXISTING, 0, nullptr));
-        STARTUPINFOW startup = {};
-        startup.cb = sizeof startup;
-        startup.dwFlags = STARTF_USESTDHANDLES;
-        startup.hStdInput = nothing.get();
-        startup.hStdOutput = m_writeEnd.get();
-        startup.hStdError = m_writeEnd.get();
+        CInheritedHandles inherited({nothing.get(), m_writeEnd.get()});
+        STARTUPINFOEXW startup = {};
+        startup.StartupInfo.cb = sizeof startup;
+        startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+        startup.StartupInfo.hStdInput = nothing.get();
+        startup.StartupInfo.hStdOutput = m_writeEnd.get();
+        startup.StartupInfo.hStdError = m_writeEnd.get();
+        startup.lpAttributeList = inherited.Get();
         std::wstring commandLine = JoinCommandLine(m_options.program, m_options.arguments);
         std::wstring environment = EnvironmentBlock(m_options.environment);
         PROCESS_INFORMATION information = {};
-        DWORD flags = CREATE_UNICODE_ENVIRONMENT;
+        DWORD flags = CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT | CREATE_SUSPENDED;
         if (m_options.debug)
         {
             flags |= DEBUG_ONLY_THIS_PROCESS;
         }
         if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, environment.data(),
-                           m_options.folder.empty() ? nullptr : m_options.folder.c_str(), &startup,
-                           &information))
+                           m_options.folder.empty() ? nullptr : m_options.folder.c_str(),
+                           &startup.StartupInfo, &information))
         {
             m_process.reset(information.hProcess);
+            AssignProcessToJobObject(TheJob(), information.hProcess);
+            ResumeThread(information.hThread);
             CloseHandle(information.hThread);
             id = information.dwProcessId;
         }

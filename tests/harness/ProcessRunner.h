@@ -25,7 +25,8 @@ struct CProcessOptions
     bool debug = false;
 };
 
-/// A running program. Standard output and standard error are captured together; standard input is empty.
+/// A running program. It ends with this process at the latest, and so does what it starts. Standard output
+/// and standard error are captured together; standard input is empty.
 class CChildProcess
 {
 public:

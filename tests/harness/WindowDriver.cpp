@@ -25,6 +25,23 @@ std::optional<DWORD_PTR> Ask(HWND window, UINT message, WPARAM wParam, LPARAM lP
     return result;
 }
 
+/// The text that the system keeps for a window. Its thread is not asked, so it may be busy.
+std::wstring KeptText(HWND window)
+{
+    std::wstring text(256, L'\0');
+    for (;;)
+    {
+        const auto length =
+            static_cast<size_t>(InternalGetWindowText(window, text.data(), static_cast<int>(text.size())));
+        if (length + 1 < text.size())
+        {
+            text.resize(length);
+            return text;
+        }
+        text.resize(text.size() * 2);
+    }
+}
+
 BOOL CALLBACK AddWindow(HWND window, LPARAM list)
 {
     reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
@@ -85,6 +102,14 @@ bool WaitUntilEnabled(HWND window, bool enabled, DWORD timeout)
 
 std::wstring WindowText(HWND window)
 {
+    const std::wstring className = WindowClassName(window);
+    for (const wchar_t* const systems : {L"Static", L"Button", kDialogClass})
+    {
+        if (className == systems)
+        {
+            return KeptText(window);
+        }
+    }
     const auto length = Ask(window, WM_GETTEXTLENGTH, 0, 0);
     if (!length || *length == 0)
     {
@@ -139,7 +164,7 @@ std::wstring ChildText(HWND window, int id)
 std::wstring WaitForChildText(HWND window, int id, const std::wstring& text, DWORD timeout)
 {
     std::wstring current;
-    WaitUntil([&] { return (current = ChildText(window, id)) == text; }, timeout);
+    WaitUntil([&] { return (current = ChildText(window, id)) == text || !IsWindow(window); }, timeout);
     return current;
 }
 

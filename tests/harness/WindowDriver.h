@@ -36,8 +36,9 @@ HWND WaitForWindow(const CWindowQuery& query, DWORD timeout = kPatience);
 bool WaitUntilGone(HWND window, DWORD timeout = kPatience);
 bool WaitUntilEnabled(HWND window, bool enabled = true, DWORD timeout = kPatience);
 
-/// A window's text, asked for with WM_GETTEXT (so a control of another process answers too); empty if the
-/// window does not answer within its patience.
+/// A window's text. Dialogs, statics and buttons are read without asking their thread, so that one that is
+/// busy can be read too; every other window is asked with WM_GETTEXT, and gives an empty text if it does not
+/// answer within 2 s.
 std::wstring WindowText(HWND window);
 std::wstring WindowClassName(HWND window);
 DWORD WindowProcess(HWND window);
@@ -46,7 +47,7 @@ std::vector<HWND> ChildWindows(HWND window);
 /// The control with this id, or null.
 HWND ChildById(HWND window, int id);
 std::wstring ChildText(HWND window, int id);
-/// Waits until the control's text is `text`; returns the text it has at the end.
+/// Waits until the control's text is `text` or the window is gone; returns the text that was read last.
 std::wstring WaitForChildText(HWND window, int id, const std::wstring& text, DWORD timeout = kPatience);
 
 /// Clicks a button by posting BM_CLICK, so that the call does not wait for what the click leads to. False if

@@ -189,6 +189,24 @@ TEST(WatchdogTest, EndsAHungTestAndNamesIt)
     EXPECT_THAT(result.output, HasSubstr("Last part: waiting for nothing"));
 }
 
+TEST(ProcessRunnerTest, ProgramsEndWithTheProcessThatStartedThem)
+{
+    std::optional<CChildProcess> starter(
+        std::in_place, CProcessOptions{.program = BuiltFile(L"test_harness_tests.exe"),
+                                       .arguments = {L"--gtest_filter=HelperProgram.StartsAnother"},
+                                       .environment = {{L"ORVA_HELPER", L"1"}}});
+    const std::string mark = "started ";
+    ASSERT_TRUE(WaitUntil(
+        [&] { return starter->Output().find("\n", starter->Output().find(mark)) != std::string::npos; }));
+    const std::string output = starter->Output();
+    const UniqueHandle other(
+        OpenProcess(SYNCHRONIZE, FALSE, std::stoul(output.substr(output.find(mark) + mark.size()))));
+    ASSERT_TRUE(other);
+    EXPECT_EQ(WaitForSingleObject(other.get(), 0), static_cast<DWORD>(WAIT_TIMEOUT));
+    starter->End();
+    EXPECT_EQ(WaitForSingleObject(other.get(), kPatience), WAIT_OBJECT_0);
+}
+
 TEST(WatchdogTest, ACrashEndsTheProgramWithItsAddress)
 {
     CChildProcess process(

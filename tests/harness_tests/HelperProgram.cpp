@@ -1,7 +1,11 @@
 // What the harness's own tests start as another program: it waits, speaks, hangs or crashes on request.
+#include "harness/Files.h"
+#include "harness/ProcessRunner.h"
 #include "harness/Watchdog.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdio>
 
 namespace orva::test
 {
@@ -39,6 +43,18 @@ TEST(HelperProgram, Hangs)
     {
         SetTestDeadline(300);
         NoteTestPart("waiting for nothing");
+        Sleep(INFINITE);
+    }
+}
+
+TEST(HelperProgram, StartsAnother)
+{
+    if (IsAsked())
+    {
+        const CChildProcess other({.program = BuiltFile(L"test_harness_tests.exe"),
+                                   .arguments = {L"--gtest_filter=HelperProgram.Waits"}});
+        std::printf("started %lu\n", static_cast<unsigned long>(other.Id()));
+        std::fflush(stdout);
         Sleep(INFINITE);
     }
 }
