@@ -26,6 +26,7 @@ constexpr const wchar_t* kRegisteredKeys[] = {
     L"Software\\Classes\\CLSID\\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}",
     L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}",
     L"Software\\Classes\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}",
+    L"Software\\Classes\\Wow6432Node\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}",
 };
 
 /// What the registration of the host's type libraries writes.
@@ -88,6 +89,27 @@ private:
 testing::Environment* const g_machine = testing::AddGlobalTestEnvironment(new CMachine);
 
 } // namespace
+
+std::vector<std::string> CLogReader::NewLines()
+{
+    std::vector<std::string> lines = ReadLogTexts();
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(m_read));
+    m_read += lines.size();
+    return lines;
+}
+
+CAddInCopy::CAddInCopy(const std::string& before, const std::string& after)
+{
+    std::string bytes = ReadFileBytes(BuiltFile(kAddInModule)).value_or("");
+    const size_t found = bytes.find(before);
+    if (before.size() != after.size() || found == std::string::npos ||
+        bytes.find(before, found + 1) != std::string::npos)
+    {
+        throw std::runtime_error("the DLL does not hold the bytes exactly once");
+    }
+    bytes.replace(found, before.size(), after);
+    WriteFileBytes(Path(), bytes);
+}
 
 CAddInModule::CAddInModule() : CAddInModule(BuiltFile(kAddInModule)) {}
 
@@ -216,7 +238,6 @@ CAddInTest::CAddInTest()
         m_languages.back()->SetDword(kEnglish);
     }
     m_module = std::make_unique<CAddInModule>();
-    m_logLines = ReadLogTexts().size();
 }
 
 CAddInTest::~CAddInTest()
@@ -230,6 +251,12 @@ CAddInTest::~CAddInTest()
     {
         m_languages.pop_back();
     }
+}
+
+void CAddInTest::LoadInstead(const std::wstring& path)
+{
+    ReleaseAll();
+    m_module = std::make_unique<CAddInModule>(path);
 }
 
 void CAddInTest::Create()
@@ -269,14 +296,6 @@ void CAddInTest::ReleaseAll()
     EXPECT_EQ(m_module->CanUnloadNow(), S_OK);
     m_module.reset();
     EXPECT_FALSE(CAddInModule::IsLoaded());
-}
-
-std::vector<std::string> CAddInTest::NewLogLines()
-{
-    std::vector<std::string> lines = ReadLogTexts();
-    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(m_logLines));
-    m_logLines += lines.size();
-    return lines;
 }
 
 } // namespace orva::test

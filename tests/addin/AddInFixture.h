@@ -6,6 +6,7 @@
 #include "harness/LogFile.h"
 #include "harness/LoopbackServer.h"
 #include "harness/ProxySetting.h"
+#include "harness/TempFolder.h"
 #include "harness/UserScript.h"
 
 #include <gmock/gmock.h>
@@ -38,6 +39,32 @@ inline constexpr wchar_t kLatest[] = L"You already have the latest version of th
 inline constexpr char kSameVersion[] = R"({"x64":{"majorVersion":1,"minorVersion":2,"buildNumber":0}})";
 /// A control that only the About dialog has: its close button.
 inline constexpr int kAboutClose = 224;
+
+/// Reads the log as it grows.
+class CLogReader
+{
+public:
+    CLogReader() : m_read(ReadLogTexts().size()) {}
+    /// The lines since the last call, or since construction.
+    std::vector<std::string> NewLines();
+
+private:
+    size_t m_read;
+};
+
+/// A copy of the DLL under its own name, in a folder of its own, with some of its bytes changed.
+class CAddInCopy
+{
+public:
+    /// Puts `after` in the place of `before`, which is as long and occurs exactly once; otherwise throws
+    /// std::runtime_error.
+    CAddInCopy(const std::string& before, const std::string& after);
+
+    std::wstring Path() const { return m_folder.File(kAddInModule); }
+
+private:
+    CTempFolder m_folder;
+};
 
 /// The loaded DLL and its exports. Throws std::runtime_error when it cannot be loaded.
 class CAddInModule
@@ -118,6 +145,8 @@ protected:
     CAddInTest();
     ~CAddInTest() override;
 
+    /// Unloads the DLL and loads this one in its place.
+    void LoadInstead(const std::wstring& path);
     /// Makes the add-in's object through its class object.
     void Create();
     /// Makes it and connects it to m_outlook. Mode 0 unless told otherwise: no start-up check.
@@ -140,7 +169,7 @@ protected:
     Microsoft::WRL::ComPtr<IDispatch> Dispatch() { return Query<IDispatch>(IID_IDispatch); }
 
     /// The log's lines since the last call, or since the test began.
-    std::vector<std::string> NewLogLines();
+    std::vector<std::string> NewLogLines() { return m_log.NewLines(); }
     void Publish(const std::string& text) { m_server.On(kUpdateInfoPath, CHttpReply(200, text)); }
 
     CHostWindow m_host;
@@ -153,7 +182,7 @@ protected:
     Microsoft::WRL::ComPtr<IUnknown> m_object;
 
 private:
-    size_t m_logLines = 0;
+    CLogReader m_log;
 };
 
 } // namespace orva::test

@@ -12,7 +12,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
-using testing::StartsWith;
 
 constexpr wchar_t kOutlook2007[] = L"12.0.6423.1000";
 constexpr wchar_t kOutlook2010[] = L"14.0.4760.1000";

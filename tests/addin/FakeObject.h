@@ -42,8 +42,8 @@ using CCallRecord = std::vector<CMemberCall>;
 /// The members called, in order.
 std::vector<std::string> MemberNames(const CCallRecord& record);
 
-/// A late-bound object with the members that it was given. Starts with one reference, for ComPtr::Attach. The
-/// record must outlive it.
+/// A late-bound object with the members that it was given. Starts without a
+/// reference. The record must outlive it.
 class CFakeObject : public IDispatch
 {
 public:
@@ -93,7 +93,7 @@ private:
     std::string m_name;
     std::vector<IID> m_interfaces;
     std::map<DISPID, Member> m_members;
-    LONG m_references = 1;
+    LONG m_references = 0;
 };
 
 } // namespace orva::test

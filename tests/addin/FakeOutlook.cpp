@@ -21,9 +21,7 @@ constexpr long kMenus = 7;
 
 ComPtr<CFakeObject> Make(CCallRecord& record, const char* name, std::vector<IID> interfaces)
 {
-    ComPtr<CFakeObject> object;
-    object.Attach(new CFakeObject(record, name, std::move(interfaces)));
-    return object;
+    return ComPtr<CFakeObject>(new CFakeObject(record, name, std::move(interfaces)));
 }
 
 } // namespace
@@ -133,7 +131,7 @@ CFakeOutlook::CFakeOutlook(const wchar_t* version)
           Make(record, "helpMenu", {__uuidof(Office::CommandBarPopup), __uuidof(Office::CommandBarControl)})),
       commands(Make(record, "commands", {__uuidof(Office::CommandBarControls)}))
 {
-    button.Attach(new CFakeButton(record));
+    button = new CFakeButton(record);
     application->Give(L"Version", _variant_t(version));
     application->GiveObject(L"ActiveExplorer", explorer.Get());
     explorer->GiveObject(L"CommandBars", commandBars.Get());

@@ -7,7 +7,6 @@ namespace
 {
 
 using Microsoft::WRL::ComPtr;
-using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Not;
