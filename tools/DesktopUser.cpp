@@ -177,6 +177,15 @@ public:
             command >> id;
             std::cout << (Press(window, id) ? "done\n" : "failed\n");
         }
+        else if (verb == "await")
+        {
+            int id = 0;
+            DWORD patience = 0;
+            std::string text;
+            command >> id >> patience >> std::ws;
+            std::getline(command, text);
+            std::cout << (Await(window, id, text, patience) ? "done\n" : "failed\n");
+        }
         else if (verb == "close")
         {
             std::cout << (PostMessageW(window, WM_CLOSE, 0, 0) ? "done\n" : "failed\n");
@@ -249,6 +258,21 @@ private:
                 // Posted: the click may open a modal window, and this program has to go on meanwhile.
                 return IsWindowEnabled(control) && PostMessageW(control, BM_CLICK, 0, 0);
             }
+        }
+        return false;
+    }
+
+    static bool Await(HWND window, int id, const std::string& text, DWORD patience)
+    {
+        const ULONGLONG deadline = GetTickCount64() + patience;
+        while (IsWindow(window) && GetTickCount64() < deadline)
+        {
+            const HWND control = GetDlgItem(window, id);
+            if (control != nullptr && Field(TextOf(control)) == text)
+            {
+                return true;
+            }
+            Sleep(kPollInterval);
         }
         return false;
     }

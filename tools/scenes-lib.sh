@@ -213,6 +213,15 @@ is_enabled() {
     [ "$(window_state)" = enabled ]
 }
 
+# A dialog may be gone a moment before its owner is enabled.
+becomes_enabled() {
+    local deadline=$((SECONDS + 10))
+    until is_enabled "$1"; do
+        ((SECONDS < deadline)) || return 1
+        sleep 0.1
+    done
+}
+
 play() {
     phase=start main_window='' about_window=''
     pictures=$out
@@ -245,7 +254,7 @@ play_the_start() {
     if is_seen progress && [ "$answer" = install ]; then
         watch 30 are_seen installer-window downloaded-whole || true
     fi
-    if [ -n "$main_window" ] && is_enabled "$main_window"; then
+    if [ -n "$main_window" ] && becomes_enabled "$main_window"; then
         seen start-enabled
         picture outlook
     fi
@@ -281,7 +290,7 @@ play_the_request() {
     esac
     catch_up
     is_seen command || seen no-command
-    if is_seen request-asked && is_enabled "$main_window"; then
+    if is_seen request-asked && becomes_enabled "$main_window"; then
         seen request-enabled
     fi
 }

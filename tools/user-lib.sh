@@ -101,17 +101,16 @@ picture() {
     # What it looks like, once it has come to the top and been drawn.
     xdotool windowraise "$id" 2>/dev/null || true
     sleep 0.3
-    quick_picture "$1"
+    picture_of "$id" "$1"
 }
 
-# quick_picture NAME: of a window that will not be there for long.
-quick_picture() {
-    local file id
-    id=$(x_window)
+# picture_of ID NAME: of an X11 window as it is now.
+picture_of() {
+    local id=$1 file
     # Without a window to look at, import would wait for somebody to click on one.
     [ "$id" != 0 ] || return 0
     picture_count=$((picture_count + 1))
-    printf -v file '%s/%02d-%s.png' "$pictures" "$picture_count" "$1"
+    printf -v file '%s/%02d-%s.png' "$pictures" "$picture_count" "$2"
     timeout 20 /usr/bin/import -silent -window "$id" -frame "$file" 2>/dev/null || rm -f "$file"
 }
 

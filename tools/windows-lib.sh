@@ -104,25 +104,27 @@ meet_download() {
     [ "$percent" -lt 10 ] || seen progress
     picture download
     if [ "$answer" = cancel ]; then
-        tell user "presses \"${control_text[2]:-}\""
-        press 2
-        # It stays for a second after the worker has ended.
-        until [ "$(text_at IDC_DOWNLOAD_STATUS)" = "$(text_of IDS_DOWNLOAD_CANCELED)" ]; do
-            command_user "state $window"
-            if ((SECONDS >= deadline)) || [ "${reply[0]}" = gone ]; then
-                break
-            fi
-            read_window
-        done
-        if [ "$(text_at IDC_DOWNLOAD_STATUS)" = "$(text_of IDS_DOWNLOAD_CANCELED)" ]; then
-            quick_picture download-canceled
-            tell user "sees \"$(text_at IDC_DOWNLOAD_STATUS)\""
-            seen cancel-shown
-        fi
+        cancel_download
     fi
     if wait_gone 60; then
         tell user "sees the download close"
         seen download-closed
+    fi
+}
+
+# The dialog stays for one second after Cancel, so nothing may take long here.
+cancel_download() {
+    local text status id
+    text=$(text_of IDS_DOWNLOAD_CANCELED)
+    status=$(id_of IDC_DOWNLOAD_STATUS)
+    id=$(x_window)
+    tell user "presses \"${control_text[2]:-}\""
+    press 2
+    command_user "await $window $status 10000 $text"
+    if [ "${reply[0]}" = "done" ]; then
+        picture_of "$id" download-canceled
+        tell user "sees \"$text\""
+        seen cancel-shown
     fi
 }
 
