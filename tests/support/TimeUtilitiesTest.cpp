@@ -1,9 +1,14 @@
 // HTTP dates, month names and time-stamp texts.
 #include "support/TimeUtilities.h"
 
-#include <gtest/gtest.h>
+#include "harness/ProcessRunner.h"
+
+#include <gmock/gmock.h>
+
+#include <windows.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <stdexcept>
 
 namespace
@@ -113,10 +118,28 @@ TEST(ParseHttpDate, NumbersBeyondTheRangeOfIntDoNoHarm)
         EXPECT_EQ(ErrorOf(text), "no error") << text;
 }
 
-TEST(ParseHttpDate, KeepsTheHourAcrossTheChangesOfSummerTime)
+TEST(ParseHttpDateChild, DISABLED_PrintsSummerAndWinter)
 {
-    EXPECT_EQ(Fields(ParseHttpDate("Fri, 15 Jul 2011 12:00:00 GMT")), "111-6-15 12:0:0 5/195");
-    EXPECT_EQ(Fields(ParseHttpDate("Sat, 15 Jan 2011 12:00:00 GMT")), "111-0-15 12:0:0 6/14");
+    for (const char* text : {"Fri, 15 Jul 2011 12:00:00 GMT", "Sat, 15 Jan 2011 12:00:00 GMT"})
+    {
+        const struct tm date = ParseHttpDate(text);
+        std::printf("%s summer time %d\n", Fields(date).c_str(), date.tm_isdst);
+    }
+}
+
+// The zone of a process is fixed when it starts, so this takes a process of its own.
+TEST(ParseHttpDate, KeepsTheHourInSummerAndWinterAndSaysWhichItIs)
+{
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    orva::test::CProcessOptions options;
+    options.program = program;
+    options.arguments = {L"--gtest_also_run_disabled_tests", L"--gtest_filter=ParseHttpDateChild.*"};
+    options.environment = {{L"TZ", L"America/Los_Angeles"}};
+    orva::test::CChildProcess child(options);
+    EXPECT_EQ(child.WaitForExit(), 0U);
+    EXPECT_THAT(child.Output(), testing::HasSubstr("111-6-15 12:0:0 5/195 summer time 1"));
+    EXPECT_THAT(child.Output(), testing::HasSubstr("111-0-15 12:0:0 6/14 summer time 0"));
 }
 
 TEST(TimestampStrings, AreTheSecondsSince1970InDecimal)
