@@ -1,8 +1,6 @@
 // The rules of COM for the class object, for the object on its own and aggregated, and for the module's life.
 #include "addin/AddInFixture.h"
 
-#include "harness/Files.h"
-
 #include <olectl.h>
 
 namespace orva::test

@@ -339,6 +339,30 @@ TEST_F(MenuCommandTest, AClickShowsAboutOwnedByTheHostWindowAndLeavesCancelDefau
     EXPECT_EQ(Disconnect(), S_OK);
 }
 
+// The dialog has no parent of its own, so its owner is the active window; what the add-in itself disables is
+// the window that stands on top.
+TEST_F(MenuCommandTest, AClickDisablesTheTopmostWindowOfTheHostWhileAboutIsShown)
+{
+    Lines();
+    const CHostWindow topmost;
+    SetWindowPos(topmost.Handle(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    SetActiveWindow(m_host.Handle());
+    bool wasEnabled = true;
+    m_user.OnDialogWith(kAboutClose, [&](HWND dialog) {
+        wasEnabled = IsWindowEnabled(topmost.Handle());
+        ClickButton(dialog, kAboutClose);
+    });
+    m_user.Start();
+    m_outlook->button->Click();
+    const std::vector<CSeenWindow> seen = m_user.Finish();
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(seen[0].owner, m_host.Handle());
+    EXPECT_FALSE(wasEnabled);
+    EXPECT_TRUE(IsWindowEnabled(topmost.Handle()));
+    EXPECT_TRUE(IsWindowEnabled(m_host.Handle()));
+    EXPECT_EQ(Disconnect(), S_OK);
+}
+
 TEST_F(MenuCommandTest, TheNextClickShowsAboutAgain)
 {
     Lines();

@@ -286,7 +286,7 @@ TEST_F(RegistrationTest, RegisteringRepairsChangedValues)
 
 TEST_F(RegistrationTest, UnregistrationRemovesAllOfItAndLeavesOutlooksListOfAddIns)
 {
-    Mark(Extent::Everything);
+    Mark();
     EXPECT_EQ(m_module->Register(), S_OK);
     m_log.NewLines();
     EXPECT_EQ(m_module->Unregister(), S_OK);
