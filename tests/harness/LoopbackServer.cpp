@@ -6,10 +6,8 @@
 #include "harness/Text.h"
 
 #include <process.h>
-#include <strings.h>
 
 #include <algorithm>
-#include <charconv>
 #include <deque>
 #include <map>
 #include <mutex>
@@ -26,117 +24,7 @@ constexpr size_t kMaxHead = 1 << 20;
 /// How long a graceful close waits for the client's end, in milliseconds; longer than any client needs.
 constexpr DWORD kLinger = 2'000;
 
-struct SocketLibrary
-{
-    SocketLibrary()
-    {
-        WSADATA data;
-        if (WSAStartup(MAKEWORD(2, 2), &data) != 0)
-        {
-            throw std::runtime_error("no sockets");
-        }
-    }
-};
-
-/// Keeps a socket from programs that are started meanwhile: they would hold the port, or the connection,
-/// open.
-void KeepToThisProcess(SOCKET socket)
-{
-    SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
-}
-
-/// A TCP socket bound to a free port of 127.0.0.1.
-SOCKET BoundSocket(unsigned short& port)
-{
-    static const SocketLibrary library;
-    const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    int length = sizeof address;
-    if (socket == INVALID_SOCKET ||
-        bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
-        getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0)
-    {
-        throw std::runtime_error("cannot bind to 127.0.0.1: " + std::to_string(WSAGetLastError()));
-    }
-    KeepToThisProcess(socket);
-    port = ntohs(address.sin_port);
-    return socket;
-}
-
-void SplitTarget(CHttpRecord& record)
-{
-    std::string rest = record.target;
-    const size_t scheme = rest.find("://");
-    if (scheme != std::string::npos && scheme < rest.find('/'))
-    {
-        rest.erase(0, scheme + 3);
-        const size_t path = std::min(rest.find('/'), rest.size());
-        record.authority = rest.substr(0, path);
-        rest.erase(0, path);
-    }
-    const size_t query = rest.find('?');
-    record.path = rest.substr(0, query);
-    if (query != std::string::npos)
-    {
-        record.query = rest.substr(query + 1);
-    }
-}
-
-/// Takes the head of a request apart. A malformed one leaves fields empty.
-CHttpRecord ParseHead(const std::string& head)
-{
-    CHttpRecord record;
-    record.raw = head;
-    const std::vector<std::string> lines = SplitLines(head);
-    if (lines.empty())
-    {
-        return record;
-    }
-    record.requestLine = lines[0];
-    const size_t first = lines[0].find(' ');
-    const size_t last = lines[0].rfind(' ');
-    if (first != std::string::npos && last > first)
-    {
-        record.method = lines[0].substr(0, first);
-        record.target = lines[0].substr(first + 1, last - first - 1);
-        record.version = lines[0].substr(last + 1);
-        SplitTarget(record);
-    }
-    for (size_t i = 1; i < lines.size() && !lines[i].empty(); ++i)
-    {
-        const size_t colon = lines[i].find(':');
-        std::string value = colon == std::string::npos ? std::string() : lines[i].substr(colon + 1);
-        value.erase(0, std::min(value.find_first_not_of(" \t"), value.size()));
-        record.headers.emplace_back(lines[i].substr(0, colon), std::move(value));
-    }
-    return record;
-}
-
-size_t ContentLength(const CHttpRecord& record)
-{
-    size_t length = 0;
-    if (const auto text = record.Header("Content-Length"))
-    {
-        std::from_chars(text->data(), text->data() + text->size(), length);
-    }
-    return length;
-}
-
 } // namespace
-
-std::optional<std::string> CHttpRecord::Header(std::string_view name) const
-{
-    for (const auto& [key, value] : headers)
-    {
-        if (key.size() == name.size() && strncasecmp(key.data(), name.data(), name.size()) == 0)
-        {
-            return value;
-        }
-    }
-    return std::nullopt;
-}
 
 /// The server's state, its accepting thread and one thread a connection.
 class CLoopbackServer::Impl
@@ -144,7 +32,7 @@ class CLoopbackServer::Impl
 public:
     Impl() : m_stop(MakeEvent()), m_refuse(MakeEvent())
     {
-        m_listener = BoundSocket(port);
+        m_listener = static_cast<SOCKET>(BindLoopbackSocket(port));
         if (listen(m_listener, SOMAXCONN) != 0)
         {
             throw std::runtime_error("cannot listen");
@@ -234,7 +122,7 @@ private:
 
     void StartConnection(SOCKET socket)
     {
-        KeepToThisProcess(socket);
+        KeepSocketToThisProcess(socket);
         auto connection = std::make_unique<Connection>();
         connection->server = this;
         connection->socket = socket;
@@ -335,10 +223,10 @@ private:
             }
         }
         head = std::min(head, connection.pending.size() - 4) + 4;
-        CHttpRecord record = ParseHead(connection.pending.substr(0, head));
+        CHttpRecord record = ParseRequestHead(connection.pending.substr(0, head));
         record.connection = connection.number;
         connection.pending.erase(0, head);
-        const size_t length = ContentLength(record);
+        const size_t length = AnnouncedLength(record);
         while (connection.pending.size() < length)
         {
             if (!Receive(connection))
@@ -566,46 +454,6 @@ bool CLoopbackServer::WaitUntilIdle(DWORD timeout) const
             return m_impl->openConnections == 0;
         },
         timeout);
-}
-
-CRefusingPort::CRefusingPort()
-{
-    // Bound and not listening: nobody else can get the port, and the system answers with a reset.
-    m_socket = BoundSocket(m_port);
-}
-
-CRefusingPort::~CRefusingPort()
-{
-    closesocket(m_socket);
-}
-
-CUnansweringPort::CUnansweringPort()
-{
-    m_socket = BoundSocket(m_port);
-    listen(m_socket, 1);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(m_port);
-    // Non-blocking connects until the queue is full; how many it holds differs from system to system.
-    constexpr int kFillers = 16;
-    for (int i = 0; i < kFillers; ++i)
-    {
-        const SOCKET filler = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-        u_long nonBlocking = 1;
-        ioctlsocket(filler, FIONBIO, &nonBlocking);
-        connect(filler, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-        m_fillers.push_back(filler);
-    }
-}
-
-CUnansweringPort::~CUnansweringPort()
-{
-    for (const auto filler : m_fillers)
-    {
-        closesocket(filler);
-    }
-    closesocket(m_socket);
 }
 
 } // namespace orva::test

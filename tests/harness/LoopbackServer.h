@@ -1,44 +1,17 @@
 // A scripted HTTP server on 127.0.0.1 inside the test process; it also plays the proxy of WinINet.
 #pragma once
 
+#include "harness/FaultyPorts.h"
+#include "harness/HttpRecord.h"
 #include "harness/ServerScript.h"
 
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 namespace orva::test
 {
-
-/// One request as it came in.
-struct CHttpRecord
-{
-    /// Everything that was received for it, byte for byte.
-    std::string raw;
-    /// The request line without its end.
-    std::string requestLine;
-    std::string method;
-    /// The request's target as sent: "/path?query", or "http://host:80/path?query" to a proxy.
-    std::string target;
-    std::string version;
-    /// The target's host and port, empty if the target is a path.
-    std::string authority;
-    /// The target's path without authority and query.
-    std::string path;
-    /// What follows the "?"; absent without a "?".
-    std::optional<std::string> query;
-    /// In the order and spelling received.
-    std::vector<std::pair<std::string, std::string>> headers;
-    std::string body;
-    /// Number of the connection it came on, counted from 0.
-    size_t connection = 0;
-
-    /// A header's value, looked up without case; absent if it was not sent.
-    std::optional<std::string> Header(std::string_view name) const;
-};
 
 /// Listens from construction to destruction. Every connection has a thread of its own. A request is answered
 /// by the script of its path; scripts may be changed at any time from any thread.
@@ -85,37 +58,6 @@ public:
 private:
     class Impl;
     std::unique_ptr<Impl> m_impl;
-};
-
-/// A port of 127.0.0.1 that refuses connections as long as the object lives.
-class CRefusingPort
-{
-public:
-    CRefusingPort();
-    ~CRefusingPort();
-    CRefusingPort(const CRefusingPort&) = delete;
-    CRefusingPort& operator=(const CRefusingPort&) = delete;
-    unsigned short Port() const { return m_port; }
-
-private:
-    unsigned long long m_socket;
-    unsigned short m_port = 0;
-};
-
-/// A port of 127.0.0.1 whose backlog is full: connection attempts are neither accepted nor refused.
-class CUnansweringPort
-{
-public:
-    CUnansweringPort();
-    ~CUnansweringPort();
-    CUnansweringPort(const CUnansweringPort&) = delete;
-    CUnansweringPort& operator=(const CUnansweringPort&) = delete;
-    unsigned short Port() const { return m_port; }
-
-private:
-    unsigned long long m_socket;
-    std::vector<unsigned long long> m_fillers;
-    unsigned short m_port = 0;
 };
 
 } // namespace orva::test

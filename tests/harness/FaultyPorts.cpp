@@ -1,0 +1,97 @@
+// Ports of the loopback interface at which nobody answers.
+
+// Before anything that includes windows.h, which brings the old sockets otherwise.
+#include <winsock2.h>
+
+#include "harness/FaultyPorts.h"
+
+#include <stdexcept>
+#include <string>
+
+namespace orva::test
+{
+
+namespace
+{
+
+struct SocketLibrary
+{
+    SocketLibrary()
+    {
+        WSADATA data;
+        if (WSAStartup(MAKEWORD(2, 2), &data) != 0)
+        {
+            throw std::runtime_error("no sockets");
+        }
+    }
+};
+
+} // namespace
+
+/// Keeps a socket from programs that are started meanwhile: they would hold the port, or the connection,
+/// open.
+void KeepSocketToThisProcess(unsigned long long socket)
+{
+    SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
+}
+
+unsigned long long BindLoopbackSocket(unsigned short& port)
+{
+    static const SocketLibrary library;
+    const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    int length = sizeof address;
+    if (socket == INVALID_SOCKET ||
+        bind(socket, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0 ||
+        getsockname(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0)
+    {
+        throw std::runtime_error("cannot bind to 127.0.0.1: " + std::to_string(WSAGetLastError()));
+    }
+    KeepSocketToThisProcess(socket);
+    port = ntohs(address.sin_port);
+    return socket;
+}
+
+CRefusingPort::CRefusingPort()
+{
+    // Bound and not listening: nobody else can get the port, and the system answers with a reset.
+    m_socket = BindLoopbackSocket(m_port);
+}
+
+CRefusingPort::~CRefusingPort()
+{
+    closesocket(m_socket);
+}
+
+CUnansweringPort::CUnansweringPort()
+{
+    m_socket = BindLoopbackSocket(m_port);
+    listen(m_socket, 1);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(m_port);
+    // Non-blocking connects until the queue is full; how many it holds differs from system to system.
+    constexpr int kFillers = 16;
+    for (int i = 0; i < kFillers; ++i)
+    {
+        const SOCKET filler = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+        u_long nonBlocking = 1;
+        ioctlsocket(filler, FIONBIO, &nonBlocking);
+        connect(filler, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        m_fillers.push_back(filler);
+    }
+}
+
+CUnansweringPort::~CUnansweringPort()
+{
+    for (const auto filler : m_fillers)
+    {
+        closesocket(filler);
+    }
+    closesocket(m_socket);
+}
+
+} // namespace orva::test

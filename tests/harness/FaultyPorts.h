@@ -1,0 +1,48 @@
+// Ports of the loopback interface at which nobody answers.
+#pragma once
+
+#include <vector>
+
+namespace orva::test
+{
+
+/// Makes a TCP socket bound to a free port of 127.0.0.1, which programs that are started do not inherit.
+/// Throws std::runtime_error if that fails. The caller closes it.
+unsigned long long BindLoopbackSocket(unsigned short& port);
+
+/// Keeps a socket from programs that are started meanwhile: they would hold the port, or the connection,
+/// open.
+void KeepSocketToThisProcess(unsigned long long socket);
+
+/// A port of 127.0.0.1 that refuses connections as long as the object lives.
+class CRefusingPort
+{
+public:
+    CRefusingPort();
+    ~CRefusingPort();
+    CRefusingPort(const CRefusingPort&) = delete;
+    CRefusingPort& operator=(const CRefusingPort&) = delete;
+    unsigned short Port() const { return m_port; }
+
+private:
+    unsigned long long m_socket;
+    unsigned short m_port = 0;
+};
+
+/// A port of 127.0.0.1 whose backlog is full: connection attempts are neither accepted nor refused.
+class CUnansweringPort
+{
+public:
+    CUnansweringPort();
+    ~CUnansweringPort();
+    CUnansweringPort(const CUnansweringPort&) = delete;
+    CUnansweringPort& operator=(const CUnansweringPort&) = delete;
+    unsigned short Port() const { return m_port; }
+
+private:
+    unsigned long long m_socket;
+    std::vector<unsigned long long> m_fillers;
+    unsigned short m_port = 0;
+};
+
+} // namespace orva::test
