@@ -156,7 +156,8 @@ void CConnect::InsertMenuForOldOffice(int officeVersion)
     else if (m_spExplorer != nullptr)
     {
         LogConnection("m_spExplorer is not NULL");
-        InsertMenuCommands();
+        // Whatever goes wrong with the menu, the check for updates still runs.
+        RunGuarded<HRESULT>(kOnConnection, E_FAIL, [this] { return InsertMenuCommands(); });
     }
     else
     {
