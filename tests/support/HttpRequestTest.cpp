@@ -202,6 +202,18 @@ TEST_F(HttpRequest, EveryCallAsksTheServerAgain)
     EXPECT_EQ(m_server.RequestsFor("/a").size(), 2U);
 }
 
+TEST_F(HttpRequest, LeavesNothingInTheCache)
+{
+    m_server.On("/a", CHttpReply(200, "{}")
+                          .Header("Cache-Control", "max-age=3600")
+                          .Header("Last-Modified", "Wed, 19 Jan 2011 14:03:07 GMT"));
+    Sent("/a", {}, kGet);
+    const std::string url = m_server.Url("/a?");
+    DWORD size = 0;
+    EXPECT_FALSE(GetUrlCacheEntryInfoA(url.c_str(), nullptr, &size));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
 TEST_F(HttpRequest, TheAgentIsTheApplicationNameUntilATextOrBinaryRequestClearsIt)
 {
     const LPCWSTR before = AfxGetModuleState()->m_lpszCurrentAppName;
