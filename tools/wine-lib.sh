@@ -124,11 +124,11 @@ make_prefix() {
 
 start_slot() {
     local dir=$1
-    # Neither .NET nor the HTML engine is used; without them a prefix is made in seconds and asks nothing.
-    # The menu builder would write menus into the user's own home folder.
+    export WINEPREFIX=$dir/prefix WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
     # In another encoding than UTF-8, file names with characters beyond it could not exist.
     export LC_ALL=C.UTF-8
-    export WINEPREFIX=$dir/prefix WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
+    # Neither .NET nor the HTML engine is used; without them a prefix is made in seconds and asks nothing.
+    # The menu builder would write menus into the user's own home folder.
     export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
     if [ -n "${ORVA_WINE_DISPLAY:-}" ]; then
         export DISPLAY=$ORVA_WINE_DISPLAY
