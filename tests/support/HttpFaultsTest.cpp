@@ -112,7 +112,16 @@ TEST_F(HttpFaults, AHostNameThatCannotBeResolvedFails)
 
 TEST_F(HttpFaults, AResetConnectionFails)
 {
-    ExpectInternetError(Fetch(CServerScript().Reset()), ERROR_INTERNET_CONNECTION_ABORTED);
+    try
+    {
+        ExpectInternetError(Fetch(CServerScript().Reset()), ERROR_INTERNET_CONNECTION_ABORTED);
+    }
+    catch (const std::out_of_range& error)
+    {
+        // On a loaded machine Wine now and then takes the reset for the orderly end of a response without a
+        // date.
+        EXPECT_STREQ(error.what(), kTooShort);
+    }
 }
 
 TEST_F(HttpFaults, AServerThatRedirectsToItselfForEverFails)
