@@ -401,6 +401,20 @@ TEST_F(MenuCommandTest, AClickWhileAboutIsOpenOpensAnotherOwnedByTheFirst)
     EXPECT_EQ(Disconnect(), S_OK);
 }
 
+TEST_F(MenuCommandTest, AnExplorerThatIsOpenedLaterGetsNoCommandAndTheFirstOnesGoesOn)
+{
+    Lines();
+    CFakeOutlook second(kOutlook2007);
+    // As Outlook does: the new window becomes the active explorer, and no add-in is told.
+    m_outlook->application->GiveObject(L"ActiveExplorer", second.explorer.Get());
+    EXPECT_EQ(AddIn()->OnAddInsUpdate(nullptr), S_OK);
+    EXPECT_EQ(AddIn()->OnStartupComplete(nullptr), S_OK);
+    EXPECT_THAT(second.record, IsEmpty());
+    EXPECT_THAT(second.button->Sinks(), IsEmpty());
+    EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
+    EXPECT_EQ(Disconnect(), S_OK);
+}
+
 TEST_F(MenuCommandTest, TwoObjectsInOneHostHaveOneCommandEach)
 {
     Lines();
