@@ -290,6 +290,8 @@ TEST_F(StartDownloadDialogTest, EnterAfterCancelDoesNotEndTheDialogAsIfTheFileWe
     OnDownloadDialog([](HWND dialog) {
         EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download started"), L"Download started");
         EXPECT_TRUE(ClickButton(dialog, IDCANCEL));
+        // Before the server goes on: a cancel that came after the last byte would leave the file.
+        EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download canceled"), L"Download canceled");
         SendMessageW(dialog, WM_COMMAND, IDOK, 0);
         EXPECT_TRUE(IsWindow(dialog));
     });
