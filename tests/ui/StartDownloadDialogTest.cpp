@@ -305,7 +305,8 @@ TEST_F(StartDownloadDialogTest, CloseStopsAfterTheCurrentReadAndDeletesTheFile)
     m_server.On(kInstallerPath,
                 CServerScript().Send(bytes.substr(0, 5000)).WaitFor(m_seenGate).Send(bytes.substr(5000)));
     OnDownloadDialog([&](HWND dialog) {
-        EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download started"), L"Download started");
+        // Four whole chunks of 9,000 bytes; the worker now waits for the rest of the fifth.
+        EXPECT_TRUE(WaitUntil([&] { return WindowText(dialog) == L"Download: 45% of setup.orvatest"; }));
         SendMessageW(dialog, WM_CLOSE, 0, 0);
         EXPECT_FALSE(IsWindowEnabled(ChildById(dialog, IDCANCEL)));
         EXPECT_EQ(ChildText(dialog, kStatusText), L"Download started");
