@@ -111,6 +111,19 @@ TEST_F(StartDownloadDialogTest, MissingTemporaryFolderIsAFileThatCannotBeCreated
     EXPECT_TRUE(m_server.Requests().empty());
 }
 
+TEST_F(StartDownloadDialogTest, TargetThatIsNotWritableIsAFileThatCannotBeCreated)
+{
+    // A temporary folder that is a file: nothing can be created below it, by whatever user.
+    const std::wstring file = m_temp.Path() + L"\\file";
+    WriteFileBytes(file, "kept");
+    SetEnvironmentVariableW(L"TMP", file.c_str());
+    SetEnvironmentVariableW(L"TEMP", file.c_str());
+    m_user.AnswerBox(L"File could not be created, error ID: 3").AnswerBox(kUpdateCanceled);
+    DownloadInstaller();
+    EXPECT_TRUE(m_server.Requests().empty());
+    EXPECT_EQ(ReadFileBytes(file), std::optional<std::string>("kept"));
+}
+
 TEST_F(StartDownloadDialogTest, NotFoundSaysConnectErrorThenCanceledAndLeavesNoFile)
 {
     OnDownloadDialog();
