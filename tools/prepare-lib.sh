@@ -2,10 +2,12 @@
 #
 # install_packages                  installs what tools/packages.txt names and this machine has not.
 # configure_and_build [TARGET...]   builds preset release, or only these targets of it, into $build_dir.
+# configure_and_build_checked       builds everything with run-time checks compiled in (preset checked) into $checked_dir.
 # shellcheck shell=bash
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 build_dir=${ORVA_BUILD_DIR:-$repository/build/release}
+checked_dir=${ORVA_CHECKED_DIR:-$repository/build/checked}
 
 fail() {
     echo "${0##*/}: $*" >&2
@@ -52,4 +54,9 @@ install_packages() {
 configure_and_build() {
     (cd "$repository" && cmake --preset release -B "$build_dir")
     cmake --build "$build_dir" ${1:+--target "$@"}
+}
+
+configure_and_build_checked() {
+    (cd "$repository" && cmake --preset checked -B "$checked_dir")
+    cmake --build "$checked_dir"
 }
