@@ -26,7 +26,7 @@ protected:
     void ExpectFailedDownload()
     {
         ExpectDownloadDialog();
-        m_user.AnswerBox(kConnectError).AnswerBox(kDownloadFailed);
+        m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
         RunToTheEnd();
         EXPECT_THAT(TempFiles(), ElementsAre(L"osc??????\\"));
     }
@@ -121,7 +121,7 @@ TEST_P(NamelessLinkTest, IsReportedAndNoDialogOpens)
 TEST_P(HostileNameTest, IsAFileThatCannotBeCreated)
 {
     OfferAndInstall(std::string("http://files.orva.example/") + GetParam().segment);
-    m_user.AnswerBox(kInvalidName).AnswerBox(kDownloadFailed);
+    m_user.AnswerBox(kInvalidName).AnswerBox(kUpdateCanceled);
     RunToTheEnd();
     EXPECT_THAT(TempFiles(), ElementsAre(L"osc??????\\"));
     EXPECT_EQ(m_server.Requests().size(), 1u);
@@ -238,7 +238,7 @@ TEST_F(InstallerFaultsTest, CancelBeforeTheHeadEndsTheDownload)
         // stays there.
         gate.Open();
     });
-    m_user.AnswerBox(kDownloadFailed);
+    m_user.AnswerBox(kUpdateCanceled);
     RunToTheEnd();
     EXPECT_THAT(TempFiles(), Contains(L"osc??????\\"));
 }
@@ -250,7 +250,7 @@ TEST_F(InstallerFaultsTest, TemporaryFolderMissing)
     SetEnvironmentVariableW(L"TMP", missing.c_str());
     SetEnvironmentVariableW(L"TEMP", missing.c_str());
     OfferAndInstall(kInstallerUrl);
-    m_user.AnswerBox(kNoSuchPath).AnswerBox(kDownloadFailed);
+    m_user.AnswerBox(kNoSuchPath).AnswerBox(kUpdateCanceled);
     RunToTheEnd();
     EXPECT_THAT(ListFolder(parent.Path()), IsEmpty());
     EXPECT_EQ(m_server.Requests().size(), 1u);
@@ -262,7 +262,7 @@ TEST_F(InstallerFaultsTest, AFolderPlantedUnderAGuessedNameIsNotUsed)
     m_server.On(kInstallerPath, CHttpReply(404));
     OfferAndInstall(kInstallerUrl);
     ExpectDownloadDialog();
-    m_user.AnswerBox(kConnectError).AnswerBox(kDownloadFailed);
+    m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
     RunToTheEnd();
     const std::wstring first = ListFolder(m_temp.Path()).at(0);
     const std::wstring planted = m_temp.Path() + L"\\" + first + L"setup.exe";
@@ -270,7 +270,7 @@ TEST_F(InstallerFaultsTest, AFolderPlantedUnderAGuessedNameIsNotUsed)
 
     OfferAndInstall(kInstallerUrl);
     ExpectDownloadDialog();
-    m_user.AnswerBox(kConnectError).AnswerBox(kDownloadFailed);
+    m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
     RunToTheEnd();
     EXPECT_EQ(ReadFileBytes(planted), "planted");
     EXPECT_THAT(TempFiles(),

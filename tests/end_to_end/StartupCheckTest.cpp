@@ -167,7 +167,7 @@ TEST_F(StartupCheckTest, CancelDuringTheDownloadLeavesNothingAndSaysHowToTryAgai
         EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download canceled"), L"Download canceled");
         EXPECT_FALSE(IsWindowEnabled(ChildById(dialog, IDCANCEL)));
     });
-    m_user.AnswerBox(kDownloadFailed);
+    m_user.AnswerBox(kUpdateCanceled);
     RunToTheEnd();
     EXPECT_THAT(TempFiles(), ElementsAre(L"osc??????\\"));
 }
@@ -179,7 +179,7 @@ TEST_F(StartupCheckTest, TwoDownloadsUseTwoFolders)
     {
         OfferAndInstall(kInstallerUrl);
         ExpectDownloadDialog();
-        m_user.AnswerBox(kConnectError).AnswerBox(kDownloadFailed);
+        m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
         RunToTheEnd();
     }
     EXPECT_THAT(TempFiles(), ElementsAre(L"osc??????\\", L"osc??????\\"));

@@ -348,6 +348,16 @@ CUserScript& CUserScript::OnDialogWith(int childId, std::function<void(HWND)> ac
     return *this;
 }
 
+CUserScript& CUserScript::OnAnyDialog(std::function<void(HWND)> act)
+{
+    m_impl->steps.push_back({"any dialog", [](const CSeenWindow&) { return true; },
+                             [act = std::move(act)](HWND window) {
+                                 act(window);
+                                 return std::string();
+                             }});
+    return *this;
+}
+
 CUserScript& CUserScript::Then(std::string what, std::function<bool()> act)
 {
     m_impl->steps.push_back({std::move(what), nullptr, [act = std::move(act)](HWND) {

@@ -53,6 +53,8 @@ public:
     CUserScript& OnDialog(std::wstring caption, std::function<void(HWND)> act);
     /// Expects a dialog that holds a control with this id and runs `act`.
     CUserScript& OnDialogWith(int childId, std::function<void(HWND)> act);
+    /// Takes whatever dialog comes up and runs `act` with it: for a user who does not know what comes.
+    CUserScript& OnAnyDialog(std::function<void(HWND)> act);
     /// Runs something between two windows, for instance a wait for another thread; false is a failure.
     CUserScript& Then(std::string what, std::function<bool()> act);
     /// How long each step waits for its window, in milliseconds.

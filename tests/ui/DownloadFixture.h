@@ -3,6 +3,7 @@
 #pragma once
 
 #include "fixture/ProductFixture.h"
+#include "fixture/UserTexts.h"
 #include "harness/HttpReply.h"
 #include "harness/LoopbackServer.h"
 #include "harness/ProxySetting.h"
@@ -18,19 +19,7 @@
 namespace orva::test
 {
 
-inline constexpr int kStatusText = 2001;
-inline constexpr int kSourceText = 2002;
-inline constexpr int kTimeText = 2003;
-inline constexpr int kRateText = 2004;
-inline constexpr int kProgressBar = 202;
-inline constexpr int kTimeLabel = 2789;
-inline constexpr int kRateLabel = 2790;
-
 inline constexpr char kInstallerPath[] = "/setup.orvatest";
-inline constexpr wchar_t kConnectError[] = L"Error when connecting to the update server.";
-inline constexpr wchar_t kUpdateCanceled[] =
-    L"Update download canceled.\nClick on the \"Update\" button to try and download the update again.";
-inline constexpr wchar_t kTemplateCaption[] = L"Lade Update herunter";
 
 /// A file type of the test's own, opened with the verb that the installer is started with. The command ends
 /// at once and leaves "NAME.started" beside the file, so that a test sees that it ran.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "fixture/ProductFixture.h"
+#include "fixture/UserTexts.h"
 #include "harness/HttpReply.h"
 #include "harness/LoopbackServer.h"
 #include "harness/ProxySetting.h"
@@ -17,10 +18,6 @@ namespace orva::test
 {
 
 inline constexpr char kUpdateInfoPath[] = "/downloads/outlook/UpdateInfo.txt";
-inline constexpr wchar_t kConnectError[] = L"Error when connecting to the update server.";
-inline constexpr wchar_t kNotParsed[] = L"Update information could not be parsed.";
-inline constexpr wchar_t kLatest[] = L"You already have the latest version of the ORVA Connector. ";
-inline constexpr wchar_t kOfferCaption[] = L"New update available";
 
 /// An entry for "x64" with this version and these further members (JSON text that starts with a comma).
 std::string UpdateInfo(const std::string& version, const std::string& more);
