@@ -1,0 +1,243 @@
+// Gives WinINet's documented answer to a handle that is closed under a waiting call, where Wine 8 does not.
+// Before anything that includes windows.h, which brings the old sockets otherwise.
+#include <winsock2.h>
+
+#include "harness/InterruptibleWinInet.h"
+
+#include <algorithm>
+#include <atomic>
+#include <list>
+#include <mutex>
+
+namespace orva::test
+{
+namespace
+{
+
+/// A call that a thread of the module's has pending.
+struct Call
+{
+    DWORD thread;
+    HINTERNET handle;
+    std::atomic<bool> cancelled = false;
+};
+
+struct Calls
+{
+    std::mutex mutex;
+    std::list<Call> pending;
+};
+
+Calls& TheCalls()
+{
+    static Calls* const calls = new Calls;
+    return *calls;
+}
+
+std::atomic<int> g_interrupted = 0;
+
+/// Notes a pending call for its lifetime.
+class CPendingCall
+{
+public:
+    explicit CPendingCall(HINTERNET handle)
+    {
+        const std::lock_guard lock(TheCalls().mutex);
+        TheCalls().pending.emplace_front(GetCurrentThreadId(), handle);
+        m_call = TheCalls().pending.begin();
+    }
+    ~CPendingCall()
+    {
+        const std::lock_guard lock(TheCalls().mutex);
+        TheCalls().pending.erase(m_call);
+    }
+    CPendingCall(const CPendingCall&) = delete;
+    CPendingCall& operator=(const CPendingCall&) = delete;
+
+    /// The call's result, which is a failure if its handle was closed.
+    BOOL Result(BOOL result) const
+    {
+        const DWORD error = GetLastError();
+        if (!m_call->cancelled)
+        {
+            SetLastError(error);
+            return result;
+        }
+        ++g_interrupted;
+        SetLastError(ERROR_INTERNET_OPERATION_CANCELLED);
+        return FALSE;
+    }
+
+private:
+    std::list<Call>::iterator m_call;
+};
+
+/// This thread's pending call, or null. It stays as long as the thread is in it.
+const Call* OwnCall()
+{
+    const std::lock_guard lock(TheCalls().mutex);
+    auto& pending = TheCalls().pending;
+    const auto found =
+        std::ranges::find_if(pending, [](const Call& call) { return call.thread == GetCurrentThreadId(); });
+    return found == pending.end() ? nullptr : &*found;
+}
+
+/// The socket that this thread has told not to wait; WinINet looks that way whether there is more.
+thread_local SOCKET t_notWaiting = INVALID_SOCKET;
+
+timeval Slice()
+{
+    return {0, static_cast<long>(CInterruptibleWinInet::kSlice * 1000)};
+}
+
+} // namespace
+
+struct CInterruptibleWinInet::Hooks
+{
+    explicit Hooks(HMODULE module);
+    ~Hooks() { the = nullptr; }
+
+    static BOOL WINAPI SendRequest(HINTERNET request, LPCWSTR headers, DWORD headersLength, LPVOID optional,
+                                   DWORD optionalLength);
+    static BOOL WINAPI ReadFile(HINTERNET file, LPVOID buffer, DWORD size, LPDWORD read);
+    static BOOL WINAPI CloseInternetHandle(HINTERNET handle);
+    static int WINAPI Control(SOCKET socket, long command, u_long* argument);
+    static int WINAPI Receive(SOCKET socket, char* buffer, int size, int flags);
+    static int WINAPI Connect(SOCKET socket, const sockaddr* address, int size);
+
+    static Hooks* the;
+
+    HMODULE winInet;
+    CImportHook control;
+    CImportHook receive;
+    CImportHook connect;
+    CImportHook send;
+    CImportHook read;
+    CImportHook close;
+};
+
+CInterruptibleWinInet::Hooks* CInterruptibleWinInet::Hooks::the = nullptr;
+
+CInterruptibleWinInet::Hooks::Hooks(HMODULE module)
+    // Known before the first hook can be called.
+    : winInet((the = this, GetModuleHandleW(L"wininet.dll"))),
+      control(winInet, "ws2_32.dll", "ioctlsocket", &Control),
+      receive(winInet, "ws2_32.dll", "recv", &Receive), connect(winInet, "ws2_32.dll", "connect", &Connect),
+      send(module, "wininet.dll", "HttpSendRequestW", &SendRequest),
+      read(module, "wininet.dll", "InternetReadFile", &ReadFile),
+      close(module, "wininet.dll", "InternetCloseHandle", &CloseInternetHandle)
+{
+}
+
+BOOL WINAPI CInterruptibleWinInet::Hooks::SendRequest(HINTERNET request, LPCWSTR headers, DWORD headersLength,
+                                                      LPVOID optional, DWORD optionalLength)
+{
+    const CPendingCall call(request);
+    return call.Result(the->send.Original<decltype(SendRequest)>()(request, headers, headersLength, optional,
+                                                                   optionalLength));
+}
+
+BOOL WINAPI CInterruptibleWinInet::Hooks::ReadFile(HINTERNET file, LPVOID buffer, DWORD size, LPDWORD read)
+{
+    const CPendingCall call(file);
+    return call.Result(the->read.Original<decltype(ReadFile)>()(file, buffer, size, read));
+}
+
+BOOL WINAPI CInterruptibleWinInet::Hooks::CloseInternetHandle(HINTERNET handle)
+{
+    {
+        const std::lock_guard lock(TheCalls().mutex);
+        for (Call& call : TheCalls().pending)
+        {
+            call.cancelled = call.cancelled || call.handle == handle;
+        }
+    }
+    return the->close.Original<decltype(CloseInternetHandle)>()(handle);
+}
+
+int WINAPI CInterruptibleWinInet::Hooks::Control(SOCKET socket, long command, u_long* argument)
+{
+    if (command == static_cast<long>(FIONBIO) && argument != nullptr)
+    {
+        t_notWaiting = *argument != 0 ? socket : INVALID_SOCKET;
+    }
+    return the->control.Original<decltype(Control)>()(socket, command, argument);
+}
+
+int WINAPI CInterruptibleWinInet::Hooks::Receive(SOCKET socket, char* buffer, int size, int flags)
+{
+    const auto original = the->receive.Original<decltype(Receive)>();
+    const Call* const call = OwnCall();
+    if (call == nullptr || socket == t_notWaiting)
+    {
+        return original(socket, buffer, size, flags);
+    }
+    DWORD limit = 0;
+    int limitSize = sizeof limit;
+    getsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<char*>(&limit), &limitSize);
+    const ULONGLONG start = GetTickCount64();
+    while (!call->cancelled)
+    {
+        fd_set ready;
+        FD_ZERO(&ready);
+        FD_SET(socket, &ready);
+        timeval slice = Slice();
+        // Ready, broken or out of time: the original says so itself.
+        if (::select(0, &ready, nullptr, nullptr, &slice) != 0 ||
+            (limit != 0 && GetTickCount64() - start >= limit))
+        {
+            return original(socket, buffer, size, flags);
+        }
+    }
+    WSASetLastError(WSAECONNABORTED);
+    return SOCKET_ERROR;
+}
+
+int WINAPI CInterruptibleWinInet::Hooks::Connect(SOCKET socket, const sockaddr* address, int size)
+{
+    const auto original = the->connect.Original<decltype(Connect)>();
+    const Call* const call = OwnCall();
+    u_long notWaiting = 1;
+    if (call == nullptr || ioctlsocket(socket, static_cast<long>(FIONBIO), &notWaiting) != 0)
+    {
+        return original(socket, address, size);
+    }
+    int error = original(socket, address, size) == 0 ? 0 : WSAGetLastError();
+    while (error == WSAEWOULDBLOCK)
+    {
+        fd_set connected;
+        fd_set failed;
+        FD_ZERO(&connected);
+        FD_ZERO(&failed);
+        FD_SET(socket, &connected);
+        FD_SET(socket, &failed);
+        timeval slice = Slice();
+        if (call->cancelled)
+        {
+            error = WSAECONNABORTED;
+        }
+        else if (::select(0, nullptr, &connected, &failed, &slice) != 0)
+        {
+            int errorSize = sizeof error;
+            getsockopt(socket, SOL_SOCKET, SO_ERROR, reinterpret_cast<char*>(&error), &errorSize);
+        }
+    }
+    u_long waiting = 0;
+    ioctlsocket(socket, static_cast<long>(FIONBIO), &waiting);
+    WSASetLastError(error);
+    return error == 0 ? 0 : SOCKET_ERROR;
+}
+
+CInterruptibleWinInet::CInterruptibleWinInet(HMODULE module) : m_hooks(std::make_unique<Hooks>(module))
+{
+    g_interrupted = 0;
+}
+
+CInterruptibleWinInet::~CInterruptibleWinInet() = default;
+
+int CInterruptibleWinInet::Interrupted() const
+{
+    return g_interrupted;
+}
+
+} // namespace orva::test
