@@ -90,6 +90,11 @@ testing::Environment* const g_machine = testing::AddGlobalTestEnvironment(new CM
 
 } // namespace
 
+bool IsWine()
+{
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
 std::vector<std::string> CLogReader::NewLines()
 {
     std::vector<std::string> lines = ReadLogTexts();

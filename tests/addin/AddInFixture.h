@@ -40,6 +40,9 @@ inline constexpr char kSameVersion[] = R"({"x64":{"majorVersion":1,"minorVersion
 /// A control that only the About dialog has: its close button.
 inline constexpr int kAboutClose = 224;
 
+/// Whether the tests run under Wine, which does some things otherwise than Windows.
+bool IsWine();
+
 /// Reads the log as it grows.
 class CLogReader
 {

@@ -1,0 +1,103 @@
+// What the rules of COM ask of one object, checked for every interface, pair and chain of three, and what the
+// tests of these rules share.
+#pragma once
+
+#include "addin/AddInFixture.h"
+
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+/// An interface under the name that a failure shows.
+struct CInterface
+{
+    const char* name;
+    IID iid;
+};
+
+/// Every interface of the add-in's object; the first is its identity.
+std::span<const CInterface> AddInInterfaces();
+/// Interfaces that the add-in's object must not claim. The click's sink is an object of its own.
+std::span<const CInterface> ForeignInterfaces();
+
+/// What CheckQueryInterface counted, and which rules it saw broken, one line each.
+struct CConformance
+{
+    size_t interfaces = 0;
+    size_t pairs = 0;
+    size_t chains = 0;
+    size_t refused = 0;
+    std::vector<std::string> violations;
+
+    /// The counts as the report shows them, and "every rule holds" or how many were broken.
+    std::string Counts() const;
+    std::string Verdict() const;
+};
+
+enum class Place
+{
+    /// The object itself: its counts can be read, and a null place for the answer is refused.
+    InProcess,
+    /// A proxy, which counts for itself.
+    Proxy,
+};
+
+/// Asks `object` for everything that QueryInterface promises:
+/// - each of `offered` is given (reflexive, from itself too), by every other (symmetric), and by what every
+/// other
+///   gives (transitive), each time with the same pointer;
+/// - whatever is held, IUnknown is the same pointer;
+/// - each of `foreign` is refused with E_NOINTERFACE and a null pointer;
+/// - no place for the answer is E_POINTER;
+/// - what is given back leaves the count as it was.
+/// Fails no test by itself, so that it can run on any thread.
+CConformance CheckQueryInterface(IUnknown* object, std::span<const CInterface> offered,
+                                 std::span<const CInterface> foreign, Place place = Place::InProcess);
+
+/// Adds a row to the report of conformance and fails the test if a rule was broken.
+void ReportConformance(const std::string& object, const CConformance& conformance);
+
+template <typename Interface> void** Out(Microsoft::WRL::ComPtr<Interface>& pointer)
+{
+    return reinterpret_cast<void**>(pointer.ReleaseAndGetAddressOf());
+}
+
+/// The object's count, as its own Release tells it.
+ULONG CountOf(IUnknown* object);
+
+/// An outer object that aggregates the add-in: it knows IUnknown and asks the inner object for the rest.
+class COuter : public IUnknown
+{
+public:
+    virtual ~COuter() = default;
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
+    STDMETHODIMP_(ULONG) AddRef() override { return ++m_references; }
+    STDMETHODIMP_(ULONG) Release() override { return --m_references; }
+
+    IUnknown** Inner() { return m_inner.GetAddressOf(); }
+    void LetGo() { m_inner.Reset(); }
+    ULONG References() const { return m_references; }
+
+private:
+    ULONG m_references = 1;
+    Microsoft::WRL::ComPtr<IUnknown> m_inner;
+};
+
+class CComConformanceTest : public CAddInTest
+{
+protected:
+    Microsoft::WRL::ComPtr<IClassFactory> Factory();
+    /// Makes the add-in's object inside `outer`.
+    void CreateInside(COuter& outer);
+};
+
+/// Runs `work` on a thread of its own, in an apartment of that kind (COINIT_APARTMENTTHREADED or
+/// COINIT_MULTITHREADED), while this thread dispatches its messages. False if it did not end in time.
+/// `work` must let go of every interface before it returns.
+bool RunInApartment(DWORD kind, const std::function<void()>& work);
+
+} // namespace orva::test

@@ -1,0 +1,200 @@
+// The add-in's object created, called and last released across apartments.
+#include "addin/ComConformance.h"
+
+#include "harness/Files.h"
+#include "harness/ProcessRunner.h"
+
+namespace orva::test
+{
+namespace
+{
+
+using Microsoft::WRL::ComPtr;
+
+/// What a proxy leads to: the interfaces that a type library describes. The class's primary interface is in
+/// none, so that nothing can carry it to another apartment.
+const CInterface kProxied[] = {
+    {"IUnknown", IID_IUnknown},
+    {"IDispatch", IID_IDispatch},
+    {"_IDTExtensibility2", IID__IDTExtensibility2},
+    {"IRibbonExtensibility", IID_IRibbonExtensibility},
+    {"IRibbonCallback", __uuidof(IRibbonCallback)},
+};
+const CInterface kNotProxied[] = {
+    {"IConnect", kConnectInterface},
+    {"_CommandBarButtonEvents", DIID__CommandBarButtonEvents},
+    {"IClassFactory", IID_IClassFactory},
+    {"IConnectionPointContainer", IID_IConnectionPointContainer},
+};
+
+/// What another apartment found out about the object it was given.
+struct CFindings
+{
+    HRESULT got = E_FAIL;
+    bool isProxy = false;
+    DISPID buttonClicked = 0;
+    HRESULT started = E_FAIL;
+    CConformance conformance;
+};
+
+/// A proxy answers for IClientSecurity; the add-in's object does not.
+bool IsProxy(IUnknown* object)
+{
+    ComPtr<IUnknown> security;
+    return SUCCEEDED(object->QueryInterface(IID_IClientSecurity, Out(security)));
+}
+
+void UseThroughProxy(IDispatch* object, CFindings& findings)
+{
+    findings.isProxy = IsProxy(object);
+    wchar_t name[] = L"ButtonClicked";
+    LPOLESTR names[] = {name};
+    object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &findings.buttonClicked);
+    ComPtr<_IDTExtensibility2> addIn;
+    if (SUCCEEDED(object->QueryInterface(IID__IDTExtensibility2, Out(addIn))))
+    {
+        // Unlike the object, a proxy asks for the place of the array.
+        SAFEARRAY* custom = SafeArrayCreateVector(VT_VARIANT, 0, 0);
+        findings.started = addIn->OnStartupComplete(&custom);
+        SafeArrayDestroy(custom);
+    }
+    findings.conformance = CheckQueryInterface(object, kProxied, kNotProxied, Place::Proxy);
+}
+
+/// Checks what another apartment found out and what the add-in logged of it, and adds it to the report.
+void ExpectUsedThroughProxy(const std::vector<std::string>& logged, const std::string& object,
+                            const CFindings& findings)
+{
+    EXPECT_EQ(findings.got, S_OK);
+    EXPECT_TRUE(findings.isProxy);
+    EXPECT_EQ(findings.buttonClicked, 42000);
+    EXPECT_EQ(findings.started, S_OK);
+    EXPECT_THAT(logged, testing::Contains("CConnect::OnStartupComplete").Times(1));
+    ReportConformance(object, findings.conformance);
+}
+
+bool BecomesUnloadable(const CAddInModule& module)
+{
+    return PumpUntil([&] { return module.CanUnloadNow() == S_OK; });
+}
+
+class ComConformanceApartmentTest : public CComConformanceTest
+{
+};
+
+TEST_F(ComConformanceApartmentTest, AnotherApartmentCallsAndLastReleasesTheObjectThroughAProxy)
+{
+    Create();
+    IStream* marshaled = nullptr;
+    ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IDispatch, m_object.Get(), &marshaled), S_OK);
+    m_object.Reset();
+    EXPECT_EQ(m_module->CanUnloadNow(), S_FALSE);
+    CFindings findings;
+    EXPECT_TRUE(RunInApartment(COINIT_MULTITHREADED, [&] {
+        ComPtr<IDispatch> object;
+        findings.got = CoGetInterfaceAndReleaseStream(marshaled, IID_IDispatch, Out(object));
+        if (SUCCEEDED(findings.got))
+        {
+            UseThroughProxy(object.Get(), findings);
+        }
+    }));
+    EXPECT_TRUE(BecomesUnloadable(*m_module));
+    ExpectUsedThroughProxy(NewLogLines(),
+                           "07 a proxy for Outlook's object, last released in the multithreaded apartment",
+                           findings);
+}
+
+// In a process of its own: see the end.
+TEST(ComConformanceMultithreadedTest, CreatesTheClassBehindAProxyAndLastReleasesTheObject)
+{
+    if (GetEnvironmentVariableW(L"ORVA_HELPER", nullptr, 0) == 0)
+    {
+        CChildProcess process({.program = BuiltFile(L"test_addin.exe"),
+                               .arguments = {L"--gtest_filter=ComConformanceMultithreadedTest.*"},
+                               .environment = {{L"ORVA_HELPER", L"1"}}});
+        EXPECT_EQ(process.WaitForExit(), 0u) << process.Output();
+        return;
+    }
+
+    auto module = std::make_unique<CAddInModule>();
+    CLogReader log;
+    ComPtr<IClassFactory> factory;
+    ASSERT_EQ(module->GetClassObject(kAddInClass, IID_IClassFactory, Out(factory)), S_OK);
+    const ULONG before = CountOf(factory.Get());
+    CFindings findings;
+    EXPECT_TRUE(RunInApartment(COINIT_MULTITHREADED, [&] {
+        ComPtr<IDispatch> object;
+        findings.got =
+            CoCreateInstance(kAddInClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, Out(object));
+        if (SUCCEEDED(findings.got))
+        {
+            UseThroughProxy(object.Get(), findings);
+        }
+    }));
+    // Wine forgets one reference to the class object wherever it makes an object for another kind of
+    // apartment. That, and nothing of the add-in's object, is all that still holds the module; Windows
+    // forgets nothing.
+    const ULONG forgotten = IsWine() ? 1 : 0;
+    EXPECT_TRUE(PumpUntil([&] { return CountOf(factory.Get()) == before + forgotten; }))
+        << CountOf(factory.Get()) - before;
+    for (ULONG i = 0; i < forgotten; ++i)
+    {
+        EXPECT_EQ(module->CanUnloadNow(), S_FALSE);
+        factory.Get()->Release();
+    }
+    factory.Reset();
+    EXPECT_TRUE(BecomesUnloadable(*module));
+    ExpectUsedThroughProxy(log.NewLines(),
+                           "08 a proxy for the object that the multithreaded apartment created", findings);
+    module.reset();
+    // The apartment that Wine made for the object stays, and with it the module. No other test could follow
+    // here.
+    CoFreeUnusedLibrariesEx(0, 0);
+    CoFreeUnusedLibrariesEx(0, 0);
+    EXPECT_EQ(CAddInModule::IsLoaded(), IsWine());
+}
+
+TEST_F(ComConformanceApartmentTest, AnObjectOfASecondSingleThreadedApartmentIsLastReleasedFromTheFirst)
+{
+    const UniqueHandle given = MakeEvent();
+    const UniqueHandle released = MakeEvent();
+    IStream* marshaled = nullptr;
+    bool isDirectForItsOwn = false;
+    HRESULT created = E_FAIL;
+    CFindings findings;
+    // This thread takes the object as soon as it is there, while the other one answers its calls.
+    m_host.Post([&] {
+        if (WaitForSingleObject(given.get(), kPatience) == WAIT_OBJECT_0 && SUCCEEDED(created))
+        {
+            ComPtr<IDispatch> object;
+            findings.got = CoGetInterfaceAndReleaseStream(marshaled, IID_IDispatch, Out(object));
+            if (SUCCEEDED(findings.got))
+            {
+                UseThroughProxy(object.Get(), findings);
+            }
+        }
+        SetEvent(released.get());
+    });
+    EXPECT_TRUE(RunInApartment(COINIT_APARTMENTTHREADED, [&] {
+        {
+            ComPtr<IDispatch> object;
+            created =
+                CoCreateInstance(kAddInClass, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, Out(object));
+            if (SUCCEEDED(created))
+            {
+                isDirectForItsOwn = !IsProxy(object.Get());
+                created = CoMarshalInterThreadInterfaceInStream(IID_IDispatch, object.Get(), &marshaled);
+            }
+        }
+        SetEvent(given.get());
+        PumpUntil([&] { return WaitForSingleObject(released.get(), 0) == WAIT_OBJECT_0; });
+    }));
+    EXPECT_EQ(created, S_OK);
+    EXPECT_TRUE(isDirectForItsOwn);
+    EXPECT_TRUE(BecomesUnloadable(*m_module));
+    ExpectUsedThroughProxy(
+        NewLogLines(), "09 a proxy for the object that a second single-threaded apartment created", findings);
+}
+
+} // namespace
+} // namespace orva::test
