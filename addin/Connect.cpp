@@ -38,9 +38,9 @@ void LogConnection(const char* message)
     WriteDebugLog(GetDebugLog(), kOnConnection, message, "");
 }
 
-void LogConnectMode(ext_ConnectMode mode)
+void LogConnectMode(int mode)
 {
-    switch (static_cast<int>(mode))
+    switch (mode)
     {
     case ext_cm_AfterStartup:
         LogConnection("ext_cm_AfterStartup");
@@ -113,9 +113,11 @@ STDMETHODIMP CConnect::Invoke(DISPID dispIdMember, REFIID riid, LCID lcid, WORD 
 STDMETHODIMP CConnect::OnConnection(IDispatch* Application, ext_ConnectMode ConnectMode, IDispatch*,
                                     SAFEARRAY**)
 {
+    // A number from here on: a host may say a mode that the enumeration does not have.
+    const int connectMode = ConnectMode;
     return RunGuarded<HRESULT>(kOnConnection, S_OK, [&] {
         WriteDebugLog(GetDebugLog(), kOnConnection);
-        LogConnectMode(ConnectMode);
+        LogConnectMode(connectMode);
         AttachToHost(Application);
 
         AFX_MANAGE_STATE(AfxGetStaticModuleState());
@@ -123,7 +125,7 @@ STDMETHODIMP CConnect::OnConnection(IDispatch* Application, ext_ConnectMode Conn
         const int officeVersion = ReadOfficeVersion(m_spApplication);
         GetLocalizedResources().SetOfficeVersion(officeVersion);
         InsertMenuForOldOffice(officeVersion);
-        if (ConnectMode == ext_cm_Startup)
+        if (connectMode == ext_cm_Startup)
         {
             CheckForUpdateAtStart();
         }
