@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdio>
 
 namespace orva::test
@@ -63,8 +64,9 @@ TEST(HelperProgram, Crashes)
 {
     if (IsAsked())
     {
-        // Volatile, so that the compiler does not see where it leads.
-        volatile int* volatile nowhere = nullptr;
+        // Where nothing ever lies; not null, which the checked build would notice before the processor does.
+        constexpr uintptr_t kNothing = 16;
+        volatile int* volatile nowhere = reinterpret_cast<volatile int*>(kNothing);
         *nowhere = 1;
     }
 }
