@@ -107,9 +107,9 @@ void CheckPlain(const std::uint8_t* data, std::size_t size)
         return;
     const std::size_t length =
         (data[1] | data[2] << 8U | static_cast<std::size_t>(data[3]) << 16U) % (2 * kMaximumDecodedLength);
-    std::string text;
+    std::string text(reinterpret_cast<const char*>(data) + kHeader, size - kHeader);
     while (text.size() < length)
-        text.append(reinterpret_cast<const char*>(data) + kHeader, size - kHeader);
+        text += text;
     text.resize(length);
     const Decoded decoded = Decode(Compress(text, length % 2 == 0));
     ORVA_PROPERTY(decoded.bytes == text.substr(0, kMaximumDecodedLength));

@@ -131,8 +131,9 @@ template <class Value> bool IsSame(const Value& left, const Value& right)
     }
 }
 
-// Reads `text` and checks what holds for every text. Returns whether it was read without an error.
-template <class Value> bool CheckReading(const typename Value::String_type& text, Value& value)
+// Reads `text` into the fresh `value`, checks what holds for every text, and returns the error, if there was
+// one, as a text.
+template <class Value> std::string CheckReading(const typename Value::String_type& text, Value& value)
 {
     try
     {
@@ -145,16 +146,14 @@ template <class Value> bool CheckReading(const typename Value::String_type& text
         ORVA_PROPERTY(error.column_ >= 1 && error.column_ <= 4 * text.size() + 1);
         ORVA_PROPERTY(!error.reason_.empty());
         ORVA_PROPERTY(Depth(value) <= kMaximumDepth);
-        return false;
+        return error.reason_ + " " + std::to_string(error.line_) + ":" + std::to_string(error.column_);
     }
     ORVA_PROPERTY(Depth(value) <= kMaximumDepth);
 
-    const Value copy = value;
-    ORVA_PROPERTY(copy.type() == value.type());
     Value again;
     json_spirit::read_or_throw(Print(value), again);
     ORVA_PROPERTY(IsSame(value, again));
-    return true;
+    return {};
 }
 
 // The lookups of the update check: a type error is the only exception that may come of them.
@@ -179,18 +178,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const std::string text = orva::fuzz::Bytes(data, size);
     mValue narrow;
-    CheckReading(text, narrow);
+    const std::string narrowError = CheckReading(text, narrow);
 
     wmValue wide;
-    CheckReading(orva::fuzz::Units(text), wide);
+    const std::string wideError = CheckReading(orva::fuzz::Units(text), wide);
     LookUp(wide);
 
+    // Both kinds read the same, but for \u above 00FF, which is cut in the narrow kind.
     const bool isAscii = std::ranges::all_of(text, [](char c) { return static_cast<signed char>(c) >= 0; });
-    // \u above 00FF gives different texts, and objects in another order.
     if (isAscii && text.find("\\u") == std::string::npos)
     {
-        ORVA_PROPERTY(orva::test::ReadAndDump<mValue>(text) ==
-                      orva::test::ReadAndDump<wmValue>(orva::test::WidenAscii(text)));
+        ORVA_PROPERTY(narrowError == wideError);
+        ORVA_PROPERTY(orva::test::Dump(narrow) == orva::test::Dump(wide));
     }
     return 0;
 }
