@@ -1,0 +1,77 @@
+// A registry without the add-in to register it in, and the registry as lines to compare.
+#pragma once
+
+#include "addin/AddInFixture.h"
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+inline constexpr wchar_t kAddIns[] = L"Software\\Microsoft\\Office\\Outlook\\Addins";
+inline constexpr wchar_t kAddInKey[] = L"Software\\Microsoft\\Office\\Outlook\\Addins\\OrvaOscAddin.Connect";
+inline constexpr wchar_t kClasses[] = L"Software\\Classes";
+inline constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}";
+inline constexpr wchar_t kLibraryKey[] =
+    L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}";
+inline constexpr wchar_t kProgIdKey[] = L"Software\\Classes\\OrvaOscAddin.Connect";
+inline constexpr wchar_t kVersionedProgIdKey[] = L"Software\\Classes\\OrvaOscAddin.Connect.1";
+
+/// Keys and values, each as one line with its whole path.
+using CRegistryLines = std::set<std::string>;
+
+/// Where to look for what registration does.
+enum class Extent
+{
+    /// All that is known to be touched: quick.
+    Known,
+    /// Both hives, to find out what else would be touched. The 32-bit view is the system's own affair.
+    Everything,
+};
+
+CRegistryLines ReadRegistry(Extent extent);
+
+/// The lines that are in `in` and not in `from`.
+std::vector<std::string> Missing(const CRegistryLines& from, const CRegistryLines& in);
+
+/// Outlook's list and the add-in's entry, below a machine that has no Office.
+std::vector<std::string> AddInLines();
+/// The class and its names in this hive, HKLM or HKCU.
+std::vector<std::string> ClassLines(const std::string& hive);
+std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second);
+
+/// Runs regsvr32 on the built DLL and returns its exit code.
+DWORD RegSvr32(std::vector<std::wstring> options);
+
+/// Starts from a registry without the add-in and without any add-in of Outlook's.
+class CRegistrationTest : public testing::Test
+{
+protected:
+    CRegistrationTest();
+
+    /// Loads the DLL afresh: the switch to per-user registration lasts as long as the DLL is loaded.
+    void Load(const std::wstring& path);
+
+    /// Remembers the registry as it is.
+    void Mark(Extent extent = Extent::Known);
+    /// What has been added to the registry since Mark, without the system's own lines of the type library.
+    std::vector<std::string> Added(bool withLibrary = false) const;
+    std::vector<std::string> Removed() const;
+
+    static bool IsRegisteredForMachine() { return RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey); }
+    static bool IsRegisteredForUser() { return RegistryKeyExists(HKEY_CURRENT_USER, kClassKey); }
+    static bool IsAddInEntered() { return RegistryKeyExists(HKEY_LOCAL_MACHINE, kAddInKey); }
+
+    CRegistrationGuard m_guard;
+    std::unique_ptr<CAddInModule> m_module;
+    CLogReader m_log;
+
+private:
+    Extent m_extent = Extent::Known;
+    CRegistryLines m_before;
+};
+
+} // namespace orva::test
