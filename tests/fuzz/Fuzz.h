@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <string>
 #include <string_view>
 
@@ -16,7 +16,7 @@ namespace orva::fuzz
 
 [[noreturn]] inline void FailProperty(const char* property, const char* file, int line)
 {
-    std::fprintf(stderr, "%s:%d: property does not hold: %s\n", file, line, property);
+    std::cerr << file << ':' << line << ": property does not hold: " << property << std::endl;
     std::abort();
 }
 

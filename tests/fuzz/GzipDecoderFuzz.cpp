@@ -14,18 +14,18 @@
 #include <algorithm>
 #include <vector>
 
-extern "C" int __real_inflate(z_streamp stream, int flush);
-
 // zlib is the machine's own, without checks compiled in: that the buffers it is given are whole is checked
-// before each call. The linker (--wrap) sends calls of inflate here.
-extern "C" int __wrap_inflate(z_streamp stream, int flush);
+// before each call. The linker's --wrap=inflate sends calls of inflate to the second of these names and
+// leaves the function itself under the first.
+extern "C" int InflateItself(z_streamp stream, int flush) __asm__("__real_inflate");
+extern "C" int CheckedInflate(z_streamp stream, int flush) __asm__("__wrap_inflate");
 
-extern "C" int __wrap_inflate(z_streamp stream, int flush)
+extern "C" int CheckedInflate(z_streamp stream, int flush)
 {
     ORVA_PROPERTY(__asan_region_is_poisoned(const_cast<Bytef*>(stream->next_in), stream->avail_in) ==
                   nullptr);
     ORVA_PROPERTY(__asan_region_is_poisoned(stream->next_out, stream->avail_out) == nullptr);
-    return __real_inflate(stream, flush);
+    return InflateItself(stream, flush);
 }
 
 namespace
@@ -103,10 +103,11 @@ std::string Compress(const std::string& text, bool asGzip)
 void CheckPlain(const std::uint8_t* data, std::size_t size)
 {
     constexpr std::size_t kHeader = 4;
+    constexpr std::size_t kPlainLengths = std::size_t{2} * kMaximumDecodedLength;
     if (size <= kHeader)
         return;
     const std::size_t length =
-        (data[1] | data[2] << 8U | static_cast<std::size_t>(data[3]) << 16U) % (2 * kMaximumDecodedLength);
+        (data[1] | data[2] << 8U | static_cast<std::size_t>(data[3]) << 16U) % kPlainLengths;
     std::string text(reinterpret_cast<const char*>(data) + kHeader, size - kHeader);
     while (text.size() < length)
         text += text;

@@ -4,8 +4,6 @@
 #include "support/TimeUtilities.h"
 
 #include <algorithm>
-#include <cctype>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <stdexcept>
@@ -25,7 +23,7 @@ char g_summerTime[] = "TZ=CET-1CEST,M3.5.0,M10.5.0/3";
 
 void SetZone(char* assignment)
 {
-    putenv(assignment);
+    putenv(assignment); // NOLINT(concurrency-mt-unsafe): no other thread reads dates here
     tzset();
 }
 
@@ -72,10 +70,9 @@ void CheckFields(const struct tm& date)
 
 std::string Format(const struct tm& date)
 {
-    char text[64];
-    std::snprintf(text, sizeof(text), "Day, %02d %s %04d %02d:%02d:%02d GMT", date.tm_mday,
-                  kMonths[date.tm_mon], date.tm_year + kFirstYear, date.tm_hour, date.tm_min, date.tm_sec);
-    return text;
+    return "Day, " + std::to_string(date.tm_mday) + " " + kMonths[date.tm_mon] + " " +
+           std::to_string(date.tm_year + kFirstYear) + " " + std::to_string(date.tm_hour) + ":" +
+           std::to_string(date.tm_min) + ":" + std::to_string(date.tm_sec) + " GMT";
 }
 
 // A date that has a text of its own is read the same from that text.

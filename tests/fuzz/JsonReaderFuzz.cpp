@@ -7,8 +7,9 @@
 #include <json_spirit.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <stdexcept>
 
 namespace
@@ -67,9 +68,11 @@ std::string PrintReal(double real)
     const double magnitude = std::fabs(real);
     if (!(magnitude >= kSmallestComparedReal && magnitude <= kLargestComparedReal))
         real = 1;
-    char text[64];
-    std::snprintf(text, sizeof(text), "%.17e", real);
-    return text;
+    constexpr int kDigits = 17;
+    std::array<char, 64> text{};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), real, std::chars_format::scientific, kDigits);
+    return std::string(text.data(), end.ptr);
 }
 
 template <class Value> typename Value::String_type Print(const Value& value)
