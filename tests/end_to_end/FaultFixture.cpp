@@ -7,8 +7,10 @@
 #include "harness/Text.h"
 #include "harness/Watchdog.h"
 
+#include <algorithm>
 #include <cctype>
 #include <ostream>
+#include <regex>
 
 namespace orva::test
 {
@@ -23,6 +25,9 @@ constexpr int kMostWindows = 8;
 
 std::string Quoted(std::string line)
 {
+    // The fresh folder of this run.
+    static const std::regex folder("[A-Za-z]:\\\\.*\\\\osc[A-Za-z0-9_]{6}\\\\");
+    line = std::regex_replace(line, folder, "%TEMP%\\osc??????\\");
     while (!line.empty() && (line.back() == ' ' || line.back() == '\r'))
     {
         line.pop_back();
@@ -34,6 +39,12 @@ std::string Quoted(std::string line)
         character = byte >= 0x20 && byte < 0x7F ? character : '.';
     }
     return line.size() <= kQuoteLimit ? line : line.substr(0, kQuoteLimit) + "...";
+}
+
+bool HasControl(const CSeenWindow& window, int id)
+{
+    return std::any_of(window.controls.begin(), window.controls.end(),
+                       [=](const auto& control) { return control.first == id; });
 }
 
 bool IsTelling(const std::string& line)
@@ -208,6 +219,14 @@ void FaultFixture::RunBothChecks(CheckMode mode)
     }
     m_seen = m_user.Seen();
     m_observed.shown = Shown();
+    for (size_t i = 0; i < m_seen.size(); ++i)
+    {
+        // Its caption changes with what has come.
+        if (HasControl(m_seen[i], kProgressBar))
+        {
+            m_observed.shown[i] = L"(progress of the download)";
+        }
+    }
     m_observed.log = mode == CheckMode::StartUp ? StartCheckLog() : ExplicitCheckLog();
     m_observed.left = TempFiles();
     m_observed.leftText = DescribeTempFiles();

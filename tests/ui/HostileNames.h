@@ -1,0 +1,45 @@
+// Last segments of a download link as somebody might choose them who wants a file elsewhere.
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+/// What becomes of a link's last segment.
+enum class NameFate
+{
+    /// The link names no file: that is said, and no dialog opens.
+    NoName,
+    /// The add-in refuses the name, as one that no file can have.
+    Refused,
+    /// The system refuses it.
+    RefusedBySystem,
+    /// A file in the fresh folder, whatever the name meant.
+    Created,
+    /// The one or the other, as the system's limits are.
+    CreatedOrRefused,
+};
+
+struct CHostileName
+{
+    /// In the report's order.
+    int number;
+    /// What the name tries.
+    const char* kind;
+    /// Follows "http://host/".
+    std::wstring segment;
+    NameFate fate;
+};
+
+void PrintTo(const CHostileName& name, std::ostream* out);
+
+/// All of them.
+std::vector<CHostileName> HostileNames();
+
+/// The text with everything but printable ASCII as \uXXXX, and cut if it is long.
+std::string Printable(const std::wstring& text);
+
+} // namespace orva::test
