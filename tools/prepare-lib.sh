@@ -1,6 +1,6 @@
 # Installs the packages that are missing and builds; shared by ./run and ./test, to be sourced by bash.
 #
-# install_packages                  installs what tools/packages.txt names and this machine has not.
+# install_packages [FILE...]        installs what tools/packages.txt, and these files, name and this machine has not.
 # configure_and_build [TARGET...]   builds preset release, or only these targets of it, into $build_dir.
 # configure_and_build_checked       builds everything with run-time checks compiled in (preset checked) into $checked_dir.
 # shellcheck shell=bash
@@ -25,17 +25,19 @@ retry() {
     return 1
 }
 
+# missing_packages FILE...
 missing_packages() {
     local package
     while read -r package; do
         [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || echo "$package"
-    done < <(grep -v '^#' "$repository/tools/packages.txt")
+    done < <(grep -hv '^#' "$@")
 }
 
+# shellcheck disable=SC2120 # only ./bench/run needs more than the others
 install_packages() {
     local packages apt log
     command -v apt-get >/dev/null || fail "this needs Debian 12 (the packages of tools/packages.txt)"
-    mapfile -t packages < <(missing_packages)
+    mapfile -t packages < <(missing_packages "$repository/tools/packages.txt" "$@")
     [ "${#packages[@]}" -gt 0 ] || return 0
 
     apt=(env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)

@@ -1,0 +1,36 @@
+// What the product's requests are compared with: the same requests with WinINet alone.
+#pragma once
+
+#include <windows.h>
+
+#include <wininet.h>
+
+#include <string>
+
+namespace orva::bench
+{
+
+/// A WinINet handle that closes itself.
+class CInternetHandle
+{
+public:
+    explicit CInternetHandle(HINTERNET handle);
+    ~CInternetHandle();
+    CInternetHandle(const CInternetHandle&) = delete;
+    CInternetHandle& operator=(const CInternetHandle&) = delete;
+    operator HINTERNET() const { return m_handle; }
+
+private:
+    HINTERNET m_handle;
+};
+
+/// Fetches `path` of `host` with the flags and headers of the update check, and throws it away. Returns its
+/// size in bytes.
+DWORD BareGet(const std::wstring& host, const std::wstring& path);
+
+/// Downloads `path` of `host` and `port` into `file` with the flags and headers of the download dialog, in
+/// reads of `chunk` bytes.
+void BareDownload(const std::wstring& host, INTERNET_PORT port, const std::wstring& path,
+                  const std::wstring& file, DWORD chunk);
+
+} // namespace orva::bench

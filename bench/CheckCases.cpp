@@ -1,0 +1,76 @@
+// The update check and its debug log.
+#include "bench/BareRequest.h"
+#include "bench/InsideCases.h"
+#include "bench/Samples.h"
+#include "bench/Turns.h"
+
+#include "OrvaWebHost.h"
+#include "support/DebugLog.h"
+#include "update/UpdateCheck.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <vector>
+
+namespace orva::bench
+{
+
+namespace
+{
+
+constexpr wchar_t kHost[] = L"" ORVA_WEB_HOST;
+// With the question mark that the product's requests end with.
+constexpr wchar_t kPath[] = L"/downloads/outlook/UpdateInfo.txt?";
+
+constexpr int kCheckRounds = 31;
+constexpr double kMilliseconds = 1e3;
+
+void CheckOnce()
+{
+    // False says that nothing newer is published; anything else would have shown a window or failed.
+    if (CheckForUpdate(nullptr, true))
+    {
+        throw std::runtime_error("the check did not find the installed version");
+    }
+}
+
+double Median(std::vector<double> values)
+{
+    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),
+                     values.end());
+    return values[values.size() / 2];
+}
+
+} // namespace
+
+void MeasureCheck()
+{
+    TakeTurns("check", Timed(CheckOnce), Timed([] { BareGet(kHost, kPath); }),
+              {.rounds = kCheckRounds, .roundSeconds = 0.1});
+}
+
+void GrowCheck(double kilobytes)
+{
+    constexpr int kTimes = 25;
+    CheckOnce();
+    std::vector<double> milliseconds;
+    for (int i = 0; i < kTimes; ++i)
+    {
+        const double start = Now();
+        CheckOnce();
+        milliseconds.push_back((Now() - start) * kMilliseconds);
+    }
+    AddPoint("check", kilobytes, Median(milliseconds));
+}
+
+void GrowLog(int lines)
+{
+    const double start = Now();
+    for (int i = 0; i < lines; ++i)
+    {
+        WriteDebugLog(GetDebugLog(), "CHttpRequest::PerformTextRequest", "response httpStatus", 200);
+    }
+    AddPoint("log", lines, Now() - start);
+}
+
+} // namespace orva::bench

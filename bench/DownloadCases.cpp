@@ -1,0 +1,79 @@
+// The download dialog.
+#include "bench/BareRequest.h"
+#include "bench/InsideCases.h"
+#include "bench/Samples.h"
+#include "bench/TimedDownload.h"
+#include "bench/Turns.h"
+
+#include <afxinet.h>
+
+#include <stdexcept>
+
+namespace orva::bench
+{
+
+namespace
+{
+
+constexpr int kRounds = 9;
+constexpr DWORD kSmallChunk = 1024;
+constexpr DWORD kLargeChunk = 64 * 1024;
+
+double TimeBareDownload(const std::wstring& url, const std::wstring& file, DWORD chunk)
+{
+    DWORD service = 0;
+    CString host;
+    CString path;
+    INTERNET_PORT port = 0;
+    if (!AfxParseURL(url.c_str(), service, host, path, port))
+    {
+        throw std::runtime_error("the URL");
+    }
+    const double start = Now();
+    BareDownload(host.GetString(), port, path.GetString(), file, chunk);
+    return Now() - start;
+}
+
+void RemoveDownload(const std::wstring& file, double mebibytes)
+{
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &data);
+    const ULONGLONG size = static_cast<ULONGLONG>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
+    DeleteFileW(file.c_str());
+    if (static_cast<double>(size) != mebibytes * 1024 * 1024)
+    {
+        throw std::runtime_error("the file is not complete");
+    }
+}
+
+} // namespace
+
+void MeasureDownload(const std::wstring& url, const std::wstring& file, double mebibytes)
+{
+    // One round more than counts, to warm up.
+    for (int round = -1; round < kRounds; ++round)
+    {
+        const double byDialog = mebibytes / TimeDownload(url, file);
+        RemoveDownload(file, mebibytes);
+        const double bySmallChunks = mebibytes / TimeBareDownload(url, file, kSmallChunk);
+        RemoveDownload(file, mebibytes);
+        const double byLargeChunks = mebibytes / TimeBareDownload(url, file, kLargeChunk);
+        RemoveDownload(file, mebibytes);
+        if (round >= 0)
+        {
+            AddSample("download", kProduct, byDialog);
+            AddSample("download", kBaseline, bySmallChunks);
+            AddSample("download-64k", kProduct, byDialog);
+            AddSample("download-64k", kBaseline, byLargeChunks);
+        }
+    }
+}
+
+void GrowDownload(const std::wstring& url, const std::wstring& file, double mebibytes)
+{
+    const double seconds = TimeDownload(url, file);
+    AddPoint("download", mebibytes, seconds);
+    RemoveDownload(file, mebibytes);
+}
+
+} // namespace orva::bench

@@ -1,0 +1,51 @@
+// Writes samples as tab-separated lines, each at once: a program that dies has handed over what it had.
+#include "bench/Samples.h"
+
+#include <windows.h>
+
+#include <psapi.h>
+
+#include <cstdio>
+#include <stdexcept>
+
+namespace orva::bench
+{
+
+namespace
+{
+
+constexpr double kKib = 1024.0;
+
+// PagefileUsage is the private memory under another name; Wine knows this one only.
+PROCESS_MEMORY_COUNTERS Memory()
+{
+    PROCESS_MEMORY_COUNTERS counters{};
+    counters.cb = sizeof counters;
+    if (!GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters))
+    {
+        throw std::runtime_error("no memory counters");
+    }
+    return counters;
+}
+
+} // namespace
+
+void AddSample(const std::string& row, const char* variant, double value)
+{
+    std::printf("sample\t%s\t%s\t%.6g\n", row.c_str(), variant, value);
+    std::fflush(stdout);
+}
+
+void AddPoint(const std::string& curve, double x, double value)
+{
+    const double peakKib = static_cast<double>(Memory().PeakPagefileUsage) / kKib;
+    std::printf("point\t%s\t%.6g\t%.6g\t%.6g\n", curve.c_str(), x, value, peakKib);
+    std::fflush(stdout);
+}
+
+double PrivateKib()
+{
+    return static_cast<double>(Memory().PagefileUsage) / kKib;
+}
+
+} // namespace orva::bench
