@@ -24,6 +24,6 @@ foreach(source IN LISTS fuzz_sources)
   set_tests_properties(fuzz.${name} PROPERTIES
     LABELS fuzz
     COST 1000
-    TIMEOUT 420
+    TIMEOUT 600
     ENVIRONMENT "ORVA_BUILD_DIR=${CMAKE_BINARY_DIR}")
 endforeach()
