@@ -1,0 +1,56 @@
+# The checks that read the sources without running them, as CTest tests static.NAME with label static.
+#
+# Each source has a stamp, made again only when the source, a header that it includes or the settings change, so that a
+# run after a small change costs little. The tests' own sources are left to the thorough form (ORVA_THOROUGH in the
+# environment), where they are checked as the others are: they would take longer than all other checks together.
+foreach(tool clang-tidy-14 clang++-14 clang-format-14 cppcheck shellcheck)
+  string(MAKE_C_IDENTIFIER "ORVA_${tool}" variable)
+  find_program(${variable} ${tool} REQUIRED)
+endforeach()
+
+# orva_clang_tidy(TARGET SOURCE...) makes TARGET, which brings the stamps of the sources up to date.
+function(orva_clang_tidy TARGET)
+  set(stamps "")
+  foreach(source IN LISTS ARGN)
+    file(RELATIVE_PATH name "${CMAKE_SOURCE_DIR}" "${source}")
+    set(stamp "${CMAKE_BINARY_DIR}/static/clang-tidy/${name}.stamp")
+    add_custom_command(OUTPUT "${stamp}"
+      COMMAND "${ORVA_TOOLS_DIR}/run-clang-tidy" "${CMAKE_BINARY_DIR}" "${source}" "${stamp}"
+      DEPENDS "${source}" "${CMAKE_SOURCE_DIR}/.clang-tidy" "${ORVA_TOOLS_DIR}/run-clang-tidy"
+      DEPFILE "${stamp}.d"
+      COMMENT "Checking ${name}"
+      VERBATIM)
+    list(APPEND stamps "${stamp}")
+  endforeach()
+  add_custom_target(${TARGET} DEPENDS ${stamps})
+  # The headers that are generated.
+  add_dependencies(${TARGET} orva_addin_idl orva_addin_designer_idl orva_office_idl orva_atl_test_server_idl)
+endfunction()
+
+set(folders addin host platform support tools ui update)
+list(TRANSFORM folders APPEND "/*.cpp")
+list(TRANSFORM folders PREPEND "${CMAKE_SOURCE_DIR}/")
+file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folders})
+orva_clang_tidy(clang_tidy ${sources})
+
+# The fuzz targets have a build of their own, and checked_build is compiled only with the run-time checks.
+file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/*.cpp")
+list(FILTER sources EXCLUDE REGEX "/tests/fuzz/")
+if(NOT ORVA_CHECKED)
+  list(FILTER sources EXCLUDE REGEX "/tests/checked_build/")
+endif()
+orva_clang_tidy(clang_tidy_tests ${sources})
+
+# orva_static_check(NAME COMMAND...)
+function(orva_static_check NAME)
+  add_test(NAME static.${NAME} COMMAND ${ARGN} WORKING_DIRECTORY "${CMAKE_SOURCE_DIR}")
+  set_tests_properties(static.${NAME} PROPERTIES LABELS static)
+endfunction()
+
+orva_static_check(ClangTidy "${ORVA_TOOLS_DIR}/check-tidy" "${CMAKE_BINARY_DIR}")
+# Started early and with both processors, being the longest of all after a change of what everything includes.
+set_tests_properties(static.ClangTidy PROPERTIES PROCESSORS 2 COST 900 TIMEOUT 2400)
+orva_static_check(Cppcheck "${ORVA_TOOLS_DIR}/run-cppcheck" "${CMAKE_BINARY_DIR}")
+orva_static_check(SourceReferences "${ORVA_TOOLS_DIR}/check-sources")
+orva_static_check(Format "${ORVA_TOOLS_DIR}/check-format")
+orva_static_check(Shell "${ORVA_TOOLS_DIR}/check-shell")
