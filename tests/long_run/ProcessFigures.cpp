@@ -1,0 +1,177 @@
+// What this process holds of the system: the figures of which a leak would raise one.
+#include "long_run/ProcessFigures.h"
+
+#include "harness/Waiting.h"
+
+#include <tlhelp32.h>
+#include <winternl.h>
+
+#include <algorithm>
+#include <array>
+
+namespace orva::test
+{
+namespace
+{
+
+/// An entry of the table that gdi32 shares with the system. Free entries have no type.
+struct GdiEntry
+{
+    ULONG64 object;
+    ULONG owner;
+    USHORT unique;
+    UCHAR type;
+    UCHAR flags;
+    ULONG64 userPointer;
+};
+
+/// Where the process environment block of 64-bit Windows has that table, and how long it is.
+constexpr size_t kGdiTableOffset = 0xF8;
+constexpr size_t kGdiEntries = 0x4000;
+
+/// Window and menu handles are even numbers from here on; their upper half only guards against reuse.
+constexpr ULONG_PTR kFirstUserHandle = 0x20;
+constexpr ULONG_PTR kEndOfUserHandles = 0x10000;
+
+long long CountGdiObjects()
+{
+    if (const DWORD counted = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS))
+    {
+        return counted;
+    }
+    const char* const block = reinterpret_cast<const char*>(NtCurrentTeb()->ProcessEnvironmentBlock);
+    const auto* const table = *reinterpret_cast<const GdiEntry* const*>(block + kGdiTableOffset);
+    long long count = 0;
+    for (size_t index = 0; table != nullptr && index < kGdiEntries; ++index)
+    {
+        count += table[index].type != 0;
+    }
+    return count;
+}
+
+long long CountUserObjects()
+{
+    if (const DWORD counted = GetGuiResources(GetCurrentProcess(), GR_USEROBJECTS))
+    {
+        return counted;
+    }
+    long long count = 0;
+    for (ULONG_PTR handle = kFirstUserHandle; handle < kEndOfUserHandles; handle += 2)
+    {
+        const HWND window = reinterpret_cast<HWND>(handle);
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        count +=
+            process == GetCurrentProcessId() || (process == 0 && IsMenu(reinterpret_cast<HMENU>(handle)));
+    }
+    return count;
+}
+
+/// Kernel handles are multiples of four.
+constexpr ULONG_PTR kEndOfHandles = 0x4000;
+
+/// Tried one by one: Wine 8 has no count (GetProcessHandleCount gives 0, the process list the size of the
+/// table).
+long long CountHandles()
+{
+    long long count = 0;
+    for (ULONG_PTR handle = 4; handle < kEndOfHandles; handle += 4)
+    {
+        DWORD flags = 0;
+        count += GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) != FALSE;
+    }
+    return count;
+}
+
+long long CountThreads()
+{
+    const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    THREADENTRY32 entry{};
+    entry.dwSize = sizeof entry;
+    long long count = 0;
+    for (BOOL more = Thread32First(snapshot.get(), &entry); more; more = Thread32Next(snapshot.get(), &entry))
+    {
+        count += entry.th32OwnerProcessID == GetCurrentProcessId();
+    }
+    return count;
+}
+
+/// The committed memory that is shared with nobody and mapped from no file.
+long long CountPrivateBytes()
+{
+    long long bytes = 0;
+    MEMORY_BASIC_INFORMATION region{};
+    for (const char* address = nullptr; VirtualQuery(address, &region, sizeof region) == sizeof region;
+         address = static_cast<const char*>(region.BaseAddress) + region.RegionSize)
+    {
+        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE)
+        {
+            bytes += static_cast<long long>(region.RegionSize);
+        }
+    }
+    return bytes;
+}
+
+/// The bytes of all heap blocks in use.
+long long CountHeapBytes()
+{
+    std::array<HANDLE, 64> heaps{};
+    const DWORD count = std::min<DWORD>(GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data()),
+                                        static_cast<DWORD>(heaps.size()));
+    long long bytes = 0;
+    for (DWORD index = 0; index < count; ++index)
+    {
+        HeapLock(heaps[index]);
+        PROCESS_HEAP_ENTRY entry{};
+        while (HeapWalk(heaps[index], &entry))
+        {
+            bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+        }
+        HeapUnlock(heaps[index]);
+    }
+    return bytes;
+}
+
+/// Threads that are about to end do so first: waits until their number has not changed for a moment.
+void Settle()
+{
+    long long last = 0;
+    int same = 0;
+    WaitUntil(
+        [&] {
+            const long long threads = CountThreads();
+            same = threads == last ? same + 1 : 0;
+            last = threads;
+            Sleep(20);
+            return same >= 10;
+        },
+        3'000);
+}
+
+} // namespace
+
+CProcessFigures CProcessFigures::Take()
+{
+    Settle();
+    CProcessFigures figures;
+    figures.handles = CountHandles();
+    figures.threads = CountThreads();
+    figures.gdiObjects = CountGdiObjects();
+    figures.userObjects = CountUserObjects();
+    figures.privateKib = CountPrivateBytes() / 1024;
+    figures.heapBytes = CountHeapBytes();
+    return figures;
+}
+
+CProcessFigures CProcessFigures::operator-(const CProcessFigures& before) const
+{
+    return {handles - before.handles,       gdiObjects - before.gdiObjects, userObjects - before.userObjects,
+            privateKib - before.privateKib, heapBytes - before.heapBytes,   threads - before.threads};
+}
+
+std::string FromTo(long long before, long long after)
+{
+    return std::to_string(before) + " -> " + std::to_string(after);
+}
+
+} // namespace orva::test

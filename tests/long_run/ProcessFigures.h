@@ -1,0 +1,31 @@
+// What this process holds of the system: the figures of which a leak would raise one.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace orva::test
+{
+
+/// What is counted where the system does not count it itself (Wine 8's GetGuiResources gives 0): GDI objects
+/// are the used entries of the process's GDI handle table, USER objects are this process's windows and menus.
+struct CProcessFigures
+{
+    long long handles = 0;
+    long long gdiObjects = 0;
+    long long userObjects = 0;
+    long long privateKib = 0;
+    /// Bytes in use in all heaps.
+    long long heapBytes = 0;
+    long long threads = 0;
+
+    /// The process as it is now, once threads that are about to end have had the time to.
+    static CProcessFigures Take();
+    CProcessFigures operator-(const CProcessFigures& before) const;
+};
+
+/// "before -> after"
+std::string FromTo(long long before, long long after);
+
+} // namespace orva::test
