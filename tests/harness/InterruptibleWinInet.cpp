@@ -14,6 +14,9 @@ namespace orva::test
 namespace
 {
 
+// A call that is no longer waiting for its socket leaves within this time, in milliseconds.
+constexpr ULONGLONG kLeaveTime = 2000;
+
 /// A call that a thread of the module's has pending.
 struct Call
 {
@@ -85,6 +88,22 @@ const Call* OwnCall()
 /// The socket that this thread has told not to wait; WinINet looks that way whether there is more.
 thread_local SOCKET t_notWaiting = INVALID_SOCKET;
 
+/// Tells other threads' calls under this handle that they are cancelled. Returns whether there are any.
+bool CancelCalls(HINTERNET handle)
+{
+    const std::lock_guard lock(TheCalls().mutex);
+    bool isPending = false;
+    for (Call& call : TheCalls().pending)
+    {
+        if (call.handle == handle && call.thread != GetCurrentThreadId())
+        {
+            call.cancelled = true;
+            isPending = true;
+        }
+    }
+    return isPending;
+}
+
 timeval Slice()
 {
     return {0, static_cast<long>(CInterruptibleWinInet::kSlice * 1000)};
@@ -145,12 +164,10 @@ BOOL WINAPI CInterruptibleWinInet::Hooks::ReadFile(HINTERNET file, LPVOID buffer
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::CloseInternetHandle(HINTERNET handle)
 {
+    const ULONGLONG start = GetTickCount64();
+    while (CancelCalls(handle) && GetTickCount64() - start < kLeaveTime)
     {
-        const std::lock_guard lock(TheCalls().mutex);
-        for (Call& call : TheCalls().pending)
-        {
-            call.cancelled = call.cancelled || call.handle == handle;
-        }
+        Sleep(1);
     }
     return the->close.Original<decltype(CloseInternetHandle)>()(handle);
 }

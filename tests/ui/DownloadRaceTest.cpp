@@ -256,6 +256,11 @@ private:
     {
         const auto phase = static_cast<Moment>(static_cast<int>(m_download.phase.load()));
         m_events.emplace_back(event, m_told ? Moment::Told : phase);
+        if (phase == Moment::WaitingForHeaders)
+        {
+            // Held up within a call, which is to be interrupted now and so has to go on.
+            SetEvent(m_handled.get());
+        }
     }
 
     // On the worker's thread.
@@ -396,15 +401,8 @@ int Setting(const char* name, int otherwise)
     return value != nullptr ? std::atoi(value) : otherwise;
 }
 
-// Whether a closed handle is to interrupt the worker of this run, as on Windows. Each aim and each action
-// meet both.
-bool IsInterruptible(int run)
-{
-    return (run + run / static_cast<int>(Server::Count) + run / kPairs) % 2 != 0;
-}
-
-/// Makes the half of the runs that is or is not interruptible, many at a time.
-void RunHalf(bool interruptible, int runs, unsigned seed, CLoopbackServer& server, CRaceRecord& record)
+/// Makes the runs, many at a time.
+void RunAll(int runs, unsigned seed, CLoopbackServer& server, CRaceRecord& record)
 {
     CWorkerWatch watch;
     const std::string whole(kBodySize, 'x');
@@ -416,10 +414,6 @@ void RunHalf(bool interruptible, int runs, unsigned seed, CLoopbackServer& serve
             CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
             for (int run = next++; run < runs; run = next++)
             {
-                if (IsInterruptible(run) != interruptible)
-                {
-                    continue;
-                }
                 const Plan plan = PlanOf(run, seed);
                 const RaceOutcome outcome = CRun(run, plan, server, watch).Run();
                 EXPECT_EQ(Fault(plan, outcome, whole), "") << CRun::Describe(run, plan) << ", seed " << seed;
@@ -446,12 +440,11 @@ TEST(DownloadRaceTest, NoOrderOfCancelCloseDestructionDataAndFailureHangsOrCrash
     const CNoProxy noProxy;
     CLoopbackServer server;
     CRaceRecord record;
-    // Half of them with Wine's own WinINet, half with one that a closed handle interrupts, as Windows' does.
-    RunHalf(false, runs, seed, server, record);
-    {
-        const CInterruptibleWinInet interruptible;
-        RunHalf(true, runs, seed, server, record);
-    }
+    // Wine frees a connection whose handle is closed under the call that uses it, and another download
+    // may get its socket: several in one process need a WinINet that ends the call first, as Windows'
+    // does.
+    const CInterruptibleWinInet interruptible;
+    RunAll(runs, seed, server, record);
     record.Report();
     AddReportRow("races", {"99 all", std::to_string(runs), "seed " + std::to_string(seed)});
     if (runs >= kFewRuns)
