@@ -37,7 +37,7 @@ run_thoroughly() {
     } &
     fuzzing=$!
     ORVA_THOROUGH=1 run_suite "long form" "$build_dir" -LE fuzz -j "$ORVA_WINE_SLOTS" || failed=1
-    run_suite "checked" "$checked_dir" -LE 'fuzz|static' -j "$ORVA_WINE_SLOTS" || failed=1
+    run_suite "checked" "$checked_dir" -j "$ORVA_WINE_SLOTS" || failed=1
     wait "$fuzzing" || failed=1
     # Preparing and building counted as well: SECONDS runs since ./test was called.
     echo
