@@ -24,7 +24,7 @@ class RegistrationToolsTest : public CRegistrationTest
 
 TEST_F(RegistrationToolsTest, Regsvr32RegistersAndUnregistersForTheMachine)
 {
-    Mark(Extent::Everything);
+    Mark();
     EXPECT_EQ(RegSvr32({L"/s"}), 0u);
     EXPECT_THAT(Added(), UnorderedElementsAreArray(Joined(AddInLines(), ClassLines("HKLM"))));
     EXPECT_EQ(RegSvr32({L"/s", L"/u"}), 0u);
