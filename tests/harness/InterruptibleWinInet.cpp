@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <atomic>
 #include <list>
+#include <map>
 #include <mutex>
+#include <vector>
 
 namespace orva::test
 {
@@ -25,10 +27,19 @@ struct Call
     std::atomic<bool> cancelled = false;
 };
 
+/// What stands behind a handle that the module got.
+struct Behind
+{
+    HINTERNET real;
+    HINTERNET parent;
+};
+
 struct Calls
 {
     std::mutex mutex;
     std::list<Call> pending;
+    std::map<HINTERNET, Behind> handles;
+    ULONG_PTR last = 0x10000;
 };
 
 Calls& TheCalls()
@@ -39,13 +50,30 @@ Calls& TheCalls()
 
 std::atomic<int> g_interrupted = 0;
 
+HINTERNET GiveHandle(HINTERNET real, HINTERNET parent)
+{
+    if (real == nullptr)
+    {
+        return nullptr;
+    }
+    const DWORD error = GetLastError();
+    const std::lock_guard lock(TheCalls().mutex);
+    TheCalls().last += 4;
+    const auto handle = reinterpret_cast<HINTERNET>(TheCalls().last);
+    TheCalls().handles[handle] = {real, parent};
+    SetLastError(error);
+    return handle;
+}
+
 /// Notes a pending call for its lifetime.
 class CPendingCall
 {
 public:
-    explicit CPendingCall(HINTERNET handle)
+    explicit CPendingCall(HINTERNET handle) : m_handle(handle)
     {
         const std::lock_guard lock(TheCalls().mutex);
+        const auto found = TheCalls().handles.find(handle);
+        m_real = found == TheCalls().handles.end() ? nullptr : found->second.real;
         TheCalls().pending.emplace_front(GetCurrentThreadId(), handle);
         m_call = TheCalls().pending.begin();
     }
@@ -56,6 +84,11 @@ public:
     }
     CPendingCall(const CPendingCall&) = delete;
     CPendingCall& operator=(const CPendingCall&) = delete;
+
+    /// WinINet's own handle; null if the handle has been closed or never was one.
+    HINTERNET Real() const { return m_real; }
+    /// A handle to give to the module for one that was made under this call's. Null for null.
+    HINTERNET Give(HINTERNET real) const { return GiveHandle(real, m_handle); }
 
     /// The call's result, which is a failure if its handle was closed.
     BOOL Result(BOOL result) const
@@ -72,6 +105,8 @@ public:
     }
 
 private:
+    HINTERNET m_handle;
+    HINTERNET m_real;
     std::list<Call>::iterator m_call;
 };
 
@@ -88,14 +123,50 @@ const Call* OwnCall()
 /// The socket that this thread has told not to wait; WinINet looks that way whether there is more.
 thread_local SOCKET t_notWaiting = INVALID_SOCKET;
 
-/// Tells other threads' calls under this handle that they are cancelled. Returns whether there are any.
-bool CancelCalls(HINTERNET handle)
+/// Handles of the module's and, in the same order, what stands behind them.
+struct Taken
+{
+    std::vector<HINTERNET> handles;
+    std::vector<HINTERNET> real;
+};
+
+/// Takes a handle and all below it from the module, the lowest first.
+Taken TakeHandles(HINTERNET handle)
+{
+    const std::lock_guard lock(TheCalls().mutex);
+    auto& handles = TheCalls().handles;
+    std::vector<HINTERNET> taken;
+    if (handles.contains(handle))
+    {
+        taken.push_back(handle);
+    }
+    for (size_t index = 0; index < taken.size(); ++index)
+    {
+        for (const auto& [child, behind] : handles)
+        {
+            if (behind.parent == taken[index])
+            {
+                taken.push_back(child);
+            }
+        }
+    }
+    Taken result{{taken.rbegin(), taken.rend()}, {}};
+    for (const HINTERNET each : result.handles)
+    {
+        result.real.push_back(handles.at(each).real);
+        handles.erase(each);
+    }
+    return result;
+}
+
+/// Tells other threads' calls under these handles that they are cancelled. Returns whether there are any.
+bool CancelCalls(const std::vector<HINTERNET>& handles)
 {
     const std::lock_guard lock(TheCalls().mutex);
     bool isPending = false;
     for (Call& call : TheCalls().pending)
     {
-        if (call.handle == handle && call.thread != GetCurrentThreadId())
+        if (std::ranges::find(handles, call.handle) != handles.end() && call.thread != GetCurrentThreadId())
         {
             call.cancelled = true;
             isPending = true;
@@ -116,6 +187,13 @@ struct CInterruptibleWinInet::Hooks
     explicit Hooks(HMODULE module);
     ~Hooks() { the = nullptr; }
 
+    static HINTERNET WINAPI Open(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass, DWORD flags);
+    static HINTERNET WINAPI ConnectTo(HINTERNET session, LPCWSTR server, INTERNET_PORT port, LPCWSTR user,
+                                      LPCWSTR password, DWORD service, DWORD flags, DWORD_PTR context);
+    static HINTERNET WINAPI OpenRequest(HINTERNET connection, LPCWSTR verb, LPCWSTR object, LPCWSTR version,
+                                        LPCWSTR referrer, LPCWSTR* types, DWORD flags, DWORD_PTR context);
+    static BOOL WINAPI AddHeaders(HINTERNET request, LPCWSTR headers, DWORD length, DWORD modifiers);
+    static BOOL WINAPI QueryInfo(HINTERNET request, DWORD level, LPVOID buffer, LPDWORD size, LPDWORD index);
     static BOOL WINAPI SendRequest(HINTERNET request, LPCWSTR headers, DWORD headersLength, LPVOID optional,
                                    DWORD optionalLength);
     static BOOL WINAPI ReadFile(HINTERNET file, LPVOID buffer, DWORD size, LPDWORD read);
@@ -130,6 +208,11 @@ struct CInterruptibleWinInet::Hooks
     CImportHook control;
     CImportHook receive;
     CImportHook connect;
+    CImportHook open;
+    CImportHook connectTo;
+    CImportHook openRequest;
+    CImportHook addHeaders;
+    CImportHook queryInfo;
     CImportHook send;
     CImportHook read;
     CImportHook close;
@@ -142,34 +225,88 @@ CInterruptibleWinInet::Hooks::Hooks(HMODULE module)
     : winInet((the = this, GetModuleHandleW(L"wininet.dll"))),
       control(winInet, "ws2_32.dll", "ioctlsocket", &Control),
       receive(winInet, "ws2_32.dll", "recv", &Receive), connect(winInet, "ws2_32.dll", "connect", &Connect),
+      open(module, "wininet.dll", "InternetOpenW", &Open),
+      connectTo(module, "wininet.dll", "InternetConnectW", &ConnectTo),
+      openRequest(module, "wininet.dll", "HttpOpenRequestW", &OpenRequest),
+      addHeaders(module, "wininet.dll", "HttpAddRequestHeadersW", &AddHeaders),
+      queryInfo(module, "wininet.dll", "HttpQueryInfoW", &QueryInfo),
       send(module, "wininet.dll", "HttpSendRequestW", &SendRequest),
       read(module, "wininet.dll", "InternetReadFile", &ReadFile),
       close(module, "wininet.dll", "InternetCloseHandle", &CloseInternetHandle)
 {
 }
 
+HINTERNET WINAPI CInterruptibleWinInet::Hooks::Open(LPCWSTR agent, DWORD access, LPCWSTR proxy,
+                                                    LPCWSTR bypass, DWORD flags)
+{
+    return GiveHandle(the->open.Original<decltype(Open)>()(agent, access, proxy, bypass, flags), nullptr);
+}
+
+HINTERNET WINAPI CInterruptibleWinInet::Hooks::ConnectTo(HINTERNET session, LPCWSTR server,
+                                                         INTERNET_PORT port, LPCWSTR user, LPCWSTR password,
+                                                         DWORD service, DWORD flags, DWORD_PTR context)
+{
+    const CPendingCall call(session);
+    return call.Give(the->connectTo.Original<decltype(ConnectTo)>()(call.Real(), server, port, user, password,
+                                                                    service, flags, context));
+}
+
+HINTERNET WINAPI CInterruptibleWinInet::Hooks::OpenRequest(HINTERNET connection, LPCWSTR verb, LPCWSTR object,
+                                                           LPCWSTR version, LPCWSTR referrer, LPCWSTR* types,
+                                                           DWORD flags, DWORD_PTR context)
+{
+    const CPendingCall call(connection);
+    return call.Give(the->openRequest.Original<decltype(OpenRequest)>()(call.Real(), verb, object, version,
+                                                                        referrer, types, flags, context));
+}
+
+BOOL WINAPI CInterruptibleWinInet::Hooks::AddHeaders(HINTERNET request, LPCWSTR headers, DWORD length,
+                                                     DWORD modifiers)
+{
+    const CPendingCall call(request);
+    return the->addHeaders.Original<decltype(AddHeaders)>()(call.Real(), headers, length, modifiers);
+}
+
+BOOL WINAPI CInterruptibleWinInet::Hooks::QueryInfo(HINTERNET request, DWORD level, LPVOID buffer,
+                                                    LPDWORD size, LPDWORD index)
+{
+    const CPendingCall call(request);
+    return the->queryInfo.Original<decltype(QueryInfo)>()(call.Real(), level, buffer, size, index);
+}
+
 BOOL WINAPI CInterruptibleWinInet::Hooks::SendRequest(HINTERNET request, LPCWSTR headers, DWORD headersLength,
                                                       LPVOID optional, DWORD optionalLength)
 {
     const CPendingCall call(request);
-    return call.Result(the->send.Original<decltype(SendRequest)>()(request, headers, headersLength, optional,
-                                                                   optionalLength));
+    return call.Result(the->send.Original<decltype(SendRequest)>()(call.Real(), headers, headersLength,
+                                                                   optional, optionalLength));
 }
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::ReadFile(HINTERNET file, LPVOID buffer, DWORD size, LPDWORD read)
 {
     const CPendingCall call(file);
-    return call.Result(the->read.Original<decltype(ReadFile)>()(file, buffer, size, read));
+    return call.Result(the->read.Original<decltype(ReadFile)>()(call.Real(), buffer, size, read));
 }
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::CloseInternetHandle(HINTERNET handle)
 {
+    const Taken taken = TakeHandles(handle);
     const ULONGLONG start = GetTickCount64();
-    while (CancelCalls(handle) && GetTickCount64() - start < kLeaveTime)
+    while (CancelCalls(taken.handles) && GetTickCount64() - start < kLeaveTime)
     {
         Sleep(1);
     }
-    return the->close.Original<decltype(CloseInternetHandle)>()(handle);
+    if (taken.real.empty())
+    {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return FALSE;
+    }
+    BOOL closed = FALSE;
+    for (const HINTERNET each : taken.real)
+    {
+        closed = the->close.Original<decltype(CloseInternetHandle)>()(each);
+    }
+    return closed;
 }
 
 int WINAPI CInterruptibleWinInet::Hooks::Control(SOCKET socket, long command, u_long* argument)
