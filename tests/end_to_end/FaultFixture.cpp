@@ -160,6 +160,12 @@ std::string FaultFixture::DescribeTempFiles() const
 {
     const std::vector<std::wstring> paths = ListFolder(m_temp.Path());
     std::vector<std::wstring> texts = TempFiles();
+    // A test that gives Outlook another temporary folder has that one in its own.
+    static const std::wregex own(L"^orva-test-[0-9-]+");
+    for (std::wstring& text : texts)
+    {
+        text = std::regex_replace(text, own, L"(made by the test)");
+    }
     for (size_t i = 0; i < paths.size() && i < texts.size(); ++i)
     {
         if (const auto bytes = ReadFileBytes(m_temp.Path() + L"\\" + paths[i]))
@@ -205,11 +211,8 @@ bool FaultFixture::RunSecondCheck(CheckMode mode)
     return failures.empty() && !HasFatalFailure() && IsHostEnabled();
 }
 
-void FaultFixture::RunBothChecks(CheckMode mode)
+void FaultFixture::Observe(CheckMode mode)
 {
-    m_observed = CObservedFault();
-    m_observed.mode = mode;
-    RunFirstCheck(mode);
     m_observed.isHostEnabled = IsHostEnabled();
     EXPECT_TRUE(m_observed.isHostEnabled);
     for (const std::string& failure : m_user.FinishQuietly())
@@ -226,18 +229,82 @@ void FaultFixture::RunBothChecks(CheckMode mode)
         {
             m_observed.shown[i] = L"(progress of the download)";
         }
+        else if (HasControl(m_seen[i], kBoxText) && m_seen[i].caption != kProduct &&
+                 !m_seen[i].caption.empty())
+        {
+            m_observed.shown[i] = m_seen[i].caption + L": " + m_seen[i].text;
+        }
     }
-    m_observed.log = mode == CheckMode::StartUp ? StartCheckLog() : ExplicitCheckLog();
+    m_observed.log.clear();
+    if (!ReadLog().empty())
+    {
+        m_observed.log = mode == CheckMode::StartUp ? StartCheckLog() : ExplicitCheckLog();
+    }
     m_observed.left = TempFiles();
     m_observed.leftText = DescribeTempFiles();
+}
+
+void FaultFixture::RunBothChecks(CheckMode mode)
+{
+    m_observed = CObservedFault();
+    m_observed.mode = mode;
+    RunFirstCheck(mode);
+    Observe(mode);
     m_observed.worksAgain = m_outlook->IsRunning() && RunSecondCheck(mode);
     EXPECT_TRUE(m_observed.worksAgain);
     ExpectOutlookGoesOn();
 }
 
+void FaultFixture::EndOutlookWithoutAddIn()
+{
+    PostMessageW(MainWindow(), WM_CLOSE, 0, 0);
+    EXPECT_EQ(m_outlook->WaitForExit(), 0u) << DescribeWindows(m_outlook->Id());
+    EXPECT_THAT(Trace(), testing::Contains("Outlook: ended"));
+}
+
+void FaultFixture::RunFaultyStart(const std::string& table, const std::string& fault, bool isLoaded)
+{
+    m_observed = CObservedFault();
+    if (isLoaded)
+    {
+        if (m_meetFault)
+        {
+            m_observed.mode = CheckMode::Explicit;
+            StartWithBackstage();
+            m_meetFault();
+        }
+        else
+        {
+            RunFirstCheck(CheckMode::StartUp);
+        }
+        Observe(m_observed.mode);
+        ExpectOutlookGoesOn();
+    }
+    else
+    {
+        StartOutlook({L"--backstage"});
+        EXPECT_TRUE(WaitForTrace("start-up complete"));
+        Observe(CheckMode::StartUp);
+        EndOutlookWithoutAddIn();
+    }
+    m_mend();
+    StartWithBackstage();
+    // The second check has a user of its own.
+    m_user.FinishQuietly();
+    m_observed.worksAgain = m_outlook->IsRunning() && RunSecondCheck(CheckMode::StartUp);
+    EXPECT_TRUE(m_observed.worksAgain);
+    ExpectOutlookGoesOn();
+    AddRow(table, fault);
+}
+
 void FaultFixture::RunFault(const std::string& table, const std::string& fault, CheckMode mode)
 {
     RunBothChecks(mode);
+    AddRow(table, fault);
+}
+
+void FaultFixture::AddRow(const std::string& table, const std::string& fault) const
+{
     std::vector<std::string> row = m_observed.Cells();
     row.insert(row.begin(), fault);
     AddReportRow(table, row);

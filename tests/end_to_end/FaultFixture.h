@@ -65,14 +65,25 @@ protected:
     /// The same, and adds a row to the report's table under `fault`.
     void RunFault(const std::string& table, const std::string& fault, CheckMode mode);
 
+    /// For a fault that lasts as long as Outlook runs: Outlook starts with it, ends, and the second check is
+    /// made in a new one. `isLoaded` says whether the add-in is expected to be there at the first start.
+    void RunFaultyStart(const std::string& table, const std::string& fault, bool isLoaded);
+
     const CObservedFault& Observed() const { return m_observed; }
 
     /// Takes the fault away before the second check: by default the server publishes the installed version.
     std::function<void()> m_mend;
+    /// In RunFaultyStart: what the user does, in an Outlook without start-up check, to meet the fault. Unset:
+    /// the start-up check meets it.
+    std::function<void()> m_meetFault;
 
 private:
     void RunFirstCheck(CheckMode mode);
+    /// Observes Outlook after the first check.
+    void Observe(CheckMode mode);
     bool RunSecondCheck(CheckMode mode);
+    void EndOutlookWithoutAddIn();
+    void AddRow(const std::string& table, const std::string& fault) const;
     bool IsHostEnabled() const;
     /// What is in the temporary folder, with sizes.
     std::string DescribeTempFiles() const;

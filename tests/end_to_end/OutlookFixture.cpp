@@ -179,12 +179,17 @@ void OutlookFixture::StartWithBackstage()
     WaitForStart();
 }
 
-void OutlookFixture::CheckExplicitly(int time)
+void OutlookFixture::ClickUpdate()
 {
     HWND button = nullptr;
     ASSERT_TRUE(WaitUntil([&] { return (button = ButtonWithText(MainWindow(), L"Update")) != nullptr; }))
         << DescribeWindows(m_outlook->Id());
     PostMessageW(button, BM_CLICK, 0, 0);
+}
+
+void OutlookFixture::CheckExplicitly(int time)
+{
+    ClickUpdate();
     ASSERT_TRUE(WaitForTrace("Invoke 42000 ButtonClicked(btnCheckUpdate) = 0x00000000", time))
         << DescribeWindows(m_outlook->Id());
 }

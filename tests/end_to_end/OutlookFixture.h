@@ -58,8 +58,9 @@ protected:
     void StartOutlook(const std::vector<std::wstring>& options = {});
     /// Starts it without its start-up check and with the add-in's Backstage tab open.
     void StartWithBackstage();
-    /// Presses "Update" in the Backstage, for the nth time since Outlook's start, and waits until that has
-    /// been dealt with.
+    /// Presses "Update" in the Backstage.
+    void ClickUpdate();
+    /// Does so for the nth time since Outlook's start, and waits until that has been dealt with.
     void CheckExplicitly(int time = 1);
     /// Waits until Outlook says that its start is over, and checks that the add-in was connected.
     void WaitForStart();

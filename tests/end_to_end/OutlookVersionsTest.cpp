@@ -48,7 +48,7 @@ protected:
         const HWND window = MainWindow();
         PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, L'h');
         ASSERT_NE(WaitForWindow({.process = m_outlook->Id(), .className = L"#32768"}), nullptr);
-        for (const WORD key : {VK_UP, VK_RETURN})
+        for (const WORD key : {WORD{VK_UP}, WORD{VK_RETURN}})
         {
             PostMessageW(window, WM_KEYDOWN, key, 0);
             PostMessageW(window, WM_KEYUP, key, 0);
