@@ -1,8 +1,8 @@
 # The checks that read the sources without running them, as CTest tests static.NAME with label static.
 #
 # Each source has a stamp, made again only when the source, a header that it includes or the settings change, so that a
-# run after a small change costs little. The tests' own sources are left to the thorough form (ORVA_THOROUGH in the
-# environment), where they are checked as the others are: they would take longer than all other checks together.
+# run after a small change costs little. The tests' own sources are checked by building the target clang_tidy_tests,
+# which no CTest test does: that takes longer than all other checks together.
 foreach(tool clang-tidy-14 clang++-14 clang-format-14 cppcheck shellcheck)
   string(MAKE_C_IDENTIFIER "ORVA_${tool}" variable)
   find_program(${variable} ${tool} REQUIRED)

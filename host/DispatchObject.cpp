@@ -9,7 +9,7 @@ namespace orva::host
 namespace
 {
 
-VARIANT MissingArgument()
+VARIANT MissingArgument() noexcept
 {
     VARIANT value;
     VariantInit(&value);
@@ -98,8 +98,9 @@ std::wstring VariantText(const VARIANT& value)
         return std::to_wstring(value.lVal);
     case VT_BOOL: {
         wchar_t text[32];
-        swprintf(text, std::size(text), L"%ls (0x%04X)", value.boolVal != 0 ? L"true" : L"false",
-                 static_cast<unsigned>(static_cast<USHORT>(value.boolVal)));
+        if (swprintf(text, std::size(text), L"%ls (0x%04X)", value.boolVal != 0 ? L"true" : L"false",
+                     static_cast<unsigned>(static_cast<USHORT>(value.boolVal))) < 0)
+            return {};
         return text;
     }
     case VT_ERROR:

@@ -44,9 +44,8 @@ CFileView::CFileView(CTrace& trace, HWND parent, int top, std::vector<FileViewTa
     windowClass.hCursor = LoadCursorW(nullptr, reinterpret_cast<const wchar_t*>(IDC_ARROW));
     windowClass.lpszClassName = kFileViewClass;
     RegisterClassExW(&windowClass);
-    CreateWindowExW(WS_EX_CONTROLPARENT, kFileViewClass, L"File", WS_CHILD | WS_CLIPCHILDREN, 0, 0, 0, 0,
-                    parent, nullptr, instance, this);
-    if (m_window == nullptr)
+    if (CreateWindowExW(WS_EX_CONTROLPARENT, kFileViewClass, L"File", WS_CHILD | WS_CLIPCHILDREN, 0, 0, 0, 0,
+                        parent, nullptr, instance, this) == nullptr)
         return;
 
     AddStripButton(L"Info", kInfoButton);
@@ -233,7 +232,7 @@ CPicture CFileView::LoadPicture(CLoadedAddIn& addIn, const RibbonItem& item)
     VARIANT value;
     VariantInit(&value);
     addIn.CallBack(item.getImage, item.id, control.Get(), &value);
-    const CPicture picture(value);
+    CPicture picture(value);
     VariantClear(&value);
     std::wstring text = L"none";
     if (!picture.IsEmpty())

@@ -117,7 +117,7 @@ std::wstring CLoadedAddIn::GetCustomUi()
     BSTR text = nullptr;
     result = m_trace.Run(kOutlook, ProgId(), std::wstring(L"GetCustomUI(") + kMainWindowRibbon + L")",
                          [&] { return ribbon->GetCustomUI(ribbonId, &text); });
-    const std::wstring markup = SUCCEEDED(result) ? std::wstring(text, SysStringLen(text)) : std::wstring();
+    std::wstring markup = SUCCEEDED(result) ? std::wstring(text, SysStringLen(text)) : std::wstring();
     SysFreeString(text);
     m_trace.Event(L"custom UI of " + ProgId() + L": " + std::to_wstring(markup.size()) + L" characters");
     return markup;

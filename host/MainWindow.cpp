@@ -43,9 +43,8 @@ bool CMainWindow::Create()
     windowClass.hCursor = LoadCursorW(nullptr, reinterpret_cast<const wchar_t*>(IDC_ARROW));
     windowClass.lpszClassName = kMainWindowClass;
     RegisterClassExW(&windowClass);
-    CreateWindowExW(0, kMainWindowClass, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT,
-                    CW_USEDEFAULT, kWidth, kHeight, nullptr, MakeMenu(m_bar), instance, this);
-    if (m_window == nullptr)
+    if (CreateWindowExW(0, kMainWindowClass, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT,
+                        CW_USEDEFAULT, kWidth, kHeight, nullptr, MakeMenu(m_bar), instance, this) == nullptr)
         return false;
     // Shown whatever the parent process asks: add-ins look for a visible window.
     ShowWindow(m_window, SW_SHOWNORMAL);

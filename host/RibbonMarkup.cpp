@@ -35,7 +35,7 @@ ComPtr<IXMLDOMDocument> MakeParser()
 
 std::wstring Take(BSTR text)
 {
-    const std::wstring copy(text != nullptr ? text : L"", SysStringLen(text));
+    std::wstring copy(text != nullptr ? text : L"", SysStringLen(text));
     SysFreeString(text);
     return copy;
 }

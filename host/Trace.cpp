@@ -21,6 +21,8 @@ CTrace::~CTrace()
 
 bool CTrace::Open(const std::wstring& path)
 {
+    if (m_file != INVALID_HANDLE_VALUE)
+        CloseHandle(m_file);
     // Readers look while we write, and a test may delete the folder before we are quite gone.
     m_file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                          nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -55,7 +57,8 @@ void CTrace::WriteLine(const std::wstring& text)
     if (m_file == INVALID_HANDLE_VALUE)
         return;
     wchar_t time[32];
-    swprintf(time, std::size(time), L"%9.3f ", Now() / 1000.0);
+    if (swprintf(time, std::size(time), L"%9.3f ", Now() / 1000.0) < 0)
+        return;
     std::wstring line = time + text;
     for (wchar_t& character : line)
     {
@@ -75,7 +78,8 @@ void CTrace::WriteLine(const std::wstring& text)
 std::wstring HexText(HRESULT result)
 {
     wchar_t text[16];
-    swprintf(text, std::size(text), L"0x%08lX", static_cast<unsigned long>(result));
+    if (swprintf(text, std::size(text), L"0x%08lX", static_cast<unsigned long>(result)) < 0)
+        return {};
     return text;
 }
 

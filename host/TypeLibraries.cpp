@@ -42,18 +42,18 @@ bool IsRegistered(const Library& library)
 
 HRESULT Register(const Library& library, const std::wstring& program)
 {
-    const std::wstring path = program + L"\\" + library.resource;
+    // Not constant, since the registering functions declare the path they only read as writable.
+    std::wstring path = program + L"\\" + library.resource;
     ComPtr<ITypeLib> loaded;
     HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &loaded);
     if (FAILED(result))
         return result;
-    std::wstring writable = path;
     // A user may register for herself; where that is not found again, the machine's registration is the way.
     const auto registerForUser = FindFunction<HRESULT(STDAPICALLTYPE*)(ITypeLib*, OLECHAR*, OLECHAR*)>(
         GetModuleHandleW(L"oleaut32.dll"), "RegisterTypeLibForUser");
-    result = registerForUser != nullptr ? registerForUser(loaded.Get(), writable.data(), nullptr) : E_NOTIMPL;
+    result = registerForUser != nullptr ? registerForUser(loaded.Get(), path.data(), nullptr) : E_NOTIMPL;
     if (FAILED(result) || !IsRegistered(library))
-        result = RegisterTypeLib(loaded.Get(), writable.data(), nullptr);
+        result = RegisterTypeLib(loaded.Get(), path.data(), nullptr);
     return result;
 }
 

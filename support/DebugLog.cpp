@@ -47,15 +47,15 @@ std::string FormatLocalTime()
     const std::time_t now = std::time(nullptr);
     struct tm local = {};
     char text[20] = {};
-    if (::localtime_s(&local, &now) == 0)
-        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local);
+    if (::localtime_s(&local, &now) != 0 ||
+        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local) == 0)
+        return {};
     return text;
 }
 
-void WriteValueLine(std::ofstream& log, const std::string& function, const std::string& label,
-                    const std::string& value)
+void WriteValueLine(std::ofstream& log, std::string function, std::string label, std::string value)
 {
-    WriteDebugLog(log, function + "() " + label + " " + value);
+    WriteDebugLog(log, std::move(function) + "() " + std::move(label) + " " + std::move(value));
 }
 } // namespace
 
@@ -67,6 +67,7 @@ std::ofstream& GetDebugLog() noexcept
     return log;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): every form of the writer takes its texts by value
 void WriteDebugLog(std::ofstream& log, std::string text) noexcept
 {
     ::OutputDebugStringA(text.c_str());
@@ -89,7 +90,7 @@ void WriteDebugLog(std::ofstream& log, std::string function, std::string label, 
 {
     try
     {
-        WriteValueLine(log, function, label, std::to_string(value));
+        WriteValueLine(log, std::move(function), std::move(label), std::to_string(value));
     }
     catch (...)
     {
@@ -101,7 +102,7 @@ void WriteDebugLog(std::ofstream& log, std::string function, std::string label, 
 {
     try
     {
-        WriteValueLine(log, function, label, value);
+        WriteValueLine(log, std::move(function), std::move(label), std::move(value));
     }
     catch (...)
     {
@@ -113,7 +114,7 @@ void WriteDebugLog(std::ofstream& log, std::string function, std::string label, 
 {
     try
     {
-        WriteValueLine(log, function, label, WideToNarrow(std::move(value)));
+        WriteValueLine(log, std::move(function), std::move(label), WideToNarrow(std::move(value)));
     }
     catch (...)
     {

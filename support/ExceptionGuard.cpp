@@ -21,7 +21,8 @@ constexpr UINT kLongestText = 1024;
 std::string Describe(HRESULT result)
 {
     char text[32] = {};
-    std::snprintf(text, sizeof(text), "HRESULT 0x%08lX", static_cast<unsigned long>(result));
+    if (std::snprintf(text, sizeof(text), "HRESULT 0x%08lX", static_cast<unsigned long>(result)) < 0)
+        return {};
     return text;
 }
 
@@ -44,6 +45,7 @@ void LogRethrown(const char* function)
     std::ofstream& log = GetDebugLog();
     try
     {
+        // cppcheck-suppress rethrowNoCurrentException; called while an exception is being handled
         throw;
     }
     catch (const std::exception& exception)

@@ -19,7 +19,7 @@ constexpr wchar_t kFolder[] = L"\\ORVA Connector\\";
 
 struct FileCloser
 {
-    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+    void operator()(std::FILE* file) const noexcept { static_cast<void>(std::fclose(file)); }
 };
 } // namespace
 
@@ -30,6 +30,7 @@ std::wstring GetAppDataFolder()
     return std::wstring(folder) + kFolder;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): texts come by value here, as in TextUtilities.h
 bool CreateDirectoriesForPath(std::wstring path, bool isFile)
 {
     for (std::size_t at = path.find(L'\\', 1); at != std::wstring::npos; at = path.find(L'\\', at + 1))
@@ -41,6 +42,7 @@ bool CreateDirectoriesForPath(std::wstring path, bool isFile)
     return ::PathFileExistsW(path.substr(0, path.rfind(L'\\')).c_str()) != FALSE;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): texts come by value here, as in TextUtilities.h
 std::int32_t GetExistingFileSize(std::wstring path)
 {
     if (!::PathFileExistsW(path.c_str()))

@@ -104,7 +104,7 @@ void ReadBody(CHttpFile& file, CHttpResponse& response)
         std::unique_ptr<char[]> decoded;
         std::uint32_t decodedLength = 0;
         if (DecodeGzip(buffer.get(), length, decoded, decodedLength) != 0)
-            std::fputs("Could not decode gzip content\n", stdout);
+            static_cast<void>(std::fputs("Could not decode gzip content\n", stdout));
         buffer = std::move(decoded);
         length = decodedLength;
     }
@@ -180,6 +180,7 @@ std::wstring DecodeUtf8(const CHttpResponse& response)
 }
 } // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): both forms of a request take their arguments by value
 std::unique_ptr<CHttpResponse> CHttpRequest::PerformRequest(std::string url, Parameters params, int verb)
 {
     // A session that cannot be opened is the caller's concern: nothing has been asked of the network yet.
@@ -277,7 +278,9 @@ std::string CHttpRequest::EncodeParameters(const Parameters& params)
     {
         if (!text.empty())
             text += "&";
-        text += key + "=" + value;
+        text += key;
+        text += "=";
+        text += value;
     }
     return text;
 }

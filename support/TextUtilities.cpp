@@ -3,6 +3,7 @@
 
 #include <utility>
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): every conversion here takes its text by value
 std::string WideToNarrow(std::wstring text)
 {
     std::string narrow;
@@ -12,6 +13,7 @@ std::string WideToNarrow(std::wstring text)
     return narrow;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): every conversion here takes its text by value
 std::wstring NarrowToWide(std::string text)
 {
     std::wstring wide;

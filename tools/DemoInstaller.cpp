@@ -93,8 +93,6 @@ LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARA
     switch (message)
     {
     case WM_COMMAND:
-        DestroyWindow(window);
-        return 0;
     case WM_TIMER:
         DestroyWindow(window);
         return 0;

@@ -251,8 +251,8 @@ private:
     {
         for (const HWND control : ControlsOf(window))
         {
-            const bool meant = id == "button" ? ClassOf(control) == L"Button"
-                                              : GetDlgCtrlID(control) == std::atoi(id.c_str());
+            const bool meant =
+                id == "button" ? ClassOf(control) == L"Button" : std::to_string(GetDlgCtrlID(control)) == id;
             if (meant && IsWindowVisible(control))
             {
                 // Posted: the click may open a modal window, and this program has to go on meanwhile.

@@ -29,6 +29,7 @@ void StartInstaller(const CString& path)
 
 } // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): a copy that outlives what the caller had
 void StartDownloadDialog(CString url, HWND owner)
 {
     WriteDebugLog(GetDebugLog(), kFunction);

@@ -4,6 +4,8 @@
 #include "ui/LocalizedResources.h"
 #include "ui/WhiteBackground.h"
 
+#include <utility>
+
 IMPLEMENT_DYNAMIC(CUpdateAvailableDlg, CDialog)
 
 CUpdateAvailableDlg::CUpdateAvailableDlg(CWnd* pParent) : CDialog(CUpdateAvailableDlg::IDD, pParent)
@@ -13,13 +15,13 @@ CUpdateAvailableDlg::CUpdateAvailableDlg(CWnd* pParent) : CDialog(CUpdateAvailab
 
 void CUpdateAvailableDlg::SetDescription(CString description)
 {
-    m_description = description;
+    m_description = std::move(description);
 }
 
 void CUpdateAvailableDlg::SetVersions(CString installed, CString available)
 {
-    m_installedVersion = installed;
-    m_availableVersion = available;
+    m_installedVersion = std::move(installed);
+    m_availableVersion = std::move(available);
 }
 
 void CUpdateAvailableDlg::DoDataExchange(CDataExchange* pDX)

@@ -47,8 +47,8 @@ void ShowStringUnlessSilent(HWND owner, bool silent, UINT id)
 std::wstring FetchUpdateInfo()
 {
     LogMessage(kUpdateInfoUrl);
-    const std::wstring text = CHttpRequest::PerformTextRequest(
-        kUpdateInfoUrl, std::map<std::string, std::string>(), CHttpConnection::HTTP_VERB_GET);
+    std::wstring text = CHttpRequest::PerformTextRequest(kUpdateInfoUrl, std::map<std::string, std::string>(),
+                                                         CHttpConnection::HTTP_VERB_GET);
     // Written whatever the outcome was; the log's readers know the line as the end of the request.
     LogMessage("TextRequest succeeded");
     LogMessage(WideToNarrow(text));
@@ -137,6 +137,7 @@ void CheckForUpdateExplicit(HWND owner)
     }
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the check hands its value over
 bool CheckJSONObject(json_spirit::wmValue value, HWND owner, bool silent)
 {
     WriteDebugLog(GetDebugLog(), "CheckJSONObject");

@@ -66,12 +66,20 @@ private:
     _ATL_CREATORFUNC* m_pfnCreateInstance = nullptr;
 };
 
+// How the objects of a class are made: alone or aggregated, and never aggregated.
+template <class T>
+using CComAggregatableCreator = CComCreator2<CComCreator<CComObject<T>>, CComCreator<CComAggObject<T>>>;
+template <class T>
+using CComNotAggregatableCreator =
+    CComCreator2<CComCreator<CComObject<T>>, CComFailCreator<CLASS_E_NOAGGREGATION>>;
+template <class Factory> using CComClassFactoryCreator = CComCreator<CComObjectCached<Factory>>;
+
 // The base of every creatable class: class object and class id. Both macros may be given again in the class.
 template <class T, const CLSID* pclsid = &CLSID_NULL> class CComCoClass
 {
 public:
-    typedef CComCreator<CComObjectCached<CComClassFactory>> _ClassFactoryCreatorClass;
-    typedef CComCreator2<CComCreator<CComObject<T>>, CComCreator<CComAggObject<T>>> _CreatorClass;
+    typedef CComClassFactoryCreator<CComClassFactory> _ClassFactoryCreatorClass;
+    typedef CComAggregatableCreator<T> _CreatorClass;
 
     static const CLSID& WINAPI GetObjectCLSID() { return *pclsid; }
     static LPCTSTR WINAPI GetObjectDescription() { return nullptr; }
@@ -87,29 +95,25 @@ public:
 
 } // namespace ATL
 
-#define DECLARE_CLASSFACTORY_EX(cf)                                                                          \
-    typedef ATL::CComCreator<ATL::CComObjectCached<cf>> _ClassFactoryCreatorClass;
+#define DECLARE_CLASSFACTORY_EX(cf) typedef ATL::CComClassFactoryCreator<cf> _ClassFactoryCreatorClass;
 
 #define DECLARE_CLASSFACTORY() DECLARE_CLASSFACTORY_EX(ATL::CComClassFactory)
 
 // Objects of the class may be aggregated.
 #define DECLARE_AGGREGATABLE(x)                                                                              \
 public:                                                                                                      \
-    typedef ATL::CComCreator2<ATL::CComCreator<ATL::CComObject<x>>, ATL::CComCreator<ATL::CComAggObject<x>>> \
-        _CreatorClass;
+    typedef ATL::CComAggregatableCreator<x> _CreatorClass;
 
 // Aggregating an object of the class fails with CLASS_E_NOAGGREGATION.
 #define DECLARE_NOT_AGGREGATABLE(x)                                                                          \
 public:                                                                                                      \
-    typedef ATL::CComCreator2<ATL::CComCreator<ATL::CComObject<x>>,                                          \
-                              ATL::CComFailCreator<CLASS_E_NOAGGREGATION>>                                   \
-        _CreatorClass;
+    typedef ATL::CComNotAggregatableCreator<x> _CreatorClass;
 
 // The registration script of the class: resource x of type "REGISTRY".
 #define DECLARE_REGISTRY_RESOURCEID(x)                                                                       \
     static HRESULT WINAPI UpdateRegistry(BOOL bRegister) noexcept                                            \
     {                                                                                                        \
-        return ATL::_pAtlModule->UpdateRegistryFromResource(x, bRegister);                                   \
+        return ATL::_pAtlModule->UpdateRegistryFromResource((x), bRegister);                                 \
     }
 
 // A class that writes nothing to the registry.
@@ -122,7 +126,7 @@ public:                                                                         
 // At namespace scope, without a semicolon: makes className creatable under clsid.
 #define OBJECT_ENTRY_AUTO(clsid, className)                                                                  \
     static ATL::_ATL_OBJMAP_ENTRY_EX __objMap_##className = {                                                \
-        &clsid,                                                                                              \
+        &(clsid),                                                                                            \
         className::UpdateRegistry,                                                                           \
         className::_ClassFactoryCreatorClass::CreateInstance,                                                \
         className::_CreatorClass::CreateInstance,                                                            \

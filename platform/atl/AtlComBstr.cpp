@@ -30,7 +30,8 @@ BSTR CopyOf(LPCSTR text)
     if (text == nullptr)
         return nullptr;
     const int length = ::MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-    BSTR copy = CheckedCopy(::SysAllocStringLen(nullptr, length > 0 ? length - 1 : 0), true);
+    BSTR copy =
+        CheckedCopy(::SysAllocStringLen(nullptr, length > 0 ? static_cast<UINT>(length - 1) : 0), true);
     if (length > 0)
         ::MultiByteToWideChar(CP_ACP, 0, text, -1, copy, length);
     return copy;

@@ -317,26 +317,26 @@ public:                                                                         
 
 #define COM_INTERFACE_ENTRY(x) {&_ATL_IIDOF(x), offsetofclass(x, _ComMapClass), _ATL_SIMPLEMAPENTRY},
 
-#define COM_INTERFACE_ENTRY_IID(iid, x) {&iid, offsetofclass(x, _ComMapClass), _ATL_SIMPLEMAPENTRY},
+#define COM_INTERFACE_ENTRY_IID(iid, x) {&(iid), offsetofclass(x, _ComMapClass), _ATL_SIMPLEMAPENTRY},
 
 // For an interface x that several bases have: the one that comes with base x2.
 #define COM_INTERFACE_ENTRY2(x, x2)                                                                          \
     {&_ATL_IIDOF(x),                                                                                         \
-     reinterpret_cast<DWORD_PTR>(                                                                            \
-         static_cast<x*>(static_cast<x2*>(reinterpret_cast<_ComMapClass*>(_ATL_PACKING)))) -                 \
+     reinterpret_cast<DWORD_PTR>(static_cast<typename std::add_pointer<x>::type>(                            \
+         static_cast<typename std::add_pointer<x2>::type>(reinterpret_cast<_ComMapClass*>(_ATL_PACKING)))) - \
          _ATL_PACKING,                                                                                       \
      _ATL_SIMPLEMAPENTRY},
 
 #define COM_INTERFACE_ENTRY2_IID(iid, x, x2)                                                                 \
-    {&iid,                                                                                                   \
-     reinterpret_cast<DWORD_PTR>(                                                                            \
-         static_cast<x*>(static_cast<x2*>(reinterpret_cast<_ComMapClass*>(_ATL_PACKING)))) -                 \
+    {&(iid),                                                                                                 \
+     reinterpret_cast<DWORD_PTR>(static_cast<typename std::add_pointer<x>::type>(                            \
+         static_cast<typename std::add_pointer<x2>::type>(reinterpret_cast<_ComMapClass*>(_ATL_PACKING)))) - \
          _ATL_PACKING,                                                                                       \
      _ATL_SIMPLEMAPENTRY},
 
 // The interface iid of the aggregated object whose IUnknown is in the member punk.
 #define COM_INTERFACE_ENTRY_AGGREGATE(iid, punk)                                                             \
-    {&iid,                                                                                                   \
+    {&(iid),                                                                                                 \
      reinterpret_cast<DWORD_PTR>(std::addressof(reinterpret_cast<_ComMapClass*>(_ATL_PACKING)->punk)) -      \
          _ATL_PACKING,                                                                                       \
      _ComMapClass::_Delegate},
@@ -349,9 +349,9 @@ public:                                                                         
     ;                                                                                                        \
     return _entries;                                                                                         \
     }                                                                                                        \
-    STDMETHOD_(ULONG, AddRef)() = 0;                                                                         \
-    STDMETHOD_(ULONG, Release)() = 0;                                                                        \
-    STDMETHOD(QueryInterface)(REFIID, void**) = 0;
+    STDMETHOD_(ULONG, AddRef)() override = 0;                                                                \
+    STDMETHOD_(ULONG, Release)() override = 0;                                                               \
+    STDMETHOD(QueryInterface)(REFIID, void**) override = 0;
 
 // Keeps an object alive that hands itself out in FinalConstruct.
 #define DECLARE_PROTECT_FINAL_CONSTRUCT()                                                                    \
@@ -367,7 +367,7 @@ public:                                                                         
 // The outer object's IUnknown when aggregated, else the object's own.
 #define DECLARE_GET_CONTROLLING_UNKNOWN()                                                                    \
 public:                                                                                                      \
-    virtual IUnknown* GetControllingUnknown()                                                                \
+    virtual LPUNKNOWN GetControllingUnknown()                                                                \
     {                                                                                                        \
         return GetUnknown();                                                                                 \
     }

@@ -176,7 +176,7 @@ public:
     CComPtr(CComPtr&& lp) noexcept { CComPtr::Swap(lp); }
 
     T* operator=(T* lp) noexcept { return CComPtr::Assign(lp); }
-    T* operator=(const CComPtr& lp) noexcept { return CComPtr::Assign(lp.p); }
+    T* operator=(const CComPtr& lp) noexcept { return this == &lp ? this->p : CComPtr::Assign(lp.p); }
     T* operator=(CComPtr&& lp) noexcept
     {
         CComPtr(static_cast<CComPtr&&>(lp)).Swap(*this);
@@ -199,7 +199,7 @@ public:
     CComPtr(CComPtr&& lp) noexcept { Swap(lp); }
 
     IDispatch* operator=(IDispatch* lp) noexcept { return Assign(lp); }
-    IDispatch* operator=(const CComPtr& lp) noexcept { return Assign(lp.p); }
+    IDispatch* operator=(const CComPtr& lp) noexcept { return this == &lp ? p : Assign(lp.p); }
     IDispatch* operator=(CComPtr&& lp) noexcept
     {
         CComPtr(static_cast<CComPtr&&>(lp)).Swap(*this);
@@ -240,7 +240,7 @@ public:
     CComQIPtr(IUnknown* lp) noexcept { CComQIPtr::AssignQuery(lp, *piid); }
 
     T* operator=(T* lp) noexcept { return CComQIPtr::Assign(lp); }
-    T* operator=(const CComQIPtr& lp) noexcept { return CComQIPtr::Assign(lp.p); }
+    T* operator=(const CComQIPtr& lp) noexcept { return this == &lp ? this->p : CComQIPtr::Assign(lp.p); }
     T* operator=(IUnknown* lp) noexcept { return CComQIPtr::AssignQuery(lp, *piid); }
 };
 
@@ -253,7 +253,7 @@ public:
     CComQIPtr(const CComQIPtr& lp) noexcept : CComPtr<IUnknown>(lp.p) {}
 
     IUnknown* operator=(IUnknown* lp) noexcept { return AssignQuery(lp, IID_IUnknown); }
-    IUnknown* operator=(const CComQIPtr& lp) noexcept { return Assign(lp.p); }
+    IUnknown* operator=(const CComQIPtr& lp) noexcept { return this == &lp ? p : Assign(lp.p); }
 };
 
 typedef CComQIPtr<IDispatch> CComDispatchDriver;

@@ -130,7 +130,7 @@ public:                                                                         
 
 // Event dispid of interface iid, raised by the source of the sink id, is handled by func as info says.
 #define SINK_ENTRY_INFO(id, iid, dispid, func, info)                                                         \
-    {id, &iid, dispid, std::bit_cast<void (STDMETHODCALLTYPE _atl_event_classtype::*)()>(func), info},
+    {id, &(iid), dispid, std::bit_cast<void (STDMETHODCALLTYPE _atl_event_classtype::*)()>(func), info},
 
 #define END_SINK_MAP()                                                                                       \
     {                                                                                                        \

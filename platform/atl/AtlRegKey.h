@@ -14,6 +14,7 @@ class CHandle
 public:
     CHandle() noexcept = default;
     explicit CHandle(HANDLE h) noexcept : m_h(h) {}
+    // NOLINTNEXTLINE(cert-oop58-cpp): the original, too, takes the handle over from what it copies
     CHandle(CHandle& h) noexcept : m_h(h.Detach()) {}
     CHandle(CHandle&& h) noexcept : m_h(h.Detach()) {}
     ~CHandle()
@@ -27,6 +28,7 @@ public:
         if (this != &h)
         {
             Close();
+            // NOLINTNEXTLINE(cert-oop58-cpp): the original, too, takes the handle over from what it copies
             Attach(h.Detach());
         }
         return *this;
@@ -58,6 +60,7 @@ class CRegKey
 public:
     CRegKey() noexcept = default;
     explicit CRegKey(HKEY hKey) noexcept : m_hKey(hKey) {}
+    // NOLINTNEXTLINE(cert-oop58-cpp): the original, too, takes the key over from what it copies
     CRegKey(CRegKey& key) noexcept : m_hKey(key.Detach()) {}
     CRegKey(CRegKey&& key) noexcept : m_hKey(key.Detach()) {}
     ~CRegKey() { Close(); }
@@ -66,6 +69,7 @@ public:
         if (this != &key)
         {
             Close();
+            // NOLINTNEXTLINE(cert-oop58-cpp): the original, too, takes the key over from what it copies
             Attach(key.Detach());
         }
         return *this;

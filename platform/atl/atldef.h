@@ -43,4 +43,6 @@
 
 // The distance in bytes from the start of `derived` to its base `base`.
 #define offsetofclass(base, derived)                                                                         \
-    (reinterpret_cast<DWORD_PTR>(static_cast<base*>(reinterpret_cast<derived*>(_ATL_PACKING))) - _ATL_PACKING)
+    (reinterpret_cast<DWORD_PTR>(static_cast<typename std::add_pointer<base>::type>(                         \
+         reinterpret_cast<typename std::add_pointer<derived>::type>(_ATL_PACKING))) -                        \
+     _ATL_PACKING)

@@ -33,7 +33,8 @@ public:
     Value_box(Value_box&& other) noexcept = default;
     Value_box& operator=(const Value_box& other)
     {
-        m_value = std::make_unique<T>(*other.m_value);
+        if (this != &other)
+            m_value = std::make_unique<T>(*other.m_value);
         return *this;
     }
     Value_box& operator=(Value_box&& other) noexcept = default;

@@ -23,5 +23,7 @@ protected:
     static const AFX_MSGMAP_ENTRY* FindMessageEntry(const AFX_MSGMAP* pMap, UINT nMessage, UINT nCode,
                                                     UINT nID);
 
-    DECLARE_MESSAGE_MAP()
+    // Spelled out, since only the classes derived from this one override it.
+    static const AFX_MSGMAP* GetThisMessageMap();
+    virtual const AFX_MSGMAP* GetMessageMap() const;
 };

@@ -125,6 +125,7 @@ void AfxTraceCaughtException(LPCWSTR lpszWhere) noexcept
     {
         try
         {
+            // cppcheck-suppress rethrowNoCurrentException; called while an exception is being handled
             throw;
         }
         catch (CException* exception)

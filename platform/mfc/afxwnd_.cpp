@@ -15,7 +15,7 @@ CWnd::~CWnd()
 {
     if (m_hWnd)
     {
-        DestroyWindow();
+        CWnd::DestroyWindow();
     }
 }
 

@@ -139,7 +139,7 @@ size_t ThreadCount()
     size_t count = 0;
     for (BOOL more = Thread32First(snapshot.get(), &entry); more; more = Thread32Next(snapshot.get(), &entry))
     {
-        count += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
+        count += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1U : 0U;
     }
     return count;
 }

@@ -126,7 +126,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(GetCustomUITest, GermanAndTurkishAreFilledAndWellFormed)
 {
-    for (const DWORD language : {1031, 1055})
+    for (const DWORD language : {1031UL, 1055UL})
     {
         const std::wstring markup = MarkupIn(language);
         EXPECT_THAT(Utf8(markup), Not(HasSubstr("__IDS_"))) << language;

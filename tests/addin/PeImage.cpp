@@ -43,18 +43,20 @@ std::vector<CPeImage::Export> CPeImage::Exports() const
     }
     const auto directory =
         Read<IMAGE_EXPORT_DIRECTORY>(Directory(IMAGE_DIRECTORY_ENTRY_EXPORT).VirtualAddress);
+    constexpr DWORD kAddress = sizeof(DWORD);
+    constexpr DWORD kOrdinal = sizeof(WORD);
     for (DWORD i = 0; i < directory.NumberOfFunctions; ++i)
     {
-        if (Read<DWORD>(directory.AddressOfFunctions + i * sizeof(DWORD)) == 0)
+        if (Read<DWORD>(directory.AddressOfFunctions + i * kAddress) == 0)
         {
             continue;
         }
         Export entry = {static_cast<WORD>(directory.Base + i), ""};
         for (DWORD name = 0; name < directory.NumberOfNames; ++name)
         {
-            if (Read<WORD>(directory.AddressOfNameOrdinals + name * sizeof(WORD)) == i)
+            if (Read<WORD>(directory.AddressOfNameOrdinals + name * kOrdinal) == i)
             {
-                entry.name = Text(Read<DWORD>(directory.AddressOfNames + name * sizeof(DWORD)));
+                entry.name = Text(Read<DWORD>(directory.AddressOfNames + name * kAddress));
             }
         }
         exports.push_back(std::move(entry));
@@ -74,9 +76,10 @@ std::map<std::string, std::set<std::string>> CPeImage::Imports() const
                        [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
         std::set<std::string>& functions = imports[dll];
         const DWORD thunks = entry.OriginalFirstThunk != 0 ? entry.OriginalFirstThunk : entry.FirstThunk;
+        constexpr DWORD kThunk = sizeof(ULONGLONG);
         for (DWORD i = 0;; ++i)
         {
-            const auto thunk = Read<ULONGLONG>(thunks + i * sizeof(ULONGLONG));
+            const auto thunk = Read<ULONGLONG>(thunks + i * kThunk);
             if (thunk == 0)
             {
                 break;

@@ -335,7 +335,7 @@ TEST(LoopbackServerTest, AnUnansweringPortNeitherAcceptsNorRefuses)
     const CUnansweringPort port;
     const SOCKET client = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
     u_long nonBlocking = 1;
-    ioctlsocket(client, FIONBIO, &nonBlocking);
+    ioctlsocket(client, static_cast<long>(FIONBIO), &nonBlocking);
     sockaddr_in address = {};
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);

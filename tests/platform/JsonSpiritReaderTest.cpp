@@ -267,8 +267,7 @@ TEST(JsonSpiritReader, OtherEscapedCharactersAreDropped)
 
 TEST(JsonSpiritReader, KeepsWideCharactersOfTheText)
 {
-    EXPECT_EQ(ReadAndDump<wmValue>(L"{\"\x20AC\":\"\x0416\xD83D\xDE00\"}"),
-              "{'<20AC>':'<416><D83D><DE00>'}");
+    EXPECT_EQ(ReadAndDump<wmValue>(L"{\"\x20AC\":\"\x0416\xD83D\xDE00\"}"), "{'<20AC>':'<416><D83D><DE00>'}");
     EXPECT_EQ(ReadAndDump<mValue>("\"\xC3\xA4\""), "'<C3><A4>'");
 }
 

@@ -72,7 +72,7 @@ std::wstring ModuleString(WORD language, UINT id)
     std::size_t position = 0;
     for (UINT skipped = 0; skipped != id % 16; ++skipped)
     {
-        position += 1 + units.at(position);
+        position += 1U + units.at(position);
     }
     return std::wstring(&units.at(position) + 1, units.at(position));
 }

@@ -72,7 +72,7 @@ TEST(RegistrationScriptsTest, TheClassScriptNamesProgidsClassServerAndTypeLibrar
 
 TEST(RegistrationScriptsTest, TheScriptsAreAscii)
 {
-    for (const WORD id : {101, 106})
+    for (const WORD id : {WORD{101}, WORD{106}})
     {
         const std::string script = Script(id);
         EXPECT_TRUE(std::all_of(script.begin(), script.end(), [](char c) { return c > 0 && c < 127; })) << id;

@@ -75,7 +75,7 @@ std::vector<std::string> Placeholders(const std::string& format)
 
 TEST(StringsTest, TheTablesAreStoredUnderTheirFourLanguagesOnly)
 {
-    for (const WORD block : {7, 8, 9})
+    for (const WORD block : {WORD{7}, WORD{8}, WORD{9}})
     {
         EXPECT_EQ(ResourceLanguages(RT_STRING, block), (std::vector<WORD>{10, 31, 1031, 1033})) << block;
     }

@@ -138,10 +138,13 @@ std::string Printable(const std::wstring& text)
         {
             return printable + "... (" + std::to_string(text.size()) + " characters)";
         }
+        if (character >= L' ' && character < 0x7F)
+        {
+            printable += static_cast<char>(character);
+            continue;
+        }
         char escaped[12];
-        const bool isPlain = character > L' ' && character < 0x7F;
-        std::snprintf(escaped, sizeof escaped, isPlain || character == L' ' ? "%c" : "\\u%04X",
-                      static_cast<unsigned>(character));
+        std::snprintf(escaped, sizeof escaped, "\\u%04X", static_cast<unsigned>(character));
         printable += escaped;
     }
     return printable.empty() ? "(empty)" : printable;
