@@ -17,13 +17,22 @@ using namespace orva::host;
 constexpr int kBadUsage = 2;
 
 // Add-ins may keep references to Outlook's objects to the very end, and these keep the trace.
-CTrace g_trace;
-CMenuModel g_model(g_trace);
+CTrace& Trace()
+{
+    static CTrace trace;
+    return trace;
+}
+
+CMenuModel& Model()
+{
+    static CMenuModel model(Trace());
+    return model;
+}
 
 /// The last words of a process that an add-in has brought down.
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception)
 {
-    g_trace.Event(L"crashed with exception " +
+    Trace().Event(L"crashed with exception " +
                   HexText(static_cast<HRESULT>(exception->ExceptionRecord->ExceptionCode)));
     return EXCEPTION_EXECUTE_HANDLER;
 }
@@ -58,7 +67,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
         WriteError(L"OutlookHost: " + error + L"\n");
         return kBadUsage;
     }
-    if (!options.traceFile.empty() && !g_trace.Open(options.traceFile))
+    if (!options.traceFile.empty() && !Trace().Open(options.traceFile))
     {
         WriteError(L"OutlookHost: cannot write the trace file\n");
         return kBadUsage;
@@ -66,10 +75,10 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
     SetUnhandledExceptionFilter(OnCrash);
     if (FAILED(OleInitialize(nullptr)))
         return 1;
-    EnsureTypeLibraries(g_trace);
+    EnsureTypeLibraries(Trace());
     int status = 0;
     {
-        COutlookHost host(options, g_trace, g_model);
+        COutlookHost host(options, Trace(), Model());
         status = host.Run();
     }
     // A fast end leaves the add-in loaded and connected, so OLE must not tear it down either.
