@@ -2,6 +2,7 @@
 #include "end_to_end/InstallerFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
+#include "harness/Report.h"
 #include "harness/Watchdog.h"
 
 namespace orva::test
@@ -39,7 +40,18 @@ protected:
     }
 };
 
+/// Each download shows its last state for a second: these are for the thorough run alone.
+class InstallerFurtherFaultsTest : public InstallerFaultsTest
+{
+};
+
+std::vector<CheckMode> ModesOfThoroughRun()
+{
+    return IsThorough() ? ModesOfThisRun() : std::vector<CheckMode>();
+}
+
 INSTANTIATE_TEST_SUITE_P(Modes, InstallerFaultsTest, ValuesIn(ModesOfThisRun()), NameOfMode);
+INSTANTIATE_TEST_SUITE_P(Modes, InstallerFurtherFaultsTest, ValuesIn(ModesOfThoroughRun()), NameOfMode);
 
 } // namespace
 
@@ -68,7 +80,7 @@ TEST_P(InstallerFaultsTest, ConnectionRefused)
     ExpectFailedDownload(2, "ConnectionRefused");
 }
 
-TEST_P(InstallerFaultsTest, AnEncryptedLinkIsNotServed)
+TEST_P(InstallerFurtherFaultsTest, AnEncryptedLinkIsNotServed)
 {
     OfferAndInstall("https://files.orva.example/files/setup.exe");
     ExpectFailedDownload(3, "EncryptedLink");
@@ -110,7 +122,7 @@ TEST_P(InstallerFaultsTest, Status404)
     ExpectFailedDownload(7, "Status404");
 }
 
-TEST_P(InstallerFaultsTest, Status500)
+TEST_P(InstallerFurtherFaultsTest, Status500)
 {
     Offer(CHttpReply(500, "no such luck"));
     ExpectFailedDownload(8, "Status500");
@@ -164,14 +176,14 @@ TEST_P(InstallerFaultsTest, AnEmptyFileStaysAndOnlyTheSystemComplains)
     ExpectDownloadedFile(13, "EmptyFile", "");
 }
 
-TEST_P(InstallerFaultsTest, StallInTheBody)
+TEST_P(InstallerFurtherFaultsTest, StallInTheBody)
 {
     constexpr DWORD kStall = 700;
     Offer(CServerScript().Send(FirstPart()).Pause(kStall).Send(m_bytes.substr(2'500)));
     ExpectDownloadedFile(14, "StallInTheBody", m_bytes);
 }
 
-TEST_P(InstallerFaultsTest, OneByteAtATime)
+TEST_P(InstallerFurtherFaultsTest, OneByteAtATime)
 {
     const std::string bytes(200, 'x');
     Offer(CServerScript().SendSlowly(CHttpReply(200, bytes).Bytes(), 1, 1));
@@ -194,13 +206,13 @@ TEST_P(InstallerFaultsTest, WithoutALengthTheCaptionStaysAsItIs)
     EXPECT_THAT(Observed().left, Contains(L"osc??????\\setup.exe"));
 }
 
-TEST_P(InstallerFaultsTest, LengthThatIsNoNumber)
+TEST_P(InstallerFurtherFaultsTest, LengthThatIsNoNumber)
 {
     Offer(CHttpReply(200, m_bytes).Header("Content-Length", "many"));
     ExpectDownloadedFile(17, "LengthThatIsNoNumber", m_bytes);
 }
 
-TEST_P(InstallerFaultsTest, NoDateIsNeeded)
+TEST_P(InstallerFurtherFaultsTest, NoDateIsNeeded)
 {
     Offer(CHttpReply(200, m_bytes).WithoutDate().Without("Content-Type"));
     ExpectDownloadedFile(18, "NoDateAndNoType", m_bytes);
