@@ -51,6 +51,7 @@ std::vector<CheckMode> ModesOfThoroughRun()
 }
 
 INSTANTIATE_TEST_SUITE_P(Modes, InstallerFaultsTest, ValuesIn(ModesOfThisRun()), NameOfMode);
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(InstallerFurtherFaultsTest);
 INSTANTIATE_TEST_SUITE_P(Modes, InstallerFurtherFaultsTest, ValuesIn(ModesOfThoroughRun()), NameOfMode);
 
 } // namespace
