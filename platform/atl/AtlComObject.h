@@ -150,8 +150,15 @@ public:
         return QueryInterface(__uuidof(Q), reinterpret_cast<void**>(pp));
     }
 
-    // Overrides what DECLARE_GET_CONTROLLING_UNKNOWN gives an object on its own.
-    IUnknown* GetControllingUnknown() { return this->m_pOuterUnknown; }
+    // Overrides what DECLARE_GET_CONTROLLING_UNKNOWN gives an object on its own. A class without that macro
+    // has nothing to override, so "override" cannot be said.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wsuggest-override"
+    IUnknown* GetControllingUnknown()
+    {
+        return this->m_pOuterUnknown;
+    }
+#pragma GCC diagnostic pop
 };
 
 // Completes a COM class to an aggregated object; its own IUnknown is the one that the outer object holds.

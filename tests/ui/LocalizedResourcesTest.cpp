@@ -130,7 +130,7 @@ TEST_F(LocalizedResourcesTest, English)
 
 TEST_F(LocalizedResourcesTest, EverySpanishOfficeFindsTheSpanishTable)
 {
-    for (const DWORD language : {3082, 1034, 2058, 11274, 10})
+    for (const DWORD language : {3082U, 1034U, 2058U, 11274U, 10U})
     {
         m_userLanguage.SetDword(language);
         m_resources.SetOfficeVersion(14);
@@ -141,7 +141,7 @@ TEST_F(LocalizedResourcesTest, EverySpanishOfficeFindsTheSpanishTable)
 
 TEST_F(LocalizedResourcesTest, EveryTurkishOfficeFindsTheTurkishTable)
 {
-    for (const DWORD language : {1055, 31})
+    for (const DWORD language : {1055U, 31U})
     {
         m_userLanguage.SetDword(language);
         m_resources.SetOfficeVersion(14);
@@ -152,7 +152,7 @@ TEST_F(LocalizedResourcesTest, EveryTurkishOfficeFindsTheTurkishTable)
 TEST_F(LocalizedResourcesTest, ALanguageWithoutATableHasEmptyTextsAndNotEnglishOnes)
 {
     // French, and the other kinds of German and English: those tables are stored under one id only.
-    for (const DWORD language : {1036, 2055, 3079, 7, 2057, 9})
+    for (const DWORD language : {1036U, 2055U, 3079U, 7U, 2057U, 9U})
     {
         m_userLanguage.SetDword(language);
         m_resources.SetOfficeVersion(14);
