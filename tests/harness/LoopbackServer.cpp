@@ -22,6 +22,10 @@ namespace
 /// A request with a longer head than this is taken as it is.
 constexpr size_t kMaxHead = 1 << 20;
 /// How long a graceful close waits for the client's end, in milliseconds; longer than any client needs.
+/// How long a wait relies on Wine to tell of news, which it misses now and then when many sockets are busy,
+/// in milliseconds.
+constexpr DWORD kLookAgain = 250;
+
 constexpr DWORD kLinger = 2'000;
 
 } // namespace
@@ -108,7 +112,7 @@ private:
         const UniqueHandle news(WSACreateEvent());
         WSAEventSelect(m_listener, news.get(), FD_ACCEPT);
         const HANDLE events[] = {m_refuse.get(), news.get()};
-        while (WSAWaitForMultipleEvents(2, events, FALSE, INFINITE, FALSE) == WSA_WAIT_EVENT_0 + 1)
+        while (WSAWaitForMultipleEvents(2, events, FALSE, kLookAgain, FALSE) != WSA_WAIT_EVENT_0)
         {
             WSAResetEvent(news.get());
             SOCKET socket;
@@ -177,11 +181,13 @@ private:
         return script == scripts.end() ? otherScript : script->second;
     }
 
-    /// Waits until the socket has news or the server stops. False when the server stops or time is up.
+    /// Waits until the socket has news or the server stops. Says so without news now and then, too: callers
+    /// ask the socket. False when the server stops or time is up.
     bool WaitForNews(const Connection& connection, DWORD timeout = INFINITE)
     {
         const HANDLE events[] = {m_stop.get(), connection.event.get()};
-        return WSAWaitForMultipleEvents(2, events, FALSE, timeout, FALSE) == WSA_WAIT_EVENT_0 + 1;
+        const DWORD woken = WSAWaitForMultipleEvents(2, events, FALSE, std::min(timeout, kLookAgain), FALSE);
+        return woken == WSA_WAIT_EVENT_0 + 1 || (woken == WSA_WAIT_TIMEOUT && timeout > kLookAgain);
     }
 
     /// Receives what there is. False once the connection has ended.
