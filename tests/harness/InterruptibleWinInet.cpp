@@ -330,21 +330,36 @@ int WINAPI CInterruptibleWinInet::Hooks::Receive(SOCKET socket, char* buffer, in
     int limitSize = sizeof limit;
     getsockopt(socket, SOL_SOCKET, SO_RCVTIMEO, reinterpret_cast<char*>(&limit), &limitSize);
     const ULONGLONG start = GetTickCount64();
-    while (!call->cancelled)
+    u_long notWaiting = 1;
+    ioctlsocket(socket, static_cast<long>(FIONBIO), &notWaiting);
+    int received = original(socket, buffer, size, flags);
+    int error = received < 0 ? WSAGetLastError() : 0;
+    while (error == WSAEWOULDBLOCK)
     {
-        fd_set ready;
-        FD_ZERO(&ready);
-        FD_SET(socket, &ready);
-        timeval slice = Slice();
-        // Ready, broken or out of time: the original says so itself.
-        if (::select(0, &ready, nullptr, nullptr, &slice) != 0 ||
-            (limit != 0 && GetTickCount64() - start >= limit))
+        if (call->cancelled)
         {
-            return original(socket, buffer, size, flags);
+            error = WSAECONNABORTED;
+        }
+        else if (limit != 0 && GetTickCount64() - start >= limit)
+        {
+            error = WSAETIMEDOUT;
+        }
+        else
+        {
+            fd_set ready;
+            FD_ZERO(&ready);
+            FD_SET(socket, &ready);
+            timeval slice = Slice();
+            ::select(0, &ready, nullptr, nullptr, &slice);
+            // Whatever select says: a broken connection that it does not see shows here.
+            received = original(socket, buffer, size, flags);
+            error = received < 0 ? WSAGetLastError() : 0;
         }
     }
-    WSASetLastError(WSAECONNABORTED);
-    return SOCKET_ERROR;
+    u_long waiting = 0;
+    ioctlsocket(socket, static_cast<long>(FIONBIO), &waiting);
+    WSASetLastError(error);
+    return received;
 }
 
 int WINAPI CInterruptibleWinInet::Hooks::Connect(SOCKET socket, const sockaddr* address, int size)

@@ -338,7 +338,8 @@ private:
             if (GetTickCount64() - start > kRunDeadline)
             {
                 NoteTestPart(Describe(m_number, m_plan) + ", phase " +
-                             std::to_string(static_cast<int>(m_download.phase.load())));
+                             std::to_string(static_cast<int>(m_download.phase.load())) +
+                             (m_acted ? ", acted" : ", not acted"));
                 SetTestDeadline(1);
                 return;
             }
