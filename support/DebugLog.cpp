@@ -20,7 +20,7 @@ constexpr wchar_t kFileName[] = L"logfile_OrvaAddIn.txt";
 // A larger file is emptied when it is opened. It may grow beyond this while it stays open.
 constexpr std::int32_t kLargestKeptFile = 0x100000;
 
-void OpenDebugLog(std::ofstream& log) noexcept
+void OpenDebugLog(CLogStream& log) noexcept
 {
     try
     {
@@ -31,9 +31,8 @@ void OpenDebugLog(std::ofstream& log) noexcept
         CreateDirectoriesForPath(path, true);
         const bool keep = GetExistingFileSize(path) <= kLargestKeptFile;
 
-        // By its wide path, for profiles whose names the code page does not know. In text mode, and other
-        // processes may read, write and delete meanwhile: that is how the runtime opens a stream's file.
-        log.open(path.c_str(), keep ? std::ios::out | std::ios::app : std::ios::out | std::ios::trunc);
+        // By its wide path, for profiles whose names the code page does not know.
+        log.Open(path, keep);
     }
     catch (...)
     {
@@ -41,43 +40,49 @@ void OpenDebugLog(std::ofstream& log) noexcept
     }
 }
 
-// The local time as "2011-01-20 14:03:07".
-std::string FormatLocalTime()
+// The local time as "2011-01-20 14:03:07"; empty if the system cannot tell it. Lines come in bunches: the
+// text is made once in a second.
+const char* FormatLocalTime()
 {
+    static std::time_t formatted = -1;
+    static char text[20] = {};
     const std::time_t now = std::time(nullptr);
+    if (now == formatted)
+        return text;
+
     struct tm local = {};
-    char text[20] = {};
-    if (::localtime_s(&local, &now) != 0 ||
-        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local) == 0)
-        return {};
+    const bool isMade = ::localtime_s(&local, &now) == 0 &&
+                        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local) != 0;
+    if (!isMade)
+        text[0] = '\0';
+    formatted = isMade ? now : -1;
     return text;
 }
 
-void WriteValueLine(std::ofstream& log, std::string function, std::string label, std::string value)
+void WriteValueLine(CLogStream& log, std::string function, std::string label, std::string value)
 {
     WriteDebugLog(log, std::move(function) + "() " + std::move(label) + " " + std::move(value));
 }
 } // namespace
 
-std::ofstream& GetDebugLog() noexcept
+CLogStream& GetDebugLog() noexcept
 {
-    static std::ofstream log;
+    static CLogStream log;
     static const bool tried = (OpenDebugLog(log), true);
     static_cast<void>(tried);
     return log;
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): every form of the writer takes its texts by value
-void WriteDebugLog(std::ofstream& log, std::string text) noexcept
+void WriteDebugLog(CLogStream& log, std::string text) noexcept
 {
     ::OutputDebugStringA(text.c_str());
     try
     {
-        if (log.is_open())
+        if (log.IsOpen())
         {
-            // Flushed with every line: the file is complete up to the last entry even if the host crashes.
-            log << "[" << FormatLocalTime() << "] " << text << std::endl;
-            log.flush();
+            // Nothing is kept back: the file is complete up to the last entry even if the host crashes.
+            log.Write(std::string("[") + FormatLocalTime() + "] " + text + "\n");
         }
     }
     catch (...)
@@ -86,7 +91,7 @@ void WriteDebugLog(std::ofstream& log, std::string text) noexcept
     }
 }
 
-void WriteDebugLog(std::ofstream& log, std::string function, std::string label, std::int32_t value) noexcept
+void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::int32_t value) noexcept
 {
     try
     {
@@ -98,7 +103,7 @@ void WriteDebugLog(std::ofstream& log, std::string function, std::string label, 
     }
 }
 
-void WriteDebugLog(std::ofstream& log, std::string function, std::string label, std::string value) noexcept
+void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::string value) noexcept
 {
     try
     {
@@ -110,7 +115,7 @@ void WriteDebugLog(std::ofstream& log, std::string function, std::string label, 
     }
 }
 
-void WriteDebugLog(std::ofstream& log, std::string function, std::string label, std::wstring value) noexcept
+void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::wstring value) noexcept
 {
     try
     {

@@ -1,8 +1,9 @@
 // The add-in's only diagnostic channel: debugger output always, a log file when the registry switches it on.
 #pragma once
 
+#include "support/LogStream.h"
+
 #include <cstdint>
-#include <fstream>
 #include <string>
 
 // Every writer runs on the host's user-interface thread, so nothing here takes a lock. No function throws.
@@ -13,17 +14,17 @@
 // The stream is open only if the registry value "EnableDebugLog" under "SOFTWARE\ORVA Connector" was exactly
 // 1 at the first call and the file could be opened; otherwise it stays closed until the process ends. Ask for
 // it afresh for every line and keep no reference.
-std::ofstream& GetDebugLog() noexcept;
+CLogStream& GetDebugLog() noexcept;
 
 // Writes one entry: the bare text to the debugger output and, while the log is open, the text with a
 // time stamp of the local time to the file, flushed at once. Write failures are ignored.
-void WriteDebugLog(std::ofstream& log, std::string text) noexcept;
+void WriteDebugLog(CLogStream& log, std::string text) noexcept;
 
 // Writes a value line, "FUNCTION() LABEL VALUE". An empty value makes it a message line, which ends with the
 // blank after its label.
 //
 // The integer is printed as a signed decimal number. Each UTF-16 unit of a wide value loses its high byte
 // (see WideToNarrow).
-void WriteDebugLog(std::ofstream& log, std::string function, std::string label, std::int32_t value) noexcept;
-void WriteDebugLog(std::ofstream& log, std::string function, std::string label, std::string value) noexcept;
-void WriteDebugLog(std::ofstream& log, std::string function, std::string label, std::wstring value) noexcept;
+void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::int32_t value) noexcept;
+void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::string value) noexcept;
+void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::wstring value) noexcept;

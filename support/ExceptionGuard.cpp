@@ -42,7 +42,7 @@ std::string Describe(const json_spirit::Error_position& error)
 
 void LogRethrown(const char* function)
 {
-    std::ofstream& log = GetDebugLog();
+    CLogStream& log = GetDebugLog();
     try
     {
         // cppcheck-suppress rethrowNoCurrentException; called while an exception is being handled

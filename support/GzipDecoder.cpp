@@ -13,7 +13,7 @@ constexpr int kWindowBits = 47;
 int DecodeGzip(const char* body, std::uint32_t length, std::unique_ptr<char[]>& output,
                std::uint32_t& decodedLength)
 {
-    output = std::make_unique<char[]>(kMaximumDecodedLength + 1);
+    output = std::make_unique_for_overwrite<char[]>(kMaximumDecodedLength + 1);
     decodedLength = 0;
 
     z_stream stream = {};

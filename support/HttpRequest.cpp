@@ -89,7 +89,7 @@ void SendByVerb(CHttpFile& file, int verb, const std::string& encodedParameters)
 void ReadBody(CHttpFile& file, CHttpResponse& response)
 {
     const bool gzip = IsGzip(file);
-    auto buffer = std::make_unique<char[]>(kMaximumBodyLength + 1);
+    auto buffer = std::make_unique_for_overwrite<char[]>(kMaximumBodyLength + 1);
     std::uint32_t length = 0;
     while (length < kMaximumBodyLength)
     {

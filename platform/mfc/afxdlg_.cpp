@@ -5,6 +5,7 @@
 
 #include <commctrl.h>
 
+#include <bit>
 #include <utility>
 
 IMPLEMENT_DYNAMIC(CDialog, CWnd)
@@ -65,6 +66,22 @@ public:
 private:
     HWND m_window;
 };
+
+/// Registers the classes of the controls that dialogs use. The active context decides which common controls
+/// are meant. They are loaded here and not with the module: the module's start would have to find the DLL by
+/// its manifest, which takes longer than everything else in it. They stay loaded, as their classes do.
+void RegisterControlClasses()
+{
+    INITCOMMONCONTROLSEX classes = {sizeof classes,
+                                    ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS | ICC_LINK_CLASS};
+    static const HMODULE library = LoadLibraryW(L"comctl32.dll");
+    const FARPROC found = library ? GetProcAddress(library, "InitCommonControlsEx") : nullptr;
+    // The result does not count: a control whose class is missing makes the dialog's creation fail.
+    if (found)
+    {
+        std::bit_cast<decltype(&InitCommonControlsEx)>(found)(&classes);
+    }
+}
 
 bool DisableWindow(HWND window)
 {
@@ -127,10 +144,7 @@ BOOL CDialog::CreateModal(HINSTANCE hInstance, HWND hWndOwner)
 {
     // The classes of the controls are looked up in the module's own activation context.
     AFX_MANAGE_STATE(AfxGetModuleState())
-    INITCOMMONCONTROLSEX classes = {sizeof classes,
-                                    ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS | ICC_LINK_CLASS};
-    // The result does not count: a control whose class is missing makes the dialog's creation fail.
-    InitCommonControlsEx(&classes);
+    RegisterControlClasses();
     const HWND window = CreateDialogIndirectParam(hInstance, m_pTemplate, hWndOwner, &CDialog::DialogProc,
                                                   reinterpret_cast<LPARAM>(this));
     if (window && window != m_hWnd)

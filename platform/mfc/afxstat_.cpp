@@ -28,6 +28,32 @@ std::wstring ModulePath(HINSTANCE module)
     }
 }
 
+/// The context that the loader made of a DLL's manifest when it loaded the DLL, with a reference of its own;
+/// null if it made none. A program's own context is of another resource than ours.
+HANDLE LoadersContext(HINSTANCE module)
+{
+    ACTIVATION_CONTEXT_BASIC_INFORMATION information = {};
+    if (module == GetModuleHandleW(nullptr) ||
+        !QueryActCtxW(QUERY_ACTCTX_FLAG_ACTCTX_IS_HMODULE, module, nullptr, ActivationContextBasicInformation,
+                      &information, sizeof information, nullptr))
+    {
+        return nullptr;
+    }
+    return information.hActCtx;
+}
+
+HANDLE MakeContext(HINSTANCE module)
+{
+    const std::wstring path = ModulePath(module);
+    ACTCTXW description = {};
+    description.cbSize = sizeof description;
+    description.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
+    description.lpSource = path.c_str();
+    description.lpResourceName = MAKEINTRESOURCEW(2); // ISOLATIONAWARE_MANIFEST_RESOURCE_ID
+    description.hModule = module;
+    return CreateActCtxW(&description);
+}
+
 } // namespace
 
 AFX_MODULE_STATE::AFX_MODULE_STATE(HINSTANCE hInstance)
@@ -54,14 +80,10 @@ void AFX_MODULE_STATE::CreateActivationContext()
     {
         return;
     }
-    const std::wstring path = ModulePath(m_hCurrentInstanceHandle);
-    ACTCTXW description = {};
-    description.cbSize = sizeof description;
-    description.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
-    description.lpSource = path.c_str();
-    description.lpResourceName = MAKEINTRESOURCEW(2); // ISOLATIONAWARE_MANIFEST_RESOURCE_ID
-    description.hModule = m_hCurrentInstanceHandle;
-    const HANDLE context = CreateActCtxW(&description);
+    // Reading a manifest and finding what it asks for takes longer than all else that happens at a
+    // connection; the loader has done it.
+    const HANDLE loaders = LoadersContext(m_hCurrentInstanceHandle);
+    const HANDLE context = loaders != nullptr ? loaders : MakeContext(m_hCurrentInstanceHandle);
     // Two threads may get here at once; the first one's context stays.
     if (InterlockedCompareExchangePointer(&m_hActCtx, context, nullptr) != nullptr &&
         context != INVALID_HANDLE_VALUE)

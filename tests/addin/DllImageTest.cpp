@@ -168,6 +168,20 @@ TEST(DllImageTest, ImportsNoFunctionThatIsNewerThanWindowsVista)
     EXPECT_FALSE(image.HasDelayedImports());
 }
 
+TEST(DllImageTest, CommonControlsAreNotImported)
+{
+    // The loader would look for them by the manifest, which takes longer than everything else in Outlook's
+    // start of the add-in. The first dialog loads them.
+    EXPECT_FALSE(Image().Imports().contains("COMCTL32.DLL"));
+}
+
+TEST(DllImageTest, SectionsLieInTheFileAsInMemory)
+{
+    // Pages are then mapped from the file when they are first needed, and not read and copied as a whole.
+    const IMAGE_OPTIONAL_HEADER64 header = Image().Headers().OptionalHeader;
+    EXPECT_EQ(header.FileAlignment, header.SectionAlignment);
+}
+
 TEST(DllImageTest, ImportsByNameOnly)
 {
     for (const auto& [dll, functions] : Image().Imports())

@@ -130,7 +130,7 @@ TEST(DebugLogChild, DISABLED_TurnsTheSwitchRoundBetweenTwoEntries)
 {
     WriteDebugLog(GetDebugLog(), "first");
     CRegistryValue value(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue);
-    value.SetDword(GetDebugLog().is_open() ? 0 : 1);
+    value.SetDword(GetDebugLog().IsOpen() ? 0 : 1);
     WriteDebugLog(GetDebugLog(), "second");
 }
 
@@ -149,7 +149,7 @@ TEST(DebugLogChild, DISABLED_WritesTwoEntriesInOneSecond)
 
 TEST(DebugLogChild, DISABLED_WritesIntoAStreamInErrorState)
 {
-    GetDebugLog().setstate(std::ios::badbit);
+    GetDebugLog().Fail();
     WriteDebugLog(GetDebugLog(), "lost");
     WriteDebugLog(GetDebugLog(), "F", "lost", 1);
 }
@@ -157,7 +157,7 @@ TEST(DebugLogChild, DISABLED_WritesIntoAStreamInErrorState)
 TEST(DebugLogChild, DISABLED_KeepsOneStream)
 {
     EXPECT_EQ(&GetDebugLog(), &GetDebugLog());
-    EXPECT_TRUE(GetDebugLog().is_open());
+    EXPECT_TRUE(GetDebugLog().IsOpen());
 }
 
 TEST(DebugLogChild, DISABLED_WritesTwoMebibytes)
