@@ -79,9 +79,8 @@ CString CLocalizedResources::LoadString(UINT id) const
     {
         return CString();
     }
-    const std::u16string text = FindStringInBlock(bytes.data, bytes.size, id % 16);
-    const std::wstring wide(text.begin(), text.end());
-    return CString(wide.c_str(), static_cast<int>(wide.length()));
+    const std::u16string_view text = FindStringInBlock(bytes.data, bytes.size, id % 16);
+    return CString(reinterpret_cast<const wchar_t*>(text.data()), static_cast<int>(text.length()));
 }
 
 HRESULT CLocalizedResources::LoadResourceData(UINT id, const wchar_t* type, const void** data,

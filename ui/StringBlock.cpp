@@ -3,35 +3,16 @@
 
 namespace
 {
-/// The 16-bit units of a block. What lies behind its end reads as 0, which is how an empty entry reads.
-class CUnits
+/// The unit at `position`. What lies behind the block's end reads as 0, which is how an empty entry reads.
+char16_t UnitAt(std::u16string_view units, std::size_t position)
 {
-public:
-    CUnits(const void* block, std::size_t size)
-        : m_bytes(static_cast<const unsigned char*>(block)), m_count(size / 2)
-    {
-    }
-
-    std::size_t Count() const { return m_count; }
-
-    char16_t At(std::size_t position) const
-    {
-        if (position >= m_count)
-        {
-            return 0;
-        }
-        return static_cast<char16_t>(m_bytes[2 * position] | m_bytes[2 * position + 1] << 8);
-    }
-
-private:
-    const unsigned char* m_bytes;
-    std::size_t m_count;
-};
+    return position < units.size() ? units[position] : u'\0';
+}
 } // namespace
 
-std::u16string FindStringInBlock(const void* block, std::size_t size, unsigned index)
+std::u16string_view FindStringInBlock(const void* block, std::size_t size, unsigned index)
 {
-    const CUnits units(block, size);
+    const std::u16string_view units(static_cast<const char16_t*>(block), size / sizeof(char16_t));
     std::size_t position = 0;
     unsigned count = 0;
     // The position counts 16-bit units, the bound is the size in bytes: kept as it has always been. It never
@@ -39,21 +20,14 @@ std::u16string FindStringInBlock(const void* block, std::size_t size, unsigned i
     // ends the walk. In a damaged block it only ends the walk later, over units that read as empty entries.
     while (position < size && count != index)
     {
-        const std::size_t length = units.At(position);
-        position += length != 0 ? length + 1 : 1;
+        position += std::size_t{UnitAt(units, position)} + 1;
         ++count;
     }
 
-    const std::size_t length = units.At(position);
-    if (count != index || length == 0 || units.Count() - position - 1 < length)
+    const std::size_t length = UnitAt(units, position);
+    if (count != index || length == 0 || units.size() - position - 1 < length)
     {
         return {};
     }
-    std::u16string text;
-    text.reserve(length);
-    for (std::size_t unit = 0; unit != length; ++unit)
-    {
-        text.push_back(units.At(position + 1 + unit));
-    }
-    return text;
+    return units.substr(position + 1, length);
 }

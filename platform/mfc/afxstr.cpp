@@ -17,7 +17,7 @@ LPCWSTR OrEmpty(LPCWSTR text)
 
 int ToIndex(std::size_t position)
 {
-    return position == std::wstring::npos ? -1 : static_cast<int>(position);
+    return position == std::wstring_view::npos ? -1 : static_cast<int>(position);
 }
 
 } // namespace
@@ -29,7 +29,11 @@ CString::CString(LPCWSTR text, int length)
     SetString(text, length);
 }
 
-CString::CString(WCHAR ch, int repeat) : m_text(static_cast<std::size_t>(std::max(repeat, 0)), ch) {}
+CString::CString(WCHAR ch, int repeat)
+{
+    m_text.Resize(static_cast<std::size_t>(std::max(repeat, 0)));
+    std::fill_n(m_text.Units(), m_text.Length(), ch);
+}
 
 CString& CString::operator=(LPCWSTR text)
 {
@@ -39,7 +43,7 @@ CString& CString::operator=(LPCWSTR text)
 
 CString& CString::operator=(WCHAR ch)
 {
-    m_text.assign(1, ch);
+    m_text.Assign({&ch, 1});
     return *this;
 }
 
@@ -53,12 +57,12 @@ void CString::SetString(LPCWSTR text, int length)
     {
         AfxThrowInvalidArgException();
     }
-    m_text.assign(OrEmpty(text), static_cast<std::size_t>(length));
+    m_text.Assign({OrEmpty(text), static_cast<std::size_t>(length)});
 }
 
 void CString::SetString(LPCWSTR text)
 {
-    m_text.assign(OrEmpty(text));
+    m_text.Assign(OrEmpty(text));
 }
 
 WCHAR CString::GetAt(int index) const
@@ -67,7 +71,7 @@ WCHAR CString::GetAt(int index) const
     {
         AfxThrowInvalidArgException();
     }
-    return m_text.c_str()[index];
+    return m_text.Units()[index];
 }
 
 CString CString::Left(int count) const
@@ -85,8 +89,8 @@ CString CString::Mid(int first, int count) const
     const int length = GetLength();
     const int start = std::clamp(first, 0, length);
     CString part;
-    part.m_text.assign(m_text, static_cast<std::size_t>(start),
-                       static_cast<std::size_t>(std::clamp(count, 0, length - start)));
+    part.m_text.Assign(m_text.Text().substr(static_cast<std::size_t>(start),
+                                            static_cast<std::size_t>(std::clamp(count, 0, length - start))));
     return part;
 }
 
@@ -101,7 +105,7 @@ int CString::Find(LPCWSTR what, int start) const
     {
         return -1;
     }
-    return ToIndex(m_text.find(what, static_cast<std::size_t>(start)));
+    return ToIndex(m_text.Text().find(what, static_cast<std::size_t>(start)));
 }
 
 int CString::Find(WCHAR ch, int start) const
@@ -110,39 +114,39 @@ int CString::Find(WCHAR ch, int start) const
     {
         return -1;
     }
-    return ToIndex(m_text.find(ch, static_cast<std::size_t>(start)));
+    return ToIndex(m_text.Text().find(ch, static_cast<std::size_t>(start)));
 }
 
 int CString::ReverseFind(WCHAR ch) const
 {
-    return ToIndex(m_text.rfind(ch));
+    return ToIndex(m_text.Text().rfind(ch));
 }
 
 int CString::Compare(LPCWSTR other) const
 {
-    return std::wcscmp(m_text.c_str(), OrEmpty(other));
+    return std::wcscmp(m_text.Units(), OrEmpty(other));
 }
 
 int CString::CompareNoCase(LPCWSTR other) const
 {
-    return _wcsicmp(m_text.c_str(), OrEmpty(other));
+    return _wcsicmp(m_text.Units(), OrEmpty(other));
 }
 
 CString& CString::operator+=(const CString& text)
 {
-    m_text += text.m_text;
+    m_text.Append(text.m_text.Text());
     return *this;
 }
 
 CString& CString::operator+=(LPCWSTR text)
 {
-    m_text += OrEmpty(text);
+    m_text.Append(OrEmpty(text));
     return *this;
 }
 
 CString& CString::operator+=(WCHAR ch)
 {
-    m_text += ch;
+    m_text.Append({&ch, 1});
     return *this;
 }
 
@@ -150,9 +154,9 @@ LPWSTR CString::GetBuffer(int minLength)
 {
     if (minLength > GetLength())
     {
-        m_text.resize(static_cast<std::size_t>(minLength));
+        m_text.Resize(static_cast<std::size_t>(minLength));
     }
-    return m_text.data();
+    return m_text.Units();
 }
 
 void CString::ReleaseBuffer(int newLength)
@@ -161,7 +165,7 @@ void CString::ReleaseBuffer(int newLength)
     {
         AfxThrowInvalidArgException();
     }
-    m_text.resize(newLength == -1 ? std::wcslen(m_text.c_str()) : static_cast<std::size_t>(newLength));
+    m_text.Resize(newLength == -1 ? std::wcslen(m_text.Units()) : static_cast<std::size_t>(newLength));
 }
 
 CString operator+(const CString& left, const CString& right)

@@ -11,6 +11,8 @@
 
 #include <afxver_.h>
 
+#include "afxstrbuffer_.h"
+
 #include <compare>
 #include <concepts>
 #include <initializer_list>
@@ -81,13 +83,13 @@ public:
     void SetString(LPCWSTR text, int length);
     void SetString(LPCWSTR text);
 
-    int GetLength() const { return static_cast<int>(m_text.length()); }
-    BOOL IsEmpty() const { return m_text.empty(); }
-    void Empty() { m_text.clear(); }
+    int GetLength() const { return static_cast<int>(m_text.Length()); }
+    BOOL IsEmpty() const { return m_text.Length() == 0; }
+    void Empty() { m_text.Resize(0); }
 
     /// The text with its terminator; valid until the text changes.
-    operator LPCWSTR() const { return m_text.c_str(); }
-    LPCWSTR GetString() const { return m_text.c_str(); }
+    operator LPCWSTR() const { return m_text.Units(); }
+    LPCWSTR GetString() const { return m_text.Units(); }
 
     /// The unit at `index`; the terminator at GetLength(). Beyond, or below 0: throws CInvalidArgException*.
     WCHAR GetAt(int index) const;
@@ -159,7 +161,7 @@ public:
 private:
     void FormatArguments(LPCWSTR format, std::initializer_list<CFormatArgument> arguments);
 
-    std::wstring m_text;
+    CTextBuffer m_text;
 };
 
 inline CFormatArgument::CFormatArgument(const CString& text)

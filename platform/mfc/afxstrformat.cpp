@@ -400,5 +400,5 @@ private:
 void CString::FormatArguments(LPCWSTR format, std::initializer_list<CFormatArgument> arguments)
 {
     // Made aside first: the text itself may be the format or among the arguments.
-    m_text = CFormatter(format != nullptr ? format : L"", arguments).Run();
+    m_text.Assign(CFormatter(format != nullptr ? format : L"", arguments).Run());
 }

@@ -24,7 +24,7 @@ std::u16string Block(const std::vector<std::u16string>& entries)
     return block;
 }
 
-/// The bytes right in front of a page that must not be touched.
+/// The bytes, at an even address, right in front of a page that must not be touched.
 class CGuardedBytes
 {
 public:
@@ -34,7 +34,7 @@ public:
     {
         DWORD before = 0;
         VirtualProtect(m_pages + kPage, kPage, PAGE_NOACCESS, &before);
-        m_bytes = m_pages + kPage - size;
+        m_bytes = m_pages + kPage - size - size % 2;
         std::memcpy(m_bytes, bytes, size);
     }
     ~CGuardedBytes() { VirtualFree(m_pages, 0, MEM_RELEASE); }
@@ -52,7 +52,7 @@ private:
 std::u16string Find(const std::u16string& block, std::size_t size, unsigned index)
 {
     const CGuardedBytes bytes(block.data(), size);
-    return FindStringInBlock(bytes.Get(), size, index);
+    return std::u16string(FindStringInBlock(bytes.Get(), size, index));
 }
 
 std::u16string Find(const std::u16string& block, unsigned index)
@@ -120,7 +120,7 @@ TEST(StringBlockTest, NoDamagedBlockMakesItReadBehindTheEnd)
         const CGuardedBytes bytes(block.data(), size);
         for (unsigned index = 0; index != 17; ++index)
         {
-            const std::u16string found = FindStringInBlock(bytes.Get(), size, index);
+            const std::u16string_view found = FindStringInBlock(bytes.Get(), size, index);
             ASSERT_TRUE(found.empty() || block.find(found) != std::u16string::npos);
         }
     }
