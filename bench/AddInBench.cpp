@@ -26,7 +26,8 @@ std::wstring Beside(const wchar_t* name)
 
 void Run(const std::string& name, const std::string& argument)
 {
-    const AddInPaths paths{Beside(L"OrvaOscAddin.dll"), Beside(L"EmptyAddIn.dll")};
+    const AddInPaths paths{Beside(L"OrvaOscAddin.dll"), Beside(L"EmptyAddIn.dll"),
+                           Beside(L"ManifestAddIn.dll")};
     if (name != "start-cold")
     {
         LoadWhatOutlookLoads();
@@ -34,6 +35,10 @@ void Run(const std::string& name, const std::string& argument)
     if (name == "start" || name == "start-cold")
     {
         MeasureStart(name, paths);
+    }
+    else if (name == "start-steps")
+    {
+        MeasureStartSteps(paths);
     }
     else if (name == "memory")
     {

@@ -23,12 +23,29 @@ constexpr double kMilliseconds = 1e3;
 // The markup has so many placeholders; a test of the markup counts them.
 constexpr int kPlaceholders = 18;
 
-void StartAndStop(const std::wstring& path)
+// Seconds of each step of a connection after Outlook's start.
+struct Steps
 {
+    double load;
+    double create;
+    double connect;
+    double unload;
+
+    double Sum() const { return load + create + connect + unload; }
+};
+
+Steps StartAndStop(const std::wstring& path)
+{
+    const double start = Now();
     CLoadedAddIn addIn(path);
+    const double loaded = Now();
+    addIn.Create();
+    const double created = Now();
     addIn.Connect(ext_cm_AfterStartup);
+    const double connected = Now();
     addIn.Disconnect();
     addIn.Unload();
+    return {loaded - start, created - loaded, connected - created, Now() - connected};
 }
 
 // The main window that the check at the start disables.
@@ -57,17 +74,26 @@ void SetLogSwitch(DWORD value)
     }
 }
 
-// Seconds from asking for the class object, which opens the log, to the end of the connection.
-double ConnectAtStart(const std::wstring& path, DWORD logSwitch)
+// Seconds of two steps with the log on or off: making the object, with which the log is opened, and
+// connecting it at Outlook's start, with the check.
+struct LoggedStart
+{
+    double create;
+    double connect;
+};
+
+LoggedStart TimeStart(const std::wstring& path, DWORD logSwitch)
 {
     SetLogSwitch(logSwitch);
     CLoadedAddIn addIn(path);
     const double start = Now();
+    addIn.Create();
+    const double created = Now();
     addIn.Connect(ext_cm_Startup);
-    const double seconds = Now() - start;
+    const double connected = Now();
     addIn.Disconnect();
     addIn.Unload();
-    return seconds;
+    return {created - start, connected - created};
 }
 
 void CopyText(const std::wstring& text)
@@ -91,14 +117,32 @@ void LoadWhatOutlookLoads()
 
 void MeasureStart(const std::string& row, const AddInPaths& paths)
 {
-    TakeTurns(row, Timed([&] { StartAndStop(paths.product); }), Timed([&] { StartAndStop(paths.empty); }),
-              {.rounds = 25, .roundSeconds = 0.1});
+    TakeTurns(
+        row, [&] { return StartAndStop(paths.product).Sum(); },
+        [&] { return StartAndStop(paths.empty).Sum(); }, {.rounds = 25, .roundSeconds = 0.1});
+}
+
+void MeasureStartSteps(const AddInPaths& paths)
+{
+    const auto step = [&](const char* row, double Steps::*part) {
+        TakeTurns(
+            row, [&, part] { return StartAndStop(paths.product).*part; },
+            [&, part] { return StartAndStop(paths.empty).*part; });
+    };
+    step("start-load", &Steps::load);
+    step("start-create", &Steps::create);
+    step("start-connect", &Steps::connect);
+    step("start-unload", &Steps::unload);
+    TakeTurns(
+        "manifest", [&] { return StartAndStop(paths.manifestOnly).load; },
+        [&] { return StartAndStop(paths.empty).load; });
 }
 
 void MeasureMemory(const std::wstring& path, const char* variant)
 {
     const double before = PrivateKib();
     CLoadedAddIn addIn(path);
+    addIn.Create();
     addIn.Connect(ext_cm_AfterStartup);
     AddSample("memory", variant, PrivateKib() - before);
 }
@@ -106,6 +150,7 @@ void MeasureMemory(const std::wstring& path, const char* variant)
 void MeasureCustomUi(const AddInPaths& paths)
 {
     CLoadedAddIn addIn(paths.product);
+    addIn.Create();
     addIn.Connect(ext_cm_AfterStartup);
     IRibbonExtensibility* ribbon = nullptr;
     if (FAILED(addIn.Object()->QueryInterface(IID_IRibbonExtensibility, reinterpret_cast<void**>(&ribbon))))
@@ -135,6 +180,10 @@ void MeasureCustomUi(const AddInPaths& paths)
         }
     };
     TakeTurns("custom-ui", Timed(product), Timed(baseline));
+    TakeTurns("custom-ui-line", Timed(product), Timed([&baseline] {
+                  baseline();
+                  OutputDebugStringA("CConnect::GetCustomUI");
+              }));
     ribbon->Release();
 }
 
@@ -142,8 +191,11 @@ void MeasureLogSwitch(const AddInPaths& paths)
 {
     const CMainWindow window;
     TakeTurns(
-        "check-log", [&] { return ConnectAtStart(paths.product, 1); },
-        [&] { return ConnectAtStart(paths.product, 0); }, {.rounds = 25, .roundSeconds = 0.1});
+        "check-log", [&] { return TimeStart(paths.product, 1).connect; },
+        [&] { return TimeStart(paths.product, 0).connect; }, {.rounds = 31, .roundSeconds = 0.1});
+    TakeTurns(
+        "log-open", [&] { return TimeStart(paths.product, 1).create; },
+        [&] { return TimeStart(paths.product, 0).create; });
     SetLogSwitch(0);
 }
 
@@ -152,6 +204,7 @@ void MeasureShare(const std::string& row, const AddInPaths& paths)
     const CMainWindow window;
     const double start = Now();
     CLoadedAddIn addIn(paths.product);
+    addIn.Create();
     addIn.Connect(ext_cm_Startup);
     AddSample(row + "-start", kProduct, (Now() - start) * kMilliseconds);
     const double stop = Now();

@@ -23,6 +23,9 @@ constexpr wchar_t kHost[] = L"" ORVA_WEB_HOST;
 constexpr wchar_t kPath[] = L"/downloads/outlook/UpdateInfo.txt?";
 
 constexpr int kCheckRounds = 31;
+
+// What such a check writes to the debugger; as many as it adds to the log.
+constexpr int kDebuggerLines = 23;
 constexpr double kMilliseconds = 1e3;
 
 void CheckOnce()
@@ -46,6 +49,14 @@ double Median(std::vector<double> values)
 void MeasureCheck()
 {
     TakeTurns("check", Timed(CheckOnce), Timed([] { BareGet(kHost, kPath); }),
+              {.rounds = kCheckRounds, .roundSeconds = 0.1});
+    TakeTurns("check-lines", Timed(CheckOnce), Timed([] {
+                  BareGet(kHost, kPath);
+                  for (int line = 0; line < kDebuggerLines; ++line)
+                  {
+                      OutputDebugStringA("CHttpRequest::PerformTextRequest() response httpStatus 200");
+                  }
+              }),
               {.rounds = kCheckRounds, .roundSeconds = 0.1});
 }
 

@@ -30,10 +30,10 @@ public:
         AddRef();
         return S_OK;
     }
-    STDMETHODIMP_(ULONG) AddRef() override { return InterlockedIncrement(&m_references); }
+    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
     STDMETHODIMP_(ULONG) Release() override
     {
-        const ULONG left = InterlockedDecrement(&m_references);
+        const auto left = static_cast<ULONG>(InterlockedDecrement(&m_references));
         if (left == 0)
         {
             delete this;

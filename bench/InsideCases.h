@@ -6,7 +6,8 @@
 namespace orva::bench
 {
 
-/// CheckForUpdate with a file that names nothing newer, against BareGet of the same file.
+/// CheckForUpdate with a file that names nothing newer, against BareGet of the same file, without and with as
+/// many lines for the debugger.
 void MeasureCheck();
 
 /// All texts in English by LoadString, against LoadStringW of the same table.

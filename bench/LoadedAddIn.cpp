@@ -48,7 +48,7 @@ CLoadedAddIn::~CLoadedAddIn()
     }
 }
 
-void CLoadedAddIn::Connect(ext_ConnectMode mode)
+void CLoadedAddIn::Create()
 {
     const auto getClassObject =
         Export<HRESULT STDAPICALLTYPE(REFCLSID, REFIID, void**)>(m_module, "DllGetClassObject");
@@ -60,6 +60,10 @@ void CLoadedAddIn::Connect(ext_ConnectMode mode)
         factory->CreateInstance(nullptr, IID__IDTExtensibility2, reinterpret_cast<void**>(&m_addIn));
     factory->Release();
     Check(SUCCEEDED(hr), "CreateInstance");
+}
+
+void CLoadedAddIn::Connect(ext_ConnectMode mode)
+{
     Check(SUCCEEDED(m_addIn->OnConnection(FakeOutlook(), mode, nullptr, nullptr)), "OnConnection");
 }
 

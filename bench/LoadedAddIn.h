@@ -20,7 +20,9 @@ public:
     CLoadedAddIn(const CLoadedAddIn&) = delete;
     CLoadedAddIn& operator=(const CLoadedAddIn&) = delete;
 
-    /// Class object, object, OnConnection.
+    /// Class object and object.
+    void Create();
+    /// OnConnection.
     void Connect(ext_ConnectMode mode);
     /// OnBeginShutdown, OnDisconnection.
     void Disconnect();

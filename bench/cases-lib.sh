@@ -100,16 +100,18 @@ windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 
 # run_bench PROGRAM CASE ARGUMENTS...: what it prints is added to the samples.
 run_bench() {
-    local program=$1
+    local program=$1 status=0
     shift
-    timeout 240 wine "$build_dir/$program.exe" "$@" 9>&- </dev/null >"$scratch/out.txt" 2>"$scratch/errors.txt" || {
+    timeout 240 wine "$build_dir/$program.exe" "$@" 9>&- </dev/null >"$scratch/out.txt" 2>"$scratch/errors.txt" || status=$?
+    [ "$status" -eq 0 ] || {
         cat "$scratch/out.txt" "$scratch/errors.txt" >&2
-        fail "$program $* failed"
+        fail "$program $* ended with status $status"
     }
     tr -d '\r' <"$scratch/out.txt" >>"$results/samples.tsv"
 }
 
 measure_start() { run_bench AddInBench start; }
+measure_start_steps() { run_bench AddInBench start-steps; }
 measure_start_cold() { run_bench AddInBench start-cold; }
 measure_check() { run_bench OrvaBench check; }
 measure_check_log() { run_bench AddInBench check-log; }
