@@ -108,6 +108,8 @@ void LoadWhatOutlookLoads()
     for (const wchar_t* const name : {L"ole32", L"oleaut32", L"user32", L"gdi32", L"advapi32", L"shell32",
                                       L"shlwapi", L"comctl32", L"wininet", L"gdiplus"})
     {
+        // They stay loaded, as they do in Outlook.
+        // cppcheck-suppress leakReturnValNotUsed
         if (LoadLibraryW(name) == nullptr)
         {
             throw std::runtime_error("a library of Outlook's");
