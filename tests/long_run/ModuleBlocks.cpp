@@ -1,0 +1,78 @@
+// The memory that a module has taken from the C run-time and not given back.
+#include "long_run/ModuleBlocks.h"
+
+#include <numeric>
+
+namespace orva::test
+{
+namespace
+{
+
+constexpr char kRunTime[] = "msvcrt.dll";
+
+} // namespace
+
+CModuleBlocks* CModuleBlocks::the = nullptr;
+
+CModuleBlocks::CModuleBlocks(HMODULE module)
+    : m_malloc((the = this, module), kRunTime, "malloc", &Allocate),
+      m_calloc(module, kRunTime, "calloc", &AllocateZeroed),
+      m_realloc(module, kRunTime, "realloc", &Reallocate), m_free(module, kRunTime, "free", &Free)
+{
+}
+
+CModuleBlocks::~CModuleBlocks() = default;
+
+long long CModuleBlocks::Bytes() const
+{
+    const std::lock_guard lock(m_mutex);
+    return std::accumulate(m_blocks.begin(), m_blocks.end(), 0LL, [](long long sum, const auto& block) {
+        return sum + static_cast<long long>(block.second);
+    });
+}
+
+void CModuleBlocks::Note(void* block, std::size_t size)
+{
+    if (block != nullptr)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_blocks[block] = size;
+    }
+}
+
+void CModuleBlocks::Forget(const void* block)
+{
+    const std::lock_guard lock(m_mutex);
+    m_blocks.erase(block);
+}
+
+void* CModuleBlocks::Allocate(std::size_t size)
+{
+    void* const block = the->m_malloc.Original<decltype(Allocate)>()(size);
+    the->Note(block, size);
+    return block;
+}
+
+void* CModuleBlocks::AllocateZeroed(std::size_t count, std::size_t size)
+{
+    void* const block = the->m_calloc.Original<decltype(AllocateZeroed)>()(count, size);
+    the->Note(block, count * size);
+    return block;
+}
+
+void* CModuleBlocks::Reallocate(void* block, std::size_t size)
+{
+    // Forgotten before another thread can be given the same address.
+    the->Forget(block);
+    void* const moved = the->m_realloc.Original<decltype(Reallocate)>()(block, size);
+    the->Note(moved, size);
+    return moved;
+}
+
+void CModuleBlocks::Free(void* block)
+{
+    the->Forget(block);
+    the->m_free.Original<decltype(Free)>()(block);
+}
+
+} // namespace orva::test
