@@ -77,7 +77,7 @@ LONG CRegKey::QueryStringValue(LPCTSTR pszValueName, LPTSTR pszValue, ULONG* pnC
         return ERROR_INVALID_DATA;
     }
     const ULONG capacity = *pnChars;
-    ULONG characters = size / sizeof(WCHAR);
+    ULONG characters = size / ULONG{sizeof(WCHAR)};
     if (pszValue != nullptr && result == ERROR_SUCCESS)
     {
         // The registry does not promise a terminating zero.

@@ -21,7 +21,10 @@ public:
     CTextBuffer(CTextBuffer&& other) noexcept : CTextBuffer() { Take(other); }
     CTextBuffer& operator=(const CTextBuffer& other)
     {
-        Assign(other.Text());
+        if (this != &other)
+        {
+            Assign(other.Text());
+        }
         return *this;
     }
     CTextBuffer& operator=(CTextBuffer&& other) noexcept;
