@@ -121,7 +121,7 @@ void MeasureStart(const std::string& row, const AddInPaths& paths)
 {
     TakeTurns(
         row, [&] { return StartAndStop(paths.product).Sum(); },
-        [&] { return StartAndStop(paths.empty).Sum(); }, {.rounds = 25, .roundSeconds = 0.1});
+        [&] { return StartAndStop(paths.empty).Sum(); }, {.rounds = 75, .roundSeconds = 0.02});
 }
 
 void MeasureStartSteps(const AddInPaths& paths)
@@ -194,7 +194,7 @@ void MeasureLogSwitch(const AddInPaths& paths)
     const CMainWindow window;
     TakeTurns(
         "check-log", [&] { return TimeStart(paths.product, 1).connect; },
-        [&] { return TimeStart(paths.product, 0).connect; }, {.rounds = 31, .roundSeconds = 0.1});
+        [&] { return TimeStart(paths.product, 0).connect; }, {.rounds = 75, .roundSeconds = 0.02});
     TakeTurns(
         "log-open", [&] { return TimeStart(paths.product, 1).create; },
         [&] { return TimeStart(paths.product, 0).create; });

@@ -182,6 +182,6 @@ measure_growth() {
     for curve in check download log; do
         awk -F '\t' -v OFS='\t' -v curve="$curve" '$1 == "point" && $2 == curve { print $3, $4, $5 }' "$results/samples.tsv" \
             >"$results/$curve.tsv"
-        awk -F '\t' -v OFS='\t' '{ printf "%02d %s\t%.3g\t%.1f\n", NR, $1, $2, $3 / 1024 }' "$results/$curve.tsv" >"$results/grow-$curve.tsv"
+        awk -F '\t' -v OFS='\t' '{ printf "%7d\t%.3g\t%.1f\n", $1, $2, $3 / 1024 }' "$results/$curve.tsv" >"$results/grow-$curve.tsv"
     done
 }

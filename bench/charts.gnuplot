@@ -20,7 +20,7 @@ set grid xtics ytics
 set ytics nomirror
 set y2tics
 set y2label "most memory of the process, MiB"
-set y2range [0:*]
+set y2range [0:12]
 set yrange [0:*]
 
 set output pages."/performance-check.png"
