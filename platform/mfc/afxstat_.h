@@ -30,9 +30,9 @@ public:
     HINSTANCE m_hCurrentResourceHandle;
     LPCTSTR m_lpszCurrentAppName;
 
-    /// Of the module's manifest with resource id 2 (ISOLATIONAWARE_MANIFEST_RESOURCE_ID); taken from the loader,
-    /// or else made, when a thread first switches to this state. Null before, INVALID_HANDLE_VALUE when the
-    /// module has no such manifest.
+    /// Of the module's manifest with resource id 2 (ISOLATIONAWARE_MANIFEST_RESOURCE_ID); taken from the
+    /// loader, or else made, when a thread first switches to this state. Null before, INVALID_HANDLE_VALUE
+    /// when the module has no such manifest.
     HANDLE m_hActCtx = nullptr;
 
     /// Sets m_hActCtx unless that was done before; any thread may call it. Never while the DLL is being
