@@ -1,6 +1,7 @@
 // Dates of HTTP headers and time-stamp texts.
 #include "support/TimeUtilities.h"
 
+#include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
 
@@ -22,18 +23,6 @@ const std::string& PartAt(const Parts& parts, std::size_t index)
     if (index >= parts.size())
         throw std::out_of_range("invalid vector<T> subscript");
     return parts[index];
-}
-
-// Of the letters A to Z only: month names in headers are English. The library's own function asks a locale,
-// and with that one every locale facet there is comes into the DLL.
-std::string LowerCase(std::string text)
-{
-    for (char& character : text)
-    {
-        if (character >= 'A' && character <= 'Z')
-            character = static_cast<char>(character - 'A' + 'a');
-    }
-    return text;
 }
 
 // The number that the part begins with, 0 if there is none. Headers come from outside: a number beyond the
@@ -81,7 +70,7 @@ struct tm ParseHttpDate(std::string text)
 
     struct tm date = {};
     date.tm_mday = ReadInteger(PartAt(parts, 1));
-    date.tm_mon = MonthFromName(LowerCase(PartAt(parts, 2)));
+    date.tm_mon = MonthFromName(boost::to_lower_copy(PartAt(parts, 2)));
     date.tm_year = YearsSince1900(PartAt(parts, 3));
     date.tm_hour = ReadInteger(PartAt(parts, 4));
     date.tm_min = ReadInteger(PartAt(parts, 5));
