@@ -13,7 +13,10 @@ constexpr int kWindowBits = 47;
 int DecodeGzip(const char* body, std::uint32_t length, std::unique_ptr<char[]>& output,
                std::uint32_t& decodedLength)
 {
+    // Not cleared as a whole, which would take longer than decoding most bodies: only the byte behind the
+    // body counts.
     output = std::make_unique_for_overwrite<char[]>(kMaximumDecodedLength + 1);
+    output[0] = '\0';
     decodedLength = 0;
 
     z_stream stream = {};
@@ -24,17 +27,15 @@ int DecodeGzip(const char* body, std::uint32_t length, std::unique_ptr<char[]>& 
     if (const int result = inflateInit2(&stream, kWindowBits); result != Z_OK)
         return result;
 
-    const int result = inflate(&stream, Z_FINISH);
+    int result = inflate(&stream, Z_FINISH);
     inflateEnd(&stream);
-    switch (result)
+    if (result == Z_NEED_DICT)
+        result = Z_DATA_ERROR;
+    if (result != Z_DATA_ERROR && result != Z_MEM_ERROR)
     {
-    case Z_NEED_DICT:
-    case Z_DATA_ERROR:
-        return Z_DATA_ERROR;
-    case Z_MEM_ERROR:
-        return Z_MEM_ERROR;
-    default:
         decodedLength = kMaximumDecodedLength - stream.avail_out;
-        return result == Z_STREAM_END ? Z_OK : Z_DATA_ERROR;
+        result = result == Z_STREAM_END ? Z_OK : Z_DATA_ERROR;
     }
+    output[decodedLength] = '\0';
+    return result;
 }

@@ -26,6 +26,8 @@ Decoded Decode(const std::string& body)
     std::uint32_t length = 12345;
     const int result = DecodeGzip(body.data(), static_cast<std::uint32_t>(body.size()), output, length);
     EXPECT_LE(length, kMaximumDecodedLength);
+    // Whoever reads the body as a text reads up to here.
+    EXPECT_EQ(output[length], '\0');
     return {result, output != nullptr ? std::string(output.get(), length) : std::string(), output != nullptr};
 }
 
