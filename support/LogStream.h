@@ -4,8 +4,9 @@
 #include <string>
 #include <string_view>
 
-// A file of narrow text that is only ever added to. Not the C++ library's stream: that one brings every
-// locale facet there is into the DLL, which would be half of its size and of the time that loading it takes.
+// A file of narrow text that is only ever added to, each line in one write to the system. Not the C++
+// library's stream, whose buffer, conversions and formatting would be there only to be bypassed, at each
+// start of the host.
 class CLogStream
 {
 public:
