@@ -35,10 +35,7 @@ orva_clang_tidy(clang_tidy ${sources})
 
 # The fuzz targets have a build of their own, and checked_build is compiled only with the run-time checks.
 file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/*.cpp")
-list(FILTER sources EXCLUDE REGEX "/tests/fuzz/")
-if(NOT ORVA_CHECKED)
-  list(FILTER sources EXCLUDE REGEX "/tests/checked_build/")
-endif()
+list(FILTER sources EXCLUDE REGEX "/tests/(fuzz|checked_build)/")
 orva_clang_tidy(clang_tidy_tests ${sources})
 
 # orva_static_check(NAME COMMAND...)
