@@ -50,6 +50,7 @@ Calls& TheCalls()
 
 std::atomic<int> g_interrupted = 0;
 
+/// The number for a handle of WinINet's. Null for null, and for one whose parent has been closed meanwhile.
 HINTERNET GiveHandle(HINTERNET real, HINTERNET parent)
 {
     if (real == nullptr)
@@ -58,6 +59,10 @@ HINTERNET GiveHandle(HINTERNET real, HINTERNET parent)
     }
     const DWORD error = GetLastError();
     const std::lock_guard lock(TheCalls().mutex);
+    if (parent != nullptr && !TheCalls().handles.contains(parent))
+    {
+        return nullptr;
+    }
     TheCalls().last += 4;
     const auto handle = reinterpret_cast<HINTERNET>(TheCalls().last);
     TheCalls().handles[handle] = {real, parent};
@@ -87,7 +92,7 @@ public:
 
     /// WinINet's own handle; null if the handle has been closed or never was one.
     HINTERNET Real() const { return m_real; }
-    /// A handle to give to the module for one that was made under this call's. Null for null.
+    /// A handle to give to the module for one that was made under this call's, as GiveHandle says.
     HINTERNET Give(HINTERNET real) const { return GiveHandle(real, m_handle); }
 
     /// The call's result, which is a failure if its handle was closed.
@@ -198,6 +203,9 @@ struct CInterruptibleWinInet::Hooks
                                    DWORD optionalLength);
     static BOOL WINAPI ReadFile(HINTERNET file, LPVOID buffer, DWORD size, LPDWORD read);
     static BOOL WINAPI CloseInternetHandle(HINTERNET handle);
+    /// What the module gets for a handle made in this call. One that came too late is closed at once, before
+    /// its parent is: WinINet would give its number to somebody else's.
+    static HINTERNET Give(const CPendingCall& call, HINTERNET real);
     static int WINAPI Control(SOCKET socket, long command, u_long* argument);
     static int WINAPI Receive(SOCKET socket, char* buffer, int size, int flags);
     static int WINAPI Connect(SOCKET socket, const sockaddr* address, int size);
@@ -242,13 +250,24 @@ HINTERNET WINAPI CInterruptibleWinInet::Hooks::Open(LPCWSTR agent, DWORD access,
     return GiveHandle(the->open.Original<decltype(Open)>()(agent, access, proxy, bypass, flags), nullptr);
 }
 
+HINTERNET CInterruptibleWinInet::Hooks::Give(const CPendingCall& call, HINTERNET real)
+{
+    const HINTERNET given = call.Give(real);
+    if (given == nullptr && real != nullptr)
+    {
+        the->close.Original<decltype(CloseInternetHandle)>()(real);
+        SetLastError(ERROR_INTERNET_OPERATION_CANCELLED);
+    }
+    return given;
+}
+
 HINTERNET WINAPI CInterruptibleWinInet::Hooks::ConnectTo(HINTERNET session, LPCWSTR server,
                                                          INTERNET_PORT port, LPCWSTR user, LPCWSTR password,
                                                          DWORD service, DWORD flags, DWORD_PTR context)
 {
     const CPendingCall call(session);
-    return call.Give(the->connectTo.Original<decltype(ConnectTo)>()(call.Real(), server, port, user, password,
-                                                                    service, flags, context));
+    return Give(call, the->connectTo.Original<decltype(ConnectTo)>()(call.Real(), server, port, user,
+                                                                     password, service, flags, context));
 }
 
 HINTERNET WINAPI CInterruptibleWinInet::Hooks::OpenRequest(HINTERNET connection, LPCWSTR verb, LPCWSTR object,
@@ -256,8 +275,8 @@ HINTERNET WINAPI CInterruptibleWinInet::Hooks::OpenRequest(HINTERNET connection,
                                                            DWORD flags, DWORD_PTR context)
 {
     const CPendingCall call(connection);
-    return call.Give(the->openRequest.Original<decltype(OpenRequest)>()(call.Real(), verb, object, version,
-                                                                        referrer, types, flags, context));
+    return Give(call, the->openRequest.Original<decltype(OpenRequest)>()(call.Real(), verb, object, version,
+                                                                         referrer, types, flags, context));
 }
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::AddHeaders(HINTERNET request, LPCWSTR headers, DWORD length,

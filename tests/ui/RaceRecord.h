@@ -41,6 +41,8 @@ struct RaceOutcome
     /// What the user was going to do, whether or not the dialog lived to see it.
     std::optional<UserEvent> intended;
     WorkerPhase last = WorkerPhase::BeforeRequest;
+    /// The last error of the call that failed, if one did.
+    DWORD error = 0;
     INT_PTR result = 0;
     /// The file that is left; absent if there is none.
     std::optional<std::string> file;

@@ -98,6 +98,7 @@ HINTERNET WINAPI CWorkerWatch::Hooks::OpenRequest(HINTERNET connection, LPCWSTR 
     if (download != nullptr && request == nullptr)
     {
         const DWORD error = GetLastError();
+        download->error = error;
         download->Enter(WorkerPhase::Failed);
         SetLastError(error);
     }
@@ -117,6 +118,7 @@ BOOL WINAPI CWorkerWatch::Hooks::SendRequest(HINTERNET request, LPCWSTR headers,
     if (download != nullptr)
     {
         const DWORD error = GetLastError();
+        download->error = sent ? 0 : error;
         DWORD status = 0;
         DWORD size = sizeof status;
         const bool isGood = sent &&
@@ -136,6 +138,7 @@ BOOL WINAPI CWorkerWatch::Hooks::ReadFile(HINTERNET file, LPVOID buffer, DWORD s
     if (download != nullptr && (!done || *read == 0))
     {
         const DWORD error = GetLastError();
+        download->error = done ? 0 : error;
         download->Enter(done ? WorkerPhase::DataEnded : WorkerPhase::Failed);
         SetLastError(error);
     }

@@ -29,6 +29,8 @@ struct WatchedDownload
     std::atomic<WorkerPhase> phase = WorkerPhase::BeforeRequest;
     /// The worker's thread, with the right to wait for it; null until it has made its request.
     std::atomic<HANDLE> thread = nullptr;
+    /// What the failed call set as the thread's last error; 0 for a status that is not 200.
+    std::atomic<DWORD> error = 0;
     /// Called on the worker's thread when it enters a phase, before it goes on. BeforeRequest: when it is
     /// about to make the request's handle.
     std::function<void(WorkerPhase)> onPhase = {};
