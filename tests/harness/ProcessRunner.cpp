@@ -20,6 +20,8 @@ constexpr UINT kEndedCode = 0xE0D0;
 /// How often the debugger looks whether its program still runs, in milliseconds.
 constexpr DWORD kDebugInterval = 50;
 
+constexpr int kStartAttempts = 3;
+
 struct CompareNames
 {
     bool operator()(const std::wstring& left, const std::wstring& right) const
@@ -240,9 +242,20 @@ private:
         {
             flags |= DEBUG_ONLY_THIS_PROCESS;
         }
-        if (CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, environment.data(),
-                           m_options.folder.empty() ? nullptr : m_options.folder.c_str(),
-                           &startup.StartupInfo, &information))
+        // Wine 8 now and then fails to bring up a process that it starts well the next time.
+        BOOL isStarted = FALSE;
+        for (int attempt = 0; attempt < kStartAttempts && !isStarted; ++attempt)
+        {
+            isStarted =
+                CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, environment.data(),
+                               m_options.folder.empty() ? nullptr : m_options.folder.c_str(),
+                               &startup.StartupInfo, &information);
+            if (!isStarted && GetLastError() != ERROR_INTERNAL_ERROR)
+            {
+                break;
+            }
+        }
+        if (isStarted)
         {
             m_process.reset(information.hProcess);
             AssignProcessToJobObject(TheJob(), information.hProcess);
