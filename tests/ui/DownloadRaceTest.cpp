@@ -68,6 +68,7 @@ constexpr int kAims = 6;
 // So many runs meet each pair of server and action at each moment.
 constexpr int kFewRuns = kPairs * kAims;
 constexpr int kManyRuns = 2000;
+constexpr int kMostPasses = 6;
 
 struct Plan
 {
@@ -450,17 +451,19 @@ TEST(DownloadRaceTest, NoOrderOfCancelCloseDestructionDataAndFailureHangsOrCrash
     // does.
     const CInterruptibleWinInet interruptible;
     RunAll(runs, seed, server, record);
+    int made = runs;
+    // "Close, then the data ended" is the one order that no run can be made to meet: few runs may miss it on
+    // a busy machine, and then more are made.
+    for (int pass = 1; pass < kMostPasses && runs >= kFewRuns && !record.Unmet().empty(); ++pass)
+    {
+        RunAll(kFewRuns, seed + static_cast<unsigned>(made), server, record);
+        made += kFewRuns;
+    }
     record.Report();
-    AddReportRow("races", {"99 all", std::to_string(runs), "seed " + std::to_string(seed)});
+    AddReportRow("races", {"99 all", std::to_string(made), "seed " + std::to_string(seed)});
     if (runs >= kFewRuns)
     {
-        std::vector<std::string> unmet = record.Unmet();
-        if (runs < kManyRuns)
-        {
-            // The one order that no run can be made to meet: seen to be missed by few runs on a busy machine.
-            std::erase(unmet, "54 close, then the data ended");
-        }
-        EXPECT_EQ(unmet, std::vector<std::string>{}) << "seed " << seed;
+        EXPECT_EQ(record.Unmet(), std::vector<std::string>{}) << "seed " << seed;
     }
 }
 
