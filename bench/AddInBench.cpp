@@ -71,7 +71,7 @@ int main(int count, char** arguments)
 {
     if (count < 2)
     {
-        std::fprintf(stderr, "usage: AddInBench.exe CASE [ARGUMENT]\n");
+        static_cast<void>(std::fprintf(stderr, "usage: AddInBench.exe CASE [ARGUMENT]\n"));
         return 2;
     }
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
@@ -81,7 +81,7 @@ int main(int count, char** arguments)
     }
     catch (const std::exception& exception)
     {
-        std::fprintf(stderr, "AddInBench %s: %s\n", arguments[1], exception.what());
+        static_cast<void>(std::fprintf(stderr, "AddInBench %s: %s\n", arguments[1], exception.what()));
         return 1;
     }
     CoUninitialize();

@@ -165,7 +165,7 @@ void MeasureCustomUi(const AddInPaths& paths)
         {
             throw std::runtime_error("GetCustomUI");
         }
-        const std::wstring text(markup, SysStringLen(markup));
+        std::wstring text(markup, SysStringLen(markup));
         SysFreeString(markup);
         return text;
     };

@@ -59,7 +59,7 @@ int wmain(int count, wchar_t** values)
 {
     if (count < 2)
     {
-        std::fprintf(stderr, "usage: OrvaBench.exe CASE [ARGUMENTS]\n");
+        static_cast<void>(std::fprintf(stderr, "usage: OrvaBench.exe CASE [ARGUMENTS]\n"));
         return 2;
     }
     try
@@ -68,7 +68,7 @@ int wmain(int count, wchar_t** values)
     }
     catch (const std::exception& exception)
     {
-        std::fprintf(stderr, "OrvaBench %ls: %s\n", values[1], exception.what());
+        static_cast<void>(std::fprintf(stderr, "OrvaBench %ls: %s\n", values[1], exception.what()));
         return 1;
     }
     return 0;

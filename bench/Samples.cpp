@@ -28,19 +28,28 @@ PROCESS_MEMORY_COUNTERS Memory()
     return counters;
 }
 
+// A sample that nobody gets to see must not go unnoticed.
+void Flush()
+{
+    if (std::fflush(stdout) != 0)
+    {
+        throw std::runtime_error("samples cannot be written");
+    }
+}
+
 } // namespace
 
 void AddSample(const std::string& row, const char* variant, double value)
 {
     std::printf("sample\t%s\t%s\t%.6g\n", row.c_str(), variant, value);
-    std::fflush(stdout);
+    Flush();
 }
 
 void AddPoint(const std::string& curve, double x, double value)
 {
     const double peakKib = static_cast<double>(Memory().PeakPagefileUsage) / kKib;
     std::printf("point\t%s\t%.6g\t%.6g\t%.6g\n", curve.c_str(), x, value, peakKib);
-    std::fflush(stdout);
+    Flush();
 }
 
 double PrivateKib()

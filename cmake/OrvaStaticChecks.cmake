@@ -13,10 +13,16 @@ function(orva_clang_tidy TARGET)
   set(stamps "")
   foreach(source IN LISTS ARGN)
     file(RELATIVE_PATH name "${CMAKE_SOURCE_DIR}" "${source}")
+    # A folder may have settings that differ from everyone's.
+    string(REGEX MATCH "^[^/]+" folder "${name}")
+    set(settings "${CMAKE_SOURCE_DIR}/.clang-tidy")
+    if(EXISTS "${CMAKE_SOURCE_DIR}/${folder}/.clang-tidy")
+      list(APPEND settings "${CMAKE_SOURCE_DIR}/${folder}/.clang-tidy")
+    endif()
     set(stamp "${CMAKE_BINARY_DIR}/static/clang-tidy/${name}.stamp")
     add_custom_command(OUTPUT "${stamp}"
       COMMAND "${ORVA_TOOLS_DIR}/run-clang-tidy" "${CMAKE_BINARY_DIR}" "${source}" "${stamp}"
-      DEPENDS "${source}" "${CMAKE_SOURCE_DIR}/.clang-tidy" "${ORVA_TOOLS_DIR}/run-clang-tidy"
+      DEPENDS "${source}" ${settings} "${ORVA_TOOLS_DIR}/run-clang-tidy"
       DEPFILE "${stamp}.d"
       COMMENT "Checking ${name}"
       VERBATIM)
@@ -27,7 +33,7 @@ function(orva_clang_tidy TARGET)
   add_dependencies(${TARGET} orva_addin_idl orva_addin_designer_idl orva_office_idl orva_atl_test_server_idl)
 endfunction()
 
-set(folders addin host platform support tools ui update)
+set(folders addin bench host platform support tools ui update)
 list(TRANSFORM folders APPEND "/*.cpp")
 list(TRANSFORM folders PREPEND "${CMAKE_SOURCE_DIR}/")
 file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folders})

@@ -2,6 +2,7 @@
 #
 # run_thoroughly   runs every test in its long form, all of them again in the build with run-time checks, and makes
 #                  docs/reliability.md. Ends the shell with status 0 only if nothing failed.
+# stop_fuzzing     ends the fuzzers if they still run; for the caller's trap.
 # shellcheck shell=bash
 # shellcheck source=tools/prepare-lib.sh
 source "${BASH_SOURCE[0]%/*}/prepare-lib.sh"
@@ -28,17 +29,27 @@ run_suite() {
     return "$status"
 }
 
+fuzzing=
+
+stop_fuzzing() {
+    [ -z "$fuzzing" ] || kill -- "-$fuzzing" 2>/dev/null || true
+}
+
 run_thoroughly() {
-    local failed=0 fuzzing
-    # The fuzzers take five minutes each, and whatever the other tests leave of the processors.
+    local failed=0
+    # The fuzzers take five minutes each, and whatever the other tests leave of the processors. Job control gives them a
+    # process group, with which stop_fuzzing reaches them all.
+    set -m
     {
         renice -n 19 -p "$BASHPID" >/dev/null
         ORVA_THOROUGH=1 run_suite "fuzzing" "$build_dir" -L fuzz -j "$(nproc)"
     } &
     fuzzing=$!
+    set +m
     ORVA_THOROUGH=1 run_suite "long form" "$build_dir" -LE fuzz -j "$ORVA_WINE_SLOTS" || failed=1
     run_suite "checked" "$checked_dir" -j "$ORVA_WINE_SLOTS" || failed=1
     wait "$fuzzing" || failed=1
+    fuzzing=
     # Preparing and building counted as well: SECONDS runs since ./test was called.
     echo
     if [ "$failed" -ne 0 ]; then

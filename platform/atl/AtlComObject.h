@@ -154,6 +154,9 @@ public:
     // has nothing to override, so "override" cannot be said.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wsuggest-override"
+#ifdef __clang__
+#pragma GCC diagnostic ignored "-Winconsistent-missing-override"
+#endif
     IUnknown* GetControllingUnknown()
     {
         return this->m_pOuterUnknown;

@@ -213,7 +213,8 @@ void CHostWindow::Post(std::function<void()> work)
     auto kept = std::make_unique<std::function<void()>>(std::move(work));
     if (PostMessageW(m_window, kRun, 0, reinterpret_cast<LPARAM>(kept.get())))
     {
-        kept.release();
+        // The window owns it now.
+        static_cast<void>(kept.release());
     }
 }
 

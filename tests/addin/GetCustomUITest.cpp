@@ -30,7 +30,7 @@ protected:
         BSTR text = nullptr;
         EXPECT_EQ(Query<IRibbonExtensibility>(IID_IRibbonExtensibility)->GetCustomUI(id, &text), S_OK);
         EXPECT_NE(text, nullptr);
-        const std::wstring markup(text != nullptr ? text : L"", SysStringLen(text));
+        std::wstring markup(text != nullptr ? text : L"", SysStringLen(text));
         SysFreeString(text);
         return markup;
     }

@@ -104,6 +104,7 @@ void PrintTo(const CNumberedFault& numbered, std::ostream* out)
 std::vector<CNumberedFault> Numbered(const std::vector<CFault>& faults, int first)
 {
     std::vector<CNumberedFault> numbered;
+    numbered.reserve(faults.size());
     for (const CFault& fault : faults)
     {
         numbered.push_back({first++, fault});

@@ -80,7 +80,7 @@ CUnansweringPort::CUnansweringPort()
         const SOCKET filler = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
         u_long nonBlocking = 1;
         ioctlsocket(filler, static_cast<long>(FIONBIO), &nonBlocking);
-        connect(filler, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        static_cast<void>(connect(filler, reinterpret_cast<const sockaddr*>(&address), sizeof address));
         m_fillers.push_back(filler);
     }
 }

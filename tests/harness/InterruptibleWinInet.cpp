@@ -22,6 +22,8 @@ constexpr ULONGLONG kLeaveTime = 2000;
 /// A call that a thread of the module's has pending.
 struct Call
 {
+    Call(DWORD itsThread, HINTERNET itsHandle) : thread(itsThread), handle(itsHandle) {}
+
     DWORD thread;
     HINTERNET handle;
     std::atomic<bool> cancelled = false;

@@ -6,7 +6,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <stdexcept>
 
 namespace orva::test
@@ -14,8 +13,8 @@ namespace orva::test
 
 bool IsThorough()
 {
-    const char* const value = std::getenv("ORVA_THOROUGH");
-    return value != nullptr && *value != '\0';
+    // Counts the zero at the end of a variable that is set.
+    return GetEnvironmentVariableW(L"ORVA_THOROUGH", nullptr, 0) > 1;
 }
 
 int Repetitions(int few, int many)

@@ -7,7 +7,7 @@
 namespace orva::test
 {
 
-CGate::CGate() : m_state(std::make_shared<State>(MakeEvent(), MakeEvent())) {}
+CGate::CGate() : m_state(std::make_shared<State>(State{MakeEvent(), MakeEvent()})) {}
 
 void CGate::Open()
 {

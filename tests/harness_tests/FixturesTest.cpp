@@ -197,7 +197,7 @@ TEST(ProcessRunnerTest, ProgramsEndWithTheProcessThatStartedThem)
                                        .environment = {{L"ORVA_HELPER", L"1"}}});
     const std::string mark = "started ";
     ASSERT_TRUE(WaitUntil(
-        [&] { return starter->Output().find("\n", starter->Output().find(mark)) != std::string::npos; }));
+        [&] { return starter->Output().find('\n', starter->Output().find(mark)) != std::string::npos; }));
     const std::string output = starter->Output();
     const UniqueHandle other(
         OpenProcess(SYNCHRONIZE, FALSE, std::stoul(output.substr(output.find(mark) + mark.size()))));

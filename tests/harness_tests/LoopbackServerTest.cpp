@@ -340,7 +340,7 @@ TEST(LoopbackServerTest, AnUnansweringPortNeitherAcceptsNorRefuses)
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     address.sin_port = htons(port.Port());
-    connect(client, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    ASSERT_EQ(connect(client, reinterpret_cast<sockaddr*>(&address), sizeof address), SOCKET_ERROR);
     fd_set writable, failed;
     FD_ZERO(&writable);
     FD_ZERO(&failed);

@@ -24,7 +24,7 @@ protected:
     std::vector<std::wstring> Show() const
     {
         const HMENU menu = MakeMenu(*m_bar.Get());
-        const std::vector<std::wstring> lines = DescribeMenu(menu);
+        std::vector<std::wstring> lines = DescribeMenu(menu);
         DestroyMenu(menu);
         return lines;
     }

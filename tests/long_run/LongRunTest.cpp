@@ -322,8 +322,8 @@ protected:
     static constexpr int kWarmUps = 3;
     /// What the system may keep for itself, however often something is done.
     static constexpr long long kSlack = 4;
-    static constexpr long long kHeapSlack = 64 * 1024;
-    static constexpr long long kPrivateSlack = 4 * 1024;
+    static constexpr long long kHeapSlack = 64LL * 1024;
+    static constexpr long long kPrivateSlack = 4LL * 1024;
     /// A loading costs 528 bytes: the run-time's record of the thread, which it has in a list for the next
     /// thread.
     static constexpr long long kHeapPerLoad = 1024;

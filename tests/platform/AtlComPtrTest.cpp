@@ -72,7 +72,8 @@ TEST(AtlComPtr, CountsItsReferences)
         first.Release();
         first.Release();
         EXPECT_EQ(object.references, 2u);
-        second = second;
+        const CComPtr<IDispatch>& same = second;
+        second = same;
         EXPECT_EQ(object.references, 2u);
         second = static_cast<CComPtr<IDispatch>&&>(moved);
         EXPECT_EQ(object.references, 1u);

@@ -30,7 +30,7 @@ std::wstring Markup()
 
 std::string Utf8AndFree(BSTR text)
 {
-    const std::string utf8 = text != nullptr ? Utf8(std::wstring_view(text, SysStringLen(text))) : "";
+    std::string utf8 = text != nullptr ? Utf8(std::wstring_view(text, SysStringLen(text))) : "";
     SysFreeString(text);
     return utf8;
 }
@@ -181,8 +181,8 @@ TEST(BackstageMarkupTest, HasEveryElementWithItsAttributesAndNoOther)
         R"(7 hyperlink id="hyperlink3" label="__IDS_LINK3_TITLE__" target="__IDS_LINK3_HREF__")",
         R"(5 group helperText="__IDS_VERSION_DESCRIPTION__" id="grpVersion" label="__IDS_VERSION_TITLE__")",
         R"(6 primaryItem)",
-        R"(7 button getImage="GetImageIcon" id="btnCheckUpdate" isDefinitive="false" label="__IDS_UPDBUTTON_LABEL__")"
-        R"( onAction="ButtonClicked" screentip="__IDS_UPDBUTTON_TIP__")",
+        std::string(R"(7 button getImage="GetImageIcon" id="btnCheckUpdate" isDefinitive="false")") +
+            R"( label="__IDS_UPDBUTTON_LABEL__" onAction="ButtonClicked" screentip="__IDS_UPDBUTTON_TIP__")",
         R"(6 bottomItems)",
         R"(7 ! make some vertical space )",
         R"(7 labelControl id="lblVersion0")",

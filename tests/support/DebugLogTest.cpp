@@ -263,7 +263,9 @@ TEST_F(DebugLog, ALineIsTheLocalTimeInBracketsTheTextAndALineEnd)
     for (std::time_t time = before; time <= after; ++time)
     {
         char text[20] = {};
-        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", std::localtime(&time));
+        std::tm local = {};
+        ASSERT_EQ(localtime_s(&local, &time), 0);
+        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local);
         found = found || log.substr(1, 19) == text;
     }
     EXPECT_TRUE(found) << log;

@@ -1,7 +1,8 @@
 // What the HTTP client sends: request line, headers, body, agent, and over which kind of connection.
-#include "support/HttpFixture.h"
-
+// Before everything that includes <windows.h>.
 #include <winsock2.h>
+
+#include "support/HttpFixture.h"
 
 #include <afxwin.h>
 
@@ -40,7 +41,7 @@ public:
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         int length = sizeof(address);
-        bind(m_listener, reinterpret_cast<sockaddr*>(&address), length);
+        EXPECT_EQ(bind(m_listener, reinterpret_cast<sockaddr*>(&address), length), 0);
         listen(m_listener, 1);
         getsockname(m_listener, reinterpret_cast<sockaddr*>(&address), &length);
         m_port = ntohs(address.sin_port);

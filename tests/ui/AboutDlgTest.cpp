@@ -284,7 +284,8 @@ protected:
 
 TEST_P(AboutDlgLinkTest, OpensItsExactAddressAndLeavesTheDialogOpen)
 {
-    const auto [link, address] = GetParam();
+    const int link = GetParam().first;
+    const char* const address = GetParam().second;
     const std::wstring file = m_folder.File(L"address");
     OnAbout([&](HWND dialog) {
         SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, link)), TRUE);

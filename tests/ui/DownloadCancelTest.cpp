@@ -233,7 +233,7 @@ protected:
     void Measure(Action action, const char* what, char first, const char* limit, bool limited)
     {
         const int rounds = Repetitions(3, 25);
-        SetTestDeadline(static_cast<DWORD>(60'000 + rounds * 5'000));
+        SetTestDeadline(60'000 + static_cast<DWORD>(rounds) * 5'000);
         const CInterruptibleWinInet interruptible;
         CWorkerWatch watch;
         CLoopbackServer server;

@@ -19,7 +19,6 @@
 #include <array>
 #include <atomic>
 #include <cstdio>
-#include <cstdlib>
 #include <random>
 #include <string>
 #include <thread>
@@ -34,7 +33,7 @@ namespace
 // own.
 constexpr int kDialogsAtATime = 24;
 // A multiple of what the worker reads at a time: the end of the data is a read of its own.
-constexpr size_t kBodySize = 6 * 1024;
+constexpr size_t kBodySize = size_t{6} * 1024;
 // A download that takes longer hangs: the servers answer at once, the dialog adds one second.
 constexpr ULONGLONG kRunDeadline = 25'000;
 // How long a worker is held up at most so that an event comes first.
@@ -398,10 +397,11 @@ std::string Fault(const Plan& plan, const RaceOutcome& outcome, const std::strin
     return outcome.events.empty() && outcome.file ? "a failed download left a file" : "";
 }
 
-int Setting(const char* name, int otherwise)
+int Setting(const wchar_t* name, int otherwise)
 {
-    const char* const value = std::getenv(name);
-    return value != nullptr ? std::atoi(value) : otherwise;
+    wchar_t value[16] = L"";
+    const DWORD length = GetEnvironmentVariableW(name, value, ARRAYSIZE(value));
+    return length != 0 && length < ARRAYSIZE(value) ? std::stoi(value) : otherwise;
 }
 
 /// Makes the runs, many at a time.
@@ -411,6 +411,7 @@ void RunAll(int runs, unsigned seed, CLoopbackServer& server, CRaceRecord& recor
     const std::string whole(kBodySize, 'x');
     std::atomic<int> next{0};
     std::vector<std::thread> threads;
+    threads.reserve(kDialogsAtATime);
     for (int number = 0; number < kDialogsAtATime; ++number)
     {
         threads.emplace_back([&] {
@@ -437,11 +438,11 @@ void RunAll(int runs, unsigned seed, CLoopbackServer& server, CRaceRecord& recor
 // ORVA_RACE_RUNS and ORVA_RACE_SEED set the number of downloads and the seed.
 TEST(DownloadRaceTest, NoOrderOfCancelCloseDestructionDataAndFailureHangsOrCrashes)
 {
-    const int runs = Setting("ORVA_RACE_RUNS", Repetitions(kFewRuns, kManyRuns));
+    const int runs = Setting(L"ORVA_RACE_RUNS", Repetitions(kFewRuns, kManyRuns));
     const auto seed =
-        static_cast<unsigned>(Setting("ORVA_RACE_SEED", static_cast<int>(std::random_device{}() >> 1)));
+        static_cast<unsigned>(Setting(L"ORVA_RACE_SEED", static_cast<int>(std::random_device{}() >> 1)));
     std::printf("ORVA_RACE_SEED=%u\n", seed);
-    SetTestDeadline(static_cast<DWORD>(60'000 + runs * 1'000));
+    SetTestDeadline(60'000 + static_cast<DWORD>(runs) * 1'000);
     const COfficeLanguage language(1033);
     const CNoProxy noProxy;
     CLoopbackServer server;

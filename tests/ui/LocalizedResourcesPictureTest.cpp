@@ -166,7 +166,11 @@ struct Pixels
     WORD depth = 0;
     std::vector<DWORD> values;
 
-    DWORD At(LONG x, LONG y) const { return values.at(static_cast<std::size_t>(y * width + x)); }
+    DWORD At(LONG x, LONG y) const
+    {
+        return values.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                         static_cast<std::size_t>(x));
+    }
 };
 
 HBITMAP HandleOf(IPictureDisp* picture)
@@ -187,7 +191,7 @@ Pixels PixelsOf(IPictureDisp* picture)
     BITMAP attributes = {};
     EXPECT_EQ(GetObjectW(bitmap, sizeof(attributes), &attributes), static_cast<int>(sizeof(attributes)));
     Pixels pixels = {attributes.bmWidth, attributes.bmHeight, attributes.bmBitsPixel, {}};
-    pixels.values.resize(static_cast<std::size_t>(pixels.width * pixels.height));
+    pixels.values.resize(static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height));
     BITMAPINFO info = {};
     info.bmiHeader.biSize = sizeof(info.bmiHeader);
     info.bmiHeader.biWidth = pixels.width;

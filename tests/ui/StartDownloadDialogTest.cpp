@@ -247,7 +247,7 @@ TEST_F(StartDownloadDialogTest, ShowsPercentageNameServerAndLabels)
 
 TEST_F(StartDownloadDialogTest, RateAndTimeAreDrawnOnceASecondHasPassed)
 {
-    const std::string body(20 * 1024, 'x');
+    const std::string body(size_t{20} * 1024, 'x');
     const std::string bytes = CHttpReply(200, body).Bytes();
     m_server.On(kInstallerPath, CServerScript().SendSlowly(bytes, 1024, 150));
     OnDownloadDialog([&](HWND dialog) {

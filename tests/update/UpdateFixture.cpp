@@ -6,12 +6,11 @@ namespace orva::test
 
 std::string UpdateInfo(const std::string& version, const std::string& more)
 {
-    std::string numbers = version;
-    const size_t first = numbers.find('.');
-    const size_t second = numbers.find('.', first + 1);
-    return "{\"x64\": {\"majorVersion\": " + numbers.substr(0, first) +
-           ", \"minorVersion\": " + numbers.substr(first + 1, second - first - 1) +
-           ", \"buildNumber\": " + numbers.substr(second + 1) + more + "}}";
+    const size_t first = version.find('.');
+    const size_t second = version.find('.', first + 1);
+    return "{\"x64\": {\"majorVersion\": " + version.substr(0, first) +
+           ", \"minorVersion\": " + version.substr(first + 1, second - first - 1) +
+           ", \"buildNumber\": " + version.substr(second + 1) + more + "}}";
 }
 
 std::string OfferOf(const std::string& link)
