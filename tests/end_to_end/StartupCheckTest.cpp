@@ -163,6 +163,8 @@ TEST_F(StartupCheckTest, CancelDuringTheDownloadLeavesNothingAndSaysHowToTryAgai
     OfferAndInstall(kInstallerUrl);
     m_user.OnDialogWith(kProgressBar, [&](HWND dialog) {
         EXPECT_TRUE(gate.WaitUntilReached());
+        // What the server has sent is not yet read: a download cancelled before that keeps its empty file.
+        EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download started"), L"Download started");
         EXPECT_TRUE(ClickButton(dialog, IDCANCEL));
         EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download canceled"), L"Download canceled");
         EXPECT_FALSE(IsWindowEnabled(ChildById(dialog, IDCANCEL)));

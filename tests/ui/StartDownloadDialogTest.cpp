@@ -232,7 +232,9 @@ TEST_F(StartDownloadDialogTest, ShowsPercentageNameServerAndLabels)
     OnDownloadDialog([&](HWND dialog) {
         EXPECT_TRUE(WaitUntil([&] { return WindowText(dialog) == L"Download: 30% of setup.orvatest"; }))
             << "caption is not the percentage";
-        EXPECT_EQ(SendMessageW(ChildById(dialog, kProgressBar), PBM_GETPOS, 0, 0), 30);
+        // The bar follows the caption.
+        EXPECT_TRUE(
+            WaitUntil([&] { return SendMessageW(ChildById(dialog, kProgressBar), PBM_GETPOS, 0, 0) == 30; }));
         EXPECT_EQ(ChildText(dialog, kSourceText), L"setup.orvatest of 127.0.0.1");
         EXPECT_EQ(ChildText(dialog, kTimeLabel), L"Time remaining:");
         EXPECT_EQ(ChildText(dialog, kRateLabel), L"Transfer rate:");
