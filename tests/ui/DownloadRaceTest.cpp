@@ -35,7 +35,7 @@ constexpr int kDialogsAtATime = 24;
 // A multiple of what the worker reads at a time: the end of the data is a read of its own.
 constexpr size_t kBodySize = size_t{6} * 1024;
 // A download that takes longer hangs: the servers answer at once, the dialog adds one second.
-constexpr ULONGLONG kRunDeadline = 60'000;
+constexpr ULONGLONG kRunDeadline = 25'000;
 // How long a worker is held up at most so that an event comes first.
 constexpr DWORD kHoldUp = 5'000;
 
