@@ -225,7 +225,8 @@ std::string DescribeWindows(DWORD process)
     for (const HWND window : FindWindows({.process = process ? process : GetCurrentProcessId()}))
     {
         text += "  \"" + Utf8(WindowText(window)) + "\" (" + Utf8(WindowClassName(window)) +
-                (IsWindowEnabled(window) ? ")\n" : ", disabled)\n");
+                (IsWindowEnabled(window) ? "" : ", disabled") +
+                (Ask(window, WM_NULL, 0, 0) ? ")\n" : ", does not answer)\n");
         for (const HWND child : ChildWindows(window))
         {
             text += "    " + std::to_string(GetDlgCtrlID(child)) + " " + Utf8(WindowClassName(child)) +

@@ -61,7 +61,8 @@ bool PostKey(HWND window, WORD virtualKey);
 /// The control that has the keyboard focus in the thread of the given window, or null.
 HWND FocusOf(HWND window);
 
-/// Lists windows and their controls' texts, for failure messages. Process 0: this one.
+/// Lists windows and their controls' texts, for failure messages, and says which window is disabled or
+/// belongs to a thread that takes no messages. Process 0: this one.
 std::string DescribeWindows(DWORD process = 0);
 
 } // namespace orva::test

@@ -1,7 +1,10 @@
 // The user on a second thread, against real message boxes.
 #include "harness/UserScript.h"
+#include "harness/Watchdog.h"
 
 #include <gmock/gmock.h>
+
+#include <thread>
 
 namespace orva::test
 {
@@ -167,6 +170,22 @@ TEST(WindowDriverTest, FindsAndReadsWindows)
     EXPECT_FALSE(WaitUntilEnabled(owner.Get(), true, 20));
     ShowWindow(owner.Get(), SW_HIDE);
     EXPECT_TRUE(WaitUntilGone(owner.Get(), 0));
+}
+
+TEST(WindowDriverTest, SaysWhichWindowDoesNotAnswer)
+{
+    const UniqueHandle shown(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const UniqueHandle looked(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    std::thread busy([&] {
+        const COwner owner;
+        SetEvent(shown.get());
+        // Not looking for messages meanwhile.
+        WaitForSingleObject(looked.get(), INFINITE);
+    });
+    EXPECT_EQ(WaitForSingleObject(shown.get(), kTestDeadline), WAIT_OBJECT_0);
+    EXPECT_THAT(DescribeWindows(), HasSubstr("\"the owner\" (Static, does not answer)"));
+    SetEvent(looked.get());
+    busy.join();
 }
 
 } // namespace orva::test
