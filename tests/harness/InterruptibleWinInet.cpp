@@ -4,12 +4,7 @@
 
 #include "harness/InterruptibleWinInet.h"
 
-#include <algorithm>
-#include <atomic>
-#include <list>
-#include <map>
-#include <mutex>
-#include <vector>
+#include "harness/PendingCalls.h"
 
 namespace orva::test
 {
@@ -19,168 +14,8 @@ namespace
 // A call that is no longer waiting for its socket leaves within this time, in milliseconds.
 constexpr ULONGLONG kLeaveTime = 2000;
 
-/// A call that a thread of the module's has pending.
-struct Call
-{
-    Call(DWORD itsThread, HINTERNET itsHandle) : thread(itsThread), handle(itsHandle) {}
-
-    DWORD thread;
-    HINTERNET handle;
-    std::atomic<bool> cancelled = false;
-};
-
-/// What stands behind a handle that the module got.
-struct Behind
-{
-    HINTERNET real;
-    HINTERNET parent;
-};
-
-struct Calls
-{
-    std::mutex mutex;
-    std::list<Call> pending;
-    std::map<HINTERNET, Behind> handles;
-    ULONG_PTR last = 0x10000;
-};
-
-Calls& TheCalls()
-{
-    static Calls* const calls = new Calls;
-    return *calls;
-}
-
-std::atomic<int> g_interrupted = 0;
-
-/// The number for a handle of WinINet's. Null for null, and for one whose parent has been closed meanwhile.
-HINTERNET GiveHandle(HINTERNET real, HINTERNET parent)
-{
-    if (real == nullptr)
-    {
-        return nullptr;
-    }
-    const DWORD error = GetLastError();
-    const std::lock_guard lock(TheCalls().mutex);
-    if (parent != nullptr && !TheCalls().handles.contains(parent))
-    {
-        return nullptr;
-    }
-    TheCalls().last += 4;
-    const auto handle = reinterpret_cast<HINTERNET>(TheCalls().last);
-    TheCalls().handles[handle] = {real, parent};
-    SetLastError(error);
-    return handle;
-}
-
-/// Notes a pending call for its lifetime.
-class CPendingCall
-{
-public:
-    explicit CPendingCall(HINTERNET handle) : m_handle(handle)
-    {
-        const std::lock_guard lock(TheCalls().mutex);
-        const auto found = TheCalls().handles.find(handle);
-        m_real = found == TheCalls().handles.end() ? nullptr : found->second.real;
-        TheCalls().pending.emplace_front(GetCurrentThreadId(), handle);
-        m_call = TheCalls().pending.begin();
-    }
-    ~CPendingCall()
-    {
-        const std::lock_guard lock(TheCalls().mutex);
-        TheCalls().pending.erase(m_call);
-    }
-    CPendingCall(const CPendingCall&) = delete;
-    CPendingCall& operator=(const CPendingCall&) = delete;
-
-    /// WinINet's own handle; null if the handle has been closed or never was one.
-    HINTERNET Real() const { return m_real; }
-    /// A handle to give to the module for one that was made under this call's, as GiveHandle says.
-    HINTERNET Give(HINTERNET real) const { return GiveHandle(real, m_handle); }
-
-    /// The call's result, which is a failure if its handle was closed.
-    BOOL Result(BOOL result) const
-    {
-        const DWORD error = GetLastError();
-        if (!m_call->cancelled)
-        {
-            SetLastError(error);
-            return result;
-        }
-        ++g_interrupted;
-        SetLastError(ERROR_INTERNET_OPERATION_CANCELLED);
-        return FALSE;
-    }
-
-private:
-    HINTERNET m_handle;
-    HINTERNET m_real;
-    std::list<Call>::iterator m_call;
-};
-
-/// This thread's pending call, or null. It stays as long as the thread is in it.
-const Call* OwnCall()
-{
-    const std::lock_guard lock(TheCalls().mutex);
-    auto& pending = TheCalls().pending;
-    const auto found =
-        std::ranges::find_if(pending, [](const Call& call) { return call.thread == GetCurrentThreadId(); });
-    return found == pending.end() ? nullptr : &*found;
-}
-
 /// The socket that this thread has told not to wait; WinINet looks that way whether there is more.
 thread_local SOCKET t_notWaiting = INVALID_SOCKET;
-
-/// Handles of the module's and, in the same order, what stands behind them.
-struct Taken
-{
-    std::vector<HINTERNET> handles;
-    std::vector<HINTERNET> real;
-};
-
-/// Takes a handle and all below it from the module, the lowest first.
-Taken TakeHandles(HINTERNET handle)
-{
-    const std::lock_guard lock(TheCalls().mutex);
-    auto& handles = TheCalls().handles;
-    std::vector<HINTERNET> taken;
-    if (handles.contains(handle))
-    {
-        taken.push_back(handle);
-    }
-    for (size_t index = 0; index < taken.size(); ++index)
-    {
-        for (const auto& [child, behind] : handles)
-        {
-            if (behind.parent == taken[index])
-            {
-                taken.push_back(child);
-            }
-        }
-    }
-    Taken result{{taken.rbegin(), taken.rend()}, {}};
-    for (const HINTERNET each : result.handles)
-    {
-        result.real.push_back(handles.at(each).real);
-        handles.erase(each);
-    }
-    return result;
-}
-
-/// Tells other threads' calls under these handles that they are cancelled. Returns whether there are any.
-bool CancelCalls(const std::vector<HINTERNET>& handles)
-{
-    const std::lock_guard lock(TheCalls().mutex);
-    bool isPending = false;
-    for (Call& call : TheCalls().pending)
-    {
-        if (std::ranges::find(handles, call.handle) != handles.end() && call.thread != GetCurrentThreadId())
-        {
-            call.cancelled = true;
-            isPending = true;
-        }
-    }
-    return isPending;
-}
 
 timeval Slice()
 {
@@ -311,7 +146,7 @@ BOOL WINAPI CInterruptibleWinInet::Hooks::ReadFile(HINTERNET file, LPVOID buffer
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::CloseInternetHandle(HINTERNET handle)
 {
-    const Taken taken = TakeHandles(handle);
+    const TakenHandles taken = TakeHandles(handle);
     const ULONGLONG start = GetTickCount64();
     while (CancelCalls(taken.handles) && GetTickCount64() - start < kLeaveTime)
     {
@@ -342,7 +177,7 @@ int WINAPI CInterruptibleWinInet::Hooks::Control(SOCKET socket, long command, u_
 int WINAPI CInterruptibleWinInet::Hooks::Receive(SOCKET socket, char* buffer, int size, int flags)
 {
     const auto original = the->receive.Original<decltype(Receive)>();
-    const Call* const call = OwnCall();
+    const PendingCall* const call = OwnCall();
     if (call == nullptr || socket == t_notWaiting)
     {
         return original(socket, buffer, size, flags);
@@ -386,7 +221,7 @@ int WINAPI CInterruptibleWinInet::Hooks::Receive(SOCKET socket, char* buffer, in
 int WINAPI CInterruptibleWinInet::Hooks::Connect(SOCKET socket, const sockaddr* address, int size)
 {
     const auto original = the->connect.Original<decltype(Connect)>();
-    const Call* const call = OwnCall();
+    const PendingCall* const call = OwnCall();
     u_long notWaiting = 1;
     if (call == nullptr || ioctlsocket(socket, static_cast<long>(FIONBIO), &notWaiting) != 0)
     {
@@ -420,14 +255,14 @@ int WINAPI CInterruptibleWinInet::Hooks::Connect(SOCKET socket, const sockaddr* 
 
 CInterruptibleWinInet::CInterruptibleWinInet(HMODULE module) : m_hooks(std::make_unique<Hooks>(module))
 {
-    g_interrupted = 0;
+    ForgetInterruptedCalls();
 }
 
 CInterruptibleWinInet::~CInterruptibleWinInet() = default;
 
 int CInterruptibleWinInet::Interrupted() const
 {
-    return g_interrupted;
+    return InterruptedCalls();
 }
 
 } // namespace orva::test
