@@ -2,12 +2,13 @@
 #include "harness/Files.h"
 #include "harness/InterruptibleWinInet.h"
 #include "harness/LoopbackServer.h"
-#include "harness/ProxySetting.h"
 #include "harness/Report.h"
 #include "harness/TempFolder.h"
+#include "harness/TestProcesses.h"
 #include "harness/Watchdog.h"
 #include "harness/WindowDriver.h"
 #include "ui/DownloadFixture.h"
+#include "ui/DownloadSettings.h"
 #include "ui/ObservedDownload.h"
 #include "ui/WorkerWatch.h"
 
@@ -16,6 +17,8 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <sstream>
+#include <string_view>
 #include <thread>
 
 namespace orva::test
@@ -93,6 +96,10 @@ const Stall kStalls[] = {
     {"data in plenty", false, true, WorkerPhase::Body, kChunk * 100,
      [](const CGate& goOn) { return CServerScript().SendSlowly(Response(), 10'000, 10).WaitFor(goOn); }},
 };
+
+// What a process tells: the index of its stall follows, then two times in milliseconds, or a count.
+constexpr std::string_view kTimes = "times";
+constexpr std::string_view kInterrupted = "interrupted";
 
 struct Times
 {
@@ -228,60 +235,64 @@ void ReportTimes(const std::string& name, const Times& times, const char* limit)
 class DownloadCancelTest : public testing::Test
 {
 protected:
-    // Runs every stall at the same time, each on a UI thread of its own, and reports it. With `limited` the
-    // limits are asserted.
+    // Runs every stall at the same time, each in a process of its own as in Outlook, and reports it. With
+    // `limited` the limits are asserted.
     void Measure(Action action, const char* what, char first, const char* limit, bool limited)
     {
         const int rounds = Repetitions(3, 25);
-        SetTestDeadline(60'000 + static_cast<DWORD>(rounds) * 5'000);
-        const CInterruptibleWinInet interruptible;
-        CWorkerWatch watch;
-        CLoopbackServer server;
-        std::vector<Times> times(std::size(kStalls));
-        std::vector<std::thread> threads;
-        for (size_t index = 0; index < times.size(); ++index)
+        const DWORD time = 60'000 + static_cast<DWORD>(rounds) * 5'000;
+        SetTestDeadline(2 * time);
+        if (const auto index = ProcessNumber())
+        {
+            RunRounds(*index, action, rounds);
+            return;
+        }
+        std::vector<int> indexes;
+        for (int index = 0; index < static_cast<int>(std::size(kStalls)); ++index)
         {
             // A close interrupts nothing: these take as long as the server pleases.
-            if (action == Action::Close && !kStalls[index].readEndsSoon)
+            if (action != Action::Close || kStalls[index].readEndsSoon)
             {
+                indexes.push_back(index);
+            }
+        }
+        std::vector<Times> times(std::size(kStalls));
+        int interrupted = 0;
+        for (const std::string& line : RunInProcesses(indexes, time))
+        {
+            std::istringstream cells(line);
+            std::string kind;
+            size_t index = 0;
+            cells >> kind >> index;
+            if (kind == kInterrupted)
+            {
+                int count = 0;
+                cells >> count;
+                interrupted += count;
                 continue;
             }
-            threads.emplace_back([&, index] {
-                CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-                for (int round = 0; round < rounds; ++round)
-                {
-                    const std::string path =
-                        "/" + std::to_string(index) + "/" + std::to_string(round) + "/setup.bin";
-                    CRound(server, watch, kStalls[index], action, path).Run(times[index]);
-                }
-                CoUninitialize();
-            });
-        }
-        for (std::thread& thread : threads)
-        {
-            thread.join();
+            cells >> times.at(index).worker.emplace_back() >> times.at(index).dialog.emplace_back();
+            ASSERT_TRUE(cells) << line;
         }
         if (limited)
         {
             // All but the worker that data keeps busy, which may be between two reads.
-            EXPECT_GE(interruptible.Interrupted(), rounds * static_cast<int>(std::size(kStalls) - 1));
+            EXPECT_GE(interrupted, rounds * static_cast<int>(std::size(kStalls) - 1));
         }
-        for (size_t index = 0; index < times.size(); ++index)
+        for (const int index : indexes)
         {
-            if (times[index].worker.empty())
-            {
-                continue;
-            }
+            const Times& measured = times.at(static_cast<size_t>(index));
             const std::string name = std::string(what) + ": " + kStalls[index].name;
-            ReportTimes(first + std::to_string(index + 1) + " " + name, times[index], limit);
+            EXPECT_EQ(measured.worker.size(), static_cast<size_t>(rounds)) << name;
+            ReportTimes(first + std::to_string(index + 1) + " " + name, measured, limit);
             if (limited)
             {
-                EXPECT_LE(Slowest(times[index].worker), kWorkerLimit) << name;
-                EXPECT_LE(Slowest(times[index].dialog), kDialogLimit) << name;
+                EXPECT_LE(Slowest(measured.worker), kWorkerLimit) << name;
+                EXPECT_LE(Slowest(measured.dialog), kDialogLimit) << name;
             }
-            if (limited && Slowest(times[index].dialog) > Slowest(m_slowest.dialog))
+            if (limited && Slowest(measured.dialog) > Slowest(m_slowest.dialog))
             {
-                m_slowest = times[index];
+                m_slowest = measured;
                 m_slowestName = name;
             }
         }
@@ -289,11 +300,36 @@ protected:
 
     void ReportSlowest(char first)
     {
-        ReportTimes(std::string(1, first) + "9 the slowest: " + m_slowestName, m_slowest, "see above");
+        if (!ProcessNumber())
+        {
+            ReportTimes(std::string(1, first) + "9 the slowest: " + m_slowestName, m_slowest, "see above");
+        }
     }
 
-    const COfficeLanguage m_language{1033};
-    const CNoProxy m_noProxy;
+private:
+    /// Makes the rounds of one stall and tells their times.
+    static void RunRounds(int index, Action action, int rounds)
+    {
+        const CInterruptibleWinInet interruptible;
+        CWorkerWatch watch;
+        CLoopbackServer server;
+        Times times;
+        for (int round = 0; round < rounds; ++round)
+        {
+            CRound(server, watch, kStalls[index], action, "/" + std::to_string(round) + "/setup.bin")
+                .Run(times);
+        }
+        for (int round = 0; round < rounds; ++round)
+        {
+            const auto at = static_cast<size_t>(round);
+            TellStarter(std::string(kTimes) + " " + std::to_string(index) + " " +
+                        std::to_string(times.worker.at(at)) + " " + std::to_string(times.dialog.at(at)));
+        }
+        TellStarter(std::string(kInterrupted) + " " + std::to_string(index) + " " +
+                    std::to_string(interruptible.Interrupted()));
+    }
+
+    const CDownloadSettings m_settings;
     Times m_slowest;
     std::string m_slowestName;
 };

@@ -3,6 +3,9 @@
 
 #include "harness/Report.h"
 
+#include <sstream>
+#include <stdexcept>
+
 namespace orva::test
 {
 namespace
@@ -12,6 +15,9 @@ constexpr UserEvent kEvents[] = {UserEvent::Cancel, UserEvent::Close, UserEvent:
 constexpr Moment kMoments[] = {Moment::BeforeRequest, Moment::Connecting, Moment::WaitingForHeaders,
                                Moment::Body,          Moment::DataEnded,  Moment::Failed,
                                Moment::Told};
+
+/// Between the cells of a line.
+constexpr char kSeparator = '|';
 
 constexpr char kNothing[] = "90 nothing done";
 constexpr char kCloseAfterCancel[] = "70 cancel, then close";
@@ -113,7 +119,6 @@ CRaceRecord::CRaceRecord()
 
 void CRaceRecord::Add(const RaceOutcome& outcome, const std::string& whole)
 {
-    const std::lock_guard lock(m_mutex);
     const std::string end = End(outcome, whole);
     if (outcome.events.empty())
     {
@@ -132,9 +137,34 @@ void CRaceRecord::Add(const RaceOutcome& outcome, const std::string& whole)
     }
 }
 
+std::vector<std::string> CRaceRecord::Lines() const
+{
+    std::vector<std::string> lines;
+    for (const auto& [order, ends] : m_counts)
+    {
+        for (const auto& [end, times] : ends)
+        {
+            lines.push_back(order + kSeparator + end + kSeparator + std::to_string(times));
+        }
+    }
+    return lines;
+}
+
+void CRaceRecord::Add(const std::string& line)
+{
+    std::istringstream cells(line);
+    std::string order;
+    std::string end;
+    int times = 0;
+    if (!std::getline(cells, order, kSeparator) || !std::getline(cells, end, kSeparator) || !(cells >> times))
+    {
+        throw std::runtime_error("not a count of races: " + line);
+    }
+    m_counts[order][end] += times;
+}
+
 void CRaceRecord::Report() const
 {
-    const std::lock_guard lock(m_mutex);
     for (const auto& [order, ends] : m_counts)
     {
         int count = 0;
@@ -150,7 +180,6 @@ void CRaceRecord::Report() const
 
 std::vector<std::string> CRaceRecord::Unmet() const
 {
-    const std::lock_guard lock(m_mutex);
     std::vector<std::string> unmet;
     for (const auto& [order, ends] : m_counts)
     {

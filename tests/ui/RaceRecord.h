@@ -6,7 +6,6 @@
 #include <windows.h>
 
 #include <map>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -48,7 +47,7 @@ struct RaceOutcome
     std::optional<std::string> file;
 };
 
-/// Counts outcomes by order. Callable from any thread.
+/// Counts outcomes by order.
 class CRaceRecord
 {
 public:
@@ -56,6 +55,10 @@ public:
     CRaceRecord();
     /// `whole`: the bytes of the complete file.
     void Add(const RaceOutcome& outcome, const std::string& whole);
+    /// The counts, a line each, for Add in another process.
+    std::vector<std::string> Lines() const;
+    /// Adds what another process counted. Throws std::runtime_error if the line is not one of Lines.
+    void Add(const std::string& line);
     /// Writes the table "races".
     void Report() const;
     /// The orders that never came.
@@ -64,7 +67,6 @@ public:
 private:
     void Count(const std::string& order, const std::string& end);
 
-    mutable std::mutex m_mutex;
     std::map<std::string, std::map<std::string, int>> m_counts;
 };
 
