@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -74,11 +75,8 @@ void RunPart(int process, int runs, unsigned seed)
 /// Makes the runs, many at a time.
 void RunAll(int runs, unsigned seed, CRaceRecord& record)
 {
-    std::vector<int> processes;
-    for (int number = 0; number < kProcesses; ++number)
-    {
-        processes.push_back(number);
-    }
+    std::vector<int> processes(kProcesses);
+    std::iota(processes.begin(), processes.end(), 0);
     const DWORD time = TimeFor(runs / kProcesses);
     SetTestDeadline(2 * time);
     for (const std::string& line :
