@@ -4,8 +4,30 @@
 #include <gmock/gmock.h>
 #include <objbase.h>
 
+namespace
+{
+
+/// Makes the file by which tools/run-test knows that the program has come as far as here.
+void NoteStart()
+{
+    wchar_t path[MAX_PATH];
+    const DWORD length = GetEnvironmentVariableW(L"ORVA_STARTED_FILE", path, MAX_PATH);
+    if (length != 0 && length < MAX_PATH)
+    {
+        const HANDLE file = CreateFileW(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                        OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file != INVALID_HANDLE_VALUE)
+        {
+            CloseHandle(file);
+        }
+    }
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
+    NoteStart();
     orva::test::InstallCrashReport();
     testing::InitGoogleMock(&argc, argv);
     testing::UnitTest::GetInstance()->listeners().Append(orva::test::StartWatchdog());
