@@ -18,9 +18,9 @@ std::optional<int> ProcessNumber();
 void TellStarter(const std::string& line);
 
 /// Runs the current test once more in a process of its own for each of these numbers, all at the same time,
-/// and waits until they have ended. A process that fails, or does not end within `timeout` milliseconds of
-/// the call, fails the current test with what it has written. `environment` is set on top of this process's.
-/// Returns the lines that the processes told.
+/// and waits until they have ended. A process that fails, ends before its test has, or does not end within
+/// `timeout` milliseconds of the call, fails the current test with what it has written. `environment` is set
+/// on top of this process's. Returns the lines that the processes told.
 std::vector<std::string> RunInProcesses(const std::vector<int>& numbers, DWORD timeout,
                                         const std::map<std::wstring, std::wstring>& environment = {});
 

@@ -59,6 +59,15 @@ TEST(TestProcessesTest, AFailureInAProcessIsTheTests)
     EXPECT_THAT(told, ElementsAre("told all the same", "told all the same"));
 }
 
+TEST(TestProcessesTest, AProcessThatEndsBeforeItsTestIsAFailureWhateverItsCode)
+{
+    if (ProcessNumber())
+    {
+        TerminateProcess(GetCurrentProcess(), 0);
+    }
+    EXPECT_NONFATAL_FAILURE(RunInProcesses({4}, kTimeout), "process 4 ended with 0");
+}
+
 TEST(TestProcessesTest, AProcessThatDoesNotEndIsAFailure)
 {
     if (ProcessNumber())
