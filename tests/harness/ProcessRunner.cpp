@@ -1,11 +1,12 @@
 // Starts Windows programs with captured output, a deadline and, if asked for, their debugger output.
 #include "harness/ProcessRunner.h"
 
+#include "harness/CommandLine.h"
+#include "harness/InheritedHandles.h"
 #include "harness/Text.h"
 
 #include <process.h>
 
-#include <cwctype>
 #include <mutex>
 #include <stdexcept>
 
@@ -22,68 +23,6 @@ constexpr DWORD kDebugInterval = 50;
 
 constexpr int kStartAttempts = 3;
 
-struct CompareNames
-{
-    bool operator()(const std::wstring& left, const std::wstring& right) const
-    {
-        return _wcsicmp(left.c_str(), right.c_str()) < 0;
-    }
-};
-
-/// This process's environment with changes, as CreateProcess takes it.
-std::wstring EnvironmentBlock(const std::map<std::wstring, std::wstring>& changes)
-{
-    std::map<std::wstring, std::wstring, CompareNames> variables;
-    wchar_t* const strings = GetEnvironmentStringsW();
-    for (const wchar_t* entry = strings; *entry; entry += wcslen(entry) + 1)
-    {
-        const std::wstring text = entry;
-        // From 1: the hidden ones of the form "=C:=..." keep their first character.
-        const size_t equals = text.find(L'=', 1);
-        variables[text.substr(0, equals)] = text.substr(equals + 1);
-    }
-    FreeEnvironmentStringsW(strings);
-    for (const auto& [name, value] : changes)
-    {
-        if (value.empty())
-        {
-            variables.erase(name);
-        }
-        else
-        {
-            variables[name] = value;
-        }
-    }
-    std::wstring block;
-    for (const auto& [name, value] : variables)
-    {
-        block += name + L"=" + value + L'\0';
-    }
-    return block + L'\0';
-}
-
-std::wstring Quoted(const std::wstring& argument)
-{
-    if (!argument.empty() && argument.find_first_of(L" \t\n\v\"") == std::wstring::npos)
-    {
-        return argument;
-    }
-    std::wstring quoted = L"\"";
-    size_t backslashes = 0;
-    for (const wchar_t character : argument)
-    {
-        if (character == L'"')
-        {
-            // Backslashes before a quote count double, and the quote takes one.
-            quoted.append(backslashes + 1, L'\\');
-        }
-        backslashes = character == L'\\' ? backslashes + 1 : 0;
-        quoted += character;
-    }
-    quoted.append(backslashes, L'\\');
-    return quoted + L"\"";
-}
-
 /// A job that every program started here belongs to, and every program that these start. The system ends them
 /// all when this process is gone, however it ended: nothing may wait for a person then.
 HANDLE TheJob()
@@ -97,37 +36,6 @@ HANDLE TheJob()
     }();
     return job;
 }
-
-/// Names the only handles that a new program inherits. This process's own output would be one of the others,
-/// and whoever reads that would wait for the last program that holds it.
-class CInheritedHandles
-{
-public:
-    explicit CInheritedHandles(std::vector<HANDLE> handles) : m_handles(std::move(handles))
-    {
-        SIZE_T size = 0;
-        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
-        m_bytes.resize(size);
-        if (!InitializeProcThreadAttributeList(Get(), 1, 0, &size) ||
-            !UpdateProcThreadAttribute(Get(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, m_handles.data(),
-                                       m_handles.size() * sizeof(HANDLE), nullptr, nullptr))
-        {
-            throw std::runtime_error("cannot choose the handles to be inherited");
-        }
-    }
-    ~CInheritedHandles() { DeleteProcThreadAttributeList(Get()); }
-    CInheritedHandles(const CInheritedHandles&) = delete;
-    CInheritedHandles& operator=(const CInheritedHandles&) = delete;
-
-    LPPROC_THREAD_ATTRIBUTE_LIST Get()
-    {
-        return reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_bytes.data());
-    }
-
-private:
-    std::vector<HANDLE> m_handles;
-    std::vector<BYTE> m_bytes;
-};
 
 } // namespace
 
@@ -412,16 +320,6 @@ CProcessResult RunProcess(const std::wstring& program, const std::vector<std::ws
         throw std::runtime_error(Utf8(program) + " did not end in time; its output: " + process.Output());
     }
     return {*code, process.Output()};
-}
-
-std::wstring JoinCommandLine(const std::wstring& program, const std::vector<std::wstring>& arguments)
-{
-    std::wstring line = Quoted(program);
-    for (const std::wstring& argument : arguments)
-    {
-        line += L" " + Quoted(argument);
-    }
-    return line;
 }
 
 } // namespace orva::test

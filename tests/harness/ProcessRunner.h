@@ -63,7 +63,4 @@ struct CProcessResult
 CProcessResult RunProcess(const std::wstring& program, const std::vector<std::wstring>& arguments,
                           DWORD timeout = kPatience);
 
-/// Arguments joined into a command line as the C runtime and CommandLineToArgvW take it apart again.
-std::wstring JoinCommandLine(const std::wstring& program, const std::vector<std::wstring>& arguments);
-
 } // namespace orva::test

@@ -20,8 +20,6 @@ namespace
 
 /// Milliseconds between two looks at the screen.
 constexpr DWORD kLookInterval = 5;
-/// Id of a message box's text.
-constexpr int kBoxTextId = 0xFFFF;
 
 /// Presses a button of a message box. The only one of a box may have another id than it reports: Windows
 /// gives the "OK" of a box without "Cancel" the id of that.
@@ -34,75 +32,7 @@ bool PressButton(HWND window, int id)
     return id == IDOK && ClickButton(window, IDCANCEL);
 }
 
-CSeenWindow Look(HWND window)
-{
-    CSeenWindow seen;
-    seen.window = window;
-    seen.owner = GetWindow(window, GW_OWNER);
-    // What can be known without asking the window comes first: one whose thread is busy answers late, perhaps
-    // only when it has been destroyed.
-    const std::vector<HWND> children = ChildWindows(window);
-    std::vector<std::wstring> classes;
-    for (const HWND control : children)
-    {
-        // Control ids are 16 bits wide in dialogs; a message box's text is -1 there.
-        seen.controls.emplace_back(GetDlgCtrlID(control) & 0xFFFF, L"");
-        classes.push_back(IsWindowVisible(control) ? WindowClassName(control) : L"");
-    }
-    if (seen.owner)
-    {
-        seen.ownerEnabled = IsWindowEnabled(seen.owner) != FALSE;
-        seen.ownerCaption = WindowText(seen.owner);
-    }
-    seen.caption = WindowText(window);
-    std::wstring statics;
-    for (size_t i = 0; i < children.size(); ++i)
-    {
-        auto& [id, text] = seen.controls[i];
-        text = WindowText(children[i]);
-        if (id == kBoxTextId)
-        {
-            seen.text = text;
-        }
-        else if (classes[i] == L"Button")
-        {
-            seen.buttons.push_back(text);
-        }
-        else if (classes[i] == L"Static" && !text.empty())
-        {
-            statics += (statics.empty() ? L"" : L"\n") + text;
-        }
-    }
-    if (seen.text.empty())
-    {
-        seen.text = statics;
-    }
-    return seen;
-}
-
-std::string Describe(const CSeenWindow& seen)
-{
-    std::string text = "\"" + Utf8(seen.caption) + "\": \"" + Utf8(seen.text) + "\" [";
-    for (const std::wstring& button : seen.buttons)
-    {
-        text += (text.ends_with('[') ? "" : ", ") + Utf8(button);
-    }
-    return text + "]";
-}
-
 } // namespace
-
-std::wstring CSeenWindow::Control(int id) const
-{
-    for (const auto& [control, controlText] : controls)
-    {
-        if (control == id)
-        {
-            return controlText;
-        }
-    }
-    return {};
-}
 
 /// The steps, the thread that walks them, and what it has seen.
 class CUserScript::Impl
@@ -171,7 +101,7 @@ private:
             if (std::find(m_known.begin(), m_known.end(), *window) == m_known.end())
             {
                 m_known.push_back(*window);
-                CSeenWindow dialog = Look(*window);
+                CSeenWindow dialog = LookAt(*window);
                 const std::lock_guard lock(mutex);
                 seen.push_back(dialog);
                 return dialog;

@@ -2,6 +2,7 @@
 // test runs modally.
 #pragma once
 
+#include "harness/SeenWindow.h"
 #include "harness/WindowDriver.h"
 
 #include <functional>
@@ -11,26 +12,6 @@
 
 namespace orva::test
 {
-
-/// A dialog or message box as the user saw it when it had come up.
-struct CSeenWindow
-{
-    HWND window = nullptr;
-    std::wstring caption;
-    /// A message box's text; for another dialog the texts of its statics, one a line.
-    std::wstring text;
-    /// The captions of the visible buttons, in tab order.
-    std::vector<std::wstring> buttons;
-    /// Every control's id and text.
-    std::vector<std::pair<int, std::wstring>> controls;
-    HWND owner = nullptr;
-    std::wstring ownerCaption;
-    /// Whether the owner could be used meanwhile; true without an owner.
-    bool ownerEnabled = true;
-
-    /// The text of the control with this id; empty if there is none.
-    std::wstring Control(int id) const;
-};
 
 /// Steps are added, then Start is called, then the code under test runs on the test's thread, then Finish;
 /// after that, the same again with new steps if need be.

@@ -1,4 +1,5 @@
 // The fixtures for registry, folders, processes, debugger output and log leave no trace and tell the truth.
+#include "harness/CommandLine.h"
 #include "harness/DebugOutput.h"
 #include "harness/Files.h"
 #include "harness/LogFile.h"
