@@ -26,7 +26,7 @@ class ButtonClickedTest : public CAddInTest
 protected:
     ButtonClickedTest()
     {
-        EXPECT_EQ(Connect(L"14.0.4760.1000"), S_OK);
+        EXPECT_EQ(Connect(kOutlook2010), S_OK);
         NewLogLines();
     }
 

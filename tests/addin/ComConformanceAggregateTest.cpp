@@ -69,7 +69,7 @@ TEST_F(ComConformanceAggregateTest, EveryInterfaceButItsIdentityCountsAndLeadsTo
 
 TEST_F(ComConformanceAggregateTest, ItConnectsAndIsClicked)
 {
-    CFakeOutlook outlook(L"12.0.6423.1000");
+    CFakeOutlook outlook(kOutlook2007);
     COuter outer;
     CreateInside(outer);
     ComPtr<_IDTExtensibility2> addIn;

@@ -59,7 +59,7 @@ TEST_F(ComConformanceModuleTest, TheModuleIsLoadedUsedAndUnloadedAHundredTimes)
     int rounds = 0;
     for (; rounds < kRounds && !HasFailure(); ++rounds)
     {
-        CFakeOutlook outlook(rounds % 2 == 0 ? L"12.0.6423.1000" : L"14.0.4760.1000");
+        CFakeOutlook outlook(rounds % 2 == 0 ? kOutlook2007 : kOutlook2010);
         Create();
         EXPECT_EQ(ConnectTo(outlook.application.Get(), ext_cm_AfterStartup), S_OK);
         _bstr_t markup;

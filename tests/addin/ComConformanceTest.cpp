@@ -24,7 +24,7 @@ TEST_F(ComConformanceTest, TheAddInsObjectKeepsEveryRuleOfQueryInterface)
 
 TEST_F(ComConformanceTest, TheConnectedObjectKeepsEveryRuleOfQueryInterface)
 {
-    EXPECT_EQ(Connect(L"12.0.6423.1000"), S_OK);
+    EXPECT_EQ(Connect(kOutlook2007), S_OK);
     ReportConformance("02 the add-in's object, connected to Outlook",
                       CheckQueryInterface(m_object.Get(), AddInInterfaces(), ForeignInterfaces()));
 }
@@ -42,7 +42,7 @@ TEST_F(ComConformanceTest, TheClassObjectKeepsEveryRuleOfQueryInterface)
 
 TEST_F(ComConformanceTest, TheClicksSinkKeepsEveryRuleOfQueryInterface)
 {
-    EXPECT_EQ(Connect(L"12.0.6423.1000"), S_OK);
+    EXPECT_EQ(Connect(kOutlook2007), S_OK);
     ASSERT_EQ(m_outlook->button->Sinks().size(), 1u);
     const ComPtr<IDispatch> sink = m_outlook->button->Sinks().begin()->second;
     const CInterface offered[] = {{"IUnknown", IID_IUnknown},
@@ -58,7 +58,7 @@ TEST_F(ComConformanceTest, TheClicksSinkKeepsEveryRuleOfQueryInterface)
 
 TEST_F(ComConformanceTest, TheClicksSinkIsAnObjectOfItsOwnThatCountsTheAddIn)
 {
-    EXPECT_EQ(Connect(L"12.0.6423.1000"), S_OK);
+    EXPECT_EQ(Connect(kOutlook2007), S_OK);
     ASSERT_EQ(m_outlook->button->Sinks().size(), 1u);
     const ComPtr<IDispatch> sink = m_outlook->button->Sinks().begin()->second;
     EXPECT_EQ(CountOf(sink.Get()), CountOf(m_object.Get()));

@@ -1,57 +1,18 @@
-// Connecting and disconnecting: what the add-in asks of the host, writes to the log and does to the host's
-// window, whatever goes wrong.
-#include "addin/AddInFixture.h"
+// Connecting and disconnecting: what the add-in writes to the log and does to the host's window, whatever
+// goes wrong.
+#include "addin/ConnectFixture.h"
 
 namespace orva::test
 {
 namespace
 {
 
-using testing::AllOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 
-constexpr wchar_t kOutlook2007[] = L"12.0.6423.1000";
-constexpr wchar_t kOutlook2010[] = L"14.0.4760.1000";
-constexpr wchar_t kOutlook2013[] = L"15.0.4420.1017";
-
-constexpr char kEntry[] = "CConnect::OnConnection";
-constexpr char kExplorer[] = "CConnect::OnConnection() m_spExplorer is not NULL ";
-constexpr char kNoExplorer[] = "CConnect::OnConnection() m_spExplorer is NULL ";
-constexpr char kCheck[] = "CConnect::OnConnection() check for updates ";
-constexpr char kCaughtNoPointer[] = "CConnect::OnConnection() Caught exception HRESULT 0x80004003";
-
-class ConnectLifecycleTest : public CAddInTest
-{
-protected:
-    /// The lines of OnConnection in this mode.
-    std::vector<std::string> LinesOfConnecting(const wchar_t* version, int mode)
-    {
-        m_outlook = std::make_unique<CFakeOutlook>(version);
-        Create();
-        NewLogLines();
-        EXPECT_EQ(ConnectTo(m_outlook->application.Get(), mode), S_OK);
-        return NewLogLines();
-    }
-
-    /// The lines of a start-up connection to Outlook 2010 from the check on.
-    std::vector<std::string> LinesOfCheck()
-    {
-        std::vector<std::string> lines = LinesOfConnecting(kOutlook2010, ext_cm_Startup);
-        const auto check = std::find(lines.begin(), lines.end(), kCheck);
-        EXPECT_NE(check, lines.end());
-        return std::vector<std::string>(check, lines.end());
-    }
-
-    /// The window was disabled once and then enabled once.
-    void ExpectHostEnabledAgain()
-    {
-        EXPECT_THAT(m_host.EnableHistory(), ElementsAre(false, true));
-        EXPECT_TRUE(IsWindowEnabled(m_host.Handle()));
-    }
-};
+using ConnectLifecycleTest = CConnectTest;
 
 struct ModeCase
 {
@@ -218,13 +179,6 @@ TEST_F(ConnectLifecycleTest, WithoutAVisibleHostWindowTheCheckRunsAllTheSame)
     EXPECT_THAT(m_host.EnableHistory(), IsEmpty());
 }
 
-TEST_F(ConnectLifecycleTest, AsksTheApplicationForExplorerAndVersionOnceInThisOrder)
-{
-    EXPECT_EQ(Connect(kOutlook2010), S_OK);
-    EXPECT_THAT(MemberNames(m_outlook->record),
-                ElementsAre("application.ActiveExplorer", "application.Version"));
-}
-
 TEST_F(ConnectLifecycleTest, KeepsApplicationAndExplorerUntilTheObjectGoes)
 {
     m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
@@ -241,142 +195,6 @@ TEST_F(ConnectLifecycleTest, KeepsApplicationAndExplorerUntilTheObjectGoes)
     EXPECT_EQ(m_outlook->application->References(), application);
     EXPECT_EQ(m_outlook->explorer->References(), explorer);
     EXPECT_EQ(m_outlook->button->References(), button);
-}
-
-struct VersionCase
-{
-    const wchar_t* version;
-    bool hasMenuCommand;
-    bool hasBackstage;
-};
-
-void PrintTo(const VersionCase& version, std::ostream* out)
-{
-    *out << testing::PrintToString(version.version);
-}
-
-class ConnectVersionTest : public ConnectLifecycleTest, public testing::WithParamInterface<VersionCase>
-{
-};
-
-TEST_P(ConnectVersionTest, DecidesBetweenMenuCommandBackstageAndNeither)
-{
-    const std::vector<std::string> lines = LinesOfConnecting(GetParam().version, ext_cm_AfterStartup);
-    if (GetParam().hasMenuCommand)
-    {
-        EXPECT_THAT(lines, ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup ", kExplorer,
-                                       "CConnect::InsertMenuCommands"));
-    }
-    else
-    {
-        EXPECT_THAT(lines, ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup "));
-    }
-    EXPECT_EQ(m_outlook->button->Sinks().size(), GetParam().hasMenuCommand ? 1u : 0u);
-    EXPECT_EQ(std::count(lines.begin(), lines.end(), "CConnect::InsertMenuCommands"),
-              GetParam().hasMenuCommand ? 1 : 0);
-
-    _bstr_t markup;
-    EXPECT_EQ(
-        Query<IRibbonExtensibility>(IID_IRibbonExtensibility)->GetCustomUI(nullptr, markup.GetAddress()),
-        S_OK);
-    EXPECT_EQ(markup.length() > 0, GetParam().hasBackstage);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Versions, ConnectVersionTest,
-    testing::Values(VersionCase{kOutlook2007, true, false}, VersionCase{kOutlook2010, false, true},
-                    VersionCase{kOutlook2013, false, false}, VersionCase{L"14", false, true},
-                    VersionCase{L"13.9", true, false}, VersionCase{L"140.0", false, false},
-                    VersionCase{L"  14.0", false, true}, VersionCase{L"v14.0", true, false},
-                    VersionCase{L"", true, false}, VersionCase{L"-14", true, false}));
-
-TEST_F(ConnectLifecycleTest, AVersionThatIsNoTextCountsAsBelow14)
-{
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2010);
-    m_outlook->application->Give(L"Version", _variant_t(14L));
-    Create();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
-}
-
-TEST_F(ConnectLifecycleTest, AFailingVersionCountsAsBelow14AndTheCheckRuns)
-{
-    Publish(kSameVersion);
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2010);
-    m_outlook->application->Fail(L"Version", E_FAIL);
-    Create();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_Startup), S_OK);
-    EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
-    EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 1u);
-}
-
-TEST_F(ConnectLifecycleTest, WithoutExplorerOutlook2007SaysSoAndGetsNoCommand)
-{
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
-    m_outlook->application->GiveObject(L"ActiveExplorer", nullptr);
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_THAT(NewLogLines(),
-                ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup ", kNoExplorer));
-    EXPECT_THAT(MemberNames(m_outlook->record),
-                ElementsAre("application.ActiveExplorer", "application.Version"));
-    EXPECT_EQ(AddIn()->OnDisconnection(ext_dm_HostShutdown, nullptr), S_OK);
-}
-
-TEST_F(ConnectLifecycleTest, AnExplorerThatIsNoneCountsAsMissing)
-{
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
-    m_outlook->application->GiveObject(L"ActiveExplorer", m_outlook->commands.Get());
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_THAT(NewLogLines(), Contains(kNoExplorer));
-}
-
-TEST_F(ConnectLifecycleTest, AFailingActiveExplorerCountsAsMissing)
-{
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
-    m_outlook->application->Fail(L"ActiveExplorer", E_OUTOFMEMORY);
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_THAT(NewLogLines(), AllOf(Contains("CConnect::OnConnection() Caught exception HRESULT 0x8007000E"),
-                                     Contains(kNoExplorer)));
-}
-
-TEST_F(ConnectLifecycleTest, WithoutExplorerOutlook2010SaysNothingOfIt)
-{
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2010);
-    m_outlook->application->GiveObject(L"ActiveExplorer", nullptr);
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_THAT(NewLogLines(), ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup "));
-}
-
-TEST_F(ConnectLifecycleTest, AnApplicationOfAnotherKindConnectsWithoutVersionAndExplorerAndIsChecked)
-{
-    Publish(kSameVersion);
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2010);
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->explorer.Get(), ext_cm_Startup), S_OK);
-    const std::vector<std::string> lines = NewLogLines();
-    ASSERT_GE(lines.size(), 6u);
-    EXPECT_THAT(std::vector(lines.begin(), lines.begin() + 6),
-                ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_Startup ", kCaughtNoPointer,
-                            kCaughtNoPointer, kNoExplorer, kCheck));
-    EXPECT_THAT(m_outlook->record, IsEmpty());
-    EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 1u);
-}
-
-TEST_F(ConnectLifecycleTest, ANullApplicationIsAbsorbed)
-{
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(nullptr, ext_cm_External), S_OK);
-    EXPECT_THAT(NewLogLines(), Contains(kNoExplorer));
 }
 
 TEST_F(ConnectLifecycleTest, NeitherAddInInstanceNorCustomArrayIsNeeded)

@@ -11,6 +11,11 @@
 namespace orva::test
 {
 
+/// What the released versions say of themselves.
+inline constexpr wchar_t kOutlook2007[] = L"12.0.6423.1000";
+inline constexpr wchar_t kOutlook2010[] = L"14.0.4760.1000";
+inline constexpr wchar_t kOutlook2013[] = L"15.0.4420.1017";
+
 /// A command-bar button that raises Click through its connection point.
 class CFakeButton : public CFakeObject, public IConnectionPointContainer, public IConnectionPoint
 {

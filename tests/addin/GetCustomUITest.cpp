@@ -18,8 +18,6 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr wchar_t kOutlook2010[] = L"14.0.4760.1000";
-
 class GetCustomUITest : public CAddInTest
 {
 protected:
@@ -81,8 +79,7 @@ TEST_P(GetCustomUIVersionTest, AnyVersionBut14GetsAnEmptyTextThatIsNotNull)
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, GetCustomUIVersionTest,
-                         testing::Values(L"12.0.6423.1000", L"13.0", L"15.0.4420.1017", L"16.0",
-                                         L"no version"));
+                         testing::Values(kOutlook2007, L"13.0", kOutlook2013, L"16.0", L"no version"));
 
 TEST_F(GetCustomUITest, BeforeConnectionTheTextIsEmpty)
 {

@@ -73,7 +73,7 @@ protected:
     RibbonPicturesTest()
     {
         m_control = new CFakeControl(m_record);
-        EXPECT_EQ(Connect(L"14.0.4760.1000"), S_OK);
+        EXPECT_EQ(Connect(kOutlook2010), S_OK);
         NewLogLines();
     }
 
@@ -176,7 +176,7 @@ TEST_F(RibbonPicturesTest, AResourceThatIsNoImageGivesNoPictureAndNoFailure)
     const std::string before("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\x84\0\0\0\x37", 24);
     const CAddInCopy copy(before, std::string(before.size(), 'x'));
     LoadInstead(copy.Path());
-    EXPECT_EQ(Connect(L"14.0.4760.1000"), S_OK);
+    EXPECT_EQ(Connect(kOutlook2010), S_OK);
     auto* const untouched = reinterpret_cast<IPictureDisp*>(0x1234);
     IPictureDisp* picture = untouched;
     EXPECT_EQ(Query<IRibbonCallback>(__uuidof(IRibbonCallback))->GetImageLogo(m_control.Get(), &picture),

@@ -21,7 +21,6 @@ namespace
 
 using Microsoft::WRL::ComPtr;
 
-constexpr wchar_t kOutlook2010[] = L"14.0.4760.1000";
 constexpr char kInstaller[] = "/setup.exe";
 constexpr DISPID kClick = 1;
 constexpr WORD kOfferTemplate = 9;

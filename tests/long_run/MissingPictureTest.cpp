@@ -77,7 +77,7 @@ TEST_F(MissingPictureTest, LeavesOneStartOfGdiPlusEachTimeAndNothingElse)
     // The name of the pictures' resource type, with its length before it.
     const CAddInCopy copy(std::string("\x03\0P\0N\0G\0", 8), std::string("\x03\0X\0N\0G\0", 8));
     LoadInstead(copy.Path());
-    ASSERT_EQ(Connect(L"14.0.4760.1000"), S_OK);
+    ASSERT_EQ(Connect(kOutlook2010), S_OK);
     AskForPictures(3);
 
     const int count = Repetitions(20, 1000);

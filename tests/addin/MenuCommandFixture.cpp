@@ -1,0 +1,36 @@
+// What the tests of the menu command share: an Outlook that gets one, and what the add-in called of it.
+#include "addin/MenuCommandFixture.h"
+
+namespace orva::test
+{
+
+std::vector<std::string> CMenuCommandTest::Lines()
+{
+    Create();
+    NewLogLines();
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
+    return NewLogLines();
+}
+
+CMemberCall CMenuCommandTest::Call(const std::string& member)
+{
+    for (const CMemberCall& call : m_outlook->record)
+    {
+        if (call.member == member)
+        {
+            return call;
+        }
+    }
+    ADD_FAILURE() << member << " was not called";
+    return {};
+}
+
+void CMenuCommandTest::ExpectNoCommand()
+{
+    EXPECT_EQ(m_outlook->button->Advises(), 0);
+    EXPECT_THAT(MemberNames(m_outlook->record), testing::Not(testing::Contains("button.Caption")));
+    EXPECT_EQ(Disconnect(), S_OK);
+    EXPECT_EQ(m_outlook->button->Unadvises(), 0);
+}
+
+} // namespace orva::test
