@@ -1,18 +1,16 @@
 // A host that lives long: the add-in loaded, asked, shown and unloaded again and again in one process, and
 // what of it the process still holds afterwards.
 #include "addin/AddInFixture.h"
-#include "harness/ImportHook.h"
 #include "harness/Report.h"
 #include "harness/Watchdog.h"
+#include "long_run/InstallerCounter.h"
+#include "long_run/KeptObjects.h"
 #include "long_run/ModuleBlocks.h"
+#include "long_run/PersistentUser.h"
 #include "long_run/ProcessFigures.h"
 
-#include <shellapi.h>
-
-#include <algorithm>
-#include <atomic>
 #include <cstdio>
-#include <thread>
+#include <optional>
 
 namespace orva::test
 {
@@ -28,145 +26,6 @@ constexpr int kInstall = 204;
 constexpr int kLater = 205;
 constexpr DWORD kThoroughDeadline = 12 * 60'000;
 constexpr DWORD kShortDeadline = 120'000;
-
-/// What the add-in leaves on purpose: the brushes that its dialogs colour their controls with, and the bold
-/// font of the About dialog. Counts what the DLL makes and does not delete, for its lifetime.
-class CKeptObjects
-{
-public:
-    explicit CKeptObjects(HMODULE module)
-        : m_brush(module, "gdi32.dll", "CreateSolidBrush", &CreateBrush),
-          m_font(module, "gdi32.dll", "CreateFontIndirectW", &CreateFont_),
-          m_delete(module, "gdi32.dll", "DeleteObject", &Delete)
-    {
-        the = this;
-    }
-    ~CKeptObjects() { the = nullptr; }
-    CKeptObjects(const CKeptObjects&) = delete;
-    CKeptObjects& operator=(const CKeptObjects&) = delete;
-
-    /// Those that still exist: some controls of Wine's delete the brush that they were given.
-    long long Brushes() const { return CountExisting(m_brushes); }
-    long long Fonts() const { return CountExisting(m_fonts); }
-    long long Existing() const { return Brushes() + Fonts(); }
-    /// All that were made and not deleted by the DLL.
-    long long BrushesMade() const { return static_cast<long long>(m_brushes.size()); }
-    /// Deletes them all, for the test's next part.
-    void Discard()
-    {
-        for (const std::vector<HGDIOBJ>* const objects : {&m_brushes, &m_fonts})
-        {
-            for (const HGDIOBJ object : *objects)
-            {
-                DeleteObject(object);
-            }
-        }
-        m_brushes.clear();
-        m_fonts.clear();
-    }
-
-private:
-    static long long CountExisting(const std::vector<HGDIOBJ>& objects)
-    {
-        return std::ranges::count_if(objects, [](HGDIOBJ object) { return GetObjectType(object) != 0; });
-    }
-    static HBRUSH WINAPI CreateBrush(COLORREF colour)
-    {
-        const HBRUSH brush = the->m_brush.Original<decltype(CreateBrush)>()(colour);
-        the->m_brushes.push_back(brush);
-        return brush;
-    }
-    static HFONT WINAPI CreateFont_(const LOGFONTW* description)
-    {
-        const HFONT font = the->m_font.Original<decltype(CreateFont_)>()(description);
-        the->m_fonts.push_back(font);
-        return font;
-    }
-    static BOOL WINAPI Delete(HGDIOBJ object)
-    {
-        std::erase(the->m_brushes, object);
-        std::erase(the->m_fonts, object);
-        return the->m_delete.Original<decltype(Delete)>()(object);
-    }
-
-    static CKeptObjects* the;
-
-    std::vector<HGDIOBJ> m_brushes;
-    std::vector<HGDIOBJ> m_fonts;
-    CImportHook m_brush;
-    CImportHook m_font;
-    CImportHook m_delete;
-};
-
-CKeptObjects* CKeptObjects::the = nullptr;
-
-/// Counts the installers instead of starting them: a few hundred processes are not what is measured here.
-class CInstallerCounter
-{
-public:
-    explicit CInstallerCounter(HMODULE module) : m_execute(module, "shell32.dll", "ShellExecuteExW", &Execute)
-    {
-        count = 0;
-    }
-    static inline std::atomic<int> count = 0;
-
-private:
-    static BOOL WINAPI Execute(SHELLEXECUTEINFOW*)
-    {
-        ++count;
-        return TRUE;
-    }
-
-    CImportHook m_execute;
-};
-
-/// Presses this button in every dialog of the process that has it.
-class CUserWhoAlwaysPresses
-{
-public:
-    explicit CUserWhoAlwaysPresses(int button) : m_thread([this, button] { Press(button); }) {}
-    ~CUserWhoAlwaysPresses() { Leave(); }
-    CUserWhoAlwaysPresses(const CUserWhoAlwaysPresses&) = delete;
-    CUserWhoAlwaysPresses& operator=(const CUserWhoAlwaysPresses&) = delete;
-    /// Ends the user's work and says how often he has pressed the button. A dialog may end before the user
-    /// has come back from pressing it, so the number is not known sooner.
-    int Leave()
-    {
-        m_stop = true;
-        if (m_thread.joinable())
-        {
-            m_thread.join();
-        }
-        return m_pressed;
-    }
-
-private:
-    void Press(int button)
-    {
-        HWND last = nullptr;
-        while (!m_stop)
-        {
-            CWindowQuery query;
-            query.className = kDialogClass;
-            query.childId = button;
-            const HWND dialog = FindTopLevelWindow(query);
-            if (dialog != nullptr && dialog != last && ClickButton(dialog, button))
-            {
-                ++m_pressed;
-                last = dialog;
-            }
-            else if (dialog == nullptr)
-            {
-                last = nullptr;
-            }
-            Sleep(2);
-        }
-    }
-
-    std::atomic<bool> m_stop = false;
-    int m_pressed = 0;
-    std::thread m_thread;
-};
 
 INT_PTR CALLBACK BareDialog(HWND dialog, UINT message, WPARAM, LPARAM)
 {
@@ -422,7 +281,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     const int offers = Repetitions(6, 300);
     const Left offering = Repeat("offers", offers, [&](int count) {
         const CPublisher publisher(kNewer);
-        CUserWhoAlwaysPresses user(kLater);
+        CPersistentUser user(kLater);
         for (int i = 0; i < count; ++i)
         {
             ButtonClicked();
@@ -445,7 +304,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
 
     const int abouts = Repetitions(6, 300);
     const Left showing = Repeat("About", abouts, [&](int count) {
-        CUserWhoAlwaysPresses user(kAboutClose);
+        CPersistentUser user(kAboutClose);
         ComPtr<IDispatch> dispatch;
         ASSERT_EQ(m_object.As(&dispatch), S_OK);
         for (int i = 0; i < count; ++i)
@@ -463,13 +322,13 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     const Left downloading = Repeat("downloads", downloads, [&](int count) {
         const CPrivateTemp temp;
         const CPublisher publisher(kNewer);
-        const CUserWhoAlwaysPresses user(kInstall);
-        const int before = CInstallerCounter::count;
+        const CPersistentUser user(kInstall);
+        const int before = CInstallerCounter::Count();
         for (int i = 0; i < count; ++i)
         {
             ButtonClicked();
         }
-        EXPECT_EQ(CInstallerCounter::count - before, count);
+        EXPECT_EQ(CInstallerCounter::Count() - before, count);
     });
     Check("06 offers, answered Install, downloaded", downloads, downloading, kHeapPerCall, bitmaps);
 }
