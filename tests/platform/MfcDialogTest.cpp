@@ -1,15 +1,13 @@
-// Modal dialogs: templates, keys and buttons, results, bound controls, failures.
+// Modal dialogs: templates, keys and buttons, results, failures.
 #include "MfcResources.h"
+#include "MfcTestDialog.h"
 #include "MfcTestWindow.h"
 #include "harness/DebugOutput.h"
 #include "harness/UserScript.h"
 
-#include <afxcmn.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -19,112 +17,9 @@ namespace
 
 using namespace orva::test;
 
-/// Runs what the test gives it in OnInitDialog, after the base class.
-class CTestDialog : public CDialog
-{
-public:
-    explicit CTestDialog(UINT id, CWnd* parent = nullptr) : CDialog(id, parent) {}
+using MfcDialogTest = CMfcDialogTest;
 
-    std::function<void(CTestDialog&)> m_onInit;
-    std::function<void(CTestDialog&)> m_onAct;
-    BOOL m_initResult = TRUE;
-    std::vector<std::string> m_calls;
-
-protected:
-    BOOL OnInitDialog() override
-    {
-        CDialog::OnInitDialog();
-        m_calls.push_back("init");
-        if (m_onInit)
-        {
-            m_onInit(*this);
-        }
-        return m_initResult;
-    }
-    void OnOK() override
-    {
-        m_calls.push_back("ok");
-        CDialog::OnOK();
-    }
-    void OnCancel() override
-    {
-        m_calls.push_back("cancel");
-        CDialog::OnCancel();
-    }
-    afx_msg void OnAct()
-    {
-        m_calls.push_back("act");
-        if (m_onAct)
-        {
-            m_onAct(*this);
-        }
-    }
-    afx_msg void OnProceed()
-    {
-        m_calls.push_back("proceed");
-        CDialog::OnOK();
-    }
-
-    DECLARE_MESSAGE_MAP()
-};
-
-BEGIN_MESSAGE_MAP(CTestDialog, CDialog)
-    ON_BN_CLICKED(IDC_ACT, &CTestDialog::OnAct)
-    ON_BN_CLICKED(IDC_PROCEED, &CTestDialog::OnProceed)
-END_MESSAGE_MAP()
-
-/// Binds controls of the plain dialog; `m_missing` to an id that it has not.
-class CBoundDialog : public CTestDialog
-{
-public:
-    explicit CBoundDialog(int missing = 0) : CTestDialog(IDD_PLAIN), m_missing(missing) {}
-
-    CStatic m_text;
-    CEdit m_field;
-    CProgressCtrl m_bar;
-    CStatic m_other;
-
-protected:
-    void DoDataExchange(CDataExchange* exchange) override
-    {
-        CTestDialog::DoDataExchange(exchange);
-        DDX_Control(exchange, IDC_TEXT, m_text);
-        DDX_Control(exchange, IDC_FIELD, m_field);
-        DDX_Control(exchange, IDC_BAR, m_bar);
-        if (m_missing)
-        {
-            DDX_Control(exchange, m_missing, m_other);
-        }
-    }
-
-private:
-    const int m_missing;
-};
-
-class MfcDialog : public testing::Test
-{
-protected:
-    /// Runs the dialog while a user does `act` with it.
-    INT_PTR RunWith(CDialog& dialog, const wchar_t* caption, std::function<void(HWND)> act)
-    {
-        CUserScript user;
-        user.OnDialog(caption, std::move(act));
-        user.Start();
-        const INT_PTR result = dialog.DoModal();
-        user.Finish();
-        return result;
-    }
-
-    AFX_MAINTAIN_STATE2 m_state{AfxGetStaticModuleState()};
-    using Calls = std::vector<std::string>;
-};
-
-void Click(HWND dialog, int id)
-{
-    EXPECT_TRUE(ClickButton(dialog, id));
-}
-
-TEST_F(MfcDialog, OkEndsItWithIdok)
+TEST_F(MfcDialogTest, OkEndsItWithIdok)
 {
     CTestDialog dialog(IDD_PLAIN);
     EXPECT_EQ(IDOK, RunWith(dialog, L"Plain", [](HWND window) { Click(window, IDOK); }));
@@ -132,21 +27,21 @@ TEST_F(MfcDialog, OkEndsItWithIdok)
     EXPECT_EQ(nullptr, dialog.m_hWnd);
 }
 
-TEST_F(MfcDialog, CancelEndsItWithIdcancel)
+TEST_F(MfcDialogTest, CancelEndsItWithIdcancel)
 {
     CTestDialog dialog(IDD_PLAIN);
     EXPECT_EQ(IDCANCEL, RunWith(dialog, L"Plain", [](HWND window) { Click(window, IDCANCEL); }));
     EXPECT_EQ((Calls{"init", "cancel"}), dialog.m_calls);
 }
 
-TEST_F(MfcDialog, CanBeRunAgain)
+TEST_F(MfcDialogTest, CanBeRunAgain)
 {
     CTestDialog dialog(IDD_PLAIN);
     EXPECT_EQ(IDOK, RunWith(dialog, L"Plain", [](HWND window) { Click(window, IDOK); }));
     EXPECT_EQ(IDCANCEL, RunWith(dialog, L"Plain", [](HWND window) { Click(window, IDCANCEL); }));
 }
 
-TEST_F(MfcDialog, EscapeEndsItWithIdcancelEvenWithoutACancelButton)
+TEST_F(MfcDialogTest, EscapeEndsItWithIdcancelEvenWithoutACancelButton)
 {
     CTestDialog dialog(IDD_OWN_BUTTONS);
     EXPECT_EQ(IDCANCEL,
@@ -154,7 +49,7 @@ TEST_F(MfcDialog, EscapeEndsItWithIdcancelEvenWithoutACancelButton)
     EXPECT_EQ((Calls{"init", "cancel"}), dialog.m_calls);
 }
 
-TEST_F(MfcDialog, EnterPressesTheDefaultButtonWhileAnotherControlHasTheFocus)
+TEST_F(MfcDialogTest, EnterPressesTheDefaultButtonWhileAnotherControlHasTheFocus)
 {
     CTestDialog dialog(IDD_OWN_BUTTONS);
     EXPECT_EQ(IDOK, RunWith(dialog, L"Own buttons", [](HWND window) {
@@ -164,7 +59,7 @@ TEST_F(MfcDialog, EnterPressesTheDefaultButtonWhileAnotherControlHasTheFocus)
     EXPECT_EQ((Calls{"init", "proceed"}), dialog.m_calls);
 }
 
-TEST_F(MfcDialog, TabMovesTheFocus)
+TEST_F(MfcDialogTest, TabMovesTheFocus)
 {
     CTestDialog dialog(IDD_PLAIN);
     RunWith(dialog, L"Plain", [](HWND window) {
@@ -175,7 +70,7 @@ TEST_F(MfcDialog, TabMovesTheFocus)
     });
 }
 
-TEST_F(MfcDialog, FocusSetInOnInitDialogStaysWhenThatReturnsFalse)
+TEST_F(MfcDialogTest, FocusSetInOnInitDialogStaysWhenThatReturnsFalse)
 {
     CTestDialog dialog(IDD_PLAIN);
     dialog.m_initResult = FALSE;
@@ -186,14 +81,14 @@ TEST_F(MfcDialog, FocusSetInOnInitDialogStaysWhenThatReturnsFalse)
     });
 }
 
-TEST_F(MfcDialog, WindowCloseEndsItAsCancelDoes)
+TEST_F(MfcDialogTest, WindowCloseEndsItAsCancelDoes)
 {
     CTestDialog dialog(IDD_PLAIN);
     EXPECT_EQ(IDCANCEL, RunWith(dialog, L"Plain", [](HWND window) { PostMessage(window, WM_CLOSE, 0, 0); }));
     EXPECT_EQ((Calls{"init", "cancel"}), dialog.m_calls);
 }
 
-TEST_F(MfcDialog, IsShownAlthoughItsTemplateDoesNotSayVisible)
+TEST_F(MfcDialogTest, IsShownAlthoughItsTemplateDoesNotSayVisible)
 {
     CTestDialog dialog(IDD_PLAIN);
     BOOL visibleInInit = TRUE;
@@ -205,7 +100,7 @@ TEST_F(MfcDialog, IsShownAlthoughItsTemplateDoesNotSayVisible)
     EXPECT_FALSE(visibleInInit);
 }
 
-TEST_F(MfcDialog, EndedInOnInitDialogIsNeverShown)
+TEST_F(MfcDialogTest, EndedInOnInitDialogIsNeverShown)
 {
     CTestDialog dialog(IDD_PLAIN);
     dialog.m_onInit = [](CTestDialog& self) { self.EndDialog(77); };
@@ -216,7 +111,7 @@ TEST_F(MfcDialog, EndedInOnInitDialogIsNeverShown)
     EXPECT_EQ(nullptr, dialog.m_hWnd);
 }
 
-TEST_F(MfcDialog, LastResultCounts)
+TEST_F(MfcDialogTest, LastResultCounts)
 {
     CTestDialog dialog(IDD_PLAIN);
     dialog.m_onAct = [](CTestDialog& self) {
@@ -226,7 +121,7 @@ TEST_F(MfcDialog, LastResultCounts)
     EXPECT_EQ(6, RunWith(dialog, L"Plain", [](HWND window) { Click(window, IDC_ACT); }));
 }
 
-TEST_F(MfcDialog, EndsByAMessagePostedFromAnotherThread)
+TEST_F(MfcDialogTest, EndsByAMessagePostedFromAnotherThread)
 {
     constexpr UINT finished = WM_APP + 1;
     class CPostedDialog : public CTestDialog
@@ -248,7 +143,7 @@ TEST_F(MfcDialog, EndsByAMessagePostedFromAnotherThread)
     EXPECT_EQ(12, RunWith(dialog, L"Plain", [](HWND window) { PostMessage(window, finished, 12, 0); }));
 }
 
-TEST_F(MfcDialog, EndedWithinAMessageSentFromAnotherThreadDoesNotWaitForAnother)
+TEST_F(MfcDialogTest, EndedWithinAMessageSentFromAnotherThreadDoesNotWaitForAnother)
 {
     CTestDialog dialog(IDD_PLAIN);
     dialog.m_onAct = [](CTestDialog& self) { self.EndDialog(8); };
@@ -256,7 +151,7 @@ TEST_F(MfcDialog, EndedWithinAMessageSentFromAnotherThreadDoesNotWaitForAnother)
               RunWith(dialog, L"Plain", [](HWND window) { SendMessageW(window, WM_COMMAND, IDC_ACT, 0); }));
 }
 
-TEST_F(MfcDialog, DestroyedWithinAMessageSentFromAnotherThreadDoesNotWaitForAnother)
+TEST_F(MfcDialogTest, DestroyedWithinAMessageSentFromAnotherThreadDoesNotWaitForAnother)
 {
     CTestDialog dialog(IDD_PLAIN);
     dialog.m_onAct = [](CTestDialog& self) { ::DestroyWindow(self.m_hWnd); };
@@ -264,7 +159,7 @@ TEST_F(MfcDialog, DestroyedWithinAMessageSentFromAnotherThreadDoesNotWaitForAnot
               RunWith(dialog, L"Plain", [](HWND window) { SendMessageW(window, WM_COMMAND, IDC_ACT, 0); }));
 }
 
-TEST_F(MfcDialog, MissingTemplateIsMinusOne)
+TEST_F(MfcDialogTest, MissingTemplateIsMinusOne)
 {
     const CTestWindow owner;
     CWnd parent;
@@ -275,7 +170,7 @@ TEST_F(MfcDialog, MissingTemplateIsMinusOne)
     parent.Detach();
 }
 
-TEST_F(MfcDialog, ControlOfAnUnknownClassIsMinusOneAndTheOwnerIsEnabledAgain)
+TEST_F(MfcDialogTest, ControlOfAnUnknownClassIsMinusOneAndTheOwnerIsEnabledAgain)
 {
     const CTestWindow owner;
     CWnd parent;
@@ -287,7 +182,7 @@ TEST_F(MfcDialog, ControlOfAnUnknownClassIsMinusOneAndTheOwnerIsEnabledAgain)
     parent.Detach();
 }
 
-TEST_F(MfcDialog, TemplateComesFromTheResourceHandle)
+TEST_F(MfcDialogTest, TemplateComesFromTheResourceHandle)
 {
     AfxSetResourceHandle(GetModuleHandleW(L"kernel32.dll"));
     CTestDialog dialog(IDD_PLAIN);
@@ -295,7 +190,7 @@ TEST_F(MfcDialog, TemplateComesFromTheResourceHandle)
     AfxSetResourceHandle(AfxGetInstanceHandle());
 }
 
-TEST_F(MfcDialog, ExceptionInOnInitDialogIsIdabortAndTheDialogIsNotShown)
+TEST_F(MfcDialogTest, ExceptionInOnInitDialogIsIdabortAndTheDialogIsNotShown)
 {
     const CTestWindow owner;
     CWnd parent;
@@ -312,7 +207,7 @@ TEST_F(MfcDialog, ExceptionInOnInitDialogIsIdabortAndTheDialogIsNotShown)
     parent.Detach();
 }
 
-TEST_F(MfcDialog, ExceptionInAHandlerLeavesTheDialogRunning)
+TEST_F(MfcDialogTest, ExceptionInAHandlerLeavesTheDialogRunning)
 {
     CTestDialog dialog(IDD_PLAIN);
     dialog.m_onAct = [](CTestDialog&) { throw std::runtime_error("handler failed"); };
@@ -326,92 +221,7 @@ TEST_F(MfcDialog, ExceptionInAHandlerLeavesTheDialogRunning)
     EXPECT_EQ((Calls{"init", "act", "ok"}), dialog.m_calls);
 }
 
-TEST_F(MfcDialog, ControlsAreBoundToTheirMembers)
-{
-    CBoundDialog dialog;
-    dialog.m_onInit = [&](CTestDialog& self) {
-        EXPECT_EQ(&dialog.m_text, self.GetDlgItem(IDC_TEXT));
-        CString text;
-        dialog.m_text.GetWindowText(text);
-        EXPECT_STREQ(L"Template text", text);
-        dialog.m_text.SetWindowText(L"New text");
-        dialog.m_bar.SetRange(0, 100);
-        int lower = -1;
-        int upper = -1;
-        dialog.m_bar.GetRange(lower, upper);
-        EXPECT_EQ(0, lower);
-        EXPECT_EQ(100, upper);
-        EXPECT_EQ(0, dialog.m_bar.SetPos(30));
-        EXPECT_EQ(30, dialog.m_bar.SetPos(70));
-        EXPECT_EQ(70, dialog.m_bar.GetPos());
-    };
-    RunWith(dialog, L"Plain", [](HWND window) {
-        EXPECT_EQ(L"New text", ChildText(window, IDC_TEXT));
-        Click(window, IDOK);
-    });
-    EXPECT_EQ(nullptr, dialog.m_text.m_hWnd);
-    EXPECT_EQ(nullptr, dialog.m_bar.m_hWnd);
-}
-
-TEST_F(MfcDialog, MissingControlEndsItWithMinusOne)
-{
-    CBoundDialog dialog(IDC_LINK);
-    const CDebugOutput output;
-    EXPECT_EQ(-1, dialog.DoModal());
-    EXPECT_THAT(output.Lines(),
-                testing::Contains(testing::StartsWith("CWnd::UpdateData: CInvalidArgException")));
-}
-
-TEST_F(MfcDialog, LinkControlIsThereAndItsClickReachesTheMap)
-{
-    class CLinkDialog : public CTestDialog
-    {
-    public:
-        CLinkDialog() : CTestDialog(IDD_LINK) {}
-        std::wstring m_url;
-
-    protected:
-        BOOL OnNotify(WPARAM wParam, LPARAM lParam, LRESULT* result) override
-        {
-            const auto* link = reinterpret_cast<const NMLINK*>(lParam);
-            if (link->hdr.code == UINT(NM_CLICK))
-            {
-                m_url = link->item.szUrl;
-            }
-            return CTestDialog::OnNotify(wParam, lParam, result);
-        }
-    } dialog;
-    RunWith(dialog, L"Link", [](HWND window) {
-        const HWND link = ChildById(window, IDC_LINK);
-        EXPECT_EQ(L"SysLink", WindowClassName(link));
-        SendMessageW(link, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
-        SendMessageW(link, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
-        Click(window, IDCANCEL);
-    });
-    EXPECT_EQ(L"http://example.invalid/", dialog.m_url);
-}
-
-TEST_F(MfcDialog, RichEditControlIsThereOnceItsLibraryIsLoadedAndWrapsAtItsWidth)
-{
-    EXPECT_TRUE(AfxInitRichEdit2());
-    EXPECT_TRUE(AfxInitRichEdit2());
-    CTestDialog dialog(IDD_RICH_EDIT);
-    CRichEditCtrl rich;
-    dialog.m_onInit = [&](CTestDialog& self) {
-        EXPECT_TRUE(rich.SubclassDlgItem(IDC_RICH, &self));
-        EXPECT_TRUE(rich.SetTargetDevice(nullptr, 0));
-        std::wstring text;
-        for (int i = 0; i < 100; ++i)
-        {
-            text += L"word ";
-        }
-        rich.SetWindowText(text.c_str());
-        EXPECT_GT(rich.GetLineCount(), 5);
-    };
-    RunWith(dialog, L"Rich edit", [](HWND window) { Click(window, IDCANCEL); });
-}
-
-TEST_F(MfcDialog, QuitMessageEndsItAndGoesOnToTheLoopOutside)
+TEST_F(MfcDialogTest, QuitMessageEndsItAndGoesOnToTheLoopOutside)
 {
     CTestDialog dialog(IDD_PLAIN);
     dialog.m_onInit = [](CTestDialog&) { PostQuitMessage(3); };
@@ -422,7 +232,7 @@ TEST_F(MfcDialog, QuitMessageEndsItAndGoesOnToTheLoopOutside)
     EXPECT_EQ(nullptr, dialog.m_hWnd);
 }
 
-TEST_F(MfcDialog, EndsWithMinusOneWhenItsWindowIsDestroyed)
+TEST_F(MfcDialogTest, EndsWithMinusOneWhenItsWindowIsDestroyed)
 {
     const CTestWindow owner;
     CWnd parent;
