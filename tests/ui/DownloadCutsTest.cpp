@@ -41,26 +41,10 @@ protected:
         NoteTestPart("cut after " + std::to_string(offset) + " bytes");
         CGate gate;
         m_server.On("/setup.bin", CServerScript().WaitFor(gate).Send(m_bytes.substr(0, offset)).Close());
-        CUserScript user;
-        for (int i = 0; i < kMostWindows; ++i)
-        {
-            user.OnAnyDialog([&](HWND dialog) {
-                if (ChildById(dialog, kProgressBar) != nullptr)
-                {
-                    gate.Open();
-                }
-                else if (!ClickButton(dialog, IDOK))
-                {
-                    ClickButton(dialog, IDCANCEL);
-                }
-            });
-        }
-        user.Start();
-        StartDownloadDialog(CString(m_server.WideUrl("/setup.bin").c_str()), m_owner.Handle());
-        user.FinishQuietly();
+        DownloadWhateverComes(m_server.WideUrl("/setup.bin"), gate, m_owner.Handle());
 
         COutcome outcome;
-        for (const CSeenWindow& seen : user.Seen())
+        for (const CSeenWindow& seen : m_seen)
         {
             const bool isProgress = !seen.Control(kTimeLabel).empty();
             outcome.shown += (outcome.shown.empty() ? "" : " / ") +
@@ -87,7 +71,6 @@ protected:
         return outcome;
     }
 
-    static constexpr int kMostWindows = 6;
     COwnerWindow m_owner;
 };
 

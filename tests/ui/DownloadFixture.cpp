@@ -17,6 +17,8 @@ constexpr wchar_t kTypeKey[] = L"Software\\Classes\\OrvaTest.Installer";
 constexpr wchar_t kCommandKey[] = L"Software\\Classes\\OrvaTest.Installer\\shell\\runas\\command";
 constexpr wchar_t kMark[] = L".started";
 constexpr size_t kFolderNameLength = 9;
+/// More than any download shows.
+constexpr int kMostWindows = 6;
 
 } // namespace
 
@@ -56,6 +58,28 @@ bool CDownloadTest::WaitForInstaller() const
         return std::any_of(paths.begin(), paths.end(),
                            [](const std::wstring& path) { return path.ends_with(kMark); });
     });
+}
+
+void CDownloadTest::DownloadWhateverComes(const std::wstring& url, CGate& gate, HWND owner)
+{
+    CUserScript user;
+    for (int i = 0; i < kMostWindows; ++i)
+    {
+        user.OnAnyDialog([&](HWND dialog) {
+            if (ChildById(dialog, kProgressBar) != nullptr)
+            {
+                gate.Open();
+            }
+            else if (!ClickButton(dialog, IDOK))
+            {
+                ClickButton(dialog, IDCANCEL);
+            }
+        });
+    }
+    user.Start();
+    StartDownloadDialog(CString(url.c_str()), owner);
+    user.FinishQuietly();
+    m_seen = user.Seen();
 }
 
 std::vector<std::wstring> CDownloadTest::Left() const

@@ -46,6 +46,9 @@ protected:
     void Download(const std::wstring& url, HWND owner = nullptr);
     /// The same for the installer's path on the server.
     void DownloadInstaller(HWND owner = nullptr) { Download(m_server.WideUrl(kInstallerPath), owner); }
+    /// The whole download for a user who does not know what comes: he opens `gate` when the dialog has come
+    /// up, and presses the only button of every box. m_seen says what it was.
+    void DownloadWhateverComes(const std::wstring& url, CGate& gate, HWND owner = nullptr);
     /// The user sees the dialog, does this on the second thread, and then the server goes on.
     CUserScript& OnDownloadDialog(std::function<void(HWND)> act = [](HWND) {});
     /// Waits until the installer has been started and has ended.
