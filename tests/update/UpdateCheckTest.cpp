@@ -380,22 +380,5 @@ TEST_F(UpdateCheckTest, OwnerIsNeitherDisabledNorEnabledByTheCheckItself)
     EXPECT_TRUE(IsWindowEnabled(m_owner.Handle()));
 }
 
-TEST(CheckJSONObjectTest, OnlyNullIsMissing)
-{
-    using json_spirit::wmValue;
-    EXPECT_TRUE(CheckJSONObject(wmValue(), nullptr, true));
-    EXPECT_FALSE(CheckJSONObject(wmValue(json_spirit::wmObject()), nullptr, false));
-    EXPECT_FALSE(CheckJSONObject(wmValue(std::wstring(L"text")), nullptr, false));
-    EXPECT_FALSE(CheckJSONObject(wmValue(0), nullptr, false));
-    EXPECT_FALSE(CheckJSONObject(wmValue(false), nullptr, false));
-}
-
-TEST(CheckJSONObjectTest, WritesItsEntry)
-{
-    const CLogMark log;
-    CheckJSONObject(json_spirit::wmValue(), nullptr, true);
-    EXPECT_EQ(log.Texts(), std::vector<std::string>{"CheckJSONObject"});
-}
-
 } // namespace
 } // namespace orva::test
