@@ -1,13 +1,16 @@
 // Takes back what g++'s static run-time library leaves behind in the host when the DLL is unloaded.
 //
-// Microsoft's run-time needs nothing of the kind; a build with that leaves this file out. Three things stay
+// Microsoft's run-time needs nothing of the kind; a build with that leaves this folder out. Four things stay
 // otherwise, at each unloading anew:
 //
 // - the memory that is kept for throwing exceptions when there is no more (71 KiB);
-// - the record of the thread that unloads, with an event and a thread handle. The run-time frees a thread's
-//   record when the thread ends, which a host's thread does not do for a DLL;
+// - the event and the thread handle in the record of the thread that unloads. The run-time closes them when
+//   the thread ends, which a host's thread does not do for a DLL;
+// - the records of threads and of mutexes themselves (528 bytes after the shortest use);
 // - the thread-local storage index under which these records are found. A process has 1,088 of them, and the
 //   run-time ends the process when it gets none.
+#include "platform/mingw/ThreadMemory.h"
+
 #include <windows.h>
 
 #include <algorithm>
@@ -76,6 +79,7 @@ struct CTakenBack
         {
             TlsFree(g_indexes[place]);
         }
+        FreeThreadMemory();
     }
 };
 

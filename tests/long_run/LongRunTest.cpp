@@ -143,7 +143,7 @@ protected:
 
     /// Checks what is left and reports it. `bitmaps`: what Wine's dialogs have left of their pictures.
     static void Check(const std::string& name, int count, const Left& left, long long heapPerCall,
-                      long long bitmaps = 0, const std::string& heapOwner = ", none of it taken by the DLL")
+                      long long bitmaps = 0)
     {
         const CProcessFigures growth = left.Growth();
         EXPECT_LE(growth.handles, kSlack) << name;
@@ -171,8 +171,8 @@ protected:
         }
         if (growth.heapBytes > kHeapSlack)
         {
-            remains +=
-                "; " + std::to_string(growth.heapBytes / count) + " bytes of heap each time" + heapOwner;
+            remains += "; " + std::to_string(growth.heapBytes / count) +
+                       " bytes of heap each time, none of it taken by the DLL";
         }
         AddReportRow("long-run",
                      {name, std::to_string(count), FromTo(left.before.handles, left.after.handles),
@@ -188,9 +188,6 @@ protected:
     static constexpr long long kSlack = 4;
     static constexpr long long kHeapSlack = 64LL * 1024;
     static constexpr long long kPrivateSlack = 4LL * 1024;
-    /// A loading costs 528 bytes: the run-time's record of the thread, which it has in a list for the next
-    /// thread.
-    static constexpr long long kHeapPerLoad = 1024;
     /// What the system's own libraries take in passing and keep. Measured under Wine: 0 for markup and
     /// pictures, some 150 a check, 250 an offer, 370 an About dialog, 520 a download, none of it taken by the
     /// DLL.
@@ -229,7 +226,8 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     Load();
     Unload();
 
-    const int loads = Repetitions(20, 1000);
+    // As many as show half a kilobyte that is left each time.
+    const int loads = Repetitions(150, 1000);
     const Left loading = Repeat("loading", loads, [this](int count) {
         for (int i = 0; i < count; ++i)
         {
@@ -237,8 +235,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
             Unload();
         }
     });
-    Check("01 DLL loaded, connected, unloaded", loads, loading, kHeapPerLoad, 0,
-          ", the C++ run-time's record of the thread");
+    Check("01 DLL loaded, connected, unloaded", loads, loading, 0);
 
     Load();
     const HMODULE module = GetModuleHandleW(kAddInModule);
