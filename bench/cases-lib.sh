@@ -9,7 +9,7 @@
 # Fresh processes a figure: as many starts as Outlook takes the median of, and the least for a comparison.
 share_starts=5
 memory_rounds=9
-# Seconds for a case. The longest, the download, has taken from 150 to 240 on the same machine.
+# Seconds for a case. The longest, the download, takes some 150, and has taken more than 240 on the same machine.
 case_limit=480
 
 settings_key='HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Internet Settings'
