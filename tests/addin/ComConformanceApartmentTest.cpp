@@ -147,11 +147,13 @@ TEST(ComConformanceMultithreadedTest, CreatesTheClassBehindAProxyAndLastReleases
     ExpectUsedThroughProxy(log.NewLines(),
                            "08 a proxy for the object that the multithreaded apartment created", findings);
     module.reset();
-    // The apartment that Wine made for the object stays, and with it the module. No other test could follow
-    // here.
-    CoFreeUnusedLibrariesEx(0, 0);
-    CoFreeUnusedLibrariesEx(0, 0);
-    EXPECT_EQ(CAddInModule::IsLoaded(), IsWine());
+    // The thread of the apartment that Wine made for the object ends at its own time. If the forgotten
+    // reference is still held then, the module stays in the process for good: mostly, but not always. No
+    // other test could follow here.
+    EXPECT_TRUE(IsWine() || PumpUntil([] {
+                    CoFreeUnusedLibrariesEx(0, 0);
+                    return !CAddInModule::IsLoaded();
+                }));
 }
 
 TEST_F(ComConformanceApartmentTest, AnObjectOfASecondSingleThreadedApartmentIsLastReleasedFromTheFirst)
