@@ -4,6 +4,7 @@
 
 #include "harness/Files.h"
 #include "harness/Text.h"
+#include "harness/Threads.h"
 
 #include <gmock/gmock.h>
 
@@ -129,19 +130,6 @@ std::set<std::wstring> LoadedModules()
         names.insert(name);
     }
     return names;
-}
-
-size_t ThreadCount()
-{
-    const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-    THREADENTRY32 entry = {};
-    entry.dwSize = sizeof entry;
-    size_t count = 0;
-    for (BOOL more = Thread32First(snapshot.get(), &entry); more; more = Thread32Next(snapshot.get(), &entry))
-    {
-        count += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1U : 0U;
-    }
-    return count;
 }
 
 } // namespace
@@ -310,14 +298,14 @@ TEST(DllImageTest, LoadingRunsNoCodeThatLoadsLibrariesOrStartsThreads)
         imported.push_back(LoadLibraryA(dll.c_str()));
     }
     const std::set<std::wstring> modules = LoadedModules();
-    const size_t threads = ThreadCount();
+    const size_t threads = ThreadIds().size();
 
     const HMODULE module = LoadLibraryW(BuiltFile(kModuleName).c_str());
     ASSERT_NE(module, nullptr) << GetLastError();
     std::set<std::wstring> added = LoadedModules();
     std::erase_if(added, [&](const std::wstring& name) { return modules.contains(name); });
     EXPECT_THAT(added, ElementsAre(L"ORVAOSCADDIN.DLL"));
-    EXPECT_EQ(ThreadCount(), threads);
+    EXPECT_EQ(ThreadIds().size(), threads);
 
     using CanUnloadNow = HRESULT(STDAPICALLTYPE*)();
     const auto canUnloadNow = std::bit_cast<CanUnloadNow>(GetProcAddress(module, "DllCanUnloadNow"));

@@ -1,9 +1,9 @@
 // What this process holds of the system: the figures of which a leak would raise one.
 #include "long_run/ProcessFigures.h"
 
+#include "harness/Threads.h"
 #include "harness/Waiting.h"
 
-#include <tlhelp32.h>
 #include <winternl.h>
 
 #include <algorithm>
@@ -83,19 +83,6 @@ long long CountHandles()
     return count;
 }
 
-long long CountThreads()
-{
-    const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
-    THREADENTRY32 entry{};
-    entry.dwSize = sizeof entry;
-    long long count = 0;
-    for (BOOL more = Thread32First(snapshot.get(), &entry); more; more = Thread32Next(snapshot.get(), &entry))
-    {
-        count += entry.th32OwnerProcessID == GetCurrentProcessId();
-    }
-    return count;
-}
-
 /// The committed memory that is shared with nobody and mapped from no file.
 long long CountPrivateBytes()
 {
@@ -139,7 +126,7 @@ void Settle()
     int same = 0;
     WaitUntil(
         [&] {
-            const long long threads = CountThreads();
+            const long long threads = static_cast<long long>(ThreadIds().size());
             same = threads == last ? same + 1 : 0;
             last = threads;
             Sleep(20);
@@ -155,7 +142,7 @@ CProcessFigures CProcessFigures::Take()
     Settle();
     CProcessFigures figures;
     figures.handles = CountHandles();
-    figures.threads = CountThreads();
+    figures.threads = static_cast<long long>(ThreadIds().size());
     figures.gdiObjects = CountGdiObjects();
     figures.userObjects = CountUserObjects();
     figures.privateKib = CountPrivateBytes() / 1024;
