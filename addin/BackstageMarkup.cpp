@@ -1,11 +1,10 @@
-// Fills the Backstage markup's placeholders with the texts of the user's language.
 #include "addin/BackstageMarkup.h"
-
-#include <afxwin.h>
 
 #include "res/resource.h"
 #include "ui/LocalizedResources.h"
 #include "ui/VersionLine.h"
+
+#include <afxwin.h>
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,3 @@
-// The add-in object's life in the host: connecting, dispatching, disconnecting.
 #include "addin/Connect.h"
 
 #include "addin/LateBinding.h"

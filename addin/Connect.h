@@ -3,21 +3,20 @@
 
 #include "addin/OrvaOscAddinModule.h"
 
-#include <atlcom.h>
-
 #include <AddInDesignerObjects.h>
 #include <Office.h>
 #include <OfficeObjects.h>
+#include <atlcom.h>
 
-// The class's primary dual interface. It has no operations of its own and is not in the type library.
+/// The class's primary dual interface. It has no operations of its own and is not in the type library.
 MIDL_INTERFACE("3C3B6E0B-6A0F-4C0B-9C0E-5D2D1F0B7A41") IConnect : public IDispatch{};
 extern const IID IID_IConnect;
 
-// At once the Office add-in (_IDTExtensibility2), the ribbon provider, the target of the ribbon's callbacks
-// and the sink of the menu button's click. Created by Outlook through the class object, plainly or
-// aggregated, and called on Outlook's UI thread only (apartment model).
-//
-// No operation lets a C++ exception out; what is caught goes to the debug log.
+/// At once the Office add-in (_IDTExtensibility2), the ribbon provider, the target of the ribbon's callbacks
+/// and the sink of the menu button's click. Created by Outlook through the class object, plainly or
+/// aggregated, and called on Outlook's UI thread only (apartment model).
+///
+/// No operation lets a C++ exception out; what is caught goes to the debug log.
 class CConnect
     : public CComObjectRootEx<CComSingleThreadModel>,
       public CComCoClass<CConnect, &CLSID_Connect>,
@@ -31,7 +30,7 @@ public:
     DECLARE_REGISTRY_RESOURCEID(IDR_CONNECT)
     DECLARE_PROTECT_FINAL_CONSTRUCT()
 
-    // IDispatch leads to the ribbon callbacks: Office looks their names up on the object.
+    /// IDispatch leads to the ribbon callbacks: Office looks their names up on the object.
     BEGIN_COM_MAP(CConnect)
         COM_INTERFACE_ENTRY2(IDispatch, IRibbonCallback)
         COM_INTERFACE_ENTRY_IID(IID_IConnect, IConnect)
@@ -40,21 +39,21 @@ public:
         COM_INTERFACE_ENTRY(IRibbonCallback)
     END_COM_MAP()
 
-    // Empty: Invoke takes the click before a sink map would be asked.
+    /// Empty: Invoke takes the click before a sink map would be asked.
     BEGIN_SINK_MAP(CConnect)
     END_SINK_MAP()
 
-    // The one way in for every dispatch interface above and for the click event.
-    //
-    // Ribbon callbacks (42000 to 42009) go to IRibbonCallback's dispatcher. The click (1) shows the About
-    // dialog. What is not a ribbon callback, the click included, then goes to _IDTExtensibility2's
-    // dispatcher, whose result is returned.
+    /// The one way in for every dispatch interface above and for the click event.
+    ///
+    /// Ribbon callbacks (42000 to 42009) go to IRibbonCallback's dispatcher. The click (1) shows the About
+    /// dialog. What is not a ribbon callback, the click included, then goes to _IDTExtensibility2's
+    /// dispatcher, whose result is returned.
     STDMETHOD(Invoke)
     (DISPID dispIdMember, REFIID riid, LCID lcid, WORD wFlags, DISPPARAMS* pDispParams, VARIANT* pVarResult,
      EXCEPINFO* pExcepInfo, UINT* puArgErr) override;
 
-    // _IDTExtensibility2. OnConnection returns S_OK whatever happens in it; OnDisconnection passes on only
-    // the failure of ending the click subscription.
+    /// _IDTExtensibility2. OnConnection returns S_OK whatever happens in it; OnDisconnection passes on only
+    /// the failure of ending the click subscription.
     STDMETHOD(OnConnection)
     (IDispatch* Application, ext_ConnectMode ConnectMode, IDispatch* AddInInst, SAFEARRAY** custom) override;
     STDMETHOD(OnDisconnection)(ext_DisconnectMode RemoveMode, SAFEARRAY** custom) override;
@@ -62,11 +61,11 @@ public:
     STDMETHOD(OnStartupComplete)(SAFEARRAY** custom) override;
     STDMETHOD(OnBeginShutdown)(SAFEARRAY** custom) override;
 
-    // IRibbonExtensibility. E_POINTER without RibbonXml; an empty string for any Office but version 14, else
-    // the Backstage markup in the user's language. The ribbon's id does not matter.
+    /// IRibbonExtensibility. E_POINTER without RibbonXml; an empty string for any Office but version 14, else
+    /// the Backstage markup in the user's language. The ribbon's id does not matter.
     STDMETHOD(GetCustomUI)(BSTR RibbonID, BSTR* RibbonXml) override;
 
-    // IRibbonCallback: the explicit update check, and the two pictures (see LoadPngPicture for the results).
+    /// IRibbonCallback: the explicit update check, and the two pictures (see LoadPngPicture for the results).
     STDMETHOD(ButtonClicked)(IDispatch* ribbonControl) override;
     STDMETHOD(GetImageLogo)(IDispatch* pControl, IPictureDisp** ppdispImage) override;
     STDMETHOD(GetImageIcon)(IDispatch* pControl, IPictureDisp** ppdispImage) override;

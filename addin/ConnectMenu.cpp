@@ -1,6 +1,5 @@
 // The add-in object's menu command in an Outlook without Backstage view.
 #include "addin/Connect.h"
-
 #include "addin/LateBinding.h"
 #include "support/DebugLog.h"
 #include "ui/LocalizedResources.h"

@@ -1,7 +1,6 @@
 // The add-in object's part in Outlook 2010's Backstage view: markup, button and pictures.
-#include "addin/Connect.h"
-
 #include "addin/BackstageMarkup.h"
+#include "addin/Connect.h"
 #include "support/DebugLog.h"
 #include "support/DisabledWindow.h"
 #include "support/ExceptionGuard.h"

@@ -1,4 +1,3 @@
-// Calls of Office objects by name, so that one build serves every Office version.
 #include "addin/LateBinding.h"
 
 #include <algorithm>

@@ -1,6 +1,5 @@
 // The DLL's five exports and its module object.
 #include "addin/OrvaOscAddinModule.h"
-
 #include "support/DebugLog.h"
 #include "support/ExceptionGuard.h"
 

@@ -1,15 +1,14 @@
 // The DLL's module object: lock count, object map, registration.
 #pragma once
 
-#include <afxwin.h>
-
-#include <atlbase.h>
-
 #include "OrvaOscAddin.h"
 #include "res/resource.h"
 
-// One instance for the process, made when the DLL is loaded. Its own registration script is the add-in entry
-// that makes Outlook load the class.
+#include <afxwin.h>
+#include <atlbase.h>
+
+/// One instance for the process, made when the DLL is loaded. Its own registration script is the add-in entry
+/// that makes Outlook load the class.
 class COrvaOscAddinModule : public CAtlDllModuleT<COrvaOscAddinModule>
 {
 public:

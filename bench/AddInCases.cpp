@@ -1,4 +1,3 @@
-// The cases that see the add-in from outside, through its exports.
 #include "bench/AddInCases.h"
 
 #include "bench/LoadedAddIn.h"

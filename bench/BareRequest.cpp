@@ -1,4 +1,3 @@
-// The product's requests with WinINet alone: the same calls in the same order, and nothing around them.
 #include "bench/BareRequest.h"
 
 #include <memory>

@@ -1,10 +1,9 @@
 // The update check and its debug log.
+#include "OrvaWebHost.h"
 #include "bench/BareRequest.h"
 #include "bench/InsideCases.h"
 #include "bench/Samples.h"
 #include "bench/Turns.h"
-
-#include "OrvaWebHost.h"
 #include "support/DebugLog.h"
 #include "update/UpdateCheck.h"
 

@@ -1,9 +1,9 @@
 // The add-in that does nothing: the least that a DLL has to do for Outlook to connect it, with the bare Win32
 // API.
-#include <windows.h>
-
 #include <AddInDesignerObjects.h>
 #include <OrvaOscAddin.h>
+
+#include <windows.h>
 
 #include <new>
 

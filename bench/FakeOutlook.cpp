@@ -1,7 +1,7 @@
-// The least of Outlook that an add-in asks for at its start.
 #include "bench/FakeOutlook.h"
 
 #include <OfficeObjects.h>
+
 #include <oleauto.h>
 
 #include <cwchar>

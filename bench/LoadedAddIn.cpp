@@ -1,4 +1,3 @@
-// An add-in DLL as Outlook has it.
 #include "bench/LoadedAddIn.h"
 
 #include "bench/FakeOutlook.h"

@@ -1,9 +1,9 @@
 // An add-in DLL as Outlook has it: loaded, its object created, connected, and all that in reverse.
 #pragma once
 
-#include <windows.h>
-
 #include <AddInDesignerObjects.h>
+
+#include <windows.h>
 
 #include <string>
 

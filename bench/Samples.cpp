@@ -1,8 +1,6 @@
-// Writes samples as tab-separated lines, each at once: a program that dies has handed over what it had.
 #include "bench/Samples.h"
 
 #include <windows.h>
-
 #include <psapi.h>
 
 #include <cstdio>

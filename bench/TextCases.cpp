@@ -2,7 +2,6 @@
 #include "bench/InsideCases.h"
 #include "bench/Samples.h"
 #include "bench/Turns.h"
-
 #include "res/resource.h"
 #include "ui/LocalizedResources.h"
 

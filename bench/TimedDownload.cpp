@@ -1,4 +1,3 @@
-// The product's download dialog with a stopwatch.
 #include "bench/TimedDownload.h"
 
 #include "bench/Turns.h"

@@ -1,4 +1,3 @@
-// Measures two ways of doing the same by turns.
 #include "bench/Turns.h"
 
 #include "bench/Samples.h"
@@ -16,7 +15,7 @@ namespace
 
 constexpr double kMicroseconds = 1e6;
 
-/// How often `work` goes into a round.
+// How often `work` goes into a round.
 int Repetitions(const TimedWork& work, const Effort& effort)
 {
     int count = 0;

@@ -3,7 +3,7 @@
 # Each source has a stamp, made again only when the source, a header that it includes or the settings change, so that a
 # run after a small change costs little. The tests' own sources are checked by building the target clang_tidy_tests,
 # which no CTest test does: that takes longer than all other checks together.
-foreach(tool clang-tidy-14 clang++-14 clang-format-14 cppcheck shellcheck)
+foreach(tool clang-tidy-14 clang++-14 clang-format-16 cppcheck shellcheck)
   string(MAKE_C_IDENTIFIER "ORVA_${tool}" variable)
   find_program(${variable} ${tool} REQUIRED)
 endforeach()

@@ -1,4 +1,3 @@
-// Reading the add-in keys.
 #include "host/AddInRegistry.h"
 
 #include <windows.h>
@@ -19,12 +18,16 @@ public:
     CKey(HKEY parent, const wchar_t* name)
     {
         if (RegOpenKeyExW(parent, name, 0, KEY_READ, &m_key) != ERROR_SUCCESS)
+        {
             m_key = nullptr;
+        }
     }
     ~CKey()
     {
         if (m_key != nullptr)
+        {
             RegCloseKey(m_key);
+        }
     }
     CKey(const CKey&) = delete;
     CKey& operator=(const CKey&) = delete;
@@ -35,10 +38,14 @@ public:
     {
         DWORD size = 0;
         if (RegGetValueW(m_key, nullptr, name, RRF_RT_REG_SZ, nullptr, nullptr, &size) != ERROR_SUCCESS)
+        {
             return {};
+        }
         std::wstring text(size / sizeof(wchar_t), L'\0');
         if (RegGetValueW(m_key, nullptr, name, RRF_RT_REG_SZ, nullptr, text.data(), &size) != ERROR_SUCCESS)
+        {
             return {};
+        }
         text.resize(wcslen(text.c_str()));
         return text;
     }
@@ -59,7 +66,9 @@ void ReadRoot(HKEY root, std::vector<AddInEntry>& entries)
 {
     const CKey addIns(root, kAddInsKey);
     if (addIns.Get() == nullptr)
+    {
         return;
+    }
     wchar_t name[kLongestKeyName];
     DWORD length = kLongestKeyName;
     for (DWORD index = 0; RegEnumKeyExW(addIns.Get(), index, name, &length, nullptr, nullptr, nullptr,
@@ -71,8 +80,10 @@ void ReadRoot(HKEY root, std::vector<AddInEntry>& entries)
         });
         const CKey key(addIns.Get(), name);
         if (!known && key.Get() != nullptr)
+        {
             entries.push_back(
                 {name, key.Text(L"FriendlyName"), key.Text(L"Description"), key.Number(L"LoadBehavior")});
+        }
     }
 }
 

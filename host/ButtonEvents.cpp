@@ -1,11 +1,10 @@
-// Subscribing to and raising a button's Click.
 #include "host/ButtonEvents.h"
 
 #include <Office.h>
 
-#include <olectl.h>
-
 #include <wrl/client.h>
+
+#include <olectl.h>
 
 #include <vector>
 
@@ -21,16 +20,22 @@ constexpr DISPID kClick = 1;
 CButtonEvents::~CButtonEvents()
 {
     for (const auto& [cookie, sink] : m_sinks)
+    {
         sink->Release();
+    }
 }
 
 HRESULT CButtonEvents::Find(REFIID iid, IConnectionPoint** point)
 {
     if (point == nullptr)
+    {
         return E_POINTER;
+    }
     *point = nullptr;
     if (!IsEqualIID(iid, DIID__CommandBarButtonEvents))
+    {
         return CONNECT_E_NOCONNECTION;
+    }
     *point = this;
     AddRef();
     return S_OK;
@@ -41,7 +46,9 @@ bool CButtonEvents::Raise(IDispatch* button)
     // A subscriber may end its subscription, or another's, while it is called.
     std::vector<Microsoft::WRL::ComPtr<IDispatch>> sinks;
     for (const auto& [cookie, sink] : m_sinks)
+    {
         sinks.emplace_back(sink);
+    }
 
     VARIANT_BOOL cancel = VARIANT_FALSE;
     for (const auto& sink : sinks)
@@ -65,10 +72,14 @@ bool CButtonEvents::Raise(IDispatch* button)
 STDMETHODIMP CButtonEvents::QueryInterface(REFIID iid, void** object)
 {
     if (object == nullptr)
+    {
         return E_POINTER;
+    }
     *object = nullptr;
     if (!IsEqualIID(iid, IID_IUnknown) && !IsEqualIID(iid, IID_IConnectionPoint))
+    {
         return E_NOINTERFACE;
+    }
     *object = static_cast<IConnectionPoint*>(this);
     AddRef();
     return S_OK;
@@ -87,7 +98,9 @@ STDMETHODIMP_(ULONG) CButtonEvents::Release()
 STDMETHODIMP CButtonEvents::GetConnectionInterface(IID* iid)
 {
     if (iid == nullptr)
+    {
         return E_POINTER;
+    }
     *iid = DIID__CommandBarButtonEvents;
     return S_OK;
 }
@@ -95,7 +108,9 @@ STDMETHODIMP CButtonEvents::GetConnectionInterface(IID* iid)
 STDMETHODIMP CButtonEvents::GetConnectionPointContainer(IConnectionPointContainer** container)
 {
     if (container == nullptr)
+    {
         return E_POINTER;
+    }
     *container = &m_container;
     m_container.AddRef();
     return S_OK;
@@ -104,7 +119,9 @@ STDMETHODIMP CButtonEvents::GetConnectionPointContainer(IConnectionPointContaine
 STDMETHODIMP CButtonEvents::Advise(IUnknown* sink, DWORD* cookie)
 {
     if (sink == nullptr || cookie == nullptr)
+    {
         return E_POINTER;
+    }
     *cookie = 0;
     IDispatch* events = nullptr;
     // Office asks for the event interface itself; a sink that answers only to IDispatch is turned away.
@@ -137,7 +154,9 @@ STDMETHODIMP CButtonEvents::Unadvise(DWORD cookie)
 STDMETHODIMP CButtonEvents::EnumConnections(IEnumConnections** connections)
 {
     if (connections != nullptr)
+    {
         *connections = nullptr;
+    }
     return E_NOTIMPL;
 }
 

@@ -1,4 +1,3 @@
-// Members and events of command-bar controls.
 #include "host/CommandBarControl.h"
 
 #include "host/ButtonEvents.h"
@@ -60,7 +59,9 @@ IUnknown* CCommandBarControl::OtherInterface(REFIID iid)
 HRESULT CCommandBarControl::OnCall(DISPID id, bool isWrite, const CArguments& arguments, VARIANT& result)
 {
     if (isWrite)
+    {
         return OnWrite(id, arguments);
+    }
     switch (id)
     {
     case kBeginGroup:
@@ -69,7 +70,9 @@ HRESULT CCommandBarControl::OnCall(DISPID id, bool isWrite, const CArguments& ar
         return Return(result, m_caption);
     case kDelete:
         if (m_owner == nullptr)
+        {
             return E_FAIL;
+        }
         m_owner->Remove(*this);
         return S_OK;
     case kEnabled:
@@ -96,21 +99,33 @@ HRESULT CCommandBarControl::OnWrite(DISPID id, const CArguments& arguments)
 {
     HRESULT result = DISP_E_MEMBERNOTFOUND;
     if (id == kCaption)
+    {
         result = arguments.GetText(0, m_caption);
+    }
     else if (id == kTag)
+    {
         result = arguments.GetText(0, m_tag);
+    }
     else if (id == kEnabled)
+    {
         result = arguments.GetBool(0, m_enabled);
+    }
     else if (id == kVisible)
+    {
         result = arguments.GetBool(0, m_visible);
+    }
     else if (id == kBeginGroup)
+    {
         result = arguments.GetBool(0, m_beginsGroup);
+    }
     if (SUCCEEDED(result))
+    {
         m_model.Changed();
+    }
     return result;
 }
 
-/// The connection point container of one button: a part of the button, with the button's reference count.
+// The connection point container of one button: a part of the button, with the button's reference count.
 class CCommandBarButton::CClickSource : public IConnectionPointContainer
 {
 public:
@@ -129,7 +144,9 @@ public:
     STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints** points) override
     {
         if (points != nullptr)
+        {
             *points = nullptr;
+        }
         return E_NOTIMPL;
     }
     STDMETHODIMP FindConnectionPoint(REFIID iid, IConnectionPoint** point) override
@@ -158,7 +175,9 @@ CCommandBarButton::~CCommandBarButton()
 IUnknown* CCommandBarButton::OtherInterface(REFIID iid)
 {
     if (IsEqualIID(iid, IID_IConnectionPointContainer))
+    {
         return m_clicks;
+    }
     return CCommandBarControl::OtherInterface(iid);
 }
 
@@ -167,7 +186,9 @@ bool CCommandBarButton::Click()
     // A subscriber may delete the button.
     AddRef();
     if (m_action)
+    {
         m_action();
+    }
     const bool cancel = m_clicks->Point().Raise(this);
     Release();
     return cancel;
@@ -193,7 +214,9 @@ CCommandBarPopup::~CCommandBarPopup()
 HRESULT CCommandBarPopup::OnCall(DISPID id, bool isWrite, const CArguments& arguments, VARIANT& result)
 {
     if (id == kControls)
+    {
         return Return(result, m_controls);
+    }
     return CCommandBarControl::OnCall(id, isWrite, arguments, result);
 }
 

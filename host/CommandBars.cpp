@@ -1,4 +1,3 @@
-// Members of the command-bar collections.
 #include "host/CommandBars.h"
 
 #include <OfficeObjects.h>
@@ -46,7 +45,9 @@ CCommandBarControls::CCommandBarControls(CMenuModel& model)
 CCommandBarControls::~CCommandBarControls()
 {
     for (const auto& item : m_items)
+    {
         item->SetOwner(nullptr);
+    }
 }
 
 CCommandBarPopup& CCommandBarControls::AddPopup(const std::wstring& caption)
@@ -83,7 +84,9 @@ void CCommandBarControls::Remove(CCommandBarControl& control)
 {
     const long index = IndexOf(control);
     if (index == 0)
+    {
         return;
+    }
     control.SetOwner(nullptr);
     m_items.erase(m_items.begin() + (index - 1));
     m_model.Changed();
@@ -98,7 +101,9 @@ CCommandBarButton* CCommandBarControls::FindButton(unsigned command) const
             CCommandBarButton* button =
                 static_cast<CCommandBarPopup*>(item.Get())->Controls().FindButton(command);
             if (button != nullptr)
+            {
                 return button;
+            }
         }
         else if (item->Command() == command)
         {
@@ -132,16 +137,22 @@ HRESULT CCommandBarControls::GetItem(const CArguments& arguments, VARIANT& resul
         for (const auto& item : m_items)
         {
             if (item->Caption() == caption)
+            {
                 return Return(result, item.Get());
+            }
         }
         return E_INVALIDARG;
     }
     long index = 0;
     const HRESULT hr = arguments.GetInt(0, index);
     if (FAILED(hr))
+    {
         return hr;
+    }
     if (index < 1 || static_cast<size_t>(index) > m_items.size())
+    {
         return E_INVALIDARG;
+    }
     return Return(result, m_items[static_cast<size_t>(index) - 1].Get());
 }
 
@@ -154,25 +165,43 @@ HRESULT CCommandBarControls::Add(const CArguments& arguments, VARIANT& result)
     bool temporary = false;
     HRESULT hr = S_OK;
     if (arguments.Has(0))
+    {
         hr = arguments.GetInt(0, type);
+    }
     if (SUCCEEDED(hr) && arguments.Has(3))
+    {
         hr = arguments.GetInt(3, before);
+    }
     if (SUCCEEDED(hr) && arguments.Has(4))
+    {
         hr = arguments.GetBool(4, temporary);
+    }
     if (FAILED(hr))
+    {
         return hr;
+    }
     if (before < 1 || static_cast<size_t>(before) > m_items.size() + 1)
+    {
         return E_INVALIDARG;
+    }
 
     CCommandBarControl* control = nullptr;
     if (type == kControlButton)
+    {
         control = new CCommandBarButton(m_model);
+    }
     else if (type == kControlPopup)
+    {
         control = new CCommandBarPopup(m_model);
+    }
     else
+    {
         return E_INVALIDARG;
+    }
     if (!temporary)
+    {
         Trace().Event(L"a control that is not temporary is treated as temporary");
+    }
     Insert(static_cast<size_t>(before) - 1, control);
     return Return(result, control);
 }

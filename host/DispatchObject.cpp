@@ -1,4 +1,3 @@
-// Late-bound calls into the stand-in's objects.
 #include "host/DispatchObject.h"
 
 #include <cstdio>
@@ -45,7 +44,9 @@ HRESULT CArguments::GetInt(UINT index, long& value) const
     VARIANT converted;
     VariantInit(&converted);
     if (FAILED(VariantChangeType(&converted, Writable((*this)[index]), 0, VT_I4)))
+    {
         return DISP_E_TYPEMISMATCH;
+    }
     value = converted.lVal;
     return S_OK;
 }
@@ -55,7 +56,9 @@ HRESULT CArguments::GetText(UINT index, std::wstring& value) const
     VARIANT converted;
     VariantInit(&converted);
     if (FAILED(VariantChangeType(&converted, Writable((*this)[index]), 0, VT_BSTR)))
+    {
         return DISP_E_TYPEMISMATCH;
+    }
     value.assign(converted.bstrVal, SysStringLen(converted.bstrVal));
     VariantClear(&converted);
     return S_OK;
@@ -72,7 +75,9 @@ HRESULT CArguments::GetBool(UINT index, bool& value) const
     long number = 0;
     const HRESULT result = GetInt(index, number);
     if (SUCCEEDED(result))
+    {
         value = number != 0;
+    }
     return result;
 }
 
@@ -80,7 +85,9 @@ std::wstring CArguments::Text() const
 {
     std::wstring text;
     for (UINT index = 0; index < Count(); ++index)
+    {
         text += (index == 0 ? L"" : L", ") + VariantText((*this)[index]);
+    }
     return text;
 }
 
@@ -100,7 +107,9 @@ std::wstring VariantText(const VARIANT& value)
         wchar_t text[32];
         if (swprintf(text, std::size(text), L"%ls (0x%04X)", value.boolVal != 0 ? L"true" : L"false",
                      static_cast<unsigned>(static_cast<USHORT>(value.boolVal))) < 0)
+        {
             return {};
+        }
         return text;
     }
     case VT_ERROR:
@@ -121,15 +130,23 @@ CDispatchObject::CDispatchObject(CTrace& trace, const wchar_t* name, const IID& 
 STDMETHODIMP CDispatchObject::QueryInterface(REFIID iid, void** object)
 {
     if (object == nullptr)
+    {
         return E_POINTER;
+    }
     IUnknown* found = nullptr;
     if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) || IsEqualIID(iid, m_id))
+    {
         found = static_cast<IDispatch*>(this);
+    }
     else
+    {
         found = OtherInterface(iid);
+    }
     *object = found;
     if (found == nullptr)
+    {
         return E_NOINTERFACE;
+    }
     found->AddRef();
     return S_OK;
 }
@@ -143,14 +160,18 @@ STDMETHODIMP_(ULONG) CDispatchObject::Release()
 {
     const LONG left = InterlockedDecrement(&m_references);
     if (left == 0)
+    {
         delete this;
+    }
     return static_cast<ULONG>(left);
 }
 
 STDMETHODIMP CDispatchObject::GetTypeInfoCount(UINT* count)
 {
     if (count == nullptr)
+    {
         return E_POINTER;
+    }
     *count = 0;
     return S_OK;
 }
@@ -158,24 +179,36 @@ STDMETHODIMP CDispatchObject::GetTypeInfoCount(UINT* count)
 STDMETHODIMP CDispatchObject::GetTypeInfo(UINT, LCID, ITypeInfo** information)
 {
     if (information != nullptr)
+    {
         *information = nullptr;
+    }
     return DISP_E_BADINDEX;
 }
 
 STDMETHODIMP CDispatchObject::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids)
 {
     if (!IsEqualIID(iid, IID_NULL))
+    {
         return DISP_E_UNKNOWNINTERFACE;
+    }
     if (names == nullptr || ids == nullptr || count == 0)
+    {
         return E_INVALIDARG;
+    }
     // Names of parameters may follow the member's; none of our members takes its arguments by name.
     for (UINT index = 0; index < count; ++index)
+    {
         ids[index] = DISPID_UNKNOWN;
+    }
     const Member* member = Find(names[0]);
     if (member != nullptr)
+    {
         ids[0] = member->id;
+    }
     if (member != nullptr && count == 1)
+    {
         return S_OK;
+    }
     m_trace.Call(kAddIn, kOutlook,
                  std::wstring(m_name) + L".GetIDsOfNames(" + names[count > 1 ? 1 : 0] + L")",
                  DISP_E_UNKNOWNNAME, 0);
@@ -186,9 +219,13 @@ STDMETHODIMP CDispatchObject::Invoke(DISPID id, REFIID iid, LCID locale, WORD fl
                                      VARIANT* result, EXCEPINFO*, UINT*)
 {
     if (!IsEqualIID(iid, IID_NULL))
+    {
         return DISP_E_UNKNOWNINTERFACE;
+    }
     if (parameters == nullptr)
+    {
         return E_INVALIDARG;
+    }
     const bool isWrite = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
     const CArguments arguments(*parameters);
     const Member* member = Find(id);
@@ -196,9 +233,13 @@ STDMETHODIMP CDispatchObject::Invoke(DISPID id, REFIID iid, LCID locale, WORD fl
     std::wstring line =
         std::wstring(m_name) + L"." + (member != nullptr ? member->name : std::to_wstring(id));
     if (isWrite)
+    {
         line += L" := " + arguments.Text() + L" [locale " + std::to_wstring(locale) + L"]";
+    }
     else if (arguments.Count() > 0)
+    {
         line += L"(" + arguments.Text() + L")";
+    }
 
     VARIANT value;
     VariantInit(&value);
@@ -210,17 +251,27 @@ STDMETHODIMP CDispatchObject::Invoke(DISPID id, REFIID iid, LCID locale, WORD fl
         const UINT extra = isWrite ? 1 : 0;
         const UINT named = isWrite ? 1 : 0;
         if (member == nullptr || (member->kinds & flags) == 0)
+        {
             hr = DISP_E_MEMBERNOTFOUND;
+        }
         else if (parameters->cNamedArgs != named ||
                  (isWrite && parameters->rgdispidNamedArgs[0] != DISPID_PROPERTYPUT))
+        {
             hr = isWrite ? DISP_E_PARAMNOTOPTIONAL : DISP_E_NONAMEDARGS;
+        }
         else if (arguments.Count() < member->minimumArguments + extra ||
                  arguments.Count() > member->maximumArguments + extra)
+        {
             hr = DISP_E_BADPARAMCOUNT;
+        }
         else
+        {
             hr = OnCall(id, isWrite, arguments, value);
+        }
         if (SUCCEEDED(hr) && value.vt != VT_EMPTY)
+        {
             detail = VariantText(value);
+        }
     }
     catch (...)
     {
@@ -228,9 +279,13 @@ STDMETHODIMP CDispatchObject::Invoke(DISPID id, REFIID iid, LCID locale, WORD fl
     }
     m_trace.Call(kAddIn, kOutlook, line, hr, m_trace.Now() - start, detail);
     if (result != nullptr)
+    {
         *result = value;
+    }
     else
+    {
         VariantClear(&value);
+    }
     return hr;
 }
 
@@ -239,7 +294,9 @@ const Member* CDispatchObject::Find(DISPID id) const
     for (const Member& member : m_members)
     {
         if (member.id == id)
+        {
             return &member;
+        }
     }
     return nullptr;
 }
@@ -249,7 +306,9 @@ const Member* CDispatchObject::Find(const wchar_t* name) const
     for (const Member& member : m_members)
     {
         if (_wcsicmp(member.name, name) == 0)
+        {
             return &member;
+        }
     }
     return nullptr;
 }
@@ -258,7 +317,9 @@ HRESULT Return(VARIANT& result, const std::wstring& text)
 {
     result.bstrVal = SysAllocStringLen(text.c_str(), static_cast<UINT>(text.size()));
     if (result.bstrVal == nullptr)
+    {
         return E_OUTOFMEMORY;
+    }
     result.vt = VT_BSTR;
     return S_OK;
 }
@@ -282,7 +343,9 @@ HRESULT Return(VARIANT& result, IDispatch* object)
     result.vt = VT_DISPATCH;
     result.pdispVal = object;
     if (object != nullptr)
+    {
         object->AddRef();
+    }
     return S_OK;
 }
 

@@ -4,7 +4,6 @@
 #include "host/Trace.h"
 
 #include <windows.h>
-
 #include <oaidl.h>
 
 #include <span>

@@ -1,4 +1,3 @@
-// Making, arranging and drawing a page's controls.
 #include "host/FilePage.h"
 
 #include "host/LinkWindow.h"
@@ -38,15 +37,21 @@ CFilePage::CFilePage(HWND view, const RibbonTab& tab, const PictureLoader& loadP
       m_white(CreateSolidBrush(kWhite))
 {
     for (const RibbonGroup& group : tab.firstColumn)
+    {
         m_columns[0].push_back(MakeGroup(group, loadPicture));
+    }
     for (const RibbonGroup& group : tab.secondColumn)
+    {
         m_columns[1].push_back(MakeGroup(group, loadPicture));
+    }
 }
 
 CFilePage::~CFilePage()
 {
     for (const Piece& piece : m_pieces)
+    {
         DestroyWindow(piece.window);
+    }
     DestroyWindow(m_tips);
     DeleteObject(m_white);
 }
@@ -56,13 +61,21 @@ CFilePage::GroupPieces CFilePage::MakeGroup(const RibbonGroup& group, const Pict
     GroupPieces pieces;
     pieces.heading = MakeText(group.label, Role::Heading);
     if (!group.helperText.empty())
+    {
         pieces.helper = MakeText(group.helperText, Role::Helper);
+    }
     if (group.primary)
+    {
         pieces.primary = MakeItem(*group.primary, loadPicture);
+    }
     for (const RibbonItem& item : group.top)
+    {
         pieces.rest.push_back(MakeItem(item, loadPicture));
+    }
     for (const RibbonItem& item : group.bottom)
+    {
         pieces.rest.push_back(MakeItem(item, loadPicture));
+    }
     return pieces;
 }
 
@@ -79,7 +92,9 @@ int CFilePage::MakeItem(const RibbonItem& item, const PictureLoader& loadPicture
     Piece piece;
     piece.item = item;
     if (!item.getImage.empty())
+    {
         piece.picture = loadPicture(item);
+    }
     return Add(piece);
 }
 
@@ -113,7 +128,9 @@ int CFilePage::Add(Piece piece)
 void CFilePage::AddTip(HWND control, const std::wstring& text) const
 {
     if (text.empty())
+    {
         return;
+    }
     std::wstring copy = text;
     TOOLINFOW tool{};
     // Common controls before version 6 refuse the longer structure.
@@ -129,7 +146,9 @@ const RibbonItem* CFilePage::FindItem(int id) const
 {
     const int index = id - kFirstPageItem;
     if (index < 0 || index >= static_cast<int>(m_pieces.size()))
+    {
         return nullptr;
+    }
     const Piece& piece = m_pieces[static_cast<size_t>(index)];
     return piece.role == Role::Item ? &piece.item : nullptr;
 }
@@ -137,7 +156,9 @@ const RibbonItem* CFilePage::FindItem(int id) const
 HFONT CFilePage::FontOf(const Piece& piece) const
 {
     if (piece.role == Role::Heading)
+    {
         return m_headingFont.Get();
+    }
     return piece.item.kind == RibbonItemKind::Link ? m_linkFont.Get() : m_textFont.Get();
 }
 
@@ -154,7 +175,9 @@ void CFilePage::Layout(const RECT& area) const
 void CFilePage::LayoutColumn(const std::vector<GroupPieces>& groups, int x, int y, int width) const
 {
     for (const GroupPieces& group : groups)
+    {
         y = LayoutGroup(group, x, y, width) + kGroupGap;
+    }
 }
 
 int CFilePage::LayoutGroup(const GroupPieces& group, int x, int y, int width) const
@@ -172,10 +195,14 @@ int CFilePage::LayoutGroup(const GroupPieces& group, int x, int y, int width) co
     }
     y = Place(group.heading, x, y, width);
     if (group.helper >= 0)
+    {
         y = Place(group.helper, x, y, width);
+    }
     y += kItemGap;
     for (const int piece : group.rest)
+    {
         y = Place(piece, x, y, width);
+    }
     return std::max(bottom, y);
 }
 
@@ -207,7 +234,9 @@ SIZE CFilePage::ButtonSize(const Piece& piece) const
     const SIZE text = TextSize(m_view, piece.item.label, m_textFont.Get());
     const LONG width = text.cx + 2 * kItemGap;
     if (piece.picture.IsEmpty())
+    {
         return {width, kSmallButtonHeight};
+    }
     return {std::max<LONG>(kPrimarySize, width), kPrimarySize};
 }
 
@@ -215,7 +244,9 @@ void CFilePage::Paint(HDC dc, const RECT& area) const
 {
     FillBox(dc, area, kWhite);
     if (m_columns[1].empty())
+    {
         return;
+    }
     const LONG middle = (area.left + area.right) / 2;
     FillBox(dc, {middle, area.top + kMargin, middle + 1, area.bottom - kMargin}, kLine);
 }
@@ -224,13 +255,19 @@ void CFilePage::DrawItem(const DRAWITEMSTRUCT& draw) const
 {
     const size_t index = draw.CtlID - static_cast<UINT>(kFirstPageItem);
     if (index >= m_pieces.size())
+    {
         return;
+    }
     const Piece& piece = m_pieces[index];
     FillBox(draw.hDC, draw.rcItem, kWhite);
     if (piece.item.kind == RibbonItemKind::Image)
+    {
         piece.picture.Draw(draw.hDC, 0, 0);
+    }
     else
+    {
         DrawButton(draw, piece);
+    }
 }
 
 void CFilePage::DrawButton(const DRAWITEMSTRUCT& draw, const Piece& piece) const
@@ -260,9 +297,13 @@ LRESULT CFilePage::StaticColour(HDC dc, HWND control) const
     for (const Piece& piece : m_pieces)
     {
         if (piece.window == control && piece.role == Role::Heading)
+        {
             colour = kHeading;
+        }
         else if (piece.window == control && piece.role == Role::Helper)
+        {
             colour = kQuietText;
+        }
     }
     SetTextColor(dc, colour);
     SetBkColor(dc, kWhite);

@@ -1,4 +1,3 @@
-// The File view's strip of pages, and what the controls of a page do.
 #include "host/FileView.h"
 
 #include "host/RibbonControl.h"
@@ -31,9 +30,13 @@ CFileView::CFileView(CTrace& trace, HWND parent, int top, std::vector<FileViewTa
     : m_trace(trace), m_top(top), m_tabs(std::move(tabs)), m_context(context), m_stripFont(10, FW_NORMAL)
 {
     for (const std::wstring& note : notes)
+    {
         m_notes += (m_notes.empty() ? L"" : L"\r\n\r\n") + note;
+    }
     if (notes.empty())
+    {
         m_notes = L"This is the stand-in Outlook. It has no accounts.";
+    }
 
     InitCommonControls();
     const HINSTANCE instance = GetModuleHandleW(nullptr);
@@ -46,11 +49,15 @@ CFileView::CFileView(CTrace& trace, HWND parent, int top, std::vector<FileViewTa
     RegisterClassExW(&windowClass);
     if (CreateWindowExW(WS_EX_CONTROLPARENT, kFileViewClass, L"File", WS_CHILD | WS_CLIPCHILDREN, 0, 0, 0, 0,
                         parent, nullptr, instance, this) == nullptr)
+    {
         return;
+    }
 
     AddStripButton(L"Info", kInfoButton);
     for (size_t index = 0; index < m_tabs.size(); ++index)
+    {
         AddStripButton(m_tabs[index].tab.label, kFirstTabButton + static_cast<int>(index));
+    }
     AddStripButton(L"Back to mail", kBackButton);
 
     Resize();
@@ -63,7 +70,9 @@ CFileView::~CFileView()
 {
     m_page.reset();
     if (m_window != nullptr)
+    {
         DestroyWindow(m_window);
+    }
 }
 
 void CFileView::AddStripButton(const std::wstring& caption, int id)
@@ -90,7 +99,9 @@ void CFileView::Layout()
         y += kStripButtonHeight;
     }
     if (m_page)
+    {
         m_page->Layout(PageArea());
+    }
     InvalidateRect(m_window, nullptr, FALSE);
 }
 
@@ -112,7 +123,9 @@ LRESULT CALLBACK CFileView::Procedure(HWND window, UINT message, WPARAM wParam, 
     }
     auto* view = reinterpret_cast<CFileView*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (view == nullptr)
+    {
         return DefWindowProcW(window, message, wParam, lParam);
+    }
     return view->OnMessage(message, wParam, lParam);
 }
 
@@ -122,7 +135,9 @@ LRESULT CFileView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     {
     case WM_COMMAND:
         if (HIWORD(wParam) == BN_CLICKED)
+        {
             OnCommand(LOWORD(wParam));
+        }
         return 0;
     case WM_PAINT:
         OnPaint();
@@ -132,14 +147,20 @@ LRESULT CFileView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
     case WM_DRAWITEM: {
         const auto& draw = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
         if (draw.CtlID < static_cast<UINT>(kFirstPageItem))
+        {
             DrawStripButton(draw);
+        }
         else if (m_page)
+        {
             m_page->DrawItem(draw);
+        }
         return TRUE;
     }
     case WM_CTLCOLORSTATIC:
         if (m_page)
+        {
             return m_page->StaticColour(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam));
+        }
         return DefWindowProcW(m_window, message, wParam, lParam);
     case WM_NCDESTROY: {
         const HWND window = m_window;
@@ -155,18 +176,26 @@ LRESULT CFileView::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
 void CFileView::OnCommand(int id)
 {
     if (id == kBackButton || id == IDCANCEL)
+    {
         PostMessageW(GetParent(m_window), kFileViewClosed, 0, 0);
+    }
     else if (id == IDOK)
     {
         // Enter reaches a button that draws itself as the dialog's default command.
         const int focused = GetDlgCtrlID(GetFocus());
         if (focused != IDOK)
+        {
             OnCommand(focused);
+        }
     }
     else if (id == kInfoButton)
+    {
         ShowPage(kInfoPage);
+    }
     else if (id >= kFirstTabButton && id < kFirstTabButton + static_cast<int>(m_tabs.size()))
+    {
         ShowPage(id - kFirstTabButton);
+    }
     else if (m_page && m_page->FindItem(id) != nullptr)
     {
         // The callback may run a message loop in which the page changes.
@@ -192,7 +221,9 @@ void CFileView::OnItem(const RibbonItem& item)
         const HWND parent = GetParent(m_window);
         m_tabs[static_cast<size_t>(m_shown)].addIn->CallBack(item.onAction, item.id, control.Get(), nullptr);
         if (item.isDefinitive)
+        {
             PostMessageW(parent, kFileViewClosed, 0, 0);
+        }
     }
 }
 
@@ -255,7 +286,9 @@ void CFileView::OnPaint()
     FillBox(dc, strip, kPane);
     FillBox(dc, {kStripWidth - 1, 0, kStripWidth, strip.bottom}, kLine);
     if (m_page)
+    {
         m_page->Paint(dc, PageArea());
+    }
     EndPaint(m_window, &paint);
 }
 
@@ -266,7 +299,9 @@ void CFileView::DrawStripButton(const DRAWITEMSTRUCT& draw)
     RECT box = draw.rcItem;
     FillBox(draw.hDC, box, isShown ? kAccent : kPane);
     if (!isShown)
+    {
         FillBox(draw.hDC, {box.right - 1, box.top, box.right, box.bottom}, kLine);
+    }
     RECT text = box;
     text.left += kStripIndent;
     DrawLine(draw.hDC, WindowText(draw.hwndItem), text, m_stripFont.Get(), isShown ? kWhite : kText);

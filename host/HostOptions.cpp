@@ -1,4 +1,3 @@
-// Command line of the stand-in Outlook.
 #include "host/HostOptions.h"
 
 #include <cwchar>
@@ -72,7 +71,9 @@ bool ParseOptions(const std::vector<std::wstring>& arguments, HostOptions& optio
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument)
     {
         if (SetSwitch(*argument, options))
+        {
             continue;
+        }
         if (*argument != L"--office" && *argument != L"--mode" && *argument != L"--trace")
         {
             error = L"unknown option: " + *argument;
@@ -86,9 +87,13 @@ bool ParseOptions(const std::vector<std::wstring>& arguments, HostOptions& optio
         }
         const std::wstring& value = *++argument;
         if (name == L"--office")
+        {
             options.version = ExpandVersion(value);
+        }
         else if (name == L"--trace")
+        {
             options.traceFile = value;
+        }
         else if (!SetMode(value, options))
         {
             error = L"--mode is one of startup, after-startup, external, command-line, not " + value;
@@ -103,7 +108,9 @@ std::wstring ExpandVersion(const std::wstring& text)
     for (const auto& [shortForm, version] : kVersions)
     {
         if (text == shortForm)
+        {
             return version;
+        }
     }
     return text;
 }

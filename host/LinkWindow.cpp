@@ -1,4 +1,3 @@
-// The link's window procedure.
 #include "host/LinkWindow.h"
 
 #include "host/Painting.h"
@@ -25,7 +24,9 @@ void Paint(HWND window)
     GetWindowTextW(window, caption, static_cast<int>(std::size(caption)));
     DrawLine(dc, caption, box, reinterpret_cast<HFONT>(GetWindowLongPtrW(window, 0)), kLink);
     if (GetFocus() == window)
+    {
         DrawFocusRect(dc, &box);
+    }
     EndPaint(window, &paint);
 }
 
@@ -58,12 +59,16 @@ LRESULT CALLBACK LinkProcedure(HWND window, UINT message, WPARAM wParam, LPARAM 
         RECT box;
         GetClientRect(window, &box);
         if (pressedHere && PtInRect(&box, point))
+        {
             Click(window);
+        }
         return 0;
     }
     case WM_KEYDOWN:
         if (wParam == VK_RETURN || wParam == VK_SPACE)
+        {
             Click(window);
+        }
         return 0;
     case BM_CLICK:
         Click(window);

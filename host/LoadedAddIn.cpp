@@ -1,4 +1,3 @@
-// Creating, calling and releasing an add-in.
 #include "host/LoadedAddIn.h"
 
 #include "host/FindFunction.h"
@@ -14,7 +13,7 @@ namespace
 
 constexpr wchar_t kMainWindowRibbon[] = L"Microsoft.Outlook.Explorer";
 
-/// The `custom` argument of the life-cycle calls: an array without elements, as Office passes it.
+// The `custom` argument of the life-cycle calls: an array without elements, as Office passes it.
 class CCustomArguments
 {
 public:
@@ -22,7 +21,9 @@ public:
     ~CCustomArguments()
     {
         if (m_array != nullptr)
+        {
             SafeArrayDestroy(m_array);
+        }
     }
     CCustomArguments(const CCustomArguments&) = delete;
     CCustomArguments& operator=(const CCustomArguments&) = delete;
@@ -33,19 +34,23 @@ private:
     SAFEARRAY* m_array;
 };
 
-/// The class of a ProgID. A version-independent one may have no class of its own and only name the current
-/// version: Windows follows that, Wine 8 does not.
+// The class of a ProgID. A version-independent one may have no class of its own and only name the current
+// version: Windows follows that, Wine 8 does not.
 HRESULT FindClass(const std::wstring& progId, CLSID& classId)
 {
     const HRESULT result = CLSIDFromProgID(progId.c_str(), &classId);
     if (SUCCEEDED(result))
+    {
         return result;
+    }
     wchar_t current[MAX_PATH];
     DWORD size = sizeof(current);
     const std::wstring key = progId + L"\\CurVer";
     if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, current, &size) !=
         ERROR_SUCCESS)
+    {
         return result;
+    }
     return CLSIDFromProgID(current, &classId);
 }
 
@@ -63,13 +68,17 @@ bool CLoadedAddIn::Load()
     HRESULT result = m_trace.Run(kOutlook, L"COM", L"CLSIDFromProgID(" + ProgId() + L")",
                                  [&] { return FindClass(ProgId(), m_classId); });
     if (FAILED(result))
+    {
         return false;
+    }
     result = m_trace.Run(kOutlook, ProgId(), L"CoCreateInstance", [&] {
         return CoCreateInstance(m_classId, nullptr, CLSCTX_INPROC_SERVER, IID_IUnknown,
                                 reinterpret_cast<void**>(m_object.ReleaseAndGetAddressOf()));
     });
     if (FAILED(result))
+    {
         return false;
+    }
     NoteModule();
     result = m_trace.Run(kOutlook, ProgId(), L"QueryInterface(_IDTExtensibility2)", [&] {
         return m_object->QueryInterface(IID__IDTExtensibility2,
@@ -87,7 +96,9 @@ void CLoadedAddIn::NoteModule()
     DWORD size = sizeof(path);
     if (RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, path, &size) ==
         ERROR_SUCCESS)
+    {
         m_modulePath = path;
+    }
 }
 
 bool CLoadedAddIn::Connect(IDispatch* application, ConnectMode mode)
@@ -112,7 +123,9 @@ std::wstring CLoadedAddIn::GetCustomUi()
                                         reinterpret_cast<void**>(ribbon.ReleaseAndGetAddressOf()));
     });
     if (FAILED(result))
+    {
         return {};
+    }
     _bstr_t ribbonId(kMainWindowRibbon);
     BSTR text = nullptr;
     result = m_trace.Run(kOutlook, ProgId(), std::wstring(L"GetCustomUI(") + kMainWindowRibbon + L")",
@@ -161,10 +174,14 @@ void CLoadedAddIn::Release()
 
     const HMODULE module = m_modulePath.empty() ? nullptr : GetModuleHandleW(m_modulePath.c_str());
     if (module == nullptr)
+    {
         return;
+    }
     const auto canUnloadNow = FindFunction<HRESULT(STDAPICALLTYPE*)()>(module, "DllCanUnloadNow");
     if (canUnloadNow != nullptr)
+    {
         m_trace.Run(kOutlook, ProgId(), L"DllCanUnloadNow", [&] { return canUnloadNow(); });
+    }
     CoFreeUnusedLibrariesEx(0, 0);
     const bool unloaded = GetModuleHandleW(m_modulePath.c_str()) == nullptr;
     m_trace.Event(ProgId() + (unloaded ? L" unloaded" : L" still loaded"));
@@ -186,14 +203,18 @@ HRESULT CLoadedAddIn::CallBack(const std::wstring& name, const std::wstring& con
                                         reinterpret_cast<void**>(dispatch.ReleaseAndGetAddressOf()));
     });
     if (FAILED(hr))
+    {
         return hr;
+    }
     std::wstring text = name;
     LPOLESTR names[] = {text.data()};
     DISPID id = DISPID_UNKNOWN;
     hr = m_trace.Run(kOutlook, ProgId(), L"GetIDsOfNames(" + name + L")",
                      [&] { return dispatch->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id); });
     if (FAILED(hr))
+    {
         return hr;
+    }
 
     VARIANT argument;
     VariantInit(&argument);

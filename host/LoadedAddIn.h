@@ -6,10 +6,11 @@
 #include "host/OutlookObjects.h"
 #include "host/Trace.h"
 
-#include <windows.h>
-
 #include <AddInDesignerObjects.h>
+
 #include <wrl/client.h>
+
+#include <windows.h>
 
 #include <string>
 

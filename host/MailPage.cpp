@@ -1,4 +1,3 @@
-// Painting the mail view.
 #include "host/MailPage.h"
 
 #include "host/Painting.h"
@@ -60,7 +59,9 @@ void PaintFolders(HDC dc, const RECT& area, HFONT font, HFONT boldFont)
         const bool isTitle = folder == kFolders[0];
         const bool isCurrent = folder == kFolders[1];
         if (isCurrent)
+        {
             FillBox(dc, row, kLine);
+        }
         RECT text = row;
         text.left += isTitle ? kIndent : 2 * kIndent;
         DrawLine(dc, folder, text, isTitle || isCurrent ? boldFont : font, isTitle ? kHeading : kText);

@@ -1,4 +1,3 @@
-// The main window's life and messages.
 #include "host/MainWindow.h"
 
 #include "host/MailPage.h"
@@ -45,7 +44,9 @@ bool CMainWindow::Create()
     RegisterClassExW(&windowClass);
     if (CreateWindowExW(0, kMainWindowClass, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, CW_USEDEFAULT,
                         CW_USEDEFAULT, kWidth, kHeight, nullptr, MakeMenu(m_bar), instance, this) == nullptr)
+    {
         return false;
+    }
     // Shown whatever the parent process asks: add-ins look for a visible window.
     ShowWindow(m_window, SW_SHOWNORMAL);
     UpdateWindow(m_window);
@@ -68,7 +69,9 @@ void CMainWindow::AllowFileView(std::vector<FileViewTab> tabs, std::vector<std::
 void CMainWindow::OpenFileView()
 {
     if (m_fileButton == nullptr || m_fileView)
+    {
         return;
+    }
     m_trace.Event(L"File view opened");
     m_fileView =
         std::make_unique<CFileView>(m_trace, m_window, kTabStripHeight, m_tabs, m_notes, m_context.Get());
@@ -89,7 +92,9 @@ void CMainWindow::AllowClose()
 {
     m_mayClose = true;
     if (m_closeRequested)
+    {
         PostMessageW(m_window, kTryClose, 0, 0);
+    }
 }
 
 void CMainWindow::Destroy()
@@ -98,7 +103,9 @@ void CMainWindow::Destroy()
     m_tabs.clear();
     m_context.Reset();
     if (m_window != nullptr)
+    {
         DestroyWindow(m_window);
+    }
 }
 
 bool CMainWindow::TakeKey(MSG& message)
@@ -109,7 +116,9 @@ bool CMainWindow::TakeKey(MSG& message)
 void CMainWindow::MenuChanged()
 {
     if (m_window == nullptr)
+    {
         return;
+    }
     const HMENU previous = GetMenu(m_window);
     SetMenu(m_window, MakeMenu(m_bar));
     DestroyMenu(previous);
@@ -126,7 +135,9 @@ LRESULT CALLBACK CMainWindow::Procedure(HWND window, UINT message, WPARAM wParam
     }
     auto* self = reinterpret_cast<CMainWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     if (self == nullptr)
+    {
         return DefWindowProcW(window, message, wParam, lParam);
+    }
     // Messages nest while an add-in shows a dialog; the window may end only at the outermost.
     ++self->m_depth;
     const LRESULT result = self->OnMessage(message, wParam, lParam);
@@ -154,14 +165,18 @@ LRESULT CMainWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case WM_ENABLE:
         if (wParam != FALSE && m_closeRequested)
+        {
             PostMessageW(m_window, kTryClose, 0, 0);
+        }
         return 0;
     case WM_COMMAND:
         OnCommand(LOWORD(wParam));
         return 0;
     case WM_SIZE:
         if (m_fileView)
+        {
             m_fileView->Resize();
+        }
         InvalidateRect(m_window, nullptr, FALSE);
         return 0;
     case WM_ERASEBKGND:
@@ -189,14 +204,20 @@ void CMainWindow::OnCommand(unsigned id)
     if (id == static_cast<unsigned>(kFileButton))
     {
         if (m_fileView)
+        {
             PostMessageW(m_window, kFileViewClosed, 0, 0);
+        }
         else
+        {
             OpenFileView();
+        }
         return;
     }
     CCommandBarButton* button = m_bar.Controls().FindButton(id);
     if (button == nullptr)
+    {
         return;
+    }
     m_trace.Event(L"menu command " + button->Caption());
     button->Click();
 }
@@ -206,7 +227,9 @@ void CMainWindow::OnClose()
     // A dialog of an add-in is a message loop inside one of our calls: ending here would pull the floor from
     // under it. When the dialog is gone the window is enabled, and asks again.
     if (!m_mayClose || !IsWindowEnabled(m_window))
+    {
         return;
+    }
     if (m_depth > 1)
     {
         PostMessageW(m_window, kTryClose, 0, 0);

@@ -1,11 +1,10 @@
-// Asking MSXML's SAX reader for the place of a fault.
 #include "host/MarkupFault.h"
 
-#include <windows.h>
+#include <wrl/client.h>
 
+#include <windows.h>
 #include <comdef.h>
 #include <msxml2.h>
-#include <wrl/client.h>
 
 namespace orva::host
 {
@@ -19,7 +18,7 @@ constexpr IID kSaxReaderId = {0xA4F96ED0, 0xF829, 0x476E, {0x81, 0xC0, 0xCD, 0xC
 constexpr IID kErrorHandlerId = {
     0xA60511C4, 0xCCF5, 0x479E, {0x98, 0xA3, 0xDC, 0x8D, 0xC5, 0x45, 0xB7, 0xD0}};
 
-/// Keeps the first fatal error. Lives on the stack of its only user, so its reference count is a formality.
+// Keeps the first fatal error. Lives on the stack of its only user, so its reference count is a formality.
 class CFirstFault : public ISAXErrorHandler
 {
 public:
@@ -29,7 +28,9 @@ public:
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override
     {
         if (object == nullptr)
+        {
             return E_POINTER;
+        }
         const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, kErrorHandlerId);
         *object = known ? this : nullptr;
         return known ? S_OK : E_NOINTERFACE;
@@ -41,7 +42,9 @@ public:
     STDMETHODIMP fatalError(ISAXLocator* locator, const wchar_t* message, HRESULT) override
     {
         if (m_found)
+        {
             return S_OK;
+        }
         m_found = true;
         int line = 0;
         int column = 0;
@@ -53,9 +56,13 @@ public:
         m_error.line = line;
         m_error.position = column;
         if (message != nullptr && *message != L'\0')
+        {
             m_error.reason = message;
+        }
         while (!m_error.reason.empty() && wcschr(L" \t\r\n", m_error.reason.back()) != nullptr)
+        {
             m_error.reason.pop_back();
+        }
         return S_OK;
     }
 
@@ -73,11 +80,15 @@ void LocateMarkupFault(const std::wstring& text, MarkupError& error)
     {
         CLSID classId{};
         if (!reader && SUCCEEDED(CLSIDFromProgID(progId, &classId)))
+        {
             CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, kSaxReaderId,
                              reinterpret_cast<void**>(reader.ReleaseAndGetAddressOf()));
+        }
     }
     if (!reader)
+    {
         return;
+    }
     CFirstFault fault(error);
     reader->putErrorHandler(&fault);
     reader->parse(_variant_t(text.c_str()));

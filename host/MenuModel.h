@@ -28,7 +28,9 @@ public:
     void Changed() const
     {
         if (m_observer != nullptr)
+        {
             m_observer->MenuChanged();
+        }
     }
     /// Id of a menu item, unique in this explorer.
     unsigned NextCommand() { return m_nextCommand++; }

@@ -1,4 +1,3 @@
-// Showing command bars as a window's menu.
 #include "host/MenuView.h"
 
 namespace orva::host
@@ -11,9 +10,13 @@ void Fill(HMENU menu, const CCommandBarControls& controls)
     for (const auto& control : controls.Items())
     {
         if (!control->IsVisible())
+        {
             continue;
+        }
         if (control->BeginsGroup())
+        {
             AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+        }
         const UINT state = control->IsEnabled() ? MF_ENABLED : MF_GRAYED;
         UINT_PTR id = control->Command();
         UINT kind = MF_STRING;
@@ -34,7 +37,9 @@ std::wstring ItemText(HMENU menu, int position)
     GetMenuStringW(menu, static_cast<UINT>(position), text, static_cast<int>(std::size(text)), MF_BYPOSITION);
     const UINT state = GetMenuState(menu, static_cast<UINT>(position), MF_BYPOSITION);
     if ((state & MF_SEPARATOR) != 0)
+    {
         return L"---";
+    }
     return std::wstring(text) + ((state & MF_GRAYED) != 0 ? L" (greyed)" : L"");
 }
 
@@ -72,7 +77,9 @@ std::vector<std::wstring> DescribeMenu(HMENU menu)
         std::wstring line = ItemText(menu, position);
         const HMENU popup = GetSubMenu(menu, position);
         for (int item = 0; popup != nullptr && item < GetMenuItemCount(popup); ++item)
+        {
             line += (item == 0 ? L": " : L" | ") + ItemText(popup, item);
+        }
         lines.push_back(line);
     }
     return lines;
@@ -86,7 +93,9 @@ void AddStandardMenus(CCommandBarControls& controls, const std::function<void()>
         for (const wchar_t* item : menu.items)
         {
             if (item == nullptr)
+            {
                 continue;
+            }
             const bool isExit = std::wstring(item) == L"E&xit";
             CCommandBarButton& button = items.AddButton(item, isExit ? close : std::function<void()>());
             button.SetBeginsGroup(isExit);

@@ -1,4 +1,3 @@
-// Start and end of the stand-in Outlook.
 #include "host/OutlookHost.h"
 
 #include "host/AddInRegistry.h"
@@ -35,11 +34,15 @@ COutlookHost::~COutlookHost()
 void COutlookHost::BuildMenuBar()
 {
     if (m_options.emptyMenuBar)
+    {
         return;
+    }
     CCommandBarControls& controls = m_explorer->MenuBar().Controls();
     AddStandardMenus(controls, [this] { m_window->RequestClose(); });
     if (m_options.lastControlNotPopup)
+    {
         controls.AddButton(L"Type a question for help");
+    }
 }
 
 int COutlookHost::Run()
@@ -58,7 +61,9 @@ int COutlookHost::Run()
     while (GetMessageW(&message, nullptr, 0, 0) > 0)
     {
         if (m_window->TakeKey(message))
+        {
             continue;
+        }
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
@@ -71,28 +76,44 @@ void COutlookHost::Start()
     const bool isAtStartup =
         m_options.mode == ConnectMode::Startup || m_options.mode == ConnectMode::CommandLine;
     if (!isAtStartup)
+    {
         m_trace.Event(L"start-up complete; add-ins are connected now");
+    }
     LoadAddIns();
     for (const auto& addIn : m_addIns)
+    {
         addIn->OnAddInsUpdate();
+    }
     if (isAtStartup)
     {
         // An add-in that is connected later never hears of it.
         for (const auto& addIn : m_addIns)
+        {
             addIn->OnStartupComplete();
+        }
         m_trace.Event(L"start-up complete");
     }
     for (const std::wstring& line : DescribeMenu(GetMenu(m_window->Window())))
+    {
         m_trace.Event(L"menu " + line);
+    }
     if (HasFileView())
+    {
         m_window->AllowFileView(m_tabs, m_notes, m_options.noExplorer ? nullptr : m_explorer.Get());
+    }
     else
+    {
         m_trace.Event(L"version " + std::to_wstring(m_version) + L" shows no File tab");
+    }
     m_window->AllowClose();
     if (m_options.backstage)
+    {
         m_window->OpenFileView();
+    }
     if (m_options.quitAfterStartup)
+    {
         m_window->RequestClose();
+    }
 }
 
 bool COutlookHost::HasFileView() const
@@ -108,17 +129,23 @@ void COutlookHost::LoadAddIns()
         m_trace.Event(L"add-in " + entry.progId + L" has LoadBehavior " +
                       std::to_wstring(entry.loadBehavior) + (isWanted ? L"" : L", not loaded"));
         if (!isWanted)
+        {
             continue;
+        }
         auto addIn = std::make_unique<CLoadedAddIn>(m_trace, entry);
         if (!addIn->Load())
+        {
             continue;
+        }
         if (!addIn->Connect(m_application.Get(), m_options.mode))
         {
             addIn->Release();
             continue;
         }
         if (m_version >= kFirstWithCustomUi)
+        {
             ReadCustomUi(*addIn);
+        }
         m_addIns.push_back(std::move(addIn));
     }
 }
@@ -127,7 +154,9 @@ void COutlookHost::ReadCustomUi(CLoadedAddIn& addIn)
 {
     const std::wstring text = addIn.GetCustomUi();
     if (text.empty())
+    {
         return;
+    }
     RibbonMarkup markup;
     MarkupError error;
     if (!ParseRibbonMarkup(text, markup, error))
@@ -137,7 +166,9 @@ void COutlookHost::ReadCustomUi(CLoadedAddIn& addIn)
         return;
     }
     for (const std::wstring& element : markup.ignored)
+    {
         m_trace.Event(L"custom UI of " + addIn.ProgId() + L": element " + element + L" is not shown");
+    }
     for (const RibbonTab& tab : markup.tabs)
     {
         m_trace.Event(L"custom UI of " + addIn.ProgId() + L": File tab " + tab.id + L" \"" + tab.label +
@@ -154,18 +185,26 @@ void COutlookHost::Close()
         m_trace.Event(L"fast shutdown");
         m_window->Destroy();
         for (const auto& addIn : m_addIns)
+        {
             addIn->Abandon();
+        }
         return;
     }
     m_trace.Event(L"shutting down");
     for (const auto& addIn : m_addIns)
+    {
         addIn->OnBeginShutdown();
+    }
     for (const auto& addIn : m_addIns)
+    {
         addIn->Disconnect();
+    }
     m_window->Destroy();
     m_model.SetObserver(nullptr);
     for (const auto& addIn : m_addIns)
+    {
         addIn->Release();
+    }
     m_addIns.clear();
 }
 

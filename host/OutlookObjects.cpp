@@ -1,4 +1,3 @@
-// Members of Application, Explorer and COMAddIn.
 #include "host/OutlookObjects.h"
 
 #include <OfficeObjects.h>
@@ -100,9 +99,13 @@ HRESULT CComAddIn::OnCall(DISPID id, bool isWrite, const CArguments& arguments, 
         return Return(result, m_connected);
     case kObject:
         if (!isWrite)
+        {
             return Return(result, m_object.Get());
+        }
         if (arguments[0].vt != VT_DISPATCH)
+        {
             return DISP_E_TYPEMISMATCH;
+        }
         m_object = arguments[0].pdispVal;
         return S_OK;
     default:

@@ -1,4 +1,3 @@
-// Drawing helpers.
 #include "host/Painting.h"
 
 #include <olectl.h>
@@ -44,7 +43,9 @@ const wchar_t* FindFace()
 bool HasAlpha(const BITMAP& bitmap)
 {
     if (bitmap.bmBitsPixel != 32 || bitmap.bmBits == nullptr)
+    {
         return false;
+    }
     const auto* pixels = static_cast<const DWORD*>(bitmap.bmBits);
     const size_t count = static_cast<size_t>(bitmap.bmWidth) * static_cast<size_t>(bitmap.bmHeight);
     bool transparent = false;
@@ -79,12 +80,16 @@ CPicture::CPicture(const VARIANT& value)
     if ((value.vt != VT_DISPATCH && value.vt != VT_UNKNOWN) || value.punkVal == nullptr ||
         FAILED(
             value.punkVal->QueryInterface(IID_IPicture, reinterpret_cast<void**>(m_picture.GetAddressOf()))))
+    {
         return;
+    }
     short type = 0;
     OLE_HANDLE handle = 0;
     if (FAILED(m_picture->get_Type(&type)) || type != PICTYPE_BITMAP ||
         FAILED(m_picture->get_Handle(&handle)))
+    {
         return;
+    }
     // OLE_HANDLE has 32 bits; a handle is sign-extended to its own width.
     m_bitmap = reinterpret_cast<HBITMAP>(static_cast<LONG_PTR>(static_cast<int>(handle)));
     DIBSECTION section{};
@@ -100,7 +105,9 @@ CPicture::CPicture(const VARIANT& value)
 void CPicture::Draw(HDC dc, int x, int y) const
 {
     if (IsEmpty())
+    {
         return;
+    }
     const HDC source = CreateCompatibleDC(dc);
     const HGDIOBJ previous = SelectObject(source, m_bitmap);
     if (m_hasAlpha)
@@ -109,7 +116,9 @@ void CPicture::Draw(HDC dc, int x, int y) const
         AlphaBlend(dc, x, y, m_size.cx, m_size.cy, source, 0, 0, m_size.cx, m_size.cy, blend);
     }
     else
+    {
         BitBlt(dc, x, y, m_size.cx, m_size.cy, source, 0, 0, SRCCOPY);
+    }
     SelectObject(source, previous);
     DeleteDC(source);
 }

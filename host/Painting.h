@@ -1,10 +1,10 @@
 // Fonts, colours and pictures of the stand-in's windows.
 #pragma once
 
-#include <windows.h>
-
-#include <ocidl.h>
 #include <wrl/client.h>
+
+#include <windows.h>
+#include <ocidl.h>
 
 #include <string>
 

@@ -1,4 +1,3 @@
-// A control of the File view as add-ins see it.
 #include "host/RibbonControl.h"
 
 namespace orva::host
@@ -58,12 +57,16 @@ CRibbonControl::CRibbonControl(CTrace& trace, const std::wstring& id, IDispatch*
 STDMETHODIMP CRibbonControl::QueryInterface(REFIID iid, void** object)
 {
     if (object == nullptr)
+    {
         return E_POINTER;
+    }
     const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) ||
                        IsEqualIID(iid, IID_IRibbonControl);
     *object = known ? this : nullptr;
     if (!known)
+    {
         return E_NOINTERFACE;
+    }
     AddRef();
     return S_OK;
 }
@@ -77,7 +80,9 @@ STDMETHODIMP_(ULONG) CRibbonControl::Release()
 {
     const LONG left = InterlockedDecrement(&m_references);
     if (left == 0)
+    {
         delete this;
+    }
     return static_cast<ULONG>(left);
 }
 
@@ -110,7 +115,9 @@ void CRibbonControl::Note(const wchar_t* member)
 STDMETHODIMP CRibbonControl::get_Id(BSTR* id)
 {
     if (id == nullptr)
+    {
         return E_POINTER;
+    }
     Note(L"get_Id");
     *id = SysAllocStringLen(m_id.c_str(), static_cast<UINT>(m_id.size()));
     return *id != nullptr ? S_OK : E_OUTOFMEMORY;
@@ -119,7 +126,9 @@ STDMETHODIMP CRibbonControl::get_Id(BSTR* id)
 STDMETHODIMP CRibbonControl::get_Context(IDispatch** context)
 {
     if (context == nullptr)
+    {
         return E_POINTER;
+    }
     Note(L"get_Context");
     return m_context.CopyTo(context);
 }
@@ -127,7 +136,9 @@ STDMETHODIMP CRibbonControl::get_Context(IDispatch** context)
 STDMETHODIMP CRibbonControl::get_Tag(BSTR* tag)
 {
     if (tag == nullptr)
+    {
         return E_POINTER;
+    }
     Note(L"get_Tag");
     *tag = SysAllocString(L"");
     return *tag != nullptr ? S_OK : E_OUTOFMEMORY;

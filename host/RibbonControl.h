@@ -3,10 +3,11 @@
 
 #include "host/DispatchObject.h"
 
-#include <windows.h>
-
 #include <Office.h>
+
 #include <wrl/client.h>
+
+#include <windows.h>
 
 #include <string>
 

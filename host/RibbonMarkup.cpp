@@ -1,13 +1,12 @@
-// Reading custom-UI markup with MSXML.
 #include "host/RibbonMarkup.h"
 
 #include "host/MarkupFault.h"
 
-#include <windows.h>
+#include <wrl/client.h>
 
+#include <windows.h>
 #include <comdef.h>
 #include <msxml2.h>
-#include <wrl/client.h>
 
 namespace orva::host
 {
@@ -28,7 +27,9 @@ ComPtr<IXMLDOMDocument> MakeParser()
         if (SUCCEEDED(CLSIDFromProgID(progId, &classId)) &&
             SUCCEEDED(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_IXMLDOMDocument,
                                        reinterpret_cast<void**>(document.ReleaseAndGetAddressOf()))))
+        {
             return document;
+        }
     }
     return nullptr;
 }
@@ -51,7 +52,9 @@ std::wstring Attribute(IXMLDOMElement* element, const wchar_t* name)
 {
     _variant_t value;
     if (element->getAttribute(_bstr_t(name), &value) != S_OK || value.vt != VT_BSTR)
+    {
         return {};
+    }
     return std::wstring(value.bstrVal, SysStringLen(value.bstrVal));
 }
 
@@ -64,7 +67,9 @@ std::vector<ComPtr<IXMLDOMElement>> Children(IXMLDOMNode* node)
     {
         ComPtr<IXMLDOMElement> element;
         if (SUCCEEDED(child.CopyTo(IID_IXMLDOMElement, reinterpret_cast<void**>(element.GetAddressOf()))))
+        {
             children.push_back(element);
+        }
         ComPtr<IXMLDOMNode> next;
         child->get_nextSibling(&next);
         child = next;
@@ -72,7 +77,7 @@ std::vector<ComPtr<IXMLDOMElement>> Children(IXMLDOMNode* node)
     return children;
 }
 
-/// Walks the document; what it does not know it notes.
+// Walks the document; what it does not know it notes.
 class CMarkupReader
 {
 public:
@@ -83,9 +88,13 @@ public:
         for (const auto& child : Children(root))
         {
             if (LocalName(child.Get()) == L"backstage")
+            {
                 ReadBackstage(child.Get());
+            }
             else
+            {
                 Ignore(child.Get());
+            }
         }
     }
 
@@ -95,9 +104,13 @@ private:
         for (const auto& child : Children(backstage))
         {
             if (LocalName(child.Get()) == L"tab")
+            {
                 ReadTab(child.Get());
+            }
             else
+            {
                 Ignore(child.Get());
+            }
         }
     }
 
@@ -110,11 +123,17 @@ private:
         {
             const std::wstring name = LocalName(child.Get());
             if (name == L"firstColumn")
+            {
                 tab.firstColumn = ReadColumn(child.Get());
+            }
             else if (name == L"secondColumn")
+            {
                 tab.secondColumn = ReadColumn(child.Get());
+            }
             else
+            {
                 Ignore(child.Get());
+            }
         }
         m_markup.tabs.push_back(tab);
     }
@@ -125,9 +144,13 @@ private:
         for (const auto& child : Children(column))
         {
             if (LocalName(child.Get()) == L"group")
+            {
                 groups.push_back(ReadGroup(child.Get()));
+            }
             else
+            {
                 Ignore(child.Get());
+            }
         }
         return groups;
     }
@@ -142,17 +165,25 @@ private:
         {
             const std::wstring name = LocalName(child.Get());
             if (name == L"topItems")
+            {
                 group.top = ReadItems(child.Get());
+            }
             else if (name == L"bottomItems")
+            {
                 group.bottom = ReadItems(child.Get());
+            }
             else if (name == L"primaryItem")
             {
                 const std::vector<RibbonItem> items = ReadItems(child.Get());
                 if (!items.empty())
+                {
                     group.primary = items.front();
+                }
             }
             else
+            {
                 Ignore(child.Get());
+            }
         }
         return group;
     }
@@ -165,13 +196,21 @@ private:
             RibbonItem item;
             const std::wstring name = LocalName(child.Get());
             if (name == L"imageControl")
+            {
                 item.kind = RibbonItemKind::Image;
+            }
             else if (name == L"labelControl")
+            {
                 item.kind = RibbonItemKind::Label;
+            }
             else if (name == L"hyperlink")
+            {
                 item.kind = RibbonItemKind::Link;
+            }
             else if (name == L"button")
+            {
                 item.kind = RibbonItemKind::Button;
+            }
             else
             {
                 Ignore(child.Get());
@@ -207,9 +246,13 @@ void ReadError(IXMLDOMDocument* document, MarkupError& error)
     }
     error.reason = Take(reason);
     while (!error.reason.empty() && wcschr(L" \t\r\n", error.reason.back()) != nullptr)
+    {
         error.reason.pop_back();
+    }
     if (error.reason.empty())
+    {
         error.reason = L"The text is not well-formed XML.";
+    }
 }
 
 } // namespace
@@ -236,14 +279,18 @@ bool ParseRibbonMarkup(const std::wstring& text, RibbonMarkup& markup, MarkupErr
     {
         ReadError(document.Get(), error);
         if (error.line == 0)
+        {
             LocateMarkupFault(text, error);
+        }
         return false;
     }
     ComPtr<IXMLDOMElement> root;
     document->get_documentElement(&root);
     BSTR schema = nullptr;
     if (root)
+    {
         root->get_namespaceURI(&schema);
+    }
     const std::wstring schemaText = Take(schema);
     if (!root || LocalName(root.Get()) != L"customUI" || schemaText != kSchema)
     {

@@ -1,4 +1,3 @@
-// Writing the trace file.
 #include "host/Trace.h"
 
 #include <cmath>
@@ -16,13 +15,17 @@ CTrace::CTrace()
 CTrace::~CTrace()
 {
     if (m_file != INVALID_HANDLE_VALUE)
+    {
         CloseHandle(m_file);
+    }
 }
 
 bool CTrace::Open(const std::wstring& path)
 {
     if (m_file != INVALID_HANDLE_VALUE)
+    {
         CloseHandle(m_file);
+    }
     // Readers look while we write, and a test may delete the folder before we are quite gone.
     m_file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                          nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -48,22 +51,30 @@ void CTrace::Call(const std::wstring& from, const std::wstring& to, const std::w
     std::wstring line = from + L" -> " + to + L": " + name + L" = " + HexText(result) + L", " +
                         std::to_wstring(std::llround(milliseconds)) + L" ms";
     if (!detail.empty())
+    {
         line += L"; " + detail;
+    }
     WriteLine(line);
 }
 
 void CTrace::WriteLine(const std::wstring& text)
 {
     if (m_file == INVALID_HANDLE_VALUE)
+    {
         return;
+    }
     wchar_t time[32];
     if (swprintf(time, std::size(time), L"%9.3f ", Now() / 1000.0) < 0)
+    {
         return;
+    }
     std::wstring line = time + text;
     for (wchar_t& character : line)
     {
         if (character == L'\r' || character == L'\n')
+        {
             character = L' ';
+        }
     }
     line += L'\n';
     const int size = WideCharToMultiByte(CP_UTF8, 0, line.c_str(), static_cast<int>(line.size()), nullptr, 0,
@@ -79,7 +90,9 @@ std::wstring HexText(HRESULT result)
 {
     wchar_t text[16];
     if (swprintf(text, std::size(text), L"0x%08lX", static_cast<unsigned long>(result)) < 0)
+    {
         return {};
+    }
     return text;
 }
 

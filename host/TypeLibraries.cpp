@@ -1,14 +1,14 @@
-// Registration of the embedded type libraries.
 #include "host/TypeLibraries.h"
 
 #include "host/FindFunction.h"
 
-#include <windows.h>
-
 #include <AddInDesignerObjects.h>
 #include <Office.h>
-#include <oleauto.h>
+
 #include <wrl/client.h>
+
+#include <windows.h>
+#include <oleauto.h>
 
 #include <string>
 
@@ -47,13 +47,17 @@ HRESULT Register(const Library& library, const std::wstring& program)
     ComPtr<ITypeLib> loaded;
     HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &loaded);
     if (FAILED(result))
+    {
         return result;
+    }
     // A user may register for herself; where that is not found again, the machine's registration is the way.
     const auto registerForUser = FindFunction<HRESULT(STDAPICALLTYPE*)(ITypeLib*, OLECHAR*, OLECHAR*)>(
         GetModuleHandleW(L"oleaut32.dll"), "RegisterTypeLibForUser");
     result = registerForUser != nullptr ? registerForUser(loaded.Get(), path.data(), nullptr) : E_NOTIMPL;
     if (FAILED(result) || !IsRegistered(library))
+    {
         result = RegisterTypeLib(loaded.Get(), path.data(), nullptr);
+    }
     return result;
 }
 
@@ -63,14 +67,20 @@ void EnsureTypeLibraries(CTrace& trace)
 {
     wchar_t program[MAX_PATH];
     if (GetModuleFileNameW(nullptr, program, MAX_PATH) == 0)
+    {
         return;
+    }
     for (const Library& library : kLibraries)
     {
         const std::wstring name = std::wstring(L"type library ") + library.name;
         if (IsRegistered(library))
+        {
             trace.Event(name + L" is registered");
+        }
         else
+        {
             trace.Event(name + L" registered with " + HexText(Register(library, program)));
+        }
     }
 }
 

@@ -5,7 +5,6 @@
 #include "host/TypeLibraries.h"
 
 #include <windows.h>
-
 #include <ole2.h>
 #include <shellapi.h>
 
@@ -29,7 +28,7 @@ CMenuModel& Model()
     return model;
 }
 
-/// The last words of a process that an add-in has brought down.
+// The last words of a process that an add-in has brought down.
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception)
 {
     Trace().Event(L"crashed with exception " +
@@ -51,7 +50,9 @@ std::vector<std::wstring> Arguments()
     LPWSTR* texts = CommandLineToArgvW(GetCommandLineW(), &count);
     std::vector<std::wstring> arguments;
     for (int index = 1; index < count; ++index)
+    {
         arguments.emplace_back(texts[index]);
+    }
     LocalFree(texts);
     return arguments;
 }
@@ -74,7 +75,9 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
     }
     SetUnhandledExceptionFilter(OnCrash);
     if (FAILED(OleInitialize(nullptr)))
+    {
         return 1;
+    }
     EnsureTypeLibraries(Trace());
     int status = 0;
     {
@@ -83,6 +86,8 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
     }
     // A fast end leaves the add-in loaded and connected, so OLE must not tear it down either.
     if (!options.fastShutdown)
+    {
         OleUninitialize();
+    }
     return status;
 }

@@ -1,4 +1,3 @@
-// Byte arrays and identifiers for automation.
 #include "support/ComUtilities.h"
 
 #include "support/TextUtilities.h"
@@ -11,18 +10,24 @@
 HRESULT BytesToSafeArray(const void* bytes, std::uint32_t count, SAFEARRAY** out)
 {
     if (out == nullptr)
+    {
         return E_OUTOFMEMORY;
+    }
 
     SAFEARRAYBOUND bound = {count, 0};
-    *out = ::SafeArrayCreate(VT_UI1, 1, &bound);
+    *out = SafeArrayCreate(VT_UI1, 1, &bound);
 
     // A missing array fails here.
     void* data = nullptr;
-    if (FAILED(::SafeArrayAccessData(*out, &data)))
+    if (FAILED(SafeArrayAccessData(*out, &data)))
+    {
         return E_UNEXPECTED;
+    }
     if (count != 0)
+    {
         std::memcpy(data, bytes, count);
-    return SUCCEEDED(::SafeArrayUnaccessData(*out)) ? S_OK : E_UNEXPECTED;
+    }
+    return SUCCEEDED(SafeArrayUnaccessData(*out)) ? S_OK : E_UNEXPECTED;
 }
 
 std::string CreateGuidString()
@@ -34,8 +39,8 @@ std::wstring CreateGuidStringW()
 {
     constexpr int kLengthWithTerminator = 39;
     GUID guid = {};
-    ::CoCreateGuid(&guid);
+    CoCreateGuid(&guid);
     wchar_t text[kLengthWithTerminator] = {};
-    ::StringFromGUID2(guid, text, kLengthWithTerminator);
+    StringFromGUID2(guid, text, kLengthWithTerminator);
     return text;
 }

@@ -1,4 +1,3 @@
-// The debug log: its one stream, opened by the registry switch, and the forms of its lines.
 #include "support/DebugLog.h"
 
 #include "support/FileUtilities.h"
@@ -25,7 +24,9 @@ void OpenDebugLog(CLogStream& log) noexcept
     try
     {
         if (ReadRegistryDword(kSwitchKey, kSwitchName) != kSwitchOn)
+        {
             return;
+        }
 
         const std::wstring path = GetAppDataFolder() + kFileName;
         CreateDirectoriesForPath(path, true);
@@ -48,13 +49,17 @@ const char* FormatLocalTime()
     static char text[20] = {};
     const std::time_t now = std::time(nullptr);
     if (now == formatted)
+    {
         return text;
+    }
 
     struct tm local = {};
-    const bool isMade = ::localtime_s(&local, &now) == 0 &&
-                        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local) != 0;
+    const bool isMade =
+        localtime_s(&local, &now) == 0 && std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local) != 0;
     if (!isMade)
+    {
         text[0] = '\0';
+    }
     formatted = isMade ? now : -1;
     return text;
 }
@@ -76,7 +81,7 @@ CLogStream& GetDebugLog() noexcept
 // NOLINTNEXTLINE(performance-unnecessary-value-param): every form of the writer takes its texts by value
 void WriteDebugLog(CLogStream& log, std::string text) noexcept
 {
-    ::OutputDebugStringA(text.c_str());
+    OutputDebugStringA(text.c_str());
     try
     {
         if (log.IsOpen())

@@ -1,4 +1,3 @@
-// Turns the exception being handled into a line of the debug log.
 #include "support/ExceptionGuard.h"
 
 #include "support/DebugLog.h"
@@ -22,7 +21,9 @@ std::string Describe(HRESULT result)
 {
     char text[32] = {};
     if (std::snprintf(text, sizeof(text), "HRESULT 0x%08lX", static_cast<unsigned long>(result)) < 0)
+    {
         return {};
+    }
     return text;
 }
 

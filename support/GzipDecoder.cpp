@@ -1,4 +1,3 @@
-// Inflates the gzip-coded body of an HTTP response.
 #include "support/GzipDecoder.h"
 
 #define ZLIB_CONST
@@ -25,12 +24,16 @@ int DecodeGzip(const char* body, std::uint32_t length, std::unique_ptr<char[]>& 
     stream.next_out = reinterpret_cast<Bytef*>(output.get());
     stream.avail_out = kMaximumDecodedLength;
     if (const int result = inflateInit2(&stream, kWindowBits); result != Z_OK)
+    {
         return result;
+    }
 
     int result = inflate(&stream, Z_FINISH);
     inflateEnd(&stream);
     if (result == Z_NEED_DICT)
+    {
         result = Z_DATA_ERROR;
+    }
     if (result != Z_DATA_ERROR && result != Z_MEM_ERROR)
     {
         decodedLength = kMaximumDecodedLength - stream.avail_out;

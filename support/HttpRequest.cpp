@@ -1,4 +1,3 @@
-// The HTTP client: one exchange through WinINet, and what its three kinds of caller make of the response.
 #include "support/HttpRequest.h"
 
 #include "support/ComUtilities.h"
@@ -95,7 +94,9 @@ void ReadBody(CHttpFile& file, CHttpResponse& response)
     {
         const UINT read = file.Read(buffer.get() + length, kMaximumBodyLength - length);
         if (read == 0)
+        {
             break;
+        }
         length += read;
     }
 
@@ -104,7 +105,9 @@ void ReadBody(CHttpFile& file, CHttpResponse& response)
         std::unique_ptr<char[]> decoded;
         std::uint32_t decodedLength = 0;
         if (DecodeGzip(buffer.get(), length, decoded, decodedLength) != 0)
+        {
             static_cast<void>(std::fputs("Could not decode gzip content\n", stdout));
+        }
         buffer = std::move(decoded);
         length = decodedLength;
     }
@@ -163,16 +166,20 @@ std::wstring DecodeUtf8(const CHttpResponse& response)
     // The misspelt labels are the log's vocabulary. The conversion goes by the body's first zero byte, not by
     // this length. A response without a body gives 0 characters.
     WriteDebugLog(GetDebugLog(), kPerformTextRequest, "newContentLenght", static_cast<std::int32_t>(length));
-    const int count = ::MultiByteToWideChar(CP_UTF8, 0, body, -1, nullptr, 0);
+    const int count = MultiByteToWideChar(CP_UTF8, 0, body, -1, nullptr, 0);
     WriteDebugLog(GetDebugLog(), kPerformTextRequest, "num_chars", count);
     if (count < 1)
+    {
         return {};
+    }
 
     std::wstring text(static_cast<std::size_t>(count), L'\0');
-    const int converted = ::MultiByteToWideChar(CP_UTF8, 0, body, -1, text.data(), count);
+    const int converted = MultiByteToWideChar(CP_UTF8, 0, body, -1, text.data(), count);
     WriteDebugLog(GetDebugLog(), kPerformTextRequest, "ret", converted);
     if (converted < 1)
+    {
         return {};
+    }
 
     text.resize(static_cast<std::size_t>(count) - 1);
     WriteDebugLog(GetDebugLog(), kPerformTextRequest, "response", text);
@@ -250,7 +257,9 @@ std::wstring CHttpRequest::PerformTextRequest(std::string url, Parameters params
     std::wstring text;
     const std::string& contentType = response->m_contentType;
     if (contentType.find("UTF-16") == std::string::npos && contentType.find("utf-16") == std::string::npos)
+    {
         text = DecodeUtf8(*response);
+    }
 
     WriteDebugLog(GetDebugLog(), kPerformTextRequest, "delete resp", "");
     response.reset();
@@ -277,7 +286,9 @@ std::string CHttpRequest::EncodeParameters(const Parameters& params)
     for (const auto& [key, value] : params)
     {
         if (!text.empty())
+        {
             text += "&";
+        }
         text += key;
         text += "=";
         text += value;

@@ -1,4 +1,3 @@
-// Lookups in JSON objects.
 #include "support/JsonUtilities.h"
 
 const json_spirit::wmValue& FindValue(const json_spirit::wmObject& object, const std::wstring& name)

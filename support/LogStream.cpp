@@ -1,4 +1,3 @@
-// The debug log's output file stream: a file of the C runtime, without a buffer of its own.
 #include "support/LogStream.h"
 
 #include <fcntl.h>
@@ -9,19 +8,23 @@
 CLogStream::~CLogStream()
 {
     if (IsOpen())
-        ::_close(m_file);
+    {
+        _close(m_file);
+    }
 }
 
 void CLogStream::Open(const std::wstring& path, bool keep)
 {
     const int mode = _O_WRONLY | _O_CREAT | _O_TEXT | (keep ? _O_APPEND : _O_TRUNC);
-    m_file = ::_wsopen(path.c_str(), mode, _SH_DENYNO, _S_IREAD | _S_IWRITE);
+    m_file = _wsopen(path.c_str(), mode, _SH_DENYNO, _S_IREAD | _S_IWRITE);
 }
 
 void CLogStream::Write(std::string_view text)
 {
     // The runtime counts the bytes before it has turned line feeds into line ends.
     if (IsOpen() && !m_hasFailed)
-        m_hasFailed = ::_write(m_file, text.data(), static_cast<unsigned>(text.size())) !=
-                      static_cast<int>(text.size());
+    {
+        m_hasFailed =
+            _write(m_file, text.data(), static_cast<unsigned>(text.size())) != static_cast<int>(text.size());
+    }
 }

@@ -1,4 +1,3 @@
-// Reading of 4-byte settings from the registry.
 #include "support/RegistryUtilities.h"
 
 namespace
@@ -15,13 +14,15 @@ std::int32_t ReadRegistryDword(const std::wstring& key, const std::wstring& name
 std::int32_t ReadRegistryDwordFromHive(HKEY hive, const std::wstring& key, const std::wstring& name)
 {
     HKEY opened = nullptr;
-    if (::RegOpenKeyExW(hive, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(hive, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS)
+    {
         return kUnreadable;
+    }
 
     std::int32_t value = 0;
     DWORD size = sizeof(value);
     const LSTATUS result =
-        ::RegQueryValueExW(opened, name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(&value), &size);
-    ::RegCloseKey(opened);
+        RegQueryValueExW(opened, name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(&value), &size);
+    RegCloseKey(opened);
     return result == ERROR_SUCCESS ? value : kUnreadable;
 }

@@ -1,4 +1,3 @@
-// Text conversions and replacements.
 #include "support/TextUtilities.h"
 
 #include <utility>
@@ -9,7 +8,9 @@ std::string WideToNarrow(std::wstring text)
     std::string narrow;
     narrow.reserve(text.size());
     for (const wchar_t unit : text)
+    {
         narrow += static_cast<char>(static_cast<unsigned char>(unit & 0xFF));
+    }
     return narrow;
 }
 
@@ -29,9 +30,13 @@ std::wstring NarrowToWide(std::string text)
 void ReplaceAll(std::wstring& text, const std::wstring& what, const std::wstring& with)
 {
     if (what.empty())
+    {
         return;
+    }
     for (std::size_t at = text.find(what); at != std::wstring::npos; at = text.find(what, at + with.size()))
+    {
         text.replace(at, what.size(), with);
+    }
 }
 
 std::wstring EscapeXml(std::wstring text)

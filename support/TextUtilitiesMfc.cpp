@@ -1,4 +1,3 @@
-// ReplaceAll for replacement texts held in a CString.
 #include "support/TextUtilitiesMfc.h"
 
 void ReplaceAll(std::wstring& text, const std::wstring& what, const CString& with)

@@ -1,4 +1,3 @@
-// Dates of HTTP headers and time-stamp texts.
 #include "support/TimeUtilities.h"
 
 #include <boost/algorithm/string/case_conv.hpp>
@@ -21,7 +20,9 @@ using Parts = std::vector<std::string>;
 const std::string& PartAt(const Parts& parts, std::size_t index)
 {
     if (index >= parts.size())
+    {
         throw std::out_of_range("invalid vector<T> subscript");
+    }
     return parts[index];
 }
 
@@ -43,7 +44,7 @@ int YearsSince1900(const std::string& text)
 void NormaliseLocalTime(struct tm& date)
 {
 #ifdef _WIN32
-    ::_mktime64(&date);
+    _mktime64(&date);
 #else
     std::mktime(&date);
 #endif

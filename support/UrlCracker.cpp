@@ -1,4 +1,3 @@
-// Takes a URL apart for the HTTP client.
 #include "support/UrlCracker.h"
 
 #include "support/TextUtilities.h"
@@ -12,7 +11,9 @@ bool CrackUrl(const std::string& url, CrackedUrl& parts)
     int scheme = 0;
     std::uint16_t port = 0;
     if (!SystemCrackUrl(WidenAnsi(url), host, path, scheme, port))
+    {
         return false;
+    }
     parts = {WideToNarrow(host), WideToNarrow(path), scheme, port};
     return true;
 }

@@ -8,17 +8,17 @@ struct CrackedUrl
 {
     std::string host;
 
-    // With the query, if the URL has one.
+    /// With the query, if the URL has one.
     std::string path;
 
-    // WinINet's number of the scheme: 4 is https.
+    /// WinINet's number of the scheme: 4 is https.
     int scheme = 0;
 
-    // The URL's port or its scheme's default.
+    /// The URL's port or its scheme's default.
     std::uint16_t port = 0;
 };
 
-// Takes `url` apart, turning escape sequences into their characters; each character of host and path is
-// cut to its low byte. Returns false, and leaves `parts` alone, if that is not possible or the host or the
-// path is too long (kUrlPartCapacity).
+/// Takes `url` apart, turning escape sequences into their characters; each character of host and path is
+/// cut to its low byte. Returns false, and leaves `parts` alone, if that is not possible or the host or the
+/// path is too long (kUrlPartCapacity).
 bool CrackUrl(const std::string& url, CrackedUrl& parts);

@@ -1,16 +1,14 @@
-// What the URL handling asks of the system, on Windows.
 #include "support/UrlSystem.h"
 
 #include <windows.h>
-
 #include <wininet.h>
 
 std::wstring WidenAnsi(const std::string& text)
 {
     const int length = static_cast<int>(text.size());
-    const int needed = ::MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, nullptr, 0);
+    const int needed = MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, nullptr, 0);
     std::wstring wide(static_cast<std::size_t>(needed), L'\0');
-    ::MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, wide.data(), needed);
+    MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, wide.data(), needed);
     return wide;
 }
 
@@ -22,8 +20,10 @@ bool SystemCrackUrl(const std::wstring& url, wchar_t* host, wchar_t* path, int& 
     components.dwHostNameLength = kUrlPartCapacity;
     components.lpszUrlPath = path;
     components.dwUrlPathLength = kUrlPartCapacity;
-    if (!::InternetCrackUrlW(url.c_str(), 0, ICU_ESCAPE, &components))
+    if (!InternetCrackUrlW(url.c_str(), 0, ICU_ESCAPE, &components))
+    {
         return false;
+    }
     scheme = components.nScheme;
     port = components.nPort;
     return true;

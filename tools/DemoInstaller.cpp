@@ -17,7 +17,7 @@ namespace
 constexpr wchar_t kClassName[] = L"OrvaDemoInstaller";
 constexpr int kCloseButton = 1;
 constexpr UINT_PTR kCloseTimer = 1;
-/// The window closes by itself, so that nothing is left over if nobody is there.
+// The window closes by itself, so that nothing is left over if nobody is there.
 constexpr UINT kShownFor = 30'000;
 
 struct CTexts
@@ -69,7 +69,7 @@ const CTexts& TextsFor(std::wstring_view path)
     return kTexts[0];
 }
 
-/// Adds a line to the trace file. A failure shows as the line's absence.
+// Adds a line to the trace file. A failure shows as the line's absence.
 void Trace(const std::wstring& line)
 {
     const HANDLE file = CreateFileW((OwnPath() + L".trace.txt").c_str(), FILE_APPEND_DATA, FILE_SHARE_READ,

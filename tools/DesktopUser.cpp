@@ -27,7 +27,7 @@ namespace
 {
 
 constexpr DWORD kPollInterval = 40;
-/// How long a window may take to answer before it counts as having no text.
+// How long a window may take to answer before it counts as having no text.
 constexpr UINT kAnswerTime = 2000;
 
 std::string Utf8(std::wstring_view text)
@@ -78,7 +78,7 @@ std::wstring ClassOf(HWND window)
     return {name, static_cast<size_t>(length)};
 }
 
-/// GetWindowText does not reach into another process's controls; WM_GETTEXT does.
+// GetWindowText does not reach into another process's controls; WM_GETTEXT does.
 std::wstring TextOf(HWND window)
 {
     DWORD_PTR length = 0;
@@ -97,7 +97,7 @@ std::wstring TextOf(HWND window)
     return text;
 }
 
-/// The program's file name without its folder.
+// The program's file name without its folder.
 std::wstring ProgramOf(DWORD process)
 {
     const HANDLE handle = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, process);
@@ -119,7 +119,7 @@ BOOL CALLBACK Collect(HWND window, LPARAM list)
     return TRUE;
 }
 
-/// From the bottom of the Z order, so that of two new windows the one that came first is named first.
+// From the bottom of the Z order, so that of two new windows the one that came first is named first.
 std::vector<HWND> TopLevelWindows()
 {
     std::vector<HWND> windows;
@@ -135,7 +135,7 @@ std::vector<HWND> ControlsOf(HWND window)
     return controls;
 }
 
-/// Whether a person would call it a window: on the screen, of some size, and not the desktop's own furniture.
+// Whether a person would call it a window: on the screen, of some size, and not the desktop's own furniture.
 bool IsForPeople(HWND window)
 {
     RECT area = {};
@@ -152,7 +152,7 @@ bool IsForPeople(HWND window)
 class CDesktopUser
 {
 public:
-    /// Obeys one command; what comes before the closing full stop.
+    // Obeys one command; what comes before the closing full stop.
     void Obey(std::istringstream& command)
     {
         std::string verb;

@@ -1,4 +1,3 @@
-// The modal About dialog of an Outlook without Backstage view, and its entry point.
 #include "ui/AboutDlg.h"
 
 #include "support/DebugLog.h"

@@ -1,12 +1,12 @@
 // The modal About dialog of an Outlook without Backstage view, and its entry point.
 #pragma once
 
-#include <afxwin.h>
-
 #include "res/resource.h"
 
-// Shows the product's texts, links and version, and offers an explicit update check. DoModal's result carries
-// nothing.
+#include <afxwin.h>
+
+/// Shows the product's texts, links and version, and offers an explicit update check. DoModal's result
+/// carries nothing.
 class CAboutDlg : public CDialog
 {
 public:
@@ -33,6 +33,6 @@ private:
     void SetLink(int control, UINT target, UINT text);
 };
 
-// Shows the About dialog with `owner`, the host's window, disabled meanwhile (null is allowed). Switches to
-// the add-in's module state itself. UI thread only.
+/// Shows the About dialog with `owner`, the host's window, disabled meanwhile (null is allowed). Switches to
+/// the add-in's module state itself. UI thread only.
 void ShowAboutDialog(HWND owner);

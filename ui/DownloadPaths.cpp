@@ -1,4 +1,3 @@
-// Names the file that a download is written to: a fresh folder under the user's temporary folder.
 #include "ui/DownloadPaths.h"
 
 #include <objbase.h>

@@ -3,20 +3,20 @@
 
 #include <afxwin.h>
 
-// The text after the last "/" of `url`; empty for an empty `url` and for one without "/".
+/// The text after the last "/" of `url`; empty for an empty `url` and for one without "/".
 CString GetFileNameFromUrl(const CString& url);
 
-// The user's temporary folder as GetTempPathW gives it, ending with a backslash. Empty when Windows names
-// none.
+/// The user's temporary folder as GetTempPathW gives it, ending with a backslash. Empty when Windows names
+/// none.
 CString GetTempDirectory();
 
-// "osc" and six characters chosen by the C runtime's _mktemp_s. The runtime looks for an unused name in the
-// current folder only, so a second call usually gives the same name again.
+/// "osc" and six characters chosen by the C runtime's _mktemp_s. The runtime looks for an unused name in the
+/// current folder only, so a second call usually gives the same name again.
 CString MakeTempName();
 
-// Creates a new folder under the temporary folder and returns its path, ending with a backslash.
-//
-// A name that stands there already, whoever made it, is never used: the next name is tried. Any other failure
-// of CreateDirectoryW is not reported; creating the file in the folder then fails and says why. Empty only
-// when no unused name was found in kMaxFolderAttempts attempts.
+/// Creates a new folder under the temporary folder and returns its path, ending with a backslash.
+///
+/// A name that stands there already, whoever made it, is never used: the next name is tried. Any other
+/// failure of CreateDirectoryW is not reported; creating the file in the folder then fails and says why.
+/// Empty only when no unused name was found in kMaxFolderAttempts attempts.
 CString CreateTempDownloadDirectory();

@@ -1,4 +1,3 @@
-// Judges the file name that a download link brings, before it becomes part of a path.
 #include "ui/FileName.h"
 
 #include <algorithm>

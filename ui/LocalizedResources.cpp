@@ -1,4 +1,3 @@
-// The choice of the user-interface language, and the strings and resources of the add-in's own module.
 #include "ui/LocalizedResources.h"
 
 #include "res/resource.h"
@@ -13,23 +12,23 @@ namespace
 {
 constexpr WORD kFallbackLanguage = MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US);
 
-/// A resource's bytes; they live as long as the module, so nothing has to be freed.
+// A resource's bytes; they live as long as the module, so nothing has to be freed.
 struct ResourceBytes
 {
     const void* data = nullptr;
     DWORD size = 0;
 };
 
-/// Loads what FindResource found; false with the Win32 error set when that is null or cannot be loaded.
+// Loads what FindResource found; false with the Win32 error set when that is null or cannot be loaded.
 bool LoadFound(HINSTANCE module, HRSRC found, ResourceBytes& bytes)
 {
-    const HGLOBAL loaded = found != nullptr ? ::LoadResource(module, found) : nullptr;
+    const HGLOBAL loaded = found != nullptr ? LoadResource(module, found) : nullptr;
     if (loaded == nullptr)
     {
         return false;
     }
-    bytes.data = ::LockResource(loaded);
-    bytes.size = ::SizeofResource(module, found);
+    bytes.data = LockResource(loaded);
+    bytes.size = SizeofResource(module, found);
     return bytes.data != nullptr;
 }
 } // namespace
@@ -67,12 +66,12 @@ WORD CLocalizedResources::GetUILanguage() const
 CString CLocalizedResources::LoadString(UINT id) const
 {
     const UINT block = (id >> 4) + 1;
-    HRSRC found = ::FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(block), m_langId);
+    HRSRC found = FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(block), m_langId);
     if (found == nullptr)
     {
         // Names the string where a block is to be named, so nothing is found and the text is empty. A
         // language without a table is to show empty texts and not English ones: kept on purpose.
-        found = ::FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(id), kFallbackLanguage);
+        found = FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(id), kFallbackLanguage);
     }
     ResourceBytes bytes;
     if (!LoadFound(m_hInstance, found, bytes))
@@ -87,9 +86,9 @@ HRESULT CLocalizedResources::LoadResourceData(UINT id, const wchar_t* type, cons
                                               DWORD* size) const
 {
     ResourceBytes bytes;
-    if (!LoadFound(m_hInstance, ::FindResourceW(m_hInstance, MAKEINTRESOURCEW(id), type), bytes))
+    if (!LoadFound(m_hInstance, FindResourceW(m_hInstance, MAKEINTRESOURCEW(id), type), bytes))
     {
-        return HRESULT_FROM_WIN32(::GetLastError());
+        return HRESULT_FROM_WIN32(GetLastError());
     }
     *data = bytes.data;
     *size = bytes.size;
@@ -109,17 +108,17 @@ std::unique_ptr<std::wstring> CLocalizedResources::LoadXmlResource(UINT id) cons
 
 void CLocalizedResources::ShowMessage(HWND owner, const CString& text) const
 {
-    ::MessageBoxW(owner, text, LoadString(IDS_APPTITLE), MB_OK);
+    MessageBoxW(owner, text, LoadString(IDS_APPTITLE), MB_OK);
 }
 
 HWND CLocalizedResources::FindOwnProcessWindow() const
 {
-    for (HWND window = ::GetTopWindow(::GetDesktopWindow()); window != nullptr;
-         window = ::GetWindow(window, GW_HWNDNEXT))
+    for (HWND window = GetTopWindow(GetDesktopWindow()); window != nullptr;
+         window = GetWindow(window, GW_HWNDNEXT))
     {
         DWORD process = 0;
-        ::GetWindowThreadProcessId(window, &process);
-        if (process == ::GetCurrentProcessId() && ::IsWindowVisible(window))
+        GetWindowThreadProcessId(window, &process);
+        if (process == GetCurrentProcessId() && IsWindowVisible(window))
         {
             return window;
         }

@@ -20,13 +20,13 @@ using std::min;
 
 namespace
 {
-/// A movable global memory block with a copy of some bytes, locked for as long as it lives.
+// A movable global memory block with a copy of some bytes, locked for as long as it lives.
 class CLockedBlock
 {
 public:
-    CLockedBlock(const void* data, SIZE_T size) : m_block(::GlobalAlloc(GMEM_MOVEABLE, size))
+    CLockedBlock(const void* data, SIZE_T size) : m_block(GlobalAlloc(GMEM_MOVEABLE, size))
     {
-        m_bytes = m_block != nullptr ? ::GlobalLock(m_block) : nullptr;
+        m_bytes = m_block != nullptr ? GlobalLock(m_block) : nullptr;
         if (m_bytes != nullptr)
         {
             std::memcpy(m_bytes, data, size);
@@ -37,18 +37,18 @@ public:
     {
         if (m_bytes != nullptr)
         {
-            ::GlobalUnlock(m_block);
+            GlobalUnlock(m_block);
         }
         if (m_block != nullptr)
         {
-            ::GlobalFree(m_block);
+            GlobalFree(m_block);
         }
     }
 
     CLockedBlock(const CLockedBlock&) = delete;
     CLockedBlock& operator=(const CLockedBlock&) = delete;
 
-    /// The block, or null when it could not be allocated and locked.
+    // The block, or null when it could not be allocated and locked.
     HGLOBAL Get() const { return m_bytes != nullptr ? m_block : nullptr; }
 
 private:
@@ -56,12 +56,12 @@ private:
     void* m_bytes = nullptr;
 };
 
-/// Decodes the image in `block` and makes a picture object of it; S_OK without a picture when it cannot be
-/// decoded.
+// Decodes the image in `block` and makes a picture object of it; S_OK without a picture when it cannot be
+// decoded.
 HRESULT MakePicture(HGLOBAL block, PICTDESC& description, IPictureDisp** picture)
 {
     CComPtr<IStream> stream;
-    if (FAILED(::CreateStreamOnHGlobal(block, FALSE, &stream)))
+    if (FAILED(CreateStreamOnHGlobal(block, FALSE, &stream)))
     {
         return S_OK;
     }
@@ -76,7 +76,7 @@ HRESULT MakePicture(HGLOBAL block, PICTDESC& description, IPictureDisp** picture
     {
         return S_OK;
     }
-    return ::OleCreatePictureIndirect(&description, IID_IDispatch, TRUE, reinterpret_cast<void**>(picture));
+    return OleCreatePictureIndirect(&description, IID_IDispatch, TRUE, reinterpret_cast<void**>(picture));
 }
 } // namespace
 

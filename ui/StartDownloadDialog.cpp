@@ -1,4 +1,3 @@
-// The entry point of the download: fresh folder, progress dialog, start of the installer.
 #include "ui/StartDownloadDialog.h"
 
 #include "support/DebugLog.h"

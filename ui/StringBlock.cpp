@@ -1,4 +1,3 @@
-// Finding one string in a block of a module's string table.
 #include "ui/StringBlock.h"
 
 std::u16string_view FindStringInBlock(const void* block, std::size_t size, unsigned index)

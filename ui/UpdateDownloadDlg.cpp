@@ -1,4 +1,3 @@
-// The download dialog's part on the UI thread: controls, cancelling, and the end of the worker.
 #include "ui/UpdateDownloadDlg.h"
 
 #include "ui/DownloadPaths.h"

@@ -1,33 +1,32 @@
 // The modal dialog that downloads an installer on a worker thread and shows the progress.
 #pragma once
 
-#include <afxwin.h>
+#include "res/resource.h"
 
 #include <afxcmn.h>
+#include <afxwin.h>
 
 #include <wininet.h>
 
 #include <atomic>
 
-#include "res/resource.h"
-
-// Posted by the worker when the download has ended; wParam is one of kDownloadSucceeded and kDownloadFailed,
-// lParam 0. In the WM_APP range, which neither Windows nor the dialog manager uses.
+/// Posted by the worker when the download has ended; wParam is one of kDownloadSucceeded and kDownloadFailed,
+/// lParam 0. In the WM_APP range, which neither Windows nor the dialog manager uses.
 constexpr UINT WM_DOWNLOAD_FINISHED = WM_APP + 1;
 constexpr WPARAM kDownloadSucceeded = 0;
 constexpr WPARAM kDownloadFailed = 1;
 
-// Downloads `m_url` into `m_filePath`. The caller sets both and runs DoModal, which returns IDOK only when
-// the whole file was received and written; every failure has been shown by then, a cancelled download shows
-// nothing.
-//
-// Two threads take part. The UI thread runs the dialog and its message handlers. The worker (Download, and
-// the operations below it) makes the request, writes the file and sets control texts directly; a control's
-// text is set by a message sent to the UI thread, so that thread must go on taking sent messages as long as
-// the worker lives. The worker's last act is to post WM_DOWNLOAD_FINISHED. To stop it, the UI thread sets
-// m_cancelled and closes the WinINet handles, which makes a pending read fail. OnDestroy joins the worker, so
-// it never outlives the dialog. m_errorText is written by the worker before it posts, and read by the UI
-// thread only after that. There are no locks.
+/// Downloads `m_url` into `m_filePath`. The caller sets both and runs DoModal, which returns IDOK only when
+/// the whole file was received and written; every failure has been shown by then, a cancelled download shows
+/// nothing.
+///
+/// Two threads take part. The UI thread runs the dialog and its message handlers. The worker (Download, and
+/// the operations below it) makes the request, writes the file and sets control texts directly; a control's
+/// text is set by a message sent to the UI thread, so that thread must go on taking sent messages as long as
+/// the worker lives. The worker's last act is to post WM_DOWNLOAD_FINISHED. To stop it, the UI thread sets
+/// m_cancelled and closes the WinINet handles, which makes a pending read fail. OnDestroy joins the worker,
+/// so it never outlives the dialog. m_errorText is written by the worker before it posts, and read by the UI
+/// thread only after that. There are no locks.
 class CUpdateDownloadDlg : public CDialog
 {
 public:
@@ -52,8 +51,8 @@ protected:
     DECLARE_MESSAGE_MAP()
 
 private:
-    // What UpdateProgress keeps from one chunk to the next. Times are GetTickCount milliseconds, counts are
-    // bytes.
+    /// What UpdateProgress keeps from one chunk to the next. Times are GetTickCount milliseconds, counts are
+    /// bytes.
     struct Progress
     {
         DWORD start;

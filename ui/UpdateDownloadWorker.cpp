@@ -1,7 +1,6 @@
 // The download dialog's part on the worker thread: the request, the file and the progress texts.
-#include "ui/UpdateDownloadDlg.h"
-
 #include "ui/LocalizedResources.h"
+#include "ui/UpdateDownloadDlg.h"
 
 #include <array>
 #include <limits>

@@ -1,10 +1,8 @@
-// The line that tells the user which version of the add-in is installed.
 #include "ui/VersionLine.h"
 
+#include "res/resource.h"
 #include "support/Version.h"
 #include "ui/LocalizedResources.h"
-
-#include "res/resource.h"
 
 CString FormatVersionLine()
 {

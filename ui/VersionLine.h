@@ -3,5 +3,5 @@
 
 #include <afxwin.h>
 
-// "Version 1.2.0 (64-bit)" in the user's language.
+/// "Version 1.2.0 (64-bit)" in the user's language.
 CString FormatVersionLine();

@@ -1,4 +1,3 @@
-// The white look shared by the update-available and the About dialog.
 #include "ui/WhiteBackground.h"
 
 namespace

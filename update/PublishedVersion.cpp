@@ -1,4 +1,3 @@
-// The version that the update-information file publishes, and its comparison with the add-in's own.
 #include "update/PublishedVersion.h"
 
 #include "support/DebugLog.h"

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <afxwin.h>
-
 #include <json_spirit.h>
 
 struct PublishedVersion
@@ -12,16 +11,16 @@ struct PublishedVersion
     int build;
 };
 
-// Reads "majorVersion", "minorVersion" and "buildNumber" of the update's entry, all three and in this order,
-// and logs them. A member that is missing or not an integer raises json_spirit's type error.
+/// Reads "majorVersion", "minorVersion" and "buildNumber" of the update's entry, all three and in this order,
+/// and logs them. A member that is missing or not an integer raises json_spirit's type error.
 PublishedVersion ReadPublishedVersion(const json_spirit::wmObject& entry);
 
-// Whether `published` is greater than the add-in's own version in lexicographic order of (major, minor,
-// build). An equal version is not newer.
+/// Whether `published` is greater than the add-in's own version in lexicographic order of (major, minor,
+/// build). An equal version is not newer.
 bool IsNewerThanInstalled(const PublishedVersion& published);
 
 // "major.minor.build".
 CString FormatVersion(const PublishedVersion& version);
 
-// The add-in's own version, in the same form.
+/// The add-in's own version, in the same form.
 CString FormatInstalledVersion();

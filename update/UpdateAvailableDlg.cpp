@@ -1,4 +1,3 @@
-// The modal dialog that announces a newer build and lets the user choose "Install" or "Later".
 #include "update/UpdateAvailableDlg.h"
 
 #include "ui/LocalizedResources.h"

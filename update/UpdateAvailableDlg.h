@@ -1,20 +1,19 @@
 // The modal dialog that announces a newer build and lets the user choose "Install" or "Later".
 #pragma once
 
-#include <afxwin.h>
-
-#include <afxcmn.h>
-
 #include "res/resource.h"
 
-// DoModal returns IDOK for "Install" and IDCANCEL for "Later" and Escape. The texts are set before DoModal;
-// nothing is read back. UI thread only, with the add-in's module state active.
+#include <afxcmn.h>
+#include <afxwin.h>
+
+/// DoModal returns IDOK for "Install" and IDCANCEL for "Later" and Escape. The texts are set before DoModal;
+/// nothing is read back. UI thread only, with the add-in's module state active.
 class CUpdateAvailableDlg : public CDialog
 {
     DECLARE_DYNAMIC(CUpdateAvailableDlg)
 
 public:
-    // Loads the rich-edit library for the process, because the template needs its window class.
+    /// Loads the rich-edit library for the process, because the template needs its window class.
     explicit CUpdateAvailableDlg(CWnd* pParent = nullptr);
 
     enum
@@ -24,7 +23,7 @@ public:
 
     void SetDescription(CString description);
 
-    // The installed version first, the published one second, both already formatted.
+    /// The installed version first, the published one second, both already formatted.
     void SetVersions(CString installed, CString available);
 
 protected:

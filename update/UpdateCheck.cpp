@@ -1,4 +1,3 @@
-// Finds out whether a newer build is published and, if so, offers and installs it.
 #include "update/UpdateCheck.h"
 
 #include "OrvaWebHost.h"

@@ -1,4 +1,3 @@
-// Chooses the description of a published build for the user's language.
 #include "update/UpdateDescription.h"
 
 #include "support/DebugLog.h"

@@ -2,13 +2,12 @@
 #pragma once
 
 #include <afxwin.h>
-
 #include <json_spirit.h>
 
-// The text for the language of Office's user interface from the "description" member of the update's entry,
-// else its "default" text, else the empty string. A language's empty text is returned as it is, without
-// falling back.
-//
-// Raises json_spirit's type error (std::runtime_error) when "description" is not an object or the chosen
-// member is not a string.
+/// The text for the language of Office's user interface from the "description" member of the update's entry,
+/// else its "default" text, else the empty string. A language's empty text is returned as it is, without
+/// falling back.
+///
+/// Raises json_spirit's type error (std::runtime_error) when "description" is not an object or the chosen
+/// member is not a string.
 CString DetermineUpdateDescription(const json_spirit::wmObject& entry);

@@ -6,7 +6,7 @@
 namespace ATL
 {
 
-// The class object that the module keeps: only references beyond the module's own are locks on the module.
+/// The class object that the module keeps: only references beyond the module's own are locks on the module.
 template <class Base> class CComObjectCached : public Base
 {
 public:
@@ -23,16 +23,22 @@ public:
     {
         const ULONG references = this->InternalAddRef();
         if (references == 2)
+        {
             _pAtlModule->Lock();
+        }
         return references;
     }
     STDMETHOD_(ULONG, Release)() override
     {
         const ULONG references = this->InternalRelease();
         if (references == 0)
+        {
             delete this;
+        }
         else if (references == 1)
+        {
             _pAtlModule->Unlock();
+        }
         return references;
     }
     STDMETHOD(QueryInterface)(REFIID iid, void** ppvObject) override
@@ -41,7 +47,7 @@ public:
     }
 };
 
-// The class object of every class: IClassFactory over the class's creator function.
+/// The class object of every class: IClassFactory over the class's creator function.
 class CComClassFactory : public IClassFactory, public CComObjectRootEx<CComGlobalsThreadModel>
 {
 public:
@@ -49,24 +55,24 @@ public:
         COM_INTERFACE_ENTRY(IClassFactory)
     END_COM_MAP()
 
-    // Takes the creator function that the object map hands to the class object's own creator.
+    /// Takes the creator function that the object map hands to the class object's own creator.
     void SetVoid(void* pv) noexcept
     {
         m_pfnCreateInstance = reinterpret_cast<_ATL_CREATORFUNC*>(reinterpret_cast<INT_PTR>(pv));
     }
 
-    // E_POINTER when ppvObj is null; CLASS_E_NOAGGREGATION when an outer object asks for anything but
-    // IUnknown.
+    /// E_POINTER when ppvObj is null; CLASS_E_NOAGGREGATION when an outer object asks for anything but
+    /// IUnknown.
     STDMETHOD(CreateInstance)(LPUNKNOWN pUnkOuter, REFIID riid, void** ppvObj) override;
 
-    // Each TRUE is a lock on the module that one FALSE takes back.
+    /// Each TRUE is a lock on the module that one FALSE takes back.
     STDMETHOD(LockServer)(BOOL fLock) override;
 
 private:
     _ATL_CREATORFUNC* m_pfnCreateInstance = nullptr;
 };
 
-// How the objects of a class are made: alone or aggregated, and never aggregated.
+/// How the objects of a class are made: alone or aggregated, and never aggregated.
 template <class T>
 using CComAggregatableCreator = CComCreator2<CComCreator<CComObject<T>>, CComCreator<CComAggObject<T>>>;
 template <class T>
@@ -74,7 +80,7 @@ using CComNotAggregatableCreator =
     CComCreator2<CComCreator<CComObject<T>>, CComFailCreator<CLASS_E_NOAGGREGATION>>;
 template <class Factory> using CComClassFactoryCreator = CComCreator<CComObjectCached<Factory>>;
 
-// The base of every creatable class: class object and class id. Both macros may be given again in the class.
+/// The base of every creatable class: class object and class id. Both macros may be given again in the class.
 template <class T, const CLSID* pclsid = &CLSID_NULL> class CComCoClass
 {
 public:

@@ -1,4 +1,3 @@
-// The BSTR that frees itself.
 #include "platform/atl/AtlComBstr.h"
 
 #include "platform/atl/atlcore.h"
@@ -16,7 +15,9 @@ namespace
 BSTR CheckedCopy(BSTR copy, bool expected)
 {
     if (copy == nullptr && expected)
+    {
         AtlThrow(E_OUTOFMEMORY);
+    }
     return copy;
 }
 
@@ -28,12 +29,16 @@ BSTR CopyOf(LPCOLESTR text)
 BSTR CopyOf(LPCSTR text)
 {
     if (text == nullptr)
+    {
         return nullptr;
+    }
     const int length = ::MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
     BSTR copy =
         CheckedCopy(::SysAllocStringLen(nullptr, length > 0 ? static_cast<UINT>(length - 1) : 0), true);
     if (length > 0)
+    {
         ::MultiByteToWideChar(CP_ACP, 0, text, -1, copy, length);
+    }
     return copy;
 }
 
@@ -42,7 +47,9 @@ BSTR CopyOf(LPCSTR text)
 CComBSTR::CComBSTR(int nSize) : m_str(nullptr)
 {
     if (nSize < 0)
+    {
         AtlThrow(E_INVALIDARG);
+    }
     if (nSize > 0)
     {
         m_str = CheckedCopy(::SysAllocStringLen(nullptr, static_cast<UINT>(nSize)), true);
@@ -53,12 +60,16 @@ CComBSTR::CComBSTR(int nSize) : m_str(nullptr)
 CComBSTR::CComBSTR(int nSize, LPCOLESTR sz) : m_str(nullptr)
 {
     if (nSize < 0)
+    {
         AtlThrow(E_INVALIDARG);
+    }
     if (nSize > 0)
     {
         m_str = CheckedCopy(::SysAllocStringLen(sz, static_cast<UINT>(nSize)), true);
         if (sz == nullptr)
+        {
             std::wmemset(m_str, L'\0', static_cast<std::size_t>(nSize));
+        }
     }
 }
 
@@ -72,7 +83,9 @@ CComBSTR::CComBSTR(REFGUID guid) : m_str(nullptr)
 {
     OLECHAR text[64];
     if (::StringFromGUID2(guid, text, static_cast<int>(ARRAYSIZE(text))) > 0)
+    {
         m_str = CopyOf(text);
+    }
 }
 
 CComBSTR::~CComBSTR()
@@ -83,21 +96,27 @@ CComBSTR::~CComBSTR()
 CComBSTR& CComBSTR::operator=(const CComBSTR& src)
 {
     if (this != std::addressof(src))
+    {
         Attach(CheckedCopy(src.Copy(), src.m_str != nullptr));
+    }
     return *this;
 }
 
 CComBSTR& CComBSTR::operator=(CComBSTR&& src) noexcept
 {
     if (this != std::addressof(src))
+    {
         Attach(src.Detach());
+    }
     return *this;
 }
 
 CComBSTR& CComBSTR::operator=(LPCOLESTR pSrc)
 {
     if (pSrc != m_str || pSrc == nullptr)
+    {
         Attach(CopyOf(pSrc));
+    }
     return *this;
 }
 
@@ -118,7 +137,9 @@ BSTR CComBSTR::Copy() const noexcept
 HRESULT CComBSTR::CopyTo(BSTR* pbstr) const noexcept
 {
     if (pbstr == nullptr)
+    {
         return E_POINTER;
+    }
     *pbstr = Copy();
     return *pbstr == nullptr && m_str != nullptr ? E_OUTOFMEMORY : S_OK;
 }
@@ -147,13 +168,17 @@ void CComBSTR::Empty() noexcept
 HRESULT CComBSTR::AssignBSTR(BSTR bstrSrc) noexcept
 {
     if (m_str == bstrSrc)
+    {
         return S_OK;
+    }
     BSTR copy = nullptr;
     if (bstrSrc != nullptr)
     {
         copy = ::SysAllocStringByteLen(reinterpret_cast<LPCSTR>(bstrSrc), ::SysStringByteLen(bstrSrc));
         if (copy == nullptr)
+        {
             return E_OUTOFMEMORY;
+        }
     }
     Attach(copy);
     return S_OK;
@@ -162,15 +187,23 @@ HRESULT CComBSTR::AssignBSTR(BSTR bstrSrc) noexcept
 HRESULT CComBSTR::Append(LPCOLESTR lpsz, int nLen) noexcept
 {
     if (lpsz == nullptr)
+    {
         return nLen == 0 ? S_OK : E_INVALIDARG;
+    }
     if (nLen < 0)
+    {
         return E_INVALIDARG;
+    }
     const UINT former = Length();
     BSTR joined = ::SysAllocStringLen(nullptr, former + static_cast<UINT>(nLen));
     if (joined == nullptr)
+    {
         return E_OUTOFMEMORY;
+    }
     if (former > 0)
+    {
         std::wmemcpy(joined, m_str, former);
+    }
     std::wmemcpy(joined + former, lpsz, static_cast<std::size_t>(nLen));
     Attach(joined);
     return S_OK;
@@ -190,7 +223,9 @@ CComBSTR& CComBSTR::operator+=(const CComBSTR& src)
 {
     const HRESULT hr = Append(src);
     if (FAILED(hr))
+    {
         AtlThrow(hr);
+    }
     return *this;
 }
 
@@ -198,7 +233,9 @@ CComBSTR& CComBSTR::operator+=(LPCOLESTR pSrc)
 {
     const HRESULT hr = Append(pSrc);
     if (FAILED(hr))
+    {
         AtlThrow(hr);
+    }
     return *this;
 }
 
@@ -239,7 +276,9 @@ bool CComBSTR::LoadString(HINSTANCE hInst, UINT nID) noexcept
     const int length = ::LoadStringW(hInst, nID, reinterpret_cast<LPWSTR>(&text), 0);
     Empty();
     if (length <= 0)
+    {
         return false;
+    }
     m_str = ::SysAllocStringLen(text, static_cast<UINT>(length));
     return m_str != nullptr;
 }

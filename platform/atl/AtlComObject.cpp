@@ -1,4 +1,3 @@
-// Answers to QueryInterface from interface maps, and the class object.
 #include "platform/atl/AtlComObject.h"
 
 #include "platform/atl/AtlClassFactory.h"
@@ -20,7 +19,9 @@ HRESULT WINAPI AtlInternalQueryInterface(void* pThis, const _ATL_INTMAP_ENTRY* p
                                          void** ppvObject)
 {
     if (ppvObject == nullptr)
+    {
         return E_POINTER;
+    }
     *ppvObject = nullptr;
     if (IsEqualIID(iid, IID_IUnknown))
     {
@@ -34,7 +35,9 @@ HRESULT WINAPI AtlInternalQueryInterface(void* pThis, const _ATL_INTMAP_ENTRY* p
     {
         const bool isBlind = pEntries->piid == nullptr;
         if (!isBlind && !IsEqualIID(*pEntries->piid, iid))
+        {
             continue;
+        }
         if (pEntries->pFunc == _ATL_SIMPLEMAPENTRY)
         {
             IUnknown* found = AtOffset<IUnknown>(pThis, pEntries->dw);
@@ -44,10 +47,14 @@ HRESULT WINAPI AtlInternalQueryInterface(void* pThis, const _ATL_INTMAP_ENTRY* p
         }
         const HRESULT hr = pEntries->pFunc(pThis, iid, ppvObject, pEntries->dw);
         if (hr == S_OK)
+        {
             return S_OK;
+        }
         *ppvObject = nullptr;
         if (!isBlind && FAILED(hr))
+        {
             return hr;
+        }
     }
     return E_NOINTERFACE;
 }
@@ -61,20 +68,28 @@ HRESULT WINAPI CComObjectRootBase::_Delegate(void* pv, REFIID iid, void** ppvObj
 HRESULT STDMETHODCALLTYPE CComClassFactory::CreateInstance(LPUNKNOWN pUnkOuter, REFIID riid, void** ppvObj)
 {
     if (ppvObj == nullptr)
+    {
         return E_POINTER;
+    }
     *ppvObj = nullptr;
     // Of a new aggregate the outer object can only hold the inner IUnknown.
     if (pUnkOuter != nullptr && !IsEqualIID(riid, IID_IUnknown))
+    {
         return CLASS_E_NOAGGREGATION;
+    }
     return m_pfnCreateInstance(pUnkOuter, riid, ppvObj);
 }
 
 HRESULT STDMETHODCALLTYPE CComClassFactory::LockServer(BOOL fLock)
 {
     if (fLock)
+    {
         _pAtlModule->Lock();
+    }
     else
+    {
         _pAtlModule->Unlock();
+    }
     return S_OK;
 }
 

@@ -13,36 +13,36 @@ namespace ATL
 
 typedef HRESULT(WINAPI _ATL_CREATORARGFUNC)(void* pv, REFIID riid, LPVOID* ppv, DWORD_PTR dw);
 
-// One line of an interface map.
+/// One line of an interface map.
 struct _ATL_INTMAP_ENTRY
 {
-    // The interface; null for an entry that is asked for every interface.
+    /// The interface; null for an entry that is asked for every interface.
     const IID* piid;
-    // The offset of the interface in the object, or what pFunc gets.
+    /// The offset of the interface in the object, or what pFunc gets.
     DWORD_PTR dw;
-    // _ATL_SIMPLEMAPENTRY, or the function that answers. Null ends the map.
+    /// _ATL_SIMPLEMAPENTRY, or the function that answers. Null ends the map.
     _ATL_CREATORARGFUNC* pFunc;
 };
 
 #define _ATL_SIMPLEMAPENTRY (reinterpret_cast<ATL::_ATL_CREATORARGFUNC*>(1))
 
-// Answers a QueryInterface from an interface map. The first entry is the object's identity.
+/// Answers a QueryInterface from an interface map. The first entry is the object's identity.
 HRESULT WINAPI AtlInternalQueryInterface(void* pThis, const _ATL_INTMAP_ENTRY* pEntries, REFIID iid,
                                          void** ppvObject);
 
-// The part of a COM object that does not depend on its threading model.
+/// The part of a COM object that does not depend on its threading model.
 class CComObjectRootBase
 {
 public:
     CComObjectRootBase() noexcept : m_dwRef(0) {}
 
-    // Override these to prepare and to clean up. A failing FinalConstruct ends the creation with its result.
+    /// Override these to prepare and to clean up. A failing FinalConstruct ends the creation with its result.
     HRESULT FinalConstruct() { return S_OK; }
     void FinalRelease() {}
 
     void SetVoid(void* /*pv*/) {}
-    // DECLARE_PROTECT_FINAL_CONSTRUCT replaces these two, for objects that hand themselves out in
-    // FinalConstruct.
+    /// DECLARE_PROTECT_FINAL_CONSTRUCT replaces these two, for objects that hand themselves out in
+    /// FinalConstruct.
     void InternalFinalConstructAddRef() {}
     void InternalFinalConstructRelease() {}
 
@@ -59,7 +59,7 @@ public:
         return m_pOuterUnknown->QueryInterface(iid, ppvObject);
     }
 
-    // The answer of COM_INTERFACE_ENTRY_AGGREGATE: dw is the offset of the inner object's IUnknown pointer.
+    /// The answer of COM_INTERFACE_ENTRY_AGGREGATE: dw is the offset of the inner object's IUnknown pointer.
     static HRESULT WINAPI _Delegate(void* pv, REFIID iid, void** ppvObject, DWORD_PTR dw);
 
     union {
@@ -68,7 +68,7 @@ public:
     };
 };
 
-// The base of every COM class.
+/// The base of every COM class.
 template <class ThreadModel> class CComObjectRootEx : public CComObjectRootBase
 {
 public:
@@ -86,11 +86,11 @@ private:
 
 typedef CComObjectRootEx<CComObjectThreadModel> CComObjectRoot;
 
-// The reference count of an object that is going: a reference taken and given back by its own clean-up must
-// not bring the count to zero a second time.
+/// The reference count of an object that is going: a reference taken and given back by its own clean-up must
+/// not bring the count to zero a second time.
 inline constexpr LONG kReferencesOfDestroyedObject = -(LONG_MAX / 2);
 
-// Completes a COM class to an object on its own. It is a lock on the module while it lives.
+/// Completes a COM class to an object on its own. It is a lock on the module while it lives.
 template <class Base> class CComObject : public Base
 {
 public:
@@ -126,11 +126,11 @@ public:
         return QueryInterface(__uuidof(Q), reinterpret_cast<void**>(pp));
     }
 
-    // Makes an object without a reference in *pp. The caller adds the first one.
+    /// Makes an object without a reference in *pp. The caller adds the first one.
     static HRESULT WINAPI CreateInstance(CComObject<Base>** pp) noexcept;
 };
 
-// The inner part of an aggregate: its interfaces count and ask through the outer object.
+/// The inner part of an aggregate: its interfaces count and ask through the outer object.
 template <class Base> class CComContainedObject : public Base
 {
 public:
@@ -157,14 +157,11 @@ public:
 #ifdef __clang__
 #pragma GCC diagnostic ignored "-Winconsistent-missing-override"
 #endif
-    IUnknown* GetControllingUnknown()
-    {
-        return this->m_pOuterUnknown;
-    }
+    IUnknown* GetControllingUnknown() { return this->m_pOuterUnknown; }
 #pragma GCC diagnostic pop
 };
 
-// Completes a COM class to an aggregated object; its own IUnknown is the one that the outer object holds.
+/// Completes a COM class to an aggregated object; its own IUnknown is the one that the outer object holds.
 template <class contained>
 class CComAggObject : public IUnknown,
                       public CComObjectRootEx<typename contained::_ThreadModel::ThreadModelNoCS>
@@ -180,7 +177,7 @@ public:
         _pAtlModule->Unlock();
     }
 
-    // As DECLARE_PROTECT_FINAL_CONSTRUCT: the contained object may hand out the aggregate while it is made.
+    /// As DECLARE_PROTECT_FINAL_CONSTRUCT: the contained object may hand out the aggregate while it is made.
     void InternalFinalConstructAddRef() { this->InternalAddRef(); }
     void InternalFinalConstructRelease() { this->InternalRelease(); }
 
@@ -218,26 +215,33 @@ public:
     CComContainedObject<contained> m_contained;
 };
 
-// Makes objects of a completed class; pv is the outer object of an aggregate or null. No exception leaves it.
+/// Makes objects of a completed class; pv is the outer object of an aggregate or null. No exception leaves
+/// it.
 template <class T1> class CComCreator
 {
 public:
     static HRESULT WINAPI CreateInstance(void* pv, REFIID riid, LPVOID* ppv) noexcept
     {
         if (ppv == nullptr)
+        {
             return E_POINTER;
+        }
         *ppv = nullptr;
         T1* p = nullptr;
         const HRESULT hr = CreateUnreferenced(pv, &p);
         if (FAILED(hr))
+        {
             return hr;
+        }
         const HRESULT hrQuery = p->QueryInterface(riid, ppv);
         if (hrQuery != S_OK)
+        {
             delete p;
+        }
         return hrQuery;
     }
 
-    // Makes an object with a reference count of zero.
+    /// Makes an object with a reference count of zero.
     static HRESULT CreateUnreferenced(void* pv, T1** pp) noexcept
     {
         *pp = nullptr;
@@ -279,7 +283,7 @@ template <class Base> HRESULT WINAPI CComObject<Base>::CreateInstance(CComObject
     return CComCreator<CComObject<Base>>::CreateUnreferenced(nullptr, pp);
 }
 
-// Chooses between an object on its own (T1) and an aggregated one (T2).
+/// Chooses between an object on its own (T1) and an aggregated one (T2).
 template <class T1, class T2> class CComCreator2
 {
 public:
@@ -289,14 +293,16 @@ public:
     }
 };
 
-// Refuses the creation with one result.
+/// Refuses the creation with one result.
 template <HRESULT hr> class CComFailCreator
 {
 public:
     static HRESULT WINAPI CreateInstance(void* /*pv*/, REFIID /*riid*/, LPVOID* ppv) noexcept
     {
         if (ppv == nullptr)
+        {
             return E_POINTER;
+        }
         *ppv = nullptr;
         return hr;
     }

@@ -9,19 +9,19 @@
 namespace ATL
 {
 
-// Copies an interface pointer into *pp with a reference of its own, releasing what stood there. Returns lp.
+/// Copies an interface pointer into *pp with a reference of its own, releasing what stood there. Returns lp.
 IUnknown* AtlComPtrAssign(IUnknown** pp, IUnknown* lp);
 
-// As AtlComPtrAssign, with lp's interface riid; *pp becomes null when lp has no such interface.
+/// As AtlComPtrAssign, with lp's interface riid; *pp becomes null when lp has no such interface.
 IUnknown* AtlComQIPtrAssign(IUnknown** pp, IUnknown* lp, REFIID riid);
 
-// Subscribes pUnk to the connection point iid of pUnkCP. pdw receives the cookie for AtlUnadvise.
+/// Subscribes pUnk to the connection point iid of pUnkCP. pdw receives the cookie for AtlUnadvise.
 HRESULT AtlAdvise(IUnknown* pUnkCP, IUnknown* pUnk, const IID& iid, LPDWORD pdw);
 
-// Ends the subscription pdw of AtlAdvise.
+/// Ends the subscription pdw of AtlAdvise.
 HRESULT AtlUnadvise(IUnknown* pUnkCP, const IID& iid, DWORD dw);
 
-// What CComPtr and CComQIPtr share.
+/// What CComPtr and CComQIPtr share.
 template <class T> class CComPtrBase
 {
 public:
@@ -30,7 +30,9 @@ public:
     ~CComPtrBase()
     {
         if (p)
+        {
             p->Release();
+        }
     }
 
     operator T*() const noexcept { return p; }
@@ -39,7 +41,7 @@ public:
         ATLENSURE(p != nullptr);
         return *p;
     }
-    // For out-parameters: the pointer must be empty, or what it holds would leak.
+    /// For out-parameters: the pointer must be empty, or what it holds would leak.
     T** operator&() noexcept
     {
         ATLASSERT(p == nullptr);
@@ -65,45 +67,57 @@ public:
         }
     }
 
-    // Whether both pointers lead to the same COM object.
+    /// Whether both pointers lead to the same COM object.
     bool IsEqualObject(IUnknown* pOther) const noexcept
     {
         if (p == nullptr || pOther == nullptr)
+        {
             return p == nullptr && pOther == nullptr;
+        }
         IUnknown* own = nullptr;
         IUnknown* other = nullptr;
         p->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&own));
         pOther->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&other));
         const bool same = own == other;
         if (own)
+        {
             own->Release();
+        }
         if (other)
+        {
             other->Release();
+        }
         return same;
     }
 
-    // Takes over the caller's reference.
+    /// Takes over the caller's reference.
     void Attach(T* p2) noexcept
     {
         if (p)
+        {
             p->Release();
+        }
         p = p2;
     }
-    // Hands the reference to the caller.
+    /// Hands the reference to the caller.
     T* Detach() noexcept
     {
         T* pt = p;
         p = nullptr;
         return pt;
     }
-    // Gives *ppT a reference of its own. E_POINTER when ppT is null.
+    /// Gives *ppT a reference of its own. E_POINTER when ppT is null.
     HRESULT CopyTo(T** ppT) const noexcept
     {
         if (ppT == nullptr)
+        {
             return E_POINTER;
+        }
         *ppT = p;
         if (p)
+        {
             p->AddRef();
+        }
         return S_OK;
     }
 
@@ -118,7 +132,7 @@ public:
                              DWORD dwClsContext = CLSCTX_ALL)
     {
         CLSID clsid;
-        const HRESULT hr = ::CLSIDFromProgID(szProgID, &clsid);
+        const HRESULT hr = CLSIDFromProgID(szProgID, &clsid);
         return FAILED(hr) ? hr : CoCreateInstance(clsid, pUnkOuter, dwClsContext);
     }
 
@@ -135,7 +149,9 @@ protected:
     explicit CComPtrBase(T* lp) noexcept : p(lp)
     {
         if (p)
+        {
             p->AddRef();
+        }
     }
 
     void Swap(CComPtrBase& other) noexcept
@@ -144,11 +160,13 @@ protected:
         p = other.p;
         other.p = pTemp;
     }
-    // Adds the new reference before the old one goes, so that assigning an object its own part is safe.
+    /// Adds the new reference before the old one goes, so that assigning an object its own part is safe.
     T* Assign(T* lp) noexcept
     {
         if (lp)
+        {
             lp->AddRef();
+        }
         Attach(lp);
         return lp;
     }
@@ -156,7 +174,9 @@ protected:
     {
         T* pNew = nullptr;
         if (lp && FAILED(lp->QueryInterface(riid, reinterpret_cast<void**>(&pNew))))
+        {
             pNew = nullptr;
+        }
         Attach(pNew);
         return pNew;
     }
@@ -166,7 +186,7 @@ private:
     CComPtrBase& operator=(const CComPtrBase&) = delete;
 };
 
-// A counted pointer to one interface.
+/// A counted pointer to one interface.
 template <class T> class CComPtr : public CComPtrBase<T>
 {
 public:
@@ -182,14 +202,14 @@ public:
         CComPtr(static_cast<CComPtr&&>(lp)).Swap(*this);
         return this->p;
     }
-    // Asks another interface of an object; null when it has none of this type.
+    /// Asks another interface of an object; null when it has none of this type.
     template <class Q> T* operator=(const CComPtr<Q>& lp) noexcept
     {
         return CComPtr::AssignQuery(lp.p, __uuidof(T));
     }
 };
 
-// A counted IDispatch with calls by name. The locale of every call is the user's default.
+/// A counted IDispatch with calls by name. The locale of every call is the user's default.
 template <> class CComPtr<IDispatch> : public CComPtrBase<IDispatch>
 {
 public:
@@ -206,20 +226,20 @@ public:
         return p;
     }
 
-    // Reads a property; the caller clears *pVar. E_POINTER without an object.
+    /// Reads a property; the caller clears *pVar. E_POINTER without an object.
     HRESULT GetPropertyByName(LPCOLESTR lpsz, VARIANT* pVar);
     HRESULT GetProperty(DISPID dwDispID, VARIANT* pVar);
     static HRESULT GetProperty(IDispatch* pDisp, DISPID dwDispID, VARIANT* pVar);
 
-    // Writes a property; an object is put by reference first, by value when the object refuses that.
+    /// Writes a property; an object is put by reference first, by value when the object refuses that.
     HRESULT PutPropertyByName(LPCOLESTR lpsz, VARIANT* pVar);
     HRESULT PutProperty(DISPID dwDispID, VARIANT* pVar);
     static HRESULT PutProperty(IDispatch* pDisp, DISPID dwDispID, VARIANT* pVar);
 
     HRESULT GetIDOfName(LPCOLESTR lpsz, DISPID* pdispid);
 
-    // Calls a method. Invoke1 and Invoke2 take their arguments in the order of the method's declaration,
-    // InvokeN in the reverse order, as DISPPARAMS wants them.
+    /// Calls a method. Invoke1 and Invoke2 take their arguments in the order of the method's declaration,
+    /// InvokeN in the reverse order, as DISPPARAMS wants them.
     HRESULT Invoke0(DISPID dispid, VARIANT* pvarRet = nullptr);
     HRESULT Invoke0(LPCOLESTR lpszName, VARIANT* pvarRet = nullptr);
     HRESULT Invoke1(DISPID dispid, VARIANT* pvarParam1, VARIANT* pvarRet = nullptr);
@@ -230,7 +250,7 @@ public:
     HRESULT InvokeN(LPCOLESTR lpszName, VARIANT* pvarParams, int nParams, VARIANT* pvarRet = nullptr);
 };
 
-// A counted pointer that asks every object assigned to it for its own interface.
+/// A counted pointer that asks every object assigned to it for its own interface.
 template <class T, const IID* piid = &__uuidof(T)> class CComQIPtr : public CComPtr<T>
 {
 public:
@@ -244,7 +264,7 @@ public:
     T* operator=(IUnknown* lp) noexcept { return CComQIPtr::AssignQuery(lp, *piid); }
 };
 
-// CComQIPtr<IUnknown> would have two constructors of one signature; this one always finds the identity.
+/// CComQIPtr<IUnknown> would have two constructors of one signature; this one always finds the identity.
 template <> class CComQIPtr<IUnknown> : public CComPtr<IUnknown>
 {
 public:

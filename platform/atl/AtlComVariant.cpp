@@ -1,4 +1,3 @@
-// The VARIANT that clears itself.
 #include "platform/atl/AtlComVariant.h"
 
 namespace ATL
@@ -8,7 +7,9 @@ CComVariant::CComVariant(const VARIANT& varSrc) : CComVariant()
 {
     const HRESULT hr = Copy(&varSrc);
     if (FAILED(hr))
+    {
         AtlThrow(hr);
+    }
 }
 
 CComVariant::CComVariant(const CComVariant& varSrc) : CComVariant(static_cast<const VARIANT&>(varSrc)) {}
@@ -105,7 +106,9 @@ CComVariant::CComVariant(IDispatch* pSrc) noexcept : CComVariant()
     vt = VT_DISPATCH;
     pdispVal = pSrc;
     if (pSrc)
+    {
         pSrc->AddRef();
+    }
 }
 
 CComVariant::CComVariant(IUnknown* pSrc) noexcept : CComVariant()
@@ -113,7 +116,9 @@ CComVariant::CComVariant(IUnknown* pSrc) noexcept : CComVariant()
     vt = VT_UNKNOWN;
     punkVal = pSrc;
     if (pSrc)
+    {
         pSrc->AddRef();
+    }
 }
 
 CComVariant& CComVariant::operator=(const CComVariant& varSrc)
@@ -134,39 +139,51 @@ CComVariant& CComVariant::operator=(CComVariant&& varSrc) noexcept
 CComVariant& CComVariant::operator=(const VARIANT& varSrc)
 {
     if (static_cast<const VARIANT*>(this) != &varSrc)
+    {
         CComVariant(varSrc).Swap(*this);
+    }
     return *this;
 }
 
 bool CComVariant::operator==(const VARIANT& varSrc) const noexcept
 {
     if (static_cast<const VARIANT*>(this) == &varSrc)
+    {
         return true;
+    }
     if (vt != varSrc.vt)
+    {
         return false;
+    }
     if (vt == VT_EMPTY || vt == VT_NULL)
+    {
         return true;
-    return ::VarCmp(const_cast<CComVariant*>(this), const_cast<VARIANT*>(&varSrc), LOCALE_USER_DEFAULT, 0) ==
+    }
+    return VarCmp(const_cast<CComVariant*>(this), const_cast<VARIANT*>(&varSrc), LOCALE_USER_DEFAULT, 0) ==
            static_cast<HRESULT>(VARCMP_EQ);
 }
 
 HRESULT CComVariant::Copy(const VARIANT* pSrc) noexcept
 {
-    return ::VariantCopy(this, const_cast<VARIANT*>(pSrc));
+    return VariantCopy(this, const_cast<VARIANT*>(pSrc));
 }
 
 HRESULT CComVariant::CopyTo(VARIANT* pDest) const noexcept
 {
-    return ::VariantCopy(pDest, const_cast<CComVariant*>(this));
+    return VariantCopy(pDest, const_cast<CComVariant*>(this));
 }
 
 HRESULT CComVariant::Attach(VARIANT* pSrc) noexcept
 {
     if (pSrc == nullptr)
+    {
         return E_INVALIDARG;
+    }
     const HRESULT hr = Clear();
     if (FAILED(hr))
+    {
         return hr;
+    }
     static_cast<VARIANT&>(*this) = *pSrc;
     pSrc->vt = VT_EMPTY;
     return S_OK;
@@ -175,10 +192,14 @@ HRESULT CComVariant::Attach(VARIANT* pSrc) noexcept
 HRESULT CComVariant::Detach(VARIANT* pDest) noexcept
 {
     if (pDest == nullptr)
+    {
         return E_POINTER;
-    const HRESULT hr = ::VariantClear(pDest);
+    }
+    const HRESULT hr = VariantClear(pDest);
     if (FAILED(hr))
+    {
         return hr;
+    }
     *pDest = *this;
     vt = VT_EMPTY;
     return S_OK;
@@ -186,7 +207,7 @@ HRESULT CComVariant::Detach(VARIANT* pDest) noexcept
 
 HRESULT CComVariant::ChangeType(VARTYPE vtNew, const VARIANT* pSrc) noexcept
 {
-    return ::VariantChangeType(this, pSrc == nullptr ? this : const_cast<VARIANT*>(pSrc), 0, vtNew);
+    return VariantChangeType(this, pSrc == nullptr ? this : const_cast<VARIANT*>(pSrc), 0, vtNew);
 }
 
 void CComVariant::Swap(CComVariant& other) noexcept

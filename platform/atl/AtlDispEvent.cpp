@@ -1,4 +1,3 @@
-// Subscriptions of event sinks and the calls of their handlers.
 #include "platform/atl/AtlDispEvent.h"
 
 #include <cstdint>
@@ -44,7 +43,9 @@ void* AtlResolveMemberPointer(void* pThis, const void* pMemberPointer, void** pp
     BYTE* object = static_cast<BYTE*>(pThis) + pointer.adjustment;
     *ppThis = object;
     if ((pointer.address & 1) == 0)
+    {
         return reinterpret_cast<void*>(pointer.address);
+    }
     const BYTE* table = *reinterpret_cast<BYTE**>(object);
     void* entry = nullptr;
     std::memcpy(&entry, table + (pointer.address - 1), sizeof(entry));
@@ -57,7 +58,9 @@ HRESULT AtlInvokeFromFuncInfo(void* pThis, void* pfn, const _ATL_FUNC_INFO& info
     const UINT count = static_cast<UINT>(info.nParams);
     if (pdispparams == nullptr || count > _ATL_MAX_VARTYPES || pdispparams->cArgs != count ||
         pdispparams->cNamedArgs > count)
+    {
         return DISP_E_BADPARAMCOUNT;
+    }
 
     // The object goes first, as the compiler passes it.
     VARIANT object;
@@ -71,7 +74,9 @@ HRESULT AtlInvokeFromFuncInfo(void* pThis, void* pfn, const _ATL_FUNC_INFO& info
     {
         const DISPID position = pdispparams->rgdispidNamedArgs[index];
         if (position < 0 || static_cast<UINT>(position) >= count || arguments[1 + position] != nullptr)
+        {
             return DISP_E_PARAMNOTFOUND;
+        }
         arguments[1 + position] = &pdispparams->rgvarg[index];
     }
     // The others stand in reverse order.
@@ -79,20 +84,24 @@ HRESULT AtlInvokeFromFuncInfo(void* pThis, void* pfn, const _ATL_FUNC_INFO& info
     {
         const UINT position = count - 1 - index;
         if (arguments[1 + position] != nullptr)
+        {
             return DISP_E_PARAMNOTFOUND;
+        }
         arguments[1 + position] = &pdispparams->rgvarg[index];
     }
     for (UINT position = 0; position < count; ++position)
     {
         const VARTYPE expected = info.pVarTypes[position];
         if (expected != VT_VARIANT && arguments[1 + position]->vt != expected)
+        {
             return DISP_E_TYPEMISMATCH;
+        }
         types[1 + position] = expected;
     }
 
     CComVariant ignored;
-    return ::DispCallFunc(nullptr, reinterpret_cast<ULONG_PTR>(pfn), info.cc, info.vtReturn, 1 + count, types,
-                          arguments, pvarResult ? pvarResult : &ignored);
+    return DispCallFunc(nullptr, reinterpret_cast<ULONG_PTR>(pfn), info.cc, info.vtReturn, 1 + count, types,
+                        arguments, pvarResult ? pvarResult : &ignored);
 }
 
 } // namespace ATL

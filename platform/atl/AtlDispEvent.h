@@ -11,7 +11,7 @@ namespace ATL
 // The most parameters an event handler can have.
 #define _ATL_MAX_VARTYPES 8
 
-// The signature of an event handler.
+/// The signature of an event handler.
 struct _ATL_FUNC_INFO
 {
     CALLCONV cc;      // CC_STDCALL
@@ -20,7 +20,7 @@ struct _ATL_FUNC_INFO
     VARTYPE pVarTypes[_ATL_MAX_VARTYPES];
 };
 
-// One line of a sink map.
+/// One line of a sink map.
 template <class T> struct _ATL_EVENT_ENTRY
 {
     UINT nControlID;
@@ -30,8 +30,8 @@ template <class T> struct _ATL_EVENT_ENTRY
     _ATL_FUNC_INFO* pInfo;
 };
 
-// The start of every event sink's virtual table, and its subscription. The sink is no IDispatch for C++, so
-// that a class can have IDispatch interfaces of its own beside it, but its table is laid out as one.
+/// The start of every event sink's virtual table, and its subscription. The sink is no IDispatch for C++, so
+/// that a class can have IDispatch interfaces of its own beside it, but its table is laid out as one.
 class ATL_NO_VTABLE _IDispEvent
 {
 public:
@@ -39,32 +39,32 @@ public:
     STDMETHOD_(ULONG, AddRef)() = 0;
     STDMETHOD_(ULONG, Release)() = 0;
 
-    // Subscribes to the events piid of pUnk. Throws CAtlException(E_FAIL) when there is a subscription
-    // already.
+    /// Subscribes to the events piid of pUnk. Throws CAtlException(E_FAIL) when there is a subscription
+    /// already.
     HRESULT DispEventAdvise(IUnknown* pUnk, const IID* piid);
-    // Ends the subscription. CONNECT_E_NOCONNECTION when there is none.
+    /// Ends the subscription. CONNECT_E_NOCONNECTION when there is none.
     HRESULT DispEventUnadvise(IUnknown* pUnk, const IID* piid);
 
-    // The subscription, or kNoEventCookie.
+    /// The subscription, or kNoEventCookie.
     DWORD m_dwEventCookie = kNoEventCookie;
 
     static constexpr DWORD kNoEventCookie = 0xFEFEFEFE;
 };
 
-// Tells the sinks of one class apart.
+/// Tells the sinks of one class apart.
 template <UINT nID, const IID* piid> class ATL_NO_VTABLE _IDispEventLocator : public _IDispEvent
 {
 };
 
-// Calls the handler pfn of the object pThis as info says, with the arguments of pdispparams.
+/// Calls the handler pfn of the object pThis as info says, with the arguments of pdispparams.
 HRESULT AtlInvokeFromFuncInfo(void* pThis, void* pfn, const _ATL_FUNC_INFO& info, DISPPARAMS* pdispparams,
                               VARIANT* pvarResult) noexcept;
 
-// The code address behind a member pointer of the object pThis; *ppThis receives the object to call it on.
+/// The code address behind a member pointer of the object pThis; *ppThis receives the object to call it on.
 void* AtlResolveMemberPointer(void* pThis, const void* pMemberPointer, void** ppThis) noexcept;
 
-// The sink for the events of the dispatch interface *pdiid. Handlers are found in the sink map of T, which
-// describes their signatures, so no type library is needed.
+/// The sink for the events of the dispatch interface *pdiid. Handlers are found in the sink map of T, which
+/// describes their signatures, so no type library is needed.
 template <UINT nID, class T, const IID* pdiid>
 class ATL_NO_VTABLE IDispEventSimpleImpl : public _IDispEventLocator<nID, pdiid>
 {
@@ -72,15 +72,19 @@ public:
     STDMETHOD(_LocDEQueryInterface)(REFIID riid, void** ppvObject) override
     {
         if (ppvObject == nullptr)
+        {
             return E_POINTER;
+        }
         *ppvObject = nullptr;
         if (!IsEqualIID(riid, *pdiid) && !IsEqualIID(riid, IID_IDispatch) && !IsEqualIID(riid, IID_IUnknown))
+        {
             return E_NOINTERFACE;
+        }
         *ppvObject = this;
         AddRef();
         return S_OK;
     }
-    // A class that is no COM object is not counted; CComObject overrides both.
+    /// A class that is no COM object is not counted; CComObject overrides both.
     STDMETHOD_(ULONG, AddRef)() override { return 1; }
     STDMETHOD_(ULONG, Release)() override { return 1; }
 
@@ -91,7 +95,7 @@ public:
     {
         return E_NOTIMPL;
     }
-    // Calls the handler of the event; S_OK for an event without one.
+    /// Calls the handler of the event; S_OK for an event without one.
     STDMETHOD(Invoke)
     (DISPID dispidMember, REFIID /*riid*/, LCID /*lcid*/, WORD /*wFlags*/, DISPPARAMS* pdispparams,
      VARIANT* pvarResult, EXCEPINFO* /*pexcepinfo*/, UINT* /*puArgErr*/)
@@ -100,7 +104,9 @@ public:
         {
             if (entry->nControlID != nID || entry->dispid != dispidMember ||
                 !IsEqualIID(*entry->piid, *pdiid))
+            {
                 continue;
+            }
             void* pObject = nullptr;
             void* pfn = AtlResolveMemberPointer(static_cast<T*>(this), &entry->pfn, &pObject);
             return AtlInvokeFromFuncInfo(pObject, pfn, *entry->pInfo, pdispparams, pvarResult);

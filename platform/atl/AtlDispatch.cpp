@@ -1,4 +1,3 @@
-// Finds type informations and calls through them.
 #include "platform/atl/AtlDispatch.h"
 
 namespace ATL
@@ -14,12 +13,18 @@ constexpr WORD kVersionOfOwnLibrary = 0xFFFF;
 HRESULT CComTypeInfoHolder::GetTI(LCID lcid) noexcept
 {
     if (m_pInfo != nullptr)
+    {
         return S_OK;
+    }
     if (_pAtlModule == nullptr)
+    {
         return E_UNEXPECTED;
+    }
     const CComCritSecLock lock(_pAtlModule->m_csStaticDataInitAndTypeInfo);
     if (m_pInfo != nullptr)
+    {
         return S_OK;
+    }
 
     CComPtr<ITypeLib> library;
     HRESULT hr;
@@ -31,18 +36,24 @@ HRESULT CComTypeInfoHolder::GetTI(LCID lcid) noexcept
     }
     else
     {
-        hr = ::LoadRegTypeLib(*m_plibid, m_wMajor, m_wMinor, lcid, &library.p);
+        hr = LoadRegTypeLib(*m_plibid, m_wMajor, m_wMinor, lcid, &library.p);
     }
     if (FAILED(hr))
+    {
         return hr;
+    }
 
     CComPtr<ITypeInfo> info;
     hr = library->GetTypeInfoOfGuid(*m_pguid, &info.p);
     if (FAILED(hr))
+    {
         return hr;
+    }
     hr = _pAtlModule->AddTermFunc(Cleanup, reinterpret_cast<DWORD_PTR>(this));
     if (FAILED(hr))
+    {
         return hr;
+    }
     m_pInfo = info.Detach();
     return S_OK;
 }
@@ -50,11 +61,15 @@ HRESULT CComTypeInfoHolder::GetTI(LCID lcid) noexcept
 HRESULT CComTypeInfoHolder::GetTI(LCID lcid, ITypeInfo** ppInfo) noexcept
 {
     if (ppInfo == nullptr)
+    {
         return E_POINTER;
+    }
     *ppInfo = nullptr;
     const HRESULT hr = GetTI(lcid);
     if (FAILED(hr))
+    {
         return hr;
+    }
     m_pInfo->AddRef();
     *ppInfo = m_pInfo;
     return S_OK;
@@ -63,7 +78,9 @@ HRESULT CComTypeInfoHolder::GetTI(LCID lcid, ITypeInfo** ppInfo) noexcept
 HRESULT CComTypeInfoHolder::GetTypeInfo(UINT itinfo, LCID lcid, ITypeInfo** pptinfo) noexcept
 {
     if (itinfo != 0)
+    {
         return DISP_E_BADINDEX;
+    }
     return GetTI(lcid, pptinfo);
 }
 
@@ -79,10 +96,12 @@ HRESULT CComTypeInfoHolder::Invoke(IDispatch* p, DISPID dispidMember, REFIID /*r
                                    UINT* puArgErr) noexcept
 {
     // What an earlier call of the thread reported must not be taken for this call's error.
-    ::SetErrorInfo(0, nullptr);
+    SetErrorInfo(0, nullptr);
     const HRESULT hr = EnsureTI(lcid);
     if (FAILED(hr))
+    {
         return hr;
+    }
     return m_pInfo->Invoke(p, dispidMember, wFlags, pdispparams, pvarResult, pexcepinfo, puArgErr);
 }
 
@@ -92,7 +111,9 @@ void WINAPI CComTypeInfoHolder::Cleanup(DWORD_PTR dw) noexcept
     ITypeInfo* info = holder->m_pInfo;
     holder->m_pInfo = nullptr;
     if (info)
+    {
         info->Release();
+    }
 }
 
 } // namespace ATL

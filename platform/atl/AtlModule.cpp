@@ -1,6 +1,5 @@
 // The module object, the object map and the module's own instance.
 #include "platform/atl/atlbase.h"
-
 #include "platform/atl/statreg.h"
 
 #include <new>
@@ -38,21 +37,29 @@ void CAtlComModule::AddObjectEntry(_ATL_OBJMAP_ENTRY_EX& entry) noexcept
     // At the end, so that classes are registered in the order of their files' initialisation.
     _ATL_OBJMAP_ENTRY_EX** end = &m_pFirst;
     while (*end)
+    {
         end = &(*end)->pNext;
+    }
     *end = &entry;
 }
 
 HRESULT CAtlComModule::GetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* ppv) noexcept
 {
     if (ppv == nullptr)
+    {
         return E_POINTER;
+    }
     *ppv = nullptr;
     for (_ATL_OBJMAP_ENTRY_EX* entry = m_pFirst; entry; entry = entry->pNext)
     {
         if (!IsEqualCLSID(rclsid, *entry->pclsid))
+        {
             continue;
+        }
         if (_pAtlModule == nullptr)
+        {
             return E_UNEXPECTED;
+        }
         {
             const CComCritSecLock lock(_pAtlModule->m_csStaticDataInitAndTypeInfo);
             if (entry->pCF == nullptr)
@@ -61,7 +68,9 @@ HRESULT CAtlComModule::GetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* ppv)
                 const HRESULT hr =
                     entry->pfnGetClassObject(pCreator, IID_IUnknown, reinterpret_cast<void**>(&entry->pCF));
                 if (FAILED(hr))
+                {
                     return hr;
+                }
             }
         }
         return entry->pCF->QueryInterface(riid, ppv);
@@ -74,10 +83,14 @@ HRESULT CAtlComModule::RegisterServer(BOOL bRegTypeLib, const CLSID* pCLSID) noe
     for (const _ATL_OBJMAP_ENTRY_EX* entry = m_pFirst; entry; entry = entry->pNext)
     {
         if (pCLSID && !IsEqualCLSID(*pCLSID, *entry->pclsid))
+        {
             continue;
+        }
         const HRESULT hr = entry->pfnUpdateRegistry(TRUE);
         if (FAILED(hr))
+        {
             return hr;
+        }
     }
     return bRegTypeLib ? AtlRegisterTypeLib(_AtlBaseModule.GetModuleInstance(), nullptr) : S_OK;
 }
@@ -87,10 +100,14 @@ HRESULT CAtlComModule::UnregisterServer(BOOL bUnRegTypeLib, const CLSID* pCLSID)
     for (const _ATL_OBJMAP_ENTRY_EX* entry = m_pFirst; entry; entry = entry->pNext)
     {
         if (pCLSID && !IsEqualCLSID(*pCLSID, *entry->pclsid))
+        {
             continue;
+        }
         const HRESULT hr = entry->pfnUpdateRegistry(FALSE);
         if (FAILED(hr))
+        {
             return hr;
+        }
     }
     return bUnRegTypeLib ? AtlUnRegisterTypeLib(_AtlBaseModule.GetModuleInstance(), nullptr) : S_OK;
 }
@@ -102,7 +119,9 @@ void CAtlComModule::Term() noexcept
         IUnknown* pCF = entry->pCF;
         entry->pCF = nullptr;
         if (pCF)
+        {
             pCF->Release();
+        }
     }
 }
 
@@ -124,7 +143,9 @@ CAtlModule::~CAtlModule()
     Term();
     m_csStaticDataInitAndTypeInfo.Term();
     if (_pAtlModule == this)
+    {
         _pAtlModule = nullptr;
+    }
 }
 
 void CAtlModule::Term() noexcept
@@ -142,12 +163,12 @@ void CAtlModule::Term() noexcept
 
 LONG CAtlModule::Lock() noexcept
 {
-    return static_cast<LONG>(::InterlockedIncrement(&m_nLockCount));
+    return static_cast<LONG>(InterlockedIncrement(&m_nLockCount));
 }
 
 LONG CAtlModule::Unlock() noexcept
 {
-    return static_cast<LONG>(::InterlockedDecrement(&m_nLockCount));
+    return static_cast<LONG>(InterlockedDecrement(&m_nLockCount));
 }
 
 LONG CAtlModule::GetLockCount() noexcept
@@ -159,7 +180,9 @@ HRESULT CAtlModule::AddTermFunc(_ATL_TERMFUNC* pFunc, DWORD_PTR dw) noexcept
 {
     TermFunc* added = new (std::nothrow) TermFunc{pFunc, dw, nullptr};
     if (added == nullptr)
+    {
         return E_OUTOFMEMORY;
+    }
     const CComCritSecLock lock(m_csStaticDataInitAndTypeInfo);
     added->pNext = m_pTermFuncs;
     m_pTermFuncs = added;
@@ -173,19 +196,27 @@ HRESULT CAtlModule::UpdateRegistryFromResourceS(LPCTSTR lpszRes, BOOL bRegister,
     {
         HINSTANCE hInst = _AtlBaseModule.GetModuleInstance();
         const std::wstring path = AtlGetModulePath(hInst);
-        const bool isProgram = hInst == ::GetModuleHandleW(nullptr);
+        const bool isProgram = hInst == GetModuleHandleW(nullptr);
 
         CRegObject registrar;
         HRESULT hr = AddCommonRGSReplacements(&registrar);
         if (SUCCEEDED(hr))
+        {
             hr = registrar.AddReplacement(L"MODULE", (isProgram ? L'"' + path + L'"' : path).c_str());
+        }
         if (SUCCEEDED(hr))
+        {
             hr = registrar.AddReplacement(L"MODULE_RAW", path.c_str());
+        }
         // Last, because the caller's own texts go before those of the same name that every script gets.
         for (; SUCCEEDED(hr) && pMapEntries && pMapEntries->szKey; ++pMapEntries)
+        {
             hr = registrar.AddReplacement(pMapEntries->szKey, pMapEntries->szData);
+        }
         if (FAILED(hr))
+        {
             return hr;
+        }
         return bRegister ? registrar.ResourceRegisterSz(path.c_str(), lpszRes, L"REGISTRY")
                          : registrar.ResourceUnregisterSz(path.c_str(), lpszRes, L"REGISTRY");
     }

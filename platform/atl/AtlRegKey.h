@@ -8,7 +8,7 @@
 namespace ATL
 {
 
-// Owns a kernel handle; none is null.
+/// Owns a kernel handle; none is null.
 class CHandle
 {
 public:
@@ -20,9 +20,11 @@ public:
     ~CHandle()
     {
         if (m_h)
+        {
             Close();
+        }
     }
-    // Takes the handle over, as the copying constructor does.
+    /// Takes the handle over, as the copying constructor does.
     CHandle& operator=(CHandle& h) noexcept
     {
         if (this != &h)
@@ -46,7 +48,7 @@ public:
     {
         if (m_h)
         {
-            ::CloseHandle(m_h);
+            CloseHandle(m_h);
             m_h = nullptr;
         }
     }
@@ -54,7 +56,7 @@ public:
     HANDLE m_h = nullptr;
 };
 
-// Owns an open registry key. Every member returns a Win32 error code.
+/// Owns an open registry key. Every member returns a Win32 error code.
 class CRegKey
 {
 public:
@@ -90,20 +92,20 @@ public:
     LONG Open(HKEY hKeyParent, LPCTSTR lpszKeyName, REGSAM samDesired = KEY_READ | KEY_WRITE) noexcept;
     LONG Close() noexcept;
 
-    // ERROR_INVALID_DATA when the value has another type.
+    /// ERROR_INVALID_DATA when the value has another type.
     LONG QueryDWORDValue(LPCTSTR pszValueName, DWORD& dwValue) noexcept;
-    // *pnChars is the size of pszValue in characters and receives the number needed, terminating zero
-    // included; pszValue may be null to ask for that. ERROR_INVALID_DATA when the value is no string.
+    /// *pnChars is the size of pszValue in characters and receives the number needed, terminating zero
+    /// included; pszValue may be null to ask for that. ERROR_INVALID_DATA when the value is no string.
     LONG QueryStringValue(LPCTSTR pszValueName, LPTSTR pszValue, ULONG* pnChars) noexcept;
     LONG SetDWORDValue(LPCTSTR pszValueName, DWORD dwValue) noexcept;
     LONG SetStringValue(LPCTSTR pszValueName, LPCTSTR pszValue, DWORD dwType = REG_SZ) noexcept;
     LONG SetBinaryValue(LPCTSTR pszValueName, const void* pValue, ULONG nBytes) noexcept;
-    // pszValue ends with two zero characters.
+    /// pszValue ends with two zero characters.
     LONG SetMultiStringValue(LPCTSTR pszValueName, LPCTSTR pszValue) noexcept;
     LONG DeleteValue(LPCTSTR lpszValue) noexcept;
-    // Deletes a key that has no subkeys.
+    /// Deletes a key that has no subkeys.
     LONG DeleteSubKey(LPCTSTR lpszSubKey) noexcept;
-    // Deletes a key with everything in it.
+    /// Deletes a key with everything in it.
     LONG RecurseDeleteKey(LPCTSTR lpszKey) noexcept;
 
     HKEY m_hKey = nullptr;

@@ -6,7 +6,7 @@
 namespace ATL
 {
 
-// Counting and locking for objects that live in one apartment.
+/// Counting and locking for objects that live in one apartment.
 class CComSingleThreadModel
 {
 public:
@@ -17,23 +17,23 @@ public:
     typedef CComSingleThreadModel ThreadModelNoCS;
 };
 
-// Counting for objects that any thread may use and that need no lock.
+/// Counting for objects that any thread may use and that need no lock.
 class CComMultiThreadModelNoCS
 {
 public:
-    static ULONG WINAPI Increment(LPLONG p) noexcept { return static_cast<ULONG>(::InterlockedIncrement(p)); }
-    static ULONG WINAPI Decrement(LPLONG p) noexcept { return static_cast<ULONG>(::InterlockedDecrement(p)); }
+    static ULONG WINAPI Increment(LPLONG p) noexcept { return static_cast<ULONG>(InterlockedIncrement(p)); }
+    static ULONG WINAPI Decrement(LPLONG p) noexcept { return static_cast<ULONG>(InterlockedDecrement(p)); }
     typedef CComFakeCriticalSection AutoCriticalSection;
     typedef CComFakeCriticalSection CriticalSection;
     typedef CComMultiThreadModelNoCS ThreadModelNoCS;
 };
 
-// Counting and locking for objects that any thread may use.
+/// Counting and locking for objects that any thread may use.
 class CComMultiThreadModel
 {
 public:
-    static ULONG WINAPI Increment(LPLONG p) noexcept { return static_cast<ULONG>(::InterlockedIncrement(p)); }
-    static ULONG WINAPI Decrement(LPLONG p) noexcept { return static_cast<ULONG>(::InterlockedDecrement(p)); }
+    static ULONG WINAPI Increment(LPLONG p) noexcept { return static_cast<ULONG>(InterlockedIncrement(p)); }
+    static ULONG WINAPI Decrement(LPLONG p) noexcept { return static_cast<ULONG>(InterlockedDecrement(p)); }
     typedef CComAutoCriticalSection AutoCriticalSection;
     typedef CComCriticalSection CriticalSection;
     typedef CComMultiThreadModelNoCS ThreadModelNoCS;

@@ -19,10 +19,12 @@ typedef HRESULT(WINAPI* UnRegisterTypeLibFunction)(REFGUID libID, WORD wVerMajor
 // because an import that is missing would keep the whole module from loading.
 template <class TFunction> TFunction FindOleautFunction(const char* name) noexcept
 {
-    HMODULE module = ::GetModuleHandleW(L"OLEAUT32.DLL");
+    HMODULE module = GetModuleHandleW(L"OLEAUT32.DLL");
     if (module == nullptr)
+    {
         return nullptr;
-    return reinterpret_cast<TFunction>(reinterpret_cast<INT_PTR>(::GetProcAddress(module, name)));
+    }
+    return reinterpret_cast<TFunction>(reinterpret_cast<INT_PTR>(GetProcAddress(module, name)));
 }
 
 // The folder of a file, closed by its separator.
@@ -47,9 +49,11 @@ std::wstring AtlGetModulePath(HINSTANCE hInst)
     std::wstring path(MAX_PATH, L'\0');
     for (;;)
     {
-        const DWORD length = ::GetModuleFileNameW(hInst, path.data(), static_cast<DWORD>(path.size()));
+        const DWORD length = GetModuleFileNameW(hInst, path.data(), static_cast<DWORD>(path.size()));
         if (length == 0)
+        {
             AtlThrow(AtlHresultFromLastError());
+        }
         if (length < path.size())
         {
             path.resize(length);
@@ -63,7 +67,9 @@ HRESULT AtlLoadTypeLib(HINSTANCE hInstTypeLib, LPCOLESTR lpszIndex, BSTR* pbstrP
                        ITypeLib** ppTypeLib) noexcept
 {
     if (pbstrPath == nullptr || ppTypeLib == nullptr)
+    {
         return E_POINTER;
+    }
     *pbstrPath = nullptr;
     *ppTypeLib = nullptr;
     try
@@ -71,16 +77,20 @@ HRESULT AtlLoadTypeLib(HINSTANCE hInstTypeLib, LPCOLESTR lpszIndex, BSTR* pbstrP
         const std::wstring modulePath = AtlGetModulePath(hInstTypeLib);
         std::wstring path = modulePath;
         if (lpszIndex)
+        {
             path += lpszIndex;
+        }
         CComPtr<ITypeLib> library;
-        HRESULT hr = ::LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library.p);
+        HRESULT hr = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library.p);
         if (FAILED(hr))
         {
             path = WithExtension(modulePath, L".tlb");
-            hr = ::LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library.p);
+            hr = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library.p);
         }
         if (FAILED(hr))
+        {
             return hr;
+        }
         *pbstrPath = CComBSTR(path.c_str()).Detach();
         *ppTypeLib = library.Detach();
         return S_OK;
@@ -101,15 +111,21 @@ HRESULT AtlRegisterTypeLib(HINSTANCE hInstTypeLib, LPCOLESTR lpszIndex) noexcept
     CComPtr<ITypeLib> library;
     const HRESULT hr = AtlLoadTypeLib(hInstTypeLib, lpszIndex, &path.m_str, &library.p);
     if (FAILED(hr))
+    {
         return hr;
+    }
     try
     {
         std::wstring folder = FolderOf(path.m_str);
         RegisterTypeLibFunction registerTypeLib = nullptr;
         if (g_perUserRegistration)
+        {
             registerTypeLib = FindOleautFunction<RegisterTypeLibFunction>("RegisterTypeLibForUser");
+        }
         if (registerTypeLib == nullptr)
+        {
             registerTypeLib = &::RegisterTypeLib;
+        }
         return registerTypeLib(library, path, folder.data());
     }
     catch (const std::bad_alloc&)
@@ -124,19 +140,27 @@ HRESULT AtlUnRegisterTypeLib(HINSTANCE hInstTypeLib, LPCOLESTR lpszIndex) noexce
     CComPtr<ITypeLib> library;
     HRESULT hr = AtlLoadTypeLib(hInstTypeLib, lpszIndex, &path.m_str, &library.p);
     if (FAILED(hr))
+    {
         return hr;
+    }
     TLIBATTR* attributes = nullptr;
     hr = library->GetLibAttr(&attributes);
     if (FAILED(hr))
+    {
         return hr;
+    }
     const TLIBATTR copy = *attributes;
     library->ReleaseTLibAttr(attributes);
 
     UnRegisterTypeLibFunction unRegisterTypeLib = nullptr;
     if (g_perUserRegistration)
+    {
         unRegisterTypeLib = FindOleautFunction<UnRegisterTypeLibFunction>("UnRegisterTypeLibForUser");
+    }
     if (unRegisterTypeLib == nullptr)
+    {
         unRegisterTypeLib = &::UnRegisterTypeLib;
+    }
     return unRegisterTypeLib(copy.guid, copy.wMajorVerNum, copy.wMinorVerNum, copy.lcid, copy.syskind);
 }
 
@@ -149,7 +173,9 @@ HRESULT AtlSetPerUserRegistration(bool bEnable) noexcept
 HRESULT AtlGetPerUserRegistration(bool* pbEnabled) noexcept
 {
     if (pbEnabled == nullptr)
+    {
         return E_POINTER;
+    }
     *pbEnabled = g_perUserRegistration;
     return S_OK;
 }

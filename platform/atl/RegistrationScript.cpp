@@ -1,4 +1,3 @@
-// Reads the text of a registration script.
 #include "platform/atl/RegistrationScript.h"
 
 #include <algorithm>
@@ -77,9 +76,13 @@ public:
     {
         Advance();
         while (!m_result.error && m_token.kind != Token::Kind::End)
+        {
             ReadHive();
+        }
         if (m_result.error)
+        {
             m_result.steps.clear();
+        }
         return std::move(m_result);
     }
 
@@ -100,23 +103,35 @@ private:
     {
         m_token = {};
         if (m_result.error)
+        {
             return;
+        }
         while (m_position < m_text.size() && IsBlank(m_text[m_position]))
+        {
             ++m_position;
+        }
         m_token.offset = m_position;
         if (m_position == m_text.size())
+        {
             return;
+        }
         if (m_text[m_position] == L'\'')
+        {
             ReadQuoted();
+        }
         else
+        {
             ReadBare();
+        }
     }
 
     void ReadBare()
     {
         m_token.kind = Token::Kind::Bare;
         while (!m_result.error && m_position < m_text.size() && !IsBlank(m_text[m_position]))
+        {
             ReadCharacter(true);
+        }
     }
 
     void ReadQuoted()
@@ -126,7 +141,9 @@ private:
         while (!m_result.error)
         {
             if (m_position == m_text.size())
+            {
                 return Fail("a text lacks its closing apostrophe", start);
+            }
             if (m_text[m_position] != L'\'')
             {
                 ReadCharacter(false);
@@ -134,7 +151,9 @@ private:
             }
             ++m_position;
             if (m_position == m_text.size() || m_text[m_position] != L'\'')
+            {
                 return;
+            }
             // A doubled apostrophe stands for one.
             m_token.text += m_text[m_position++];
         }
@@ -151,10 +170,14 @@ private:
         const std::size_t start = m_position++;
         const std::size_t end = m_text.find(L'%', m_position);
         if (end == std::wstring_view::npos)
+        {
             return Fail("a percent sign lacks its partner", start);
+        }
         const std::wstring_view name = m_text.substr(m_position, end - m_position);
         if (isBare && std::ranges::any_of(name, IsBlank))
+        {
             return Fail("a percent sign lacks its partner", start);
+        }
         m_position = end + 1;
         if (name.empty())
         {
@@ -163,7 +186,9 @@ private:
         }
         const std::wstring* replacement = m_replacements.Find(name);
         if (replacement == nullptr)
+        {
             return Fail("there is no replacement of this name", start);
+        }
         m_token.text += *replacement;
         m_token.isReplaced = true;
     }
@@ -176,14 +201,18 @@ private:
             return EqualNoCase(m_token.text, candidate.name);
         });
         if (known == std::end(kHiveNames))
+        {
             return Fail("a root key is expected here");
+        }
         CRegistrationStep step;
         step.kind = CRegistrationStep::Kind::EnterHive;
         step.hive = known->hive;
         Add(std::move(step));
         Advance();
         if (!m_token.IsBare(L"{"))
+        {
             return Fail("an opening brace is expected after a root key");
+        }
         Advance();
 
         // Without recursion: the depth of a text must not decide about the stack.
@@ -191,7 +220,9 @@ private:
         while (!m_result.error)
         {
             if (m_token.kind == Token::Kind::End)
+            {
                 return Fail("a closing brace is missing");
+            }
             if (!m_token.IsBare(L"}"))
             {
                 ReadItem(depth);
@@ -200,7 +231,9 @@ private:
             Add({});
             Advance();
             if (depth == 0)
+            {
                 return;
+            }
             --depth;
         }
     }
@@ -209,23 +242,35 @@ private:
     void ReadItem(std::size_t& depth)
     {
         if (m_token.IsBare(L"Delete"))
+        {
             return ReadDelete();
+        }
 
         CRegistrationStep step;
         step.kind = CRegistrationStep::Kind::EnterKey;
         for (;; Advance())
         {
             if (m_token.IsBare(L"ForceRemove"))
+            {
                 step.forceRemove = true;
+            }
             else if (m_token.IsBare(L"NoRemove"))
+            {
                 step.noRemove = true;
+            }
             else
+            {
                 break;
+            }
         }
         if (m_token.IsBare(L"val"))
+        {
             return ReadValue(std::move(step));
+        }
         if (!ReadKeyName(step.name))
+        {
             return;
+        }
         Add(std::move(step));
 
         if (m_token.IsBare(L"="))
@@ -237,7 +282,9 @@ private:
         if (m_token.IsBare(L"{"))
         {
             if (++depth > kMaxRegistrationDepth)
+            {
                 return Fail("keys nest too deep");
+            }
             Advance();
             return;
         }
@@ -272,21 +319,29 @@ private:
         step.kind = CRegistrationStep::Kind::DeleteKey;
         Advance();
         if (ReadKeyName(step.name))
+        {
             Add(std::move(step));
+        }
     }
 
     void ReadValue(CRegistrationStep step)
     {
         if (step.forceRemove)
+        {
             return Fail("ForceRemove is for keys");
+        }
         step.kind = CRegistrationStep::Kind::SetValue;
         Advance();
         if (!m_token.IsName())
+        {
             return Fail("a value name is expected here");
+        }
         step.name = std::move(m_token.text);
         Advance();
         if (!m_token.IsBare(L"="))
+        {
             return Fail("an equals sign is expected after a value name");
+        }
         ReadData(std::move(step));
     }
 
@@ -298,10 +353,14 @@ private:
         const bool isKnown = EqualNoCase(type, L"s") || EqualNoCase(type, L"d") || EqualNoCase(type, L"b") ||
                              EqualNoCase(type, L"m");
         if (!isKnown)
+        {
             return Fail("one of the types s, d, b and m is expected here");
+        }
         Advance();
         if (!m_token.IsName())
+        {
             return Fail("the data of a value is expected here");
+        }
         switch (ToLowerAsciiLetter(type.front()))
         {
         case L's':
@@ -310,14 +369,18 @@ private:
         case L'd': {
             std::uint32_t value = 0;
             if (!ParseRegistrationDword(m_token.text, value))
+            {
                 return Fail("this is no number of 32 bits");
+            }
             step.data = value;
             break;
         }
         case L'b': {
             std::vector<std::uint8_t> bytes;
             if (!ParseRegistrationBinary(m_token.text, bytes))
+            {
                 return Fail("binary data are pairs of hexadecimal digits");
+            }
             step.data = std::move(bytes);
             break;
         }
@@ -361,7 +424,9 @@ const std::wstring* CRegistrationReplacements::Find(std::wstring_view name) cons
     for (const auto& [known, value] : m_entries)
     {
         if (EqualNoCase(known, name))
+        {
             return &value;
+        }
     }
     return nullptr;
 }

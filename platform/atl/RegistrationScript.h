@@ -12,7 +12,7 @@
 namespace ATL
 {
 
-// The root keys that a script can name.
+/// The root keys that a script can name.
 enum class RegistrationHive
 {
     ClassesRoot,
@@ -24,7 +24,7 @@ enum class RegistrationHive
     CurrentConfig,
 };
 
-// One step of a script, in the script's order. Every EnterHive and EnterKey is followed by its own Leave.
+/// One step of a script, in the script's order. Every EnterHive and EnterKey is followed by its own Leave.
 struct CRegistrationStep
 {
     enum class Kind
@@ -44,35 +44,35 @@ struct CRegistrationStep
     RegistrationData data;
 };
 
-// The texts that stand for %NAME%. Names are compared without regard to the case of ASCII letters.
+/// The texts that stand for %NAME%. Names are compared without regard to the case of ASCII letters.
 class CRegistrationReplacements
 {
 public:
     void Set(std::wstring_view name, std::wstring_view text);
     void Clear();
-    // Null when there is no such name.
+    /// Null when there is no such name.
     const std::wstring* Find(std::wstring_view name) const;
 
 private:
     std::vector<std::pair<std::wstring, std::wstring>> m_entries;
 };
 
-// What came of reading a script.
+/// What came of reading a script.
 struct CRegistrationScript
 {
-    // Null when the script is well-formed, else what is wrong with it, in English.
+    /// Null when the script is well-formed, else what is wrong with it, in English.
     const char* error = nullptr;
-    // Where the error was met, in characters from the start.
+    /// Where the error was met, in characters from the start.
     std::size_t errorOffset = 0;
-    // Empty when there is an error.
+    /// Empty when there is an error.
     std::vector<CRegistrationStep> steps;
 };
 
-// How deep keys may nest below a root key.
+/// How deep keys may nest below a root key.
 inline constexpr std::size_t kMaxRegistrationDepth = 64;
 
-// Reads a script. It ends at its first zero character. Any text whatever gives either steps or an error; only
-// a lack of memory throws (std::bad_alloc).
+/// Reads a script. It ends at its first zero character. Any text whatever gives either steps or an error;
+/// only a lack of memory throws (std::bad_alloc).
 CRegistrationScript ParseRegistrationScript(std::wstring_view text,
                                             const CRegistrationReplacements& replacements);
 

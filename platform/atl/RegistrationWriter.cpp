@@ -1,4 +1,3 @@
-// Carries the steps of a registration script out in the registry.
 #include "platform/atl/RegistrationWriter.h"
 
 #include "platform/atl/AtlRegKey.h"
@@ -24,7 +23,7 @@ constexpr const wchar_t* kSharedKeys[] = {
 bool IsSharedKey(const std::wstring& name)
 {
     return std::ranges::any_of(kSharedKeys, [&name](const wchar_t* shared) {
-        return ::CompareStringOrdinal(name.c_str(), static_cast<int>(name.size()), shared, -1, TRUE) ==
+        return CompareStringOrdinal(name.c_str(), static_cast<int>(name.size()), shared, -1, TRUE) ==
                CSTR_EQUAL;
     });
 }
@@ -62,7 +61,7 @@ struct OpenKey
 
 LONG DeleteTree(HKEY parent, const std::wstring& name)
 {
-    const LONG result = ::RegDeleteTreeW(parent, name.c_str());
+    const LONG result = RegDeleteTreeW(parent, name.c_str());
     return result == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : result;
 }
 
@@ -86,7 +85,9 @@ LONG SetValue(HKEY key, const CRegistrationStep& step)
     {
         std::wstring joined;
         for (const std::wstring& part : std::get<std::vector<std::wstring>>(step.data))
+        {
             joined.append(part).push_back(L'\0');
+        }
         result = target.SetMultiStringValue(step.name.c_str(), joined.c_str());
     }
     target.Detach();
@@ -99,9 +100,13 @@ LONG OpenOrCreate(CRegKey& key, HKEY parent, const wchar_t* name)
 {
     LONG result = key.Open(parent, name, KEY_READ | KEY_WRITE);
     if (result == ERROR_ACCESS_DENIED)
+    {
         result = key.Open(parent, name, KEY_READ);
+    }
     if (result == ERROR_FILE_NOT_FOUND)
+    {
         result = key.Create(parent, name);
+    }
     return result;
 }
 
@@ -140,7 +145,9 @@ private:
         {
             const LONG result = OpenOrCreate(hive.owned, HKEY_CURRENT_USER, kUserClasses);
             if (result != ERROR_SUCCESS)
+            {
                 return result;
+            }
             hive.key = hive.owned;
         }
         m_open.push_back(std::move(hive));
@@ -154,13 +161,17 @@ private:
         {
             const LONG result = DeleteTree(parent, step.name);
             if (result != ERROR_SUCCESS)
+            {
                 return result;
+            }
         }
         OpenKey entered;
         entered.step = &step;
         const LONG result = OpenOrCreate(entered.owned, parent, step.name.c_str());
         if (result != ERROR_SUCCESS)
+        {
             return result;
+        }
         entered.key = entered.owned;
         m_open.push_back(std::move(entered));
         return ERROR_SUCCESS;
@@ -197,7 +208,9 @@ public:
     LONG Finish()
     {
         while (!m_open.empty())
+        {
             Leave();
+        }
         return m_firstFailure;
     }
 
@@ -205,7 +218,9 @@ private:
     void Note(LONG result)
     {
         if (result != ERROR_SUCCESS && result != ERROR_FILE_NOT_FOUND && m_firstFailure == ERROR_SUCCESS)
+        {
             m_firstFailure = result;
+        }
     }
 
     void EnterHive(const CRegistrationStep& step)
@@ -226,7 +241,9 @@ private:
         OpenKey entered;
         entered.step = &step;
         if (HKEY parent = m_open.back().key)
+        {
             Note(entered.owned.Open(parent, step.name.c_str(), KEY_READ));
+        }
         entered.key = entered.owned;
         m_open.push_back(std::move(entered));
     }
@@ -236,11 +253,15 @@ private:
         // A default value goes with its key or stays with it.
         HKEY key = m_open.back().key;
         if (key == nullptr || step.name.empty() || step.noRemove)
+        {
             return;
+        }
         CRegKey writable;
         LONG result = writable.Open(key, nullptr, KEY_SET_VALUE);
         if (result == ERROR_SUCCESS)
+        {
             result = writable.DeleteValue(step.name.c_str());
+        }
         Note(result);
     }
 
@@ -250,18 +271,26 @@ private:
         m_open.pop_back();
         const CRegistrationStep& step = *left.step;
         if (step.kind == CRegistrationStep::Kind::EnterHive || left.key == nullptr || step.noRemove)
+        {
             return;
+        }
         DWORD subkeys = 0;
-        const LONG counted = ::RegQueryInfoKeyW(left.key, nullptr, nullptr, nullptr, &subkeys, nullptr,
-                                                nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
+        const LONG counted = RegQueryInfoKeyW(left.key, nullptr, nullptr, nullptr, &subkeys, nullptr, nullptr,
+                                              nullptr, nullptr, nullptr, nullptr, nullptr);
         left.owned.Close();
         HKEY parent = m_open.back().key;
         if (step.forceRemove && !IsSharedKey(step.name))
+        {
             Note(DeleteTree(parent, step.name));
+        }
         else if (counted != ERROR_SUCCESS)
+        {
             Note(counted);
+        }
         else if (subkeys == 0)
-            Note(::RegDeleteKeyW(parent, step.name.c_str()));
+        {
+            Note(RegDeleteKeyW(parent, step.name.c_str()));
+        }
     }
 
     bool m_perUser;
@@ -281,11 +310,15 @@ HRESULT WriteRegistration(std::span<const CRegistrationStep> steps, bool perUser
         {
             result = writer.Do(steps[done]);
             if (result != ERROR_SUCCESS)
+            {
                 break;
+            }
         }
     }
     if (result == ERROR_SUCCESS)
+    {
         return S_OK;
+    }
     RemoveRegistration(steps.first(done), perUser);
     return HRESULT_FROM_WIN32(static_cast<DWORD>(result));
 }
@@ -294,7 +327,9 @@ HRESULT RemoveRegistration(std::span<const CRegistrationStep> steps, bool perUse
 {
     Remover remover(perUser);
     for (const CRegistrationStep& step : steps)
+    {
         remover.Do(step);
+    }
     return HRESULT_FROM_WIN32(static_cast<DWORD>(remover.Finish()));
 }
 

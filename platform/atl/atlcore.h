@@ -11,35 +11,35 @@
 namespace ATL
 {
 
-// A recursive lock whose life is set by Init and Term.
+/// A recursive lock whose life is set by Init and Term.
 class CComCriticalSection
 {
 public:
     HRESULT Lock() noexcept
     {
-        ::EnterCriticalSection(&m_sec);
+        EnterCriticalSection(&m_sec);
         return S_OK;
     }
     HRESULT Unlock() noexcept
     {
-        ::LeaveCriticalSection(&m_sec);
+        LeaveCriticalSection(&m_sec);
         return S_OK;
     }
     HRESULT Init() noexcept
     {
-        ::InitializeCriticalSection(&m_sec);
+        InitializeCriticalSection(&m_sec);
         return S_OK;
     }
     HRESULT Term() noexcept
     {
-        ::DeleteCriticalSection(&m_sec);
+        DeleteCriticalSection(&m_sec);
         return S_OK;
     }
 
     CRITICAL_SECTION m_sec{};
 };
 
-// A recursive lock that exists from its construction to its destruction.
+/// A recursive lock that exists from its construction to its destruction.
 class CComAutoCriticalSection : public CComCriticalSection
 {
 public:
@@ -53,7 +53,7 @@ private:
     using CComCriticalSection::Term;
 };
 
-// The lock of objects that live on one thread: none.
+/// The lock of objects that live on one thread: none.
 class CComFakeCriticalSection
 {
 public:
@@ -63,7 +63,7 @@ public:
     HRESULT Term() noexcept { return S_OK; }
 };
 
-// Holds a lock for the length of a scope.
+/// Holds a lock for the length of a scope.
 template <class TLock> class CComCritSecLock
 {
 public:
@@ -76,19 +76,19 @@ private:
     TLock& m_lock;
 };
 
-// The module (DLL or program) that this code is part of.
+/// The module (DLL or program) that this code is part of.
 class CAtlBaseModule
 {
 public:
     constexpr CAtlBaseModule() noexcept = default;
 
-    // The instance handle of this module, also inside a DLL.
+    /// The instance handle of this module, also inside a DLL.
     HINSTANCE GetModuleInstance() const noexcept;
 
-    // Where resources are looked for: this module unless SetResourceInstance chose another.
+    /// Where resources are looked for: this module unless SetResourceInstance chose another.
     HINSTANCE GetResourceInstance() const noexcept;
 
-    // Chooses where resources are looked for and returns the former choice.
+    /// Chooses where resources are looked for and returns the former choice.
     HINSTANCE SetResourceInstance(HINSTANCE hInst) noexcept;
 
 private:

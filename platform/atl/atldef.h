@@ -4,8 +4,9 @@
 // Otherwise than the original: ATLASSERT checks in builds with _DEBUG only, through the C library's assert.
 #pragma once
 
-#include <cassert>
 #include <windows.h>
+
+#include <cassert>
 
 #ifdef _DEBUG
 #define ATLASSERT(expr) assert(expr)

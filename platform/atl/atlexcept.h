@@ -9,7 +9,7 @@
 namespace ATL
 {
 
-// A failure that carries an HRESULT. It is thrown by value and never leaves the module.
+/// A failure that carries an HRESULT. It is thrown by value and never leaves the module.
 class CAtlException
 {
 public:
@@ -27,16 +27,16 @@ public:
     throw CAtlException(hr);
 }
 
-// The HRESULT that stands for a Win32 error code.
+/// The HRESULT that stands for a Win32 error code.
 inline HRESULT AtlHresultFromWin32(DWORD error) noexcept
 {
     return HRESULT_FROM_WIN32(error);
 }
 
-// The HRESULT that stands for the calling thread's last error; never a success.
+/// The HRESULT that stands for the calling thread's last error; never a success.
 inline HRESULT AtlHresultFromLastError() noexcept
 {
-    const DWORD error = ::GetLastError();
+    const DWORD error = GetLastError();
     return error == ERROR_SUCCESS ? E_FAIL : AtlHresultFromWin32(error);
 }
 

@@ -6,10 +6,10 @@
 
 #include <unknwn.h>
 
-// Takes the texts that stand for %NAME% in registration scripts.
+/// Takes the texts that stand for %NAME% in registration scripts.
 struct IRegistrarBase : public IUnknown
 {
-    // Defines or redefines a replacement. Names are compared without regard to case.
+    /// Defines or redefines a replacement. Names are compared without regard to case.
     STDMETHOD(AddReplacement)(LPCOLESTR key, LPCOLESTR item) = 0;
 
     // Forgets every replacement.

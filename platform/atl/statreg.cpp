@@ -1,4 +1,3 @@
-// Finds, decodes and runs registration scripts.
 #include "platform/atl/statreg.h"
 
 #include "platform/atl/RegistrationWriter.h"
@@ -17,13 +16,15 @@ class CDataModule
 {
 public:
     explicit CDataModule(LPCOLESTR fileName)
-        : m_module(::LoadLibraryExW(fileName, nullptr, LOAD_LIBRARY_AS_DATAFILE))
+        : m_module(LoadLibraryExW(fileName, nullptr, LOAD_LIBRARY_AS_DATAFILE))
     {
     }
     ~CDataModule()
     {
         if (m_module)
-            ::FreeLibrary(m_module);
+        {
+            FreeLibrary(m_module);
+        }
     }
     CDataModule(const CDataModule&) = delete;
     CDataModule& operator=(const CDataModule&) = delete;
@@ -37,13 +38,17 @@ private:
 std::wstring Decode(UINT codePage, std::string_view bytes)
 {
     if (bytes.empty())
+    {
         return {};
+    }
     if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+    {
         AtlThrow(E_OUTOFMEMORY);
+    }
     const int size = static_cast<int>(bytes.size());
-    const int length = ::MultiByteToWideChar(codePage, 0, bytes.data(), size, nullptr, 0);
+    const int length = MultiByteToWideChar(codePage, 0, bytes.data(), size, nullptr, 0);
     std::wstring text(static_cast<std::size_t>(length), L'\0');
-    ::MultiByteToWideChar(codePage, 0, bytes.data(), size, text.data(), length);
+    MultiByteToWideChar(codePage, 0, bytes.data(), size, text.data(), length);
     return text;
 }
 
@@ -63,7 +68,9 @@ std::wstring DecodeScript(std::string_view bytes)
         return text;
     }
     if (bytes.starts_with("\xEF\xBB\xBF"))
+    {
         return Decode(CP_UTF8, bytes.substr(3));
+    }
     return Decode(CP_ACP, bytes);
 }
 
@@ -72,7 +79,9 @@ std::wstring DecodeScript(std::string_view bytes)
 HRESULT STDMETHODCALLTYPE CRegObject::QueryInterface(REFIID riid, void** ppv)
 {
     if (ppv == nullptr)
+    {
         return E_POINTER;
+    }
     *ppv = IsEqualIID(riid, IID_IUnknown) ? this : nullptr;
     return *ppv ? S_OK : E_NOINTERFACE;
 }
@@ -90,7 +99,9 @@ ULONG STDMETHODCALLTYPE CRegObject::Release()
 HRESULT STDMETHODCALLTYPE CRegObject::AddReplacement(LPCOLESTR lpszKey, LPCOLESTR lpszItem)
 {
     if (lpszKey == nullptr || lpszItem == nullptr)
+    {
         return E_INVALIDARG;
+    }
     try
     {
         m_replacements.Set(lpszKey, lpszItem);
@@ -145,15 +156,21 @@ HRESULT CRegObject::RunResource(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR
     {
         const CDataModule module(resFileName);
         if (module == nullptr)
+        {
             return AtlHresultFromLastError();
-        HRSRC resource = ::FindResourceW(module, szID, szType);
+        }
+        HRSRC resource = FindResourceW(module, szID, szType);
         if (resource == nullptr)
+        {
             return AtlHresultFromLastError();
-        HGLOBAL loaded = ::LoadResource(module, resource);
-        const void* bytes = loaded ? ::LockResource(loaded) : nullptr;
+        }
+        HGLOBAL loaded = LoadResource(module, resource);
+        const void* bytes = loaded ? LockResource(loaded) : nullptr;
         if (bytes == nullptr)
+        {
             return AtlHresultFromLastError();
-        return RunText(DecodeScript({static_cast<const char*>(bytes), ::SizeofResource(module, resource)}),
+        }
+        return RunText(DecodeScript({static_cast<const char*>(bytes), SizeofResource(module, resource)}),
                        bRegister);
     }
     catch (const CAtlException& e)
@@ -172,7 +189,9 @@ HRESULT CRegObject::RunText(std::wstring_view text, bool bRegister) noexcept
     {
         const CRegistrationScript script = ParseRegistrationScript(text, m_replacements);
         if (script.error)
+        {
             return DISP_E_EXCEPTION;
+        }
         bool perUser = false;
         AtlGetPerUserRegistration(&perUser);
         return bRegister ? WriteRegistration(script.steps, perUser)

@@ -18,7 +18,7 @@
 namespace ATL
 {
 
-// Runs registration scripts. Not a counted object: it lives where it is declared.
+/// Runs registration scripts. Not a counted object: it lives where it is declared.
 class CRegObject : public IRegistrarBase
 {
 public:
@@ -29,16 +29,16 @@ public:
     STDMETHOD(AddReplacement)(LPCOLESTR lpszKey, LPCOLESTR lpszItem) override;
     STDMETHOD(ClearReplacements)() override;
 
-    // Runs the script in resource nID (or lpszName) of type szType in the module file resFileName. The text
-    // is UTF-16 or UTF-8 if it starts with their byte-order marks, else in the system's code page.
-    // DISP_E_EXCEPTION for a syntax error or an unknown replacement. A registration that fails half-way
-    // removes again what it wrote.
+    /// Runs the script in resource nID (or lpszName) of type szType in the module file resFileName. The text
+    /// is UTF-16 or UTF-8 if it starts with their byte-order marks, else in the system's code page.
+    /// DISP_E_EXCEPTION for a syntax error or an unknown replacement. A registration that fails half-way
+    /// removes again what it wrote.
     HRESULT ResourceRegister(LPCOLESTR resFileName, UINT nID, LPCOLESTR szType) noexcept;
     HRESULT ResourceRegisterSz(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR szType) noexcept;
     HRESULT ResourceUnregister(LPCOLESTR resFileName, UINT nID, LPCOLESTR szType) noexcept;
     HRESULT ResourceUnregisterSz(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR szType) noexcept;
 
-    // Runs the script bstrData itself.
+    /// Runs the script bstrData itself.
     HRESULT StringRegister(LPCOLESTR bstrData) noexcept;
     HRESULT StringUnregister(LPCOLESTR bstrData) noexcept;
 

@@ -5,10 +5,10 @@
 
 namespace json_spirit
 {
-// Where and why reading stopped. Not derived from std::exception, as in the original.
+/// Where and why reading stopped. Not derived from std::exception, as in the original.
 struct Error_position
 {
-    // Both count from 1. A tabulator leads to the next column after a multiple of 4.
+    /// Both count from 1. A tabulator leads to the next column after a multiple of 4.
     unsigned int line_;
     unsigned int column_;
 

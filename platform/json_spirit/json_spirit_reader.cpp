@@ -1,4 +1,3 @@
-// The two readers, compiled once: the grammar's templates are too large to be compiled into every user.
 #include "json_spirit_reader_template.h"
 
 namespace json_spirit

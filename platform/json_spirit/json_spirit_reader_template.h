@@ -14,21 +14,27 @@
 
 namespace json_spirit
 {
-// The value of a hexadecimal digit, -1 for any other character.
+/// The value of a hexadecimal digit, -1 for any other character.
 template <class Char> int hex_digit(Char c) noexcept
 {
     if (c >= '0' && c <= '9')
+    {
         return static_cast<int>(c - '0');
+    }
     if (c >= 'a' && c <= 'f')
+    {
         return static_cast<int>(c - 'a') + 10;
+    }
     if (c >= 'A' && c <= 'F')
+    {
         return static_cast<int>(c - 'A') + 10;
+    }
     return -1;
 }
 
-// The text between a string's quotes with its escapes resolved. \u gives one UTF-16 unit (its low byte in the
-// narrow kind). An escaped character without a meaning is dropped, also a "u" or "x" without all of its
-// digits.
+/// The text between a string's quotes with its escapes resolved. \u gives one UTF-16 unit (its low byte in
+/// the narrow kind). An escaped character without a meaning is dropped, also a "u" or "x" without all of its
+/// digits.
 template <class String, class Iterator> String unescape(Iterator first, Iterator last)
 {
     using Char = typename String::value_type;
@@ -37,13 +43,17 @@ template <class String, class Iterator> String unescape(Iterator first, Iterator
 
     const auto append_hex = [&](int digits) {
         if (last - first < digits)
+        {
             return;
+        }
         unsigned int unit = 0;
         for (int i = 0; i < digits; ++i)
         {
             const int digit = hex_digit(first[i]);
             if (digit < 0)
+            {
                 return;
+            }
             unit = unit * 16 + static_cast<unsigned int>(digit);
         }
         text += static_cast<Char>(unit);
@@ -93,7 +103,7 @@ template <class String, class Iterator> String unescape(Iterator first, Iterator
     return text;
 }
 
-// Builds the value tree from what the grammar reports, in the order of the text.
+/// Builds the value tree from what the grammar reports, in the order of the text.
 template <class Value> class Tree_builder
 {
 public:
@@ -111,17 +121,21 @@ public:
     Value& add(Value value)
     {
         if (m_open.empty())
+        {
             return m_root = std::move(value);
+        }
         Value& parent = *m_open.back();
         if (parent.type() == array_type)
+        {
             return parent.get_array().emplace_back(std::move(value));
+        }
         return parent.get_obj()[m_name] = std::move(value);
     }
 
 private:
     Value& m_root;
 
-    // An array grows only while it is the innermost open one, so no element that is pointed to here moves.
+    /// An array grows only while it is the innermost open one, so no element that is pointed to here moves.
     std::vector<Value*> m_open;
     String m_name;
 };
@@ -150,7 +164,7 @@ public:
     }
 
 private:
-    // What parse() with space_p as its skipper makes of the iterator.
+    /// What parse() with space_p as its skipper makes of the iterator.
     using Scanner = boost::spirit::classic::scanner<
         Iterator,
         boost::spirit::classic::scanner_policies<boost::spirit::classic::skipper_iteration_policy<>>>;
@@ -162,7 +176,7 @@ private:
         const char* reason;
     };
 
-    // Matches nothing, but ends the reading when the grammar has come to it.
+    /// Matches nothing, but ends the reading when the grammar has come to it.
     static auto fail(const char* reason)
     {
         return boost::spirit::classic::eps_p[([reason](Iterator first, Iterator) {
@@ -173,7 +187,9 @@ private:
     void begin(Iterator bracket, Value container)
     {
         if (m_tree.is_full())
+        {
             throw Failure{bracket, "nested too deeply"};
+        }
         m_tree.begin(std::move(container));
     }
 
@@ -217,7 +233,9 @@ private:
             boost::spirit::classic::position_iterator<Iterator, boost::spirit::classic::file_position>;
         Position position(m_text.begin(), m_text.end(), "");
         for (Iterator i = m_text.begin(); i != failure.where; ++i)
+        {
             ++position;
+        }
         throw Error_position{static_cast<unsigned int>(position.get_position().line),
                              static_cast<unsigned int>(position.get_position().column), failure.reason};
     }

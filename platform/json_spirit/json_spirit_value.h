@@ -12,7 +12,7 @@
 
 namespace json_spirit
 {
-// The numbers appear in the text of the type error.
+/// The numbers appear in the text of the type error.
 enum Value_type
 {
     obj_type,
@@ -24,7 +24,7 @@ enum Value_type
     null_type
 };
 
-// Owns a value on the heap and copies it along, so that a value can hold objects and arrays of its own kind.
+/// Owns a value on the heap and copies it along, so that a value can hold objects and arrays of its own kind.
 template <class T> class Value_box
 {
 public:
@@ -34,7 +34,9 @@ public:
     Value_box& operator=(const Value_box& other)
     {
         if (this != &other)
+        {
             m_value = std::make_unique<T>(*other.m_value);
+        }
         return *this;
     }
     Value_box& operator=(Value_box&& other) noexcept = default;
@@ -49,8 +51,8 @@ private:
     std::unique_ptr<T> m_value;
 };
 
-// One JSON value. An accessor of another type than the value's throws std::runtime_error with the text
-// "value type is F not E", the numbers of the found and the expected Value_type.
+/// One JSON value. An accessor of another type than the value's throws std::runtime_error with the text
+/// "value type is F not E", the numbers of the found and the expected Value_type.
 template <class Config> class Value_impl
 {
 public:
@@ -79,7 +81,7 @@ public:
         return kTypes[m_value.index()];
     }
 
-    // True if the value is an integer beyond the signed 64-bit range.
+    /// True if the value is an integer beyond the signed 64-bit range.
     bool is_uint64() const noexcept { return std::holds_alternative<std::uint64_t>(m_value); }
     bool is_null() const noexcept { return type() == null_type; }
 
@@ -91,7 +93,7 @@ public:
     bool get_bool() const { return check(bool_type), std::get<bool>(m_value); }
     double get_real() const { return check(real_type), std::get<double>(m_value); }
 
-    // The low 32 bits of the integer.
+    /// The low 32 bits of the integer.
     int get_int() const { return static_cast<int>(get_int64()); }
     std::int64_t get_int64() const { return static_cast<std::int64_t>(get_uint64()); }
     std::uint64_t get_uint64() const
@@ -101,7 +103,7 @@ public:
                            : static_cast<std::uint64_t>(std::get<std::int64_t>(m_value));
     }
 
-    // By type and content; an integer beyond the signed range differs from every other one.
+    /// By type and content; an integer beyond the signed range differs from every other one.
     friend bool operator==(const Value_impl& left, const Value_impl& right)
     {
         return left.m_value == right.m_value;
@@ -111,8 +113,10 @@ private:
     void check(Value_type expected) const
     {
         if (type() != expected)
+        {
             throw std::runtime_error("value type is " + std::to_string(type()) + " not " +
                                      std::to_string(expected));
+        }
     }
 
     std::variant<std::monostate, Value_box<Object>, Value_box<Array>, String_type, bool, std::int64_t,
@@ -120,7 +124,7 @@ private:
         m_value;
 };
 
-// The kind of value whose objects are maps.
+/// The kind of value whose objects are maps.
 template <class String> struct Config_map
 {
     using String_type = String;

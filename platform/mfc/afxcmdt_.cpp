@@ -1,4 +1,3 @@
-// Finds and calls the handlers of commands and control notifications.
 #include "afxcmdt_.h"
 
 IMPLEMENT_DYNAMIC(CCmdTarget, CObject)

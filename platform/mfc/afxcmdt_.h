@@ -3,9 +3,9 @@
 // Left out: OLE automation, connection maps, wait cursors, command-UI updates.
 #pragma once
 
-#include <afx.h>
-
 #include "afxmsg_.h"
+
+#include <afx.h>
 
 class CCmdTarget : public CObject
 {
@@ -23,7 +23,7 @@ protected:
     static const AFX_MSGMAP_ENTRY* FindMessageEntry(const AFX_MSGMAP* pMap, UINT nMessage, UINT nCode,
                                                     UINT nID);
 
-    // Spelled out, since only the classes derived from this one override it.
+    /// Spelled out, since only the classes derived from this one override it.
     static const AFX_MSGMAP* GetThisMessageMap();
     virtual const AFX_MSGMAP* GetMessageMap() const;
 };

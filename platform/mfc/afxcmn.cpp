@@ -1,4 +1,3 @@
-// Progress bar, rich-edit and link controls.
 #include "afxcmn.h"
 
 IMPLEMENT_DYNAMIC(CProgressCtrl, CWnd)

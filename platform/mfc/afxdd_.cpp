@@ -1,4 +1,3 @@
-// Binds a dialog's controls to its members.
 #include "afxdd_.h"
 
 #include "afxwnd_.h"

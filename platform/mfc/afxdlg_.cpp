@@ -1,4 +1,3 @@
-// Modal dialogs.
 #include "afxdlg_.h"
 
 #include "afxthreadstate.h"
@@ -19,7 +18,7 @@ END_MESSAGE_MAP()
 namespace
 {
 
-/// The style and position of either kind of dialog template.
+// The style and position of either kind of dialog template.
 struct CTemplateHead
 {
     explicit CTemplateHead(const DLGTEMPLATE& plain) : style(plain.style), x(plain.x), y(plain.y)
@@ -45,11 +44,11 @@ struct CTemplateHead
     short x, y;
 };
 
-/// A window that is disabled for as long as the object lives, unless it was disabled already.
+// A window that is disabled for as long as the object lives, unless it was disabled already.
 class CDisabledWindow
 {
 public:
-    /// `isDisabledByUs`: the window was enabled until its caller disabled it.
+    // `isDisabledByUs`: the window was enabled until its caller disabled it.
     CDisabledWindow(HWND window, bool isDisabledByUs) : m_window(isDisabledByUs ? window : nullptr) {}
     ~CDisabledWindow() { Enable(); }
     CDisabledWindow(const CDisabledWindow&) = delete;
@@ -67,9 +66,9 @@ private:
     HWND m_window;
 };
 
-/// Registers the classes of the controls that dialogs use. The active context decides which common controls
-/// are meant. They are loaded here and not with the module: the module's start would have to find the DLL by
-/// its manifest, which takes longer than everything else in it. They stay loaded, as their classes do.
+// Registers the classes of the controls that dialogs use. The active context decides which common controls
+// are meant. They are loaded here and not with the module: the module's start would have to find the DLL by
+// its manifest, which takes longer than everything else in it. They stay loaded, as their classes do.
 void RegisterControlClasses()
 {
     INITCOMMONCONTROLSEX classes = {sizeof classes,

@@ -1,4 +1,3 @@
-// CException's life and the texts that exceptions take from the message tables.
 #include <afxexc_.h>
 
 #include <memory>

@@ -1,4 +1,3 @@
-// CFile over a Win32 file handle.
 #include <afxfile_.h>
 
 #include <string>
@@ -13,7 +12,7 @@ namespace
 constexpr UINT kAccessMask = CFile::modeRead | CFile::modeWrite | CFile::modeReadWrite;
 constexpr UINT kShareMask = 0x0070;
 
-/// 0 and the right error when `openFlags` holds two access modes.
+// 0 and the right error when `openFlags` holds two access modes.
 DWORD AccessOf(UINT openFlags)
 {
     switch (openFlags & kAccessMask)
@@ -54,7 +53,7 @@ DWORD DispositionOf(UINT openFlags)
     return (openFlags & CFile::modeNoTruncate) != 0 ? OPEN_ALWAYS : CREATE_ALWAYS;
 }
 
-/// The full path, or the name as it stands when the system cannot make one of it.
+// The full path, or the name as it stands when the system cannot make one of it.
 CString FullPathOf(LPCWSTR fileName)
 {
     const DWORD size = GetFullPathNameW(fileName, 0, nullptr, nullptr);

@@ -1,4 +1,3 @@
-// Device contexts, brushes and fonts.
 #include "afxgdi_.h"
 
 #include "afxthreadstate.h"

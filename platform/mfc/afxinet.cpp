@@ -1,4 +1,3 @@
-// The Internet classes: each object owns its WinINet handle and turns failures into CInternetException.
 #include <afxinet.h>
 
 #include <cwchar>
@@ -14,11 +13,11 @@ IMPLEMENT_DYNAMIC(CHttpFile, CInternetFile)
 namespace
 {
 
-/// Indexed by CHttpConnection's HTTP_VERB_ constants.
+// Indexed by CHttpConnection's HTTP_VERB_ constants.
 constexpr LPCWSTR kVerbs[] = {L"POST", L"GET", L"HEAD", L"PUT", L"LINK", L"DELETE", L"UNLINK"};
 
-/// Closes `handle` and leaves null behind. Keeps the last error, which destructors must not spoil for a
-/// caller who is about to ask for it.
+// Closes `handle` and leaves null behind. Keeps the last error, which destructors must not spoil for a
+// caller who is about to ask for it.
 void CloseInternetHandle(HINTERNET& handle)
 {
     if (handle != nullptr)

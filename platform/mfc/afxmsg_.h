@@ -91,7 +91,8 @@ auto AfxInvokeHandler(CCmdTarget* pTarget, Arguments... arguments)
     return (static_cast<Target*>(pTarget)->*Handler)(arguments...);
 }
 
-// Device contexts and windows of a message as the objects that handlers take; defined where CDC and CWnd are.
+/// Device contexts and windows of a message as the objects that handlers take; defined where CDC and CWnd
+/// are.
 class CDC;
 class CWnd;
 CDC* AfxMsgDeviceContext(const AFX_MSG_CALL& call);

@@ -1,4 +1,3 @@
-// CObject's own run-time class and the two questions about kinship.
 #include <afxobj_.h>
 
 constinit const CRuntimeClass CObject::classCObject = {"CObject", sizeof(CObject), nullptr};

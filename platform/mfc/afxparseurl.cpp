@@ -46,8 +46,8 @@ INTERNET_PORT DefaultPortOf(INTERNET_SCHEME scheme)
     }
 }
 
-/// `url` with the unsafe characters of its path escaped and its dots resolved, as a browser would send it;
-/// empty on failure.
+// `url` with the unsafe characters of its path escaped and its dots resolved, as a browser would send it;
+// empty on failure.
 std::wstring Canonicalize(LPCWSTR url)
 {
     DWORD size = INTERNET_MAX_URL_LENGTH;

@@ -1,4 +1,3 @@
-// Module state and its activation context.
 #include "afxstat_.h"
 
 #include "afxthreadstate.h"
@@ -7,7 +6,7 @@
 #include <string>
 #include <utility>
 
-/// The module this library is linked into; its address is the module's handle, made by the linker.
+// The module this library is linked into; its address is the module's handle, made by the linker.
 extern "C" IMAGE_DOS_HEADER __ImageBase;
 
 namespace
@@ -28,8 +27,8 @@ std::wstring ModulePath(HINSTANCE module)
     }
 }
 
-/// The context that the loader made of a DLL's manifest when it loaded the DLL, with a reference of its own;
-/// null if it made none. A program's own context is of another resource than ours.
+// The context that the loader made of a DLL's manifest when it loaded the DLL, with a reference of its own;
+// null if it made none. A program's own context is of another resource than ours.
 HANDLE LoadersContext(HINSTANCE module)
 {
     ACTIVATION_CONTEXT_BASIC_INFORMATION information = {};

@@ -1,7 +1,5 @@
-// CString's text operations; Format stands in a file of its own.
-#include <afxstr.h>
-
 #include <afxexc_.h>
+#include <afxstr.h>
 
 #include <algorithm>
 #include <cwchar>
@@ -9,7 +7,7 @@
 namespace
 {
 
-/// The original takes a null pointer for an empty text wherever a text is expected.
+// The original takes a null pointer for an empty text wherever a text is expected.
 LPCWSTR OrEmpty(LPCWSTR text)
 {
     return text != nullptr ? text : L"";

@@ -9,9 +9,9 @@
 //  - Between GetBuffer and ReleaseBuffer GetLength counts the whole buffer.
 #pragma once
 
-#include <afxver_.h>
-
 #include "afxstrbuffer_.h"
+
+#include <afxver_.h>
 
 #include <compare>
 #include <concepts>
@@ -38,8 +38,8 @@ public:
     CFormatArgument(const CString& text);
     /// Integers, characters, bool and enumerations; extended to 64 bits by their own sign.
     template <typename T>
-    requires std::integral<T> || std::is_enum_v<T> CFormatArgument(T value)
-        : m_kind(Kind::kInteger), m_integer(static_cast<long long>(value))
+        requires std::integral<T> || std::is_enum_v<T>
+    CFormatArgument(T value) : m_kind(Kind::kInteger), m_integer(static_cast<long long>(value))
     {
     }
 
@@ -62,7 +62,7 @@ private:
 /// worse.
 template <typename T>
 concept CFormattable = std::is_constructible_v<CFormatArgument, const T&> &&
-    (!std::is_class_v<T> || std::derived_from<T, CString>);
+                       (!std::is_class_v<T> || std::derived_from<T, CString>);
 
 /// A text of UTF-16 units. Lengths and indices count units. A null pointer counts as the empty text
 /// everywhere. Lack of memory is std::bad_alloc.

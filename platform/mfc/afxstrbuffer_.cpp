@@ -1,4 +1,3 @@
-// Where a CString keeps its text.
 #include "afxstrbuffer_.h"
 
 #include <algorithm>
@@ -72,7 +71,7 @@ void CTextBuffer::Free() noexcept
     }
 }
 
-/// Makes `other`'s text this one's and `other` empty. What was here has been freed.
+// Makes `other`'s text this one's and `other` empty. What was here has been freed.
 void CTextBuffer::Take(CTextBuffer& other) noexcept
 {
     if (other.IsShort())
@@ -90,7 +89,7 @@ void CTextBuffer::Take(CTextBuffer& other) noexcept
     other.Terminate(0);
 }
 
-/// Memory for a text of `length` units, and for growing in few steps.
+// Memory for a text of `length` units, and for growing in few steps.
 wchar_t* CTextBuffer::Replacement(std::size_t length, std::size_t& capacity) const
 {
     capacity = std::max(length, 2 * m_capacity);

@@ -56,7 +56,7 @@ private:
     wchar_t* m_units = m_short;
     std::size_t m_length = 0;
     std::size_t m_capacity = kShortText;
-    // Written as far as the text goes. The rest is nobody's to read, and clearing it would take longer than
-    // most copies: hence what cppcheck is told above.
+    /// Written as far as the text goes. The rest is nobody's to read, and clearing it would take longer than
+    /// most copies: hence what cppcheck is told above.
     wchar_t m_short[kShortText + 1];
 };

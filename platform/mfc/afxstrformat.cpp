@@ -13,8 +13,8 @@ bool IsOneOf(wchar_t type, std::wstring_view types)
     return types.find(type) != std::wstring_view::npos;
 }
 
-/// Appends what takes the place of the placeholder between `percent` and `next`, for which an argument is
-/// used up. One that cannot be filled in stays as it is.
+// Appends what takes the place of the placeholder between `percent` and `next`, for which an argument is
+// used up. One that cannot be filled in stays as it is.
 void Replace(const FormatPlaceholder& placeholder, const wchar_t* percent, const wchar_t* next,
              CFormatArguments& arguments, std::wstring& result)
 {

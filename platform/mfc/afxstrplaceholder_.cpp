@@ -1,4 +1,3 @@
-// Reads the placeholders of CString::Format: flags, width, precision, size and type.
 #include "afxstrplaceholder_.h"
 
 #include <algorithm>
@@ -33,7 +32,7 @@ public:
         return m_placeholder;
     }
 
-    /// Behind what was read.
+    // Behind what was read.
     const wchar_t* Next() const { return m_next; }
 
 private:
@@ -73,7 +72,7 @@ private:
         m_placeholder.precision = std::clamp(ReadNumber(), FormatPlaceholder::kNoPrecision, kMaxWidth);
     }
 
-    /// Digits, or the argument that a * stands for, between plus and minus one above the limit of widths.
+    // Digits, or the argument that a * stands for, between plus and minus one above the limit of widths.
     int ReadNumber()
     {
         constexpr int kLimit = kMaxWidth + 1;

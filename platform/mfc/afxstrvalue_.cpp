@@ -1,4 +1,3 @@
-// Makes the texts that take the place of CString::Format's placeholders.
 #include "afxstrvalue_.h"
 
 #include <algorithm>
@@ -9,7 +8,7 @@
 namespace
 {
 
-/// %hs and %S without l or w are narrow, as in every wide printf of the Microsoft runtime.
+// %hs and %S without l or w are narrow, as in every wide printf of the Microsoft runtime.
 bool IsNarrow(const FormatPlaceholder& placeholder)
 {
     switch (placeholder.size)

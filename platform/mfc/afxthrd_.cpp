@@ -1,4 +1,3 @@
-// Worker threads, the application object, and what MFC code asks about its module.
 #include "afxthrd_.h"
 
 #include "afxthreadstate.h"

@@ -1,4 +1,3 @@
-// Keeps the state of each thread, and frees what is left of them with the module.
 #include "afxthreadstate.h"
 
 #include <algorithm>
@@ -9,7 +8,7 @@
 namespace
 {
 
-/// The slot and everything that hangs on it in any thread.
+// The slot and everything that hangs on it in any thread.
 class CThreadStates
 {
 public:

@@ -1,4 +1,3 @@
-// The standard controls' classes, and the rich-edit library.
 #include "afxwin.h"
 
 #include <string>

@@ -5,12 +5,6 @@
 // good.
 #pragma once
 
-#include <afx.h>
-
-#include <windows.h>
-
-#include <commctrl.h>
-
 #include "afxcmdt_.h"
 #include "afxdd_.h"
 #include "afxdlg_.h"
@@ -20,6 +14,11 @@
 #include "afxthrd_.h"
 #include "afxwnd_.h"
 #include "atltypes.h"
+
+#include <afx.h>
+
+#include <windows.h>
+#include <commctrl.h>
 
 class CStatic : public CWnd
 {

@@ -1,4 +1,3 @@
-// Windows: handles and their objects, and the operations that pass the handle on.
 #include "afxwnd_.h"
 
 #include "afxthreadstate.h"

@@ -1,7 +1,6 @@
 // What modal dialogs need of a window: its owner, its place, its loop of messages.
-#include "afxwnd_.h"
-
 #include "afxthreadstate.h"
+#include "afxwnd_.h"
 
 #include <algorithm>
 

@@ -1,4 +1,3 @@
-// The memory of g++'s static thread library: taken from the C run-time as before, and all of it known.
 #include "platform/mingw/ThreadMemory.h"
 
 #include <windows.h>

@@ -1,5 +1,3 @@
-// A host for the built DLL inside the test program: it loads, registers and creates the add-in, has a main
-// window, and sees the log, the requests and what the user saw.
 #include "addin/AddInFixture.h"
 
 #include "harness/Files.h"
@@ -18,7 +16,7 @@ using Microsoft::WRL::ComPtr;
 constexpr UINT kRun = WM_APP + 1;
 constexpr DWORD kEnglish = 1033;
 
-/// What the DLL's registration writes.
+// What the DLL's registration writes.
 constexpr const wchar_t* kRegisteredKeys[] = {
     L"Software\\Microsoft\\Office",
     L"Software\\Classes\\OrvaOscAddin.Connect",
@@ -29,7 +27,7 @@ constexpr const wchar_t* kRegisteredKeys[] = {
     L"Software\\Classes\\Wow6432Node\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}",
 };
 
-/// What the registration of the host's type libraries writes.
+// What the registration of the host's type libraries writes.
 constexpr const wchar_t* kOfficeKeys[] = {
     L"Software\\Classes\\TypeLib\\{AC0714F2-3D04-11D1-AE7D-00A0C90F26F4}",
     L"Software\\Classes\\TypeLib\\{2DF8D04C-5BFA-101B-BDE5-00AA0044DE52}",
@@ -61,7 +59,7 @@ template <typename Function> Function Export(HMODULE module, const char* name)
     return function;
 }
 
-/// The log is on, the libraries and the add-in are registered, for the whole test program.
+// The log is on, the libraries and the add-in are registered, for the whole test program.
 class CMachine : public testing::Environment
 {
 public:

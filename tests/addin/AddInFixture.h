@@ -9,11 +9,11 @@
 #include "harness/TempFolder.h"
 #include "harness/UserScript.h"
 
-#include <gmock/gmock.h>
-
 #include <AddInDesignerObjects.h>
 #include <Office.h>
 #include <OrvaOscAddin.h>
+
+#include <gmock/gmock.h>
 
 #include <functional>
 #include <memory>

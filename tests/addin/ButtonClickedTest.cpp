@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 constexpr char kEntry[] = "CConnect::ButtonClicked";
 
-/// The activation context that is active in this thread; null for the program's own.
+// The activation context that is active in this thread; null for the program's own.
 HANDLE ActiveContext()
 {
     HANDLE context = nullptr;
@@ -30,7 +30,7 @@ protected:
         NewLogLines();
     }
 
-    /// Clicks with the user's steps, which must all be taken, and checks what holds after every check.
+    // Clicks with the user's steps, which must all be taken, and checks what holds after every check.
     void Click(IDispatch* control = nullptr)
     {
         m_user.Start();

@@ -1,5 +1,3 @@
-// What the rules of COM ask of one object, checked for every interface, pair and chain of three, and what the
-// tests of these rules share.
 #include "addin/ComConformance.h"
 
 #include "harness/Report.h"
@@ -30,7 +28,7 @@ const CInterface kForeignInterfaces[] = {
     {"no interface at all", IID_NULL},
 };
 
-/// One run over one object.
+// One run over one object.
 class CCheck
 {
 public:

@@ -1,6 +1,5 @@
 // The add-in's object created, called and last released across apartments.
 #include "addin/ComConformance.h"
-
 #include "harness/Files.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Threads.h"
@@ -16,8 +15,8 @@ namespace
 
 using Microsoft::WRL::ComPtr;
 
-/// What a proxy leads to: the interfaces that a type library describes. The class's primary interface is in
-/// none, so that nothing can carry it to another apartment.
+// What a proxy leads to: the interfaces that a type library describes. The class's primary interface is in
+// none, so that nothing can carry it to another apartment.
 const CInterface kProxied[] = {
     {"IUnknown", IID_IUnknown},
     {"IDispatch", IID_IDispatch},
@@ -32,7 +31,7 @@ const CInterface kNotProxied[] = {
     {"IConnectionPointContainer", IID_IConnectionPointContainer},
 };
 
-/// What another apartment found out about the object it was given.
+// What another apartment found out about the object it was given.
 struct CFindings
 {
     HRESULT got = E_FAIL;
@@ -42,7 +41,7 @@ struct CFindings
     CConformance conformance;
 };
 
-/// A proxy answers for IClientSecurity; the add-in's object does not.
+// A proxy answers for IClientSecurity; the add-in's object does not.
 bool IsProxy(IUnknown* object)
 {
     ComPtr<IUnknown> security;
@@ -66,7 +65,7 @@ void UseThroughProxy(IDispatch* object, CFindings& findings)
     findings.conformance = CheckQueryInterface(object, kProxied, kNotProxied, Place::Proxy);
 }
 
-/// Checks what another apartment found out and what the add-in logged of it, and adds it to the report.
+// Checks what another apartment found out and what the add-in logged of it, and adds it to the report.
 void ExpectUsedThroughProxy(const std::vector<std::string>& logged, const std::string& object,
                             const CFindings& findings)
 {

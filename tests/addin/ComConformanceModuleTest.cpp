@@ -1,6 +1,5 @@
 // When the module may be unloaded, and that it can be loaded and unloaded again and again.
 #include "addin/ComConformance.h"
-
 #include "harness/Report.h"
 
 namespace orva::test

@@ -1,4 +1,3 @@
-// What the tests of connecting share: an Outlook of a version, and the lines that connecting to it writes.
 #include "addin/ConnectFixture.h"
 
 #include <algorithm>

@@ -1,7 +1,6 @@
 // The built DLL as a file: what it needs of Windows, what it offers, what it carries, what happens at its
 // loading.
 #include "addin/PeImage.h"
-
 #include "harness/Files.h"
 #include "harness/Text.h"
 #include "harness/Threads.h"
@@ -24,15 +23,15 @@ using testing::IsEmpty;
 
 constexpr wchar_t kModuleName[] = L"OrvaOscAddin.dll";
 
-/// The DLLs that the add-in may need; Windows Vista has every one of them. A new one is added here only after
-/// it was looked up that Vista has it.
+// The DLLs that the add-in may need; Windows Vista has every one of them. A new one is added here only after
+// it was looked up that Vista has it.
 constexpr const char* kVistaDlls[] = {
     "ADVAPI32.DLL", "COMCTL32.DLL", "GDI32.DLL",   "GDIPLUS.DLL", "KERNEL32.DLL", "MSVCRT.DLL",
     "OLE32.DLL",    "OLEAUT32.DLL", "SHELL32.DLL", "SHLWAPI.DLL", "USER32.DLL",   "WININET.DLL",
 };
 
-/// Functions that Windows got only after Vista, of those that code like ours or the C++ runtime is likely to
-/// call.
+// Functions that Windows got only after Vista, of those that code like ours or the C++ runtime is likely to
+// call.
 constexpr const char* kAfterVista[] = {
     "GetSystemTimePreciseAsFileTime",
     "SetThreadDescription",
@@ -62,9 +61,9 @@ constexpr const char* kAfterVista[] = {
     "GetLogicalProcessorInformationEx",
 };
 
-/// The functions that the C++ runtime itself has called for each thread: one makes thread-local objects, one
-/// destroys them, one is the thread library's. More would be ours, run under the loader's lock in every
-/// thread of Outlook.
+// The functions that the C++ runtime itself has called for each thread: one makes thread-local objects, one
+// destroys them, one is the thread library's. More would be ours, run under the loader's lock in every
+// thread of Outlook.
 constexpr size_t kRuntimeTlsCallbacks = 3;
 
 CPeImage Image()
@@ -72,7 +71,7 @@ CPeImage Image()
     return CPeImage(BuiltFile(kModuleName));
 }
 
-/// The module mapped for its resources only: none of its code runs.
+// The module mapped for its resources only: none of its code runs.
 class CDataModule
 {
 public:
@@ -115,7 +114,7 @@ BOOL CALLBACK AddType(HMODULE module, LPWSTR type, LONG_PTR list)
     return EnumResourceNamesW(module, type, AddName, list);
 }
 
-/// Names of the modules of this process, in capitals.
+// Names of the modules of this process, in capitals.
 std::set<std::wstring> LoadedModules()
 {
     std::set<std::wstring> names;

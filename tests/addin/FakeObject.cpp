@@ -1,4 +1,3 @@
-// Objects of a host as an add-in calls them by name, which note each call exactly as it came.
 #include "addin/FakeObject.h"
 
 #include "harness/Text.h"
@@ -10,7 +9,7 @@ namespace orva::test
 namespace
 {
 
-/// Far from any id that a caller could guess.
+// Far from any id that a caller could guess.
 constexpr DISPID kFirstId = 7000;
 
 CMemberCall Describe(const DISPPARAMS& parameters)

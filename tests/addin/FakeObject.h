@@ -1,11 +1,11 @@
 // Objects of a host as an add-in calls them by name, which note each call exactly as it came.
 #pragma once
 
-#include <windows.h>
+#include <wrl/client.h>
 
+#include <windows.h>
 #include <comdef.h>
 #include <oaidl.h>
-#include <wrl/client.h>
 
 #include <functional>
 #include <map>

@@ -1,4 +1,3 @@
-// An Outlook of fakes: application, explorer and menu bar down to the button that an add-in may add.
 #include "addin/FakeOutlook.h"
 
 #include <Office.h>

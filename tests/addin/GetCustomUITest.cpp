@@ -1,6 +1,5 @@
 // The Backstage markup as Office gets it: for which version, in which language, with which texts.
 #include "addin/AddInFixture.h"
-
 #include "harness/Text.h"
 
 #include <msxml2.h>
@@ -21,7 +20,7 @@ using testing::StartsWith;
 class GetCustomUITest : public CAddInTest
 {
 protected:
-    /// The markup for this ribbon; the result has to be S_OK and the text no null.
+    // The markup for this ribbon; the result has to be S_OK and the text no null.
     std::wstring Markup(const wchar_t* ribbon = L"Microsoft.Outlook.Explorer")
     {
         _bstr_t id(ribbon);
@@ -100,7 +99,7 @@ TEST_F(GetCustomUITest, InEnglishEveryPlaceholderIsFilled)
     EXPECT_TRUE(IsWellFormed(markup));
 }
 
-/// A text of the markup, as the attribute that holds it.
+// A text of the markup, as the attribute that holds it.
 class GetCustomUITextTest : public GetCustomUITest, public testing::WithParamInterface<const char*>
 {
 };

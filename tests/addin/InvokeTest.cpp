@@ -37,7 +37,7 @@ protected:
         return Invoke(Dispatch().Get(), id, std::move(reversed), result);
     }
 
-    /// What Office passes with a click: CancelDefault, then the button.
+    // What Office passes with a click: CancelDefault, then the button.
     std::vector<VARIANT> ClickArguments()
     {
         std::vector<VARIANT> arguments(2);
@@ -62,7 +62,7 @@ protected:
     VARIANT_BOOL m_cancelDefault = VARIANT_FALSE;
 };
 
-/// Takes the host's library of the add-in contract out of the registry.
+// Takes the host's library of the add-in contract out of the registry.
 class CNoExtensibilityLibrary
 {
 public:
@@ -73,7 +73,7 @@ private:
                               L"Software\\Classes\\TypeLib\\{AC0714F2-3D04-11D1-AE7D-00A0C90F26F4}"};
 };
 
-/// The same with the add-in's own library.
+// The same with the add-in's own library.
 class CNoOwnLibrary
 {
 public:

@@ -1,4 +1,3 @@
-// What the tests of the menu command share: an Outlook that gets one, and what the add-in called of it.
 #include "addin/MenuCommandFixture.h"
 
 namespace orva::test

@@ -146,7 +146,7 @@ TEST_F(MenuCommandTest, AfterFailingCommandBarsTheStartUpCheckStillRuns)
     EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 1u);
 }
 
-/// A way in which the host's objects do not lead to a new control.
+// A way in which the host's objects do not lead to a new control.
 struct MissingCase
 {
     const char* name;

@@ -1,4 +1,3 @@
-// Reads a 64-bit PE file as it lies on disk: what it imports, exports and asks of the loader.
 #include "addin/PeImage.h"
 
 #include "harness/Files.h"

@@ -1,9 +1,6 @@
-// What Windows' own tool exports of everything a registration touches, before and after, and how the two
-// differ.
 #include "addin/RegistrationExport.h"
 
 #include "addin/RegistrationFixture.h"
-
 #include "harness/Files.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Report.h"
@@ -20,7 +17,7 @@ namespace orva::test
 namespace
 {
 
-/// A tree and what the report calls it. One that lies in another comes before it.
+// A tree and what the report calls it. One that lies in another comes before it.
 struct Tree
 {
     const wchar_t* key;
@@ -56,7 +53,7 @@ bool IsAtOrBelow(const std::string& key, const std::string& tree)
            (key.size() == tree.size() || key[tree.size()] == '\\');
 }
 
-/// What a line belongs to, behind its place in the order of the trees.
+// What a line belongs to, behind its place in the order of the trees.
 std::string Owner(const std::string& line)
 {
     const std::string key = line.substr(1, line.find(']') - 1);

@@ -1,4 +1,3 @@
-// A registry without the add-in to register it in, and the registry as lines to compare.
 #include "addin/RegistrationFixture.h"
 
 #include "harness/Files.h"
@@ -39,7 +38,7 @@ void AddLines(CRegistryLines& lines, const std::string& hive, const std::string&
     }
 }
 
-/// Whether a line belongs to what the system itself writes of a registered type library.
+// Whether a line belongs to what the system itself writes of a registered type library.
 bool IsLibraryLine(const std::string& line)
 {
     static const std::regex library(

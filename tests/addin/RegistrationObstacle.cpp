@@ -1,4 +1,3 @@
-// Keys that make a registration fail when it gets there.
 #include "addin/RegistrationObstacle.h"
 
 #include "harness/Registry.h"
@@ -12,9 +11,9 @@ namespace orva::test
 namespace
 {
 
-/// Reading, deleting and changing these rights again, for everyone.
+// Reading, deleting and changing these rights again, for everyone.
 constexpr wchar_t kReadOnly[] = L"D:P(A;;KRSDWD;;;WD)";
-/// Nothing for anyone, through a handle that is opened from now on.
+// Nothing for anyone, through a handle that is opened from now on.
 constexpr wchar_t kLocked[] = L"D:P(D;;KA;;;WD)";
 constexpr wchar_t kOpen[] = L"D:P(A;;KA;;;WD)";
 

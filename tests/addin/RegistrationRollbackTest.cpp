@@ -1,7 +1,6 @@
 // A registration that fails half-way: what it says, what it takes back and what it leaves.
 #include "addin/RegistrationFixture.h"
 #include "addin/RegistrationObstacle.h"
-
 #include "harness/Files.h"
 
 namespace orva::test

@@ -4,7 +4,6 @@
 #include "addin/RegistrationExport.h"
 #include "addin/RegistrationFixture.h"
 #include "addin/RegistrationObstacle.h"
-
 #include "harness/Files.h"
 #include "harness/Report.h"
 
@@ -23,7 +22,7 @@ enum class Step
     User,
     UndoMachine,
     UndoUser,
-    /// The same by regsvr32.
+    // The same by regsvr32.
     ToolMachine,
     ToolUser,
     ToolUndoMachine,
@@ -40,13 +39,13 @@ struct Hindrance
 struct SequenceCase
 {
     const char* name;
-    /// Done before the first export.
+    // Done before the first export.
     std::vector<Step> before;
     Hindrance hindrance;
     std::vector<Step> steps;
-    /// What each step returns.
+    // What each step returns.
     const char* results;
-    /// In what the second export differs from the first.
+    // In what the second export differs from the first.
     std::string difference;
 };
 
@@ -58,7 +57,7 @@ void PrintTo(const SequenceCase& value, std::ostream* out)
 class RegistrationSequenceTest : public CRegistrationTest, public testing::WithParamInterface<SequenceCase>
 {
 protected:
-    /// Each step has the DLL to itself, as each run of an installer has.
+    // Each step has the DLL to itself, as each run of an installer has.
     std::string Do(Step step)
     {
         switch (step)

@@ -1,6 +1,5 @@
 // What registration writes to the registry and takes away again, called as a DLL's exports.
 #include "addin/RegistrationFixture.h"
-
 #include "harness/Files.h"
 #include "harness/Text.h"
 

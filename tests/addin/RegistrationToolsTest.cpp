@@ -1,7 +1,6 @@
 // The system's own programs register, read, create and unregister the add-in.
 #include "addin/RegistrationFixture.h"
 #include "addin/RegistrationObstacle.h"
-
 #include "harness/Files.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Text.h"
@@ -65,7 +64,7 @@ TEST_F(RegistrationToolsTest, TheRegistrysOwnToolReadsTheAddInsEntry)
     EXPECT_THAT(lines, Contains(testing::ContainsRegex("LoadBehavior +REG_DWORD +0x3")));
 }
 
-/// Runs a script that creates an object by its name, and returns what it prints of it.
+// Runs a script that creates an object by its name, and returns what it prints of it.
 std::string CreatedByScript(const wchar_t* progId)
 {
     const CTempFolder folder;
@@ -89,8 +88,8 @@ TEST_F(RegistrationToolsTest, AScriptCreatesTheAddInByTheNameWithoutVersion)
     EXPECT_THAT(CreatedByScript(L"OrvaOscAddin.Connect"), IsWine() ? "" : "IRibbonCallback\r\n");
 }
 
-/// Runs a script that reads the current version of a name and creates the object by that, and returns what it
-/// prints of both.
+// Runs a script that reads the current version of a name and creates the object by that, and returns what it
+// prints of both.
 std::string CreatedByScriptThroughCurVer(const std::string& name)
 {
     const CTempFolder folder;

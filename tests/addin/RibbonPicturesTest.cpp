@@ -14,7 +14,7 @@ using testing::ElementsAre;
 constexpr DISPID kGetImageLogo = 42001;
 constexpr DISPID kGetImageIcon = 42002;
 
-/// A ribbon control that counts how often its id is read.
+// A ribbon control that counts how often its id is read.
 class CFakeControl : public CFakeObject
 {
 public:
@@ -77,7 +77,7 @@ protected:
         NewLogLines();
     }
 
-    /// Calls a getImage callback as Office does.
+    // Calls a getImage callback as Office does.
     HRESULT Ask(DISPID id, IDispatch* control, _variant_t& result)
     {
         VARIANT argument{};
@@ -90,7 +90,7 @@ protected:
         return invoked == DISP_E_EXCEPTION ? exception.scode : invoked;
     }
 
-    /// Width and height in pixels of a picture in a result; 0 by 0 without one.
+    // Width and height in pixels of a picture in a result; 0 by 0 without one.
     static SIZE SizeOf(const _variant_t& result)
     {
         ComPtr<IPicture> picture;

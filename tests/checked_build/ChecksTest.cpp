@@ -17,10 +17,10 @@ using testing::HasSubstr;
 
 constexpr wchar_t kProgram[] = L"test_checked_build.exe";
 
-/// What the C runtime's abort() ends a program with.
+// What the C runtime's abort() ends a program with.
 constexpr DWORD kAborted = 3;
 
-/// How a program ends that does what must not be done.
+// How a program ends that does what must not be done.
 struct MisuseCase
 {
     const char* misuse;
@@ -39,7 +39,7 @@ class ChecksTest : public testing::TestWithParam<MisuseCase>
 {
 };
 
-/// How often the illegal instruction that a failed check runs into stands in these bytes.
+// How often the illegal instruction that a failed check runs into stands in these bytes.
 size_t CountTraps(const std::string& bytes)
 {
     constexpr char kTrap[] = "\x0F\x0B";

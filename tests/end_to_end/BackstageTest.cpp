@@ -24,7 +24,7 @@ class BackstageTest : public OutlookFixture
 protected:
     BackstageTest() { Publish(UpdateInfo("1", "2", "0", kInstallerUrl)); }
 
-    /// The File view's controls of one window class, or of all.
+    // The File view's controls of one window class, or of all.
     std::vector<HWND> Controls(const wchar_t* className = nullptr) const
     {
         std::vector<HWND> found;
@@ -38,7 +38,7 @@ protected:
         return found;
     }
 
-    /// Starts Outlook with the tab open and waits until it is complete: the version lines come last.
+    // Starts Outlook with the tab open and waits until it is complete: the version lines come last.
     void OpenTab()
     {
         StartWithBackstage();

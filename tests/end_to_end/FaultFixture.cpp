@@ -1,4 +1,3 @@
-// One fault, one check in Outlook, and what came of both: observed, checked and noted for the report.
 #include "end_to_end/FaultFixture.h"
 
 #include "end_to_end/Texts.h"
@@ -18,9 +17,9 @@ namespace orva::test
 namespace
 {
 
-/// The longest piece of one log line that the report quotes, in bytes.
+// The longest piece of one log line that the report quotes, in bytes.
 constexpr size_t kQuoteLimit = 120;
-/// More windows than any check shows.
+// More windows than any check shows.
 constexpr int kMostWindows = 8;
 
 std::string Quoted(std::string line)

@@ -20,7 +20,7 @@ CHttpReply Latest()
     return CHttpReply(200, g_latestInfo);
 }
 
-/// The latest build's file behind a head of these lines.
+// The latest build's file behind a head of these lines.
 CServerScript Behind(const std::string& head)
 {
     return CServerScript().Send(head + "\r\n" + g_latestInfo).Close();
@@ -47,7 +47,7 @@ CHttpReply ManyHeaders()
     return reply;
 }
 
-/// A redirection that ends with this status.
+// A redirection that ends with this status.
 CFault StatusOf(int status, const char* name, const char* target)
 {
     return {name, CHttpReply(302).Header("Location", target), Empty(StatusLog(status)), {}, {kConnectError}};

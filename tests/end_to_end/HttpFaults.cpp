@@ -10,10 +10,10 @@ namespace orva::test
 namespace
 {
 
-/// How long a server that stalls is silent, in milliseconds.
+// How long a server that stalls is silent, in milliseconds.
 constexpr DWORD kStall = 700;
 
-/// The latest build's file with so much behind its entry that it goes on beyond the limit.
+// The latest build's file with so much behind its entry that it goes on beyond the limit.
 std::string LongText()
 {
     std::string text = g_latestInfo;

@@ -19,14 +19,14 @@ using testing::ValuesIn;
 class InstallerDiskFaultsTest : public InstallerFixture
 {
 protected:
-    /// The temporary folder of Outlook, while the test's own stays as it is.
+    // The temporary folder of Outlook, while the test's own stays as it is.
     static void SetTemp(const std::wstring& path)
     {
         SetEnvironmentVariableW(L"TMP", path.c_str());
         SetEnvironmentVariableW(L"TEMP", path.c_str());
     }
 
-    /// The file cannot be created, with an error whose number is the system's; nothing was asked for.
+    // The file cannot be created, with an error whose number is the system's; nothing was asked for.
     void ExpectNoFile(int number, const std::string& fault)
     {
         OfferAndInstall(kInstallerUrl);
@@ -43,7 +43,7 @@ protected:
 
 INSTANTIATE_TEST_SUITE_P(Modes, InstallerDiskFaultsTest, ValuesIn(ModesOfThisRun()), NameOfMode);
 
-/// The largest file that can be written, in KiB, if the test was started with such a limit.
+// The largest file that can be written, in KiB, if the test was started with such a limit.
 int FileLimit()
 {
     wchar_t text[20] = L"";

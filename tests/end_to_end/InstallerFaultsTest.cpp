@@ -23,11 +23,11 @@ protected:
     const std::string m_bytes = std::string(5'000, 'x');
     const CHttpReply m_reply{200, m_bytes};
 
-    /// The head and the first part of the body.
+    // The head and the first part of the body.
     std::string FirstPart() const { return m_reply.Head() + m_bytes.substr(0, 2'500); }
 
-    /// Has the user press Cancel once the server waits at the gate and, if there is one, the dialog has this
-    /// status, and lets the server go on.
+    // Has the user press Cancel once the server waits at the gate and, if there is one, the dialog has this
+    // status, and lets the server go on.
     void CancelAt(CGate& gate, const wchar_t* status = nullptr)
     {
         m_user.OnDialogWith(kProgressBar, [&gate, status](HWND dialog) {
@@ -45,7 +45,7 @@ protected:
     }
 };
 
-/// Each download shows its last state for a second: these are for the thorough run alone.
+// Each download shows its last state for a second: these are for the thorough run alone.
 class InstallerFurtherFaultsTest : public InstallerFaultsTest
 {
 };

@@ -1,4 +1,3 @@
-// What the tests of a failing download share: the user accepts the offer, then everything goes wrong.
 #include "end_to_end/InstallerFixture.h"
 
 #include "end_to_end/Texts.h"

@@ -19,7 +19,7 @@ using testing::ValuesIn;
 constexpr char kTable[] = "machine-faults";
 constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}";
 constexpr wchar_t kLanguageKey[] = L"SOFTWARE\\Microsoft\\Office\\14.0\\Common\\LanguageResources";
-/// Which libraries Wine loads for the stand-in; an empty text is none.
+// Which libraries Wine loads for the stand-in; an empty text is none.
 constexpr wchar_t kLibrariesKey[] = L"Software\\Wine\\AppDefaults\\OutlookHost.exe\\DllOverrides";
 constexpr const wchar_t* kTypeLibraryKeys[] = {
     // The add-in's own, Office's, and that of the add-in interfaces.
@@ -28,7 +28,7 @@ constexpr const wchar_t* kTypeLibraryKeys[] = {
     L"Software\\Classes\\TypeLib\\{AC0714F2-3D04-11D1-AE7D-00A0C90F26F4}",
 };
 
-/// Removes a key in both hives for its lifetime.
+// Removes a key in both hives for its lifetime.
 class CMissingKey
 {
 public:
@@ -44,7 +44,7 @@ private:
     CRegistryTreeGuard m_user;
 };
 
-/// Makes a system library impossible to load in the stand-in Outlook.
+// Makes a system library impossible to load in the stand-in Outlook.
 class CMissingLibrary
 {
 public:
@@ -63,7 +63,7 @@ private:
     CRegistryValue m_path;
 };
 
-/// Faults that are met by a check: the server publishes an offer, and the user says "Later".
+// Faults that are met by a check: the server publishes an offer, and the user says "Later".
 class MachineFaultsTest : public FaultFixture, public testing::WithParamInterface<CheckMode>
 {
 protected:
@@ -82,7 +82,7 @@ protected:
     }
 };
 
-/// Faults that last as long as Outlook runs.
+// Faults that last as long as Outlook runs.
 class MachineStartFaultsTest : public FaultFixture
 {
 protected:
@@ -95,7 +95,7 @@ protected:
         EXPECT_THAT(Observed().left, IsEmpty());
     }
 
-    /// The start-up check makes its offer in spite of the fault.
+    // The start-up check makes its offer in spite of the fault.
     void ExpectOfferAtStart(int number, const std::string& fault)
     {
         Publish(NewerBuild(kInstallerUrl));
@@ -104,7 +104,7 @@ protected:
         EXPECT_THAT(Observed().shown, ElementsAre(kOfferCaption));
     }
 
-    /// Takes the fault away with the object that makes it.
+    // Takes the fault away with the object that makes it.
     template <typename Fault> void MendBy(std::optional<Fault>& fault)
     {
         m_mend = [this, &fault] {

@@ -1,5 +1,3 @@
-// The whole product as its user has it: the built DLL, registered, in the stand-in Outlook, with the scripted
-// server as the user's proxy and the user on a second thread.
 #include "end_to_end/OutlookFixture.h"
 
 #include "end_to_end/Texts.h"
@@ -21,7 +19,7 @@ using testing::Contains;
 constexpr wchar_t kHostWindowClass[] = L"OrvaOutlookHost";
 constexpr char kAddIn[] = "Outlook -> OrvaOscAddin.Connect: ";
 
-/// What registration writes, and the lists of add-ins, so that no other is loaded during a test.
+// What registration writes, and the lists of add-ins, so that no other is loaded during a test.
 constexpr const wchar_t* kRegisteredKeys[] = {
     L"Software\\Microsoft\\Office\\Outlook\\Addins",
     L"Software\\Classes\\OrvaOscAddin.Connect",
@@ -33,7 +31,7 @@ constexpr const wchar_t* kRegisteredKeys[] = {
 
 testing::Environment* const g_installed = testing::AddGlobalTestEnvironment(new CInstalledAddIn);
 
-/// The entries from `first` to `last`, both left out; an end that is not there is the log's end.
+// The entries from `first` to `last`, both left out; an end that is not there is the log's end.
 std::vector<std::string> Between(const std::vector<std::string>& texts, const std::string& first,
                                  const std::vector<std::string>& last)
 {

@@ -97,7 +97,7 @@ private:
 
     CDebugLogOn m_log;
     std::vector<std::unique_ptr<CRegistryValue>> m_languages;
-    // Made before the private temporary folder, so that it lies outside.
+    /// Made before the private temporary folder, so that it lies outside.
     CTempFolder m_folder;
     std::wstring m_tracePath;
     int m_starts = 0;

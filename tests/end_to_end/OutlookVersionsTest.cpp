@@ -28,7 +28,7 @@ class OutlookVersionsTest : public OutlookFixture
 protected:
     OutlookVersionsTest() { Publish(UpdateInfo("1", "2", "0", kInstallerUrl)); }
 
-    /// The traced items of the Help menu.
+    // The traced items of the Help menu.
     std::string HelpMenu() const
     {
         std::string menu = "(none)";
@@ -42,7 +42,7 @@ protected:
         return menu;
     }
 
-    /// Chooses the last item of the Help menu by posted keys.
+    // Chooses the last item of the Help menu by posted keys.
     void ChooseLastHelpItem()
     {
         const HWND window = MainWindow();

@@ -16,12 +16,12 @@ using testing::AnyOf;
 using testing::IsEmpty;
 
 constexpr char kTable[] = "server-faults";
-/// Number of the report's first row about cuts; each mode has its own ten.
+// Number of the report's first row about cuts; each mode has its own ten.
 constexpr int kFirstNumber = 201;
-/// For every byte of a reply.
+// For every byte of a reply.
 constexpr DWORD kDeadline = 15 * 60'000;
 
-/// One outcome and the offsets that led to it.
+// One outcome and the offsets that led to it.
 struct CGroup
 {
     CObservedFault observed;
@@ -31,11 +31,11 @@ struct CGroup
 class ServerCutsTest : public FaultFixture, public testing::WithParamInterface<CheckMode>
 {
 protected:
-    /// The reply offers a newer build, so that a cut that changed a number or a link would show.
+    // The reply offers a newer build, so that a cut that changed a number or a link would show.
     const CHttpReply m_reply{200, NewerBuild(kInstallerUrl)};
     const std::string m_bytes = m_reply.Bytes();
 
-    /// All in the thorough run; otherwise a few of the head and a few of the body.
+    // All in the thorough run; otherwise a few of the head and a few of the body.
     std::vector<size_t> Offsets() const
     {
         const auto step = static_cast<size_t>(Repetitions(37, 1));
@@ -47,7 +47,7 @@ protected:
         return offsets;
     }
 
-    /// The offset from which on all that an offer needs has come.
+    // The offset from which on all that an offer needs has come.
     size_t OfferFrom() const { return m_bytes.find("Better than ever.\"") + sizeof "Better than ever."; }
 
     void Cut(size_t offset)

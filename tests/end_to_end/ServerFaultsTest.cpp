@@ -21,17 +21,17 @@ using testing::Values;
 using testing::ValuesIn;
 
 constexpr char kTable[] = "server-faults";
-/// Numbers of the report's rows: the kinds of faults one after the other, whatever sample of them runs.
+// Numbers of the report's rows: the kinds of faults one after the other, whatever sample of them runs.
 constexpr int kFirstOutOfReach = 1;
 constexpr int kFirstReset = 11;
 constexpr int kFirstReply = 21;
 
-/// A fault whose outcome is either that of no reply or that of a reply without a date.
+// A fault whose outcome is either that of no reply or that of a reply without a date.
 struct CResetFault
 {
     const char* name;
     CServerScript script;
-    /// What the user may read besides, when part of the text had come.
+    // What the user may read besides, when part of the text had come.
     bool hasText = false;
 };
 
@@ -55,7 +55,7 @@ std::vector<CResetFault> ResetFaults()
     };
 }
 
-/// The server cannot be reached.
+// The server cannot be reached.
 class ServerOutOfReachTest : public FaultFixture, public testing::WithParamInterface<CheckMode>
 {
 protected:
@@ -78,8 +78,8 @@ protected:
     }
 };
 
-/// The connection is reset. Whether WinINet meets a reset as an error or as the connection's end is a matter
-/// of luck under Wine.
+// The connection is reset. Whether WinINet meets a reset as an error or as the connection's end is a matter
+// of luck under Wine.
 class ServerResetTest : public FaultFixture,
                         public testing::WithParamInterface<std::tuple<CResetFault, CheckMode>>
 {
@@ -89,7 +89,7 @@ class GzipReportTest : public OutlookFixture
 {
 };
 
-/// A fault with its number in the report.
+// A fault with its number in the report.
 struct CNumberedFault
 {
     int number;
@@ -130,7 +130,7 @@ protected:
         }
     }
 
-    /// Runs the fault; the log ends with the exception, if there is one, which `caller` has caught.
+    // Runs the fault; the log ends with the exception, if there is one, which `caller` has caught.
     void ExpectFault(CheckMode mode, const Texts& shown, const char* caller)
     {
         const CFault& fault = GetParam().fault;

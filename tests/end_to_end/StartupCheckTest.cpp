@@ -21,7 +21,7 @@ using testing::Not;
 class StartupCheckTest : public OutlookFixture
 {
 protected:
-    /// Waits for the installer's window, as its user, closes it and waits for its end.
+    // Waits for the installer's window, as its user, closes it and waits for its end.
     void CloseInstaller()
     {
         const HWND window = WaitForWindow({.process = 0, .className = L"OrvaDemoInstaller"});

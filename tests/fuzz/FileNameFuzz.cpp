@@ -3,7 +3,6 @@
 // Names that are accepted are judged once more, by rules written down in another way: by what Windows does to
 // a name on the way to a file.
 #include "Fuzz.h"
-
 #include "ui/FileName.h"
 
 #include <algorithm>
@@ -17,7 +16,9 @@ std::wstring Upper(std::wstring text)
     for (wchar_t& unit : text)
     {
         if (unit >= L'a' && unit <= L'z')
+        {
             unit = static_cast<wchar_t>(unit - L'a' + L'A');
+        }
     }
     return text;
 }
@@ -38,7 +39,9 @@ std::vector<std::wstring> Devices()
 std::wstring WithoutTail(std::wstring name)
 {
     while (!name.empty() && (name.back() == L'.' || name.back() == L' '))
+    {
         name.pop_back();
+    }
     return name;
 }
 
@@ -48,7 +51,9 @@ bool IsDevice(const std::wstring& name)
     const std::wstring upper = Upper(name);
     return std::ranges::any_of(devices, [&](const std::wstring& device) {
         if (!upper.starts_with(device))
+        {
             return false;
+        }
         // Blanks and then nothing or an extension.
         const std::size_t after = upper.find_first_not_of(L' ', device.size());
         return after == std::wstring::npos || upper[after] == L'.';
@@ -68,11 +73,15 @@ std::vector<std::wstring> Resolve(const std::wstring& name)
         if (part == L"..")
         {
             if (!parts.empty())
+            {
                 parts.pop_back();
+            }
             continue;
         }
         if (!WithoutTail(part).empty())
+        {
             parts.push_back(WithoutTail(part));
+        }
     }
     return parts;
 }
@@ -102,9 +111,13 @@ void Check(const std::wstring& name)
     // Of exactly this size, without an end: it need not be zero-terminated.
     const std::vector<wchar_t> exact(name.begin(), name.end());
     if (IsPlainFileName(std::wstring_view(exact.data(), exact.size())))
+    {
         CheckAccepted(name);
+    }
     else
+    {
         CheckRefused(name);
+    }
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-// The entry point that libFuzzer calls with each input. What it returns is of no use here: always 0.
+/// The entry point that libFuzzer calls with each input. What it returns is of no use here: always 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace orva::fuzz
@@ -20,19 +20,19 @@ namespace orva::fuzz
     std::abort();
 }
 
-// The bytes of an input as a text of bytes.
+/// The bytes of an input as a text of bytes.
 inline std::string Bytes(const std::uint8_t* data, std::size_t size)
 {
     return std::string(reinterpret_cast<const char*>(data), size);
 }
 
-// An input as the text of 16-bit units that Windows would hand over.
-//
-// Read as UTF-8, so that seeds and findings are readable; three bytes may also stand for a lone surrogate,
-// and a byte that belongs to no sequence becomes U+DC00 plus its value, so that every sequence of units has
-// an input. wchar_t has 32 bits here and 16 on Windows. The compiler's -fshort-wchar would make them alike,
-// but not the C and C++ libraries, whose wide functions and whose std::wstring are compiled for 32 bits:
-// hence wide characters of which only the lower 16 bits are used.
+/// An input as the text of 16-bit units that Windows would hand over.
+///
+/// Read as UTF-8, so that seeds and findings are readable; three bytes may also stand for a lone surrogate,
+/// and a byte that belongs to no sequence becomes U+DC00 plus its value, so that every sequence of units has
+/// an input. wchar_t has 32 bits here and 16 on Windows. The compiler's -fshort-wchar would make them alike,
+/// but not the C and C++ libraries, whose wide functions and whose std::wstring are compiled for 32 bits:
+/// hence wide characters of which only the lower 16 bits are used.
 inline std::wstring Units(std::string_view bytes)
 {
     std::wstring units;

@@ -3,7 +3,6 @@
 // An input that starts with 'P' is plain: a length in its next three bytes, then what is repeated to that
 // length, compressed and decoded. Any other input is decoded as it is.
 #include "Fuzz.h"
-
 #include "support/GzipDecoder.h"
 
 #include <sanitizer/asan_interface.h>
@@ -75,9 +74,13 @@ Decoded Expected(const std::string& body)
     const bool fits = stream.avail_out > 0;
     inflateEnd(&stream);
     if (!fits)
+    {
         return {Z_DATA_ERROR, std::string(output.data(), length)};
+    }
     if (result == Z_NEED_DICT || result == Z_DATA_ERROR)
+    {
         return {Z_DATA_ERROR, std::string()};
+    }
     return {result == Z_STREAM_END ? Z_OK : Z_DATA_ERROR, std::string(output.data(), length)};
 }
 
@@ -105,12 +108,16 @@ void CheckPlain(const std::uint8_t* data, std::size_t size)
     constexpr std::size_t kHeader = 4;
     constexpr std::size_t kPlainLengths = std::size_t{2} * kMaximumDecodedLength;
     if (size <= kHeader)
+    {
         return;
+    }
     const std::size_t length =
         (data[1] | data[2] << 8U | static_cast<std::size_t>(data[3]) << 16U) % kPlainLengths;
     std::string text(reinterpret_cast<const char*>(data) + kHeader, size - kHeader);
     while (text.size() < length)
+    {
         text += text;
+    }
     text.resize(length);
     const Decoded decoded = Decode(Compress(text, length % 2 == 0));
     ORVA_PROPERTY(decoded.bytes == text.substr(0, kMaximumDecodedLength));

@@ -1,6 +1,5 @@
 // Fuzzes the reading of an HTTP response's Date header.
 #include "Fuzz.h"
-
 #include "support/TimeUtilities.h"
 
 #include <algorithm>
@@ -58,7 +57,9 @@ void CheckFields(const struct tm& date)
 {
     // Still unknown: the date is beyond what can be normalised, and its fields are as they were read.
     if (date.tm_isdst < 0)
+    {
         return;
+    }
     ORVA_PROPERTY(date.tm_mon >= 0 && date.tm_mon <= 11);
     ORVA_PROPERTY(date.tm_mday >= 1 && date.tm_mday <= 31);
     ORVA_PROPERTY(date.tm_hour >= 0 && date.tm_hour <= 23);
@@ -99,16 +100,22 @@ void CheckProperDate(const std::string& text, const struct tm& date)
         for (const char c : text.substr(at, length))
         {
             if (c < '0' || c > '9')
+            {
                 return -1;
+            }
             value = 10 * value + (c - '0');
         }
         return value;
     };
     if (text.size() != kLength || text.substr(3, 2) != ", " || text.find_first_of(" :") != 4)
+    {
         return;
+    }
     std::string separators;
     for (const std::size_t at : {4U, 7U, 11U, 16U, 19U, 22U, 25U})
+    {
         separators += text[at];
+    }
     const auto* const month = std::ranges::find(kMonths, text.substr(8, 3));
     const int day = number(5, 2);
     const int year = number(12, 4);
@@ -134,7 +141,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     SetZone(g_summerTime);
     if (IsReadable(text, date))
+    {
         CheckFields(date);
+    }
 
     SetZone(g_utc);
     const bool isReadable = IsReadable(text, date);

@@ -1,6 +1,5 @@
 // Fuzzes the JSON reader, with the lookups that the update check makes in what it read.
 #include "Fuzz.h"
-
 #include "platform/JsonDump.h"
 #include "support/JsonUtilities.h"
 
@@ -33,13 +32,17 @@ template <class Value> int Depth(const Value& value)
     if (value.type() == json_spirit::obj_type)
     {
         for (const auto& [name, member] : value.get_obj())
+        {
             deepest = std::max(deepest, Depth(member));
+        }
         return deepest + 1;
     }
     if (value.type() == json_spirit::array_type)
     {
         for (const auto& element : value.get_array())
+        {
             deepest = std::max(deepest, Depth(element));
+        }
         return deepest + 1;
     }
     return 0;
@@ -56,7 +59,9 @@ template <class String> String PrintText(const String& text)
     for (const auto unit : text)
     {
         if (unit == '"' || unit == '\\')
+        {
             printed += static_cast<typename String::value_type>('\\');
+        }
         printed += unit;
     }
     return printed + Ascii<String>("\"");
@@ -67,7 +72,9 @@ std::string PrintReal(double real)
     // What has no JSON text, or none that is read exactly, is printed as some other real.
     const double magnitude = std::fabs(real);
     if (!(magnitude >= kSmallestComparedReal && magnitude <= kLargestComparedReal))
+    {
         real = 1;
+    }
     constexpr int kDigits = 17;
     std::array<char, 64> text{};
     const auto end =
@@ -90,7 +97,9 @@ template <class Value> typename Value::String_type Print(const Value& value)
         return Ascii<String>("{") + list + Ascii<String>("}");
     case json_spirit::array_type:
         for (const auto& element : value.get_array())
+        {
             list += (list.empty() ? String() : Ascii<String>(",")) + Print(element);
+        }
         return Ascii<String>("[") + list + Ascii<String>("]");
     case json_spirit::str_type:
         return PrintText(value.get_str());
@@ -117,7 +126,9 @@ bool IsSameReal(double left, double right)
 template <class Value> bool IsSame(const Value& left, const Value& right)
 {
     if (left.type() != right.type())
+    {
         return false;
+    }
     switch (left.type())
     {
     case json_spirit::obj_type:

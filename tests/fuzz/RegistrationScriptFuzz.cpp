@@ -1,6 +1,5 @@
 // Fuzzes the reading of registration scripts, and walks what was read as the registry's writer does.
 #include "Fuzz.h"
-
 #include "platform/atl/RegistrationScript.h"
 
 #include <algorithm>
@@ -61,7 +60,9 @@ void Walk(const std::vector<CRegistrationStep>& steps)
             if (const auto* parts = std::get_if<std::vector<std::wstring>>(&step.data))
             {
                 for (const std::wstring& part : *parts)
+                {
                     ORVA_PROPERTY(!part.empty() && part.find(L"\\0") == std::wstring::npos);
+                }
             }
             break;
         case Kind::DeleteKey:
@@ -78,13 +79,21 @@ std::wstring Quote(const std::wstring& text)
     for (const wchar_t unit : text)
     {
         if (unit == L'\'')
+        {
             quoted += L"''";
+        }
         else if (unit == L'%')
+        {
             quoted += L"%%";
+        }
         else if (unit == L'\0')
+        {
             quoted += L"%ZERO%";
+        }
         else
+        {
             quoted += unit;
+        }
     }
     return quoted + L"'";
 }
@@ -114,9 +123,13 @@ const wchar_t* HiveName(RegistrationHive hive)
 std::wstring PrintData(const ATL::RegistrationData& data)
 {
     if (const auto* text = std::get_if<std::wstring>(&data))
+    {
         return L"s " + Quote(*text);
+    }
     if (const auto* number = std::get_if<std::uint32_t>(&data))
+    {
         return L"d " + std::to_wstring(*number);
+    }
     if (const auto* bytes = std::get_if<std::vector<std::uint8_t>>(&data))
     {
         constexpr wchar_t kDigits[] = L"0123456789abcdef";
@@ -130,7 +143,9 @@ std::wstring PrintData(const ATL::RegistrationData& data)
     }
     std::wstring joined;
     for (const std::wstring& part : std::get<std::vector<std::wstring>>(data))
+    {
         joined += part + L"\\0";
+    }
     return L"m " + Quote(joined);
 }
 
@@ -188,11 +203,17 @@ bool IsPrintable(const std::vector<CRegistrationStep>& steps)
     for (const CRegistrationStep& step : steps)
     {
         if (step.kind == Kind::EnterHive || step.kind == Kind::EnterKey)
+        {
             ++depth;
+        }
         else if (step.kind == Kind::Leave)
+        {
             --depth;
+        }
         else if (depth > kMaxRegistrationDepth + 1)
+        {
             return false;
+        }
     }
     return true;
 }

@@ -3,7 +3,6 @@
 // An input's first byte is the index that is looked for. The rest is the block, as damaged as it may be, and
 // then the texts, a line each, of a block that is put together as a resource compiler does it.
 #include "Fuzz.h"
-
 #include "ui/StringBlock.h"
 
 #include <algorithm>
@@ -35,7 +34,9 @@ std::u16string Expected(const std::u16string& units, unsigned index)
     {
         const std::size_t length = units[at];
         if (entry == index)
+        {
             return length <= units.size() - at - 1 ? units.substr(at + 1, length) : std::u16string();
+        }
         at += 1 + length;
     }
     return {};
@@ -45,11 +46,15 @@ void CheckDamaged(const std::vector<unsigned char>& block, unsigned index)
 {
     std::u16string units;
     for (std::size_t at = 0; at + 1 < block.size(); at += 2)
+    {
         units += static_cast<char16_t>(block[at] | block[at + 1] << 8);
+    }
     const Bytes exact = Exactly(block);
     ORVA_PROPERTY(FindStringInBlock(exact.get(), block.size(), index) == Expected(units, index));
     for (unsigned entry = 0; entry <= kEntries; ++entry)
+    {
         ORVA_PROPERTY(FindStringInBlock(exact.get(), block.size(), entry) == Expected(units, entry));
+    }
 }
 
 void CheckProper(const std::wstring& lines)
@@ -58,9 +63,13 @@ void CheckProper(const std::wstring& lines)
     for (const wchar_t unit : lines)
     {
         if (unit != L'\n')
+        {
             entries.back() += static_cast<char16_t>(unit);
+        }
         else if (entries.size() < kEntries)
+        {
             entries.emplace_back();
+        }
     }
     entries.resize(kEntries);
     std::vector<unsigned char> block;
@@ -76,7 +85,9 @@ void CheckProper(const std::wstring& lines)
     }
     const Bytes exact = Exactly(block);
     for (unsigned index = 0; index < kEntries; ++index)
+    {
         ORVA_PROPERTY(FindStringInBlock(exact.get(), block.size(), index) == entries[index].substr(1));
+    }
     ORVA_PROPERTY(FindStringInBlock(exact.get(), block.size(), kEntries).empty());
 }
 
@@ -85,7 +96,9 @@ void CheckProper(const std::wstring& lines)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     if (size == 0)
+    {
         return 0;
+    }
     const unsigned index = data[0];
     const std::vector<unsigned char> block(data + 1, data + size);
     CheckDamaged(block, index);

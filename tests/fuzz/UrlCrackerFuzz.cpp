@@ -3,7 +3,6 @@
 // The system's part is played here: a plain URL splitter that uses every liberty the seam leaves it. It fills
 // the buffers to their last character, writes no end, and leaves rubbish in them when it refuses.
 #include "Fuzz.h"
-
 #include "support/TextUtilities.h"
 #include "support/UrlCracker.h"
 #include "support/UrlSystem.h"
@@ -28,9 +27,13 @@ SystemParts g_system;
 int HexDigit(wchar_t c)
 {
     if (c >= L'0' && c <= L'9')
+    {
         return static_cast<int>(c - L'0');
+    }
     if (c >= L'a' && c <= L'f')
+    {
         return static_cast<int>(c - L'a') + 10;
+    }
     return c >= L'A' && c <= L'F' ? static_cast<int>(c - L'A') + 10 : -1;
 }
 
@@ -59,7 +62,9 @@ std::string LowBytes(const std::wstring& text)
 {
     std::string bytes;
     for (const wchar_t unit : text.substr(0, text.find(L'\0')))
+    {
         bytes += static_cast<char>(static_cast<unsigned char>(unit & 0xFF));
+    }
     return bytes;
 }
 
@@ -108,7 +113,9 @@ void CheckReplacing(const std::wstring& text)
     const std::size_t first = text.find(L'\n');
     const std::size_t second = first != std::wstring::npos ? text.find(L'\n', first + 1) : first;
     if (second == std::wstring::npos)
+    {
         return;
+    }
     const std::wstring what = text.substr(0, first);
     const std::wstring with = text.substr(first + 1, second - first - 1);
     std::wstring replaced = text.substr(second + 1);
@@ -162,24 +169,32 @@ bool SystemCrackUrl(const std::wstring& url, wchar_t* host, wchar_t* path, int& 
 
     const std::size_t schemeEnd = url.find(L"://");
     if (schemeEnd == std::wstring::npos)
+    {
         return false;
+    }
     const std::size_t hostStart = schemeEnd + 3;
     const std::size_t hostEnd = std::min(url.find_first_of(L":/?", hostStart), url.size());
     const std::size_t pathStart = std::min(url.find_first_of(L"/?", hostStart), url.size());
     g_system.host = DecodeEscapes(url.substr(hostStart, hostEnd - hostStart));
     g_system.path = DecodeEscapes(url.substr(pathStart));
     if (g_system.host.size() > kUrlPartCapacity || g_system.path.size() > kUrlPartCapacity)
+    {
         return false;
+    }
     // With an end where there is room for one.
     const auto write = [](const std::wstring& part, wchar_t* buffer) {
         std::copy(part.begin(), part.end(), buffer);
         if (part.size() < kUrlPartCapacity)
+        {
             buffer[part.size()] = L'\0';
+        }
     };
     write(g_system.host, host);
     write(g_system.path, path);
     for (std::size_t at = hostEnd; at < pathStart; ++at)
+    {
         g_system.port = static_cast<std::uint16_t>(10 * g_system.port + (url[at] & 15));
+    }
     g_system.scheme = static_cast<int>(schemeEnd);
     port = g_system.port;
     scheme = g_system.scheme;

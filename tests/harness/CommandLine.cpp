@@ -1,4 +1,3 @@
-// What a program is started with, as CreateProcess takes it.
 #include "harness/CommandLine.h"
 
 #include <windows.h>

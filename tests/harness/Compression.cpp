@@ -1,4 +1,3 @@
-// Compressed bodies for the scripted server: whole ones, and ones that break off.
 #include "harness/Compression.h"
 
 #include <zlib.h>
@@ -11,7 +10,7 @@ namespace orva::test
 namespace
 {
 
-/// Window bits of a 15-bit window in zlib form; 16 more make it gzip.
+// Window bits of a 15-bit window in zlib form; 16 more make it gzip.
 constexpr int kZlibWindow = 15;
 constexpr int kGzipWindow = kZlibWindow + 16;
 

@@ -1,4 +1,3 @@
-// Collects what this process gives to OutputDebugString.
 #include "harness/DebugOutput.h"
 
 #include <windows.h>
@@ -11,7 +10,7 @@ namespace orva::test
 namespace
 {
 
-/// Exception codes by which OutputDebugStringA and OutputDebugStringW tell a debugger.
+// Exception codes by which OutputDebugStringA and OutputDebugStringW tell a debugger.
 constexpr DWORD kPrintNarrow = 0x40010006;
 
 struct Collected

@@ -1,9 +1,8 @@
-// Ports of the loopback interface at which nobody answers.
 
 // Before anything that includes windows.h, which brings the old sockets otherwise.
-#include <winsock2.h>
-
 #include "harness/FaultyPorts.h"
+
+#include <winsock2.h>
 
 #include <stdexcept>
 #include <string>
@@ -28,8 +27,8 @@ struct SocketLibrary
 
 } // namespace
 
-/// Keeps a socket from programs that are started meanwhile: they would hold the port, or the connection,
-/// open.
+// Keeps a socket from programs that are started meanwhile: they would hold the port, or the connection,
+// open.
 void KeepSocketToThisProcess(unsigned long long socket)
 {
     SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);

@@ -1,4 +1,3 @@
-// Files as tests see them: bytes, listings, and the programs that the build left beside the test program.
 #include "harness/Files.h"
 
 #include "harness/Text.h"

@@ -1,4 +1,3 @@
-// A request as the scripted server received it.
 #include "harness/HttpRecord.h"
 
 #include "harness/Text.h"

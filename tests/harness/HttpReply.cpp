@@ -1,4 +1,3 @@
-// Builds the bytes of an HTTP response, well-formed by default, with every part open to change.
 #include "harness/HttpReply.h"
 
 #include <strings.h>
@@ -44,10 +43,8 @@ std::string ReasonOf(int status)
 } // namespace
 
 CHttpReply::CHttpReply(int status, std::string body)
-    : m_status(status), m_reason(ReasonOf(status)),
-      m_body(std::move(body)), m_headers{{"Date", kReplyDate},
-                                         {"Content-Type", "text/plain"},
-                                         {"Connection", "close"}}
+    : m_status(status), m_reason(ReasonOf(status)), m_body(std::move(body)),
+      m_headers{{"Date", kReplyDate}, {"Content-Type", "text/plain"}, {"Connection", "close"}}
 {
 }
 

@@ -1,4 +1,3 @@
-// Puts a function of the test's own in the place of one that a module imports.
 #include "harness/ImportHook.h"
 
 #include <cstring>

@@ -1,4 +1,3 @@
-// The handles that a new program inherits.
 #include "harness/InheritedHandles.h"
 
 #include <stdexcept>

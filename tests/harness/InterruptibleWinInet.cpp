@@ -1,10 +1,8 @@
-// Gives WinINet's documented answer to a handle that is closed under a waiting call, where Wine 8 does not.
-// Before anything that includes windows.h, which brings the old sockets otherwise.
-#include <winsock2.h>
-
 #include "harness/InterruptibleWinInet.h"
 
 #include "harness/PendingCalls.h"
+
+#include <winsock2.h>
 
 namespace orva::test
 {
@@ -14,7 +12,7 @@ namespace
 // A call that is no longer waiting for its socket leaves within this time, in milliseconds.
 constexpr ULONGLONG kLeaveTime = 2000;
 
-/// The socket that this thread has told not to wait; WinINet looks that way whether there is more.
+// The socket that this thread has told not to wait; WinINet looks that way whether there is more.
 thread_local SOCKET t_notWaiting = INVALID_SOCKET;
 
 timeval Slice()
@@ -40,8 +38,8 @@ struct CInterruptibleWinInet::Hooks
                                    DWORD optionalLength);
     static BOOL WINAPI ReadFile(HINTERNET file, LPVOID buffer, DWORD size, LPDWORD read);
     static BOOL WINAPI CloseInternetHandle(HINTERNET handle);
-    /// What the module gets for a handle made in this call. One that came too late is closed at once, before
-    /// its parent is: WinINet would give its number to somebody else's.
+    // What the module gets for a handle made in this call. One that came too late is closed at once, before
+    // its parent is: WinINet would give its number to somebody else's.
     static HINTERNET Give(const CPendingCall& call, HINTERNET real);
     static int WINAPI Control(SOCKET socket, long command, u_long* argument);
     static int WINAPI Receive(SOCKET socket, char* buffer, int size, int flags);

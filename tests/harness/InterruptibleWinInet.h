@@ -4,7 +4,6 @@
 #include "harness/ImportHook.h"
 
 #include <windows.h>
-
 #include <wininet.h>
 
 #include <memory>

@@ -1,4 +1,3 @@
-// The add-in's log file: where it is, what it says, and the registry switch that turns it on.
 #include "harness/LogFile.h"
 
 #include "harness/Files.h"
@@ -16,7 +15,7 @@ namespace
 
 constexpr wchar_t kLogName[] = L"logfile_OrvaAddIn.txt";
 
-/// Whether a text has the form of a time stamp: digits where the pattern has a "0".
+// Whether a text has the form of a time stamp: digits where the pattern has a "0".
 bool IsTime(std::string_view text)
 {
     constexpr std::string_view kPattern = "0000-00-00 00:00:00";

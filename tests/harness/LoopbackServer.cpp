@@ -1,11 +1,9 @@
-// A scripted HTTP server on 127.0.0.1 inside the test process; it also plays the proxy of WinINet.
-// Before anything that includes windows.h, which brings the old sockets otherwise.
-#include <winsock2.h>
-
 #include "harness/LoopbackServer.h"
+
 #include "harness/ServerConnection.h"
 #include "harness/Text.h"
 
+#include <winsock2.h>
 #include <process.h>
 
 #include <algorithm>
@@ -20,13 +18,13 @@ namespace orva::test
 namespace
 {
 
-/// How long a wait relies on Wine to tell of a new connection, which it misses now and then when many sockets
-/// are busy, in milliseconds.
+// How long a wait relies on Wine to tell of a new connection, which it misses now and then when many sockets
+// are busy, in milliseconds.
 constexpr DWORD kLookAgain = 250;
 
 } // namespace
 
-/// The server's state, its accepting thread and one thread a connection.
+// The server's state, its accepting thread and one thread a connection.
 class CLoopbackServer::Impl
 {
 public:
@@ -74,7 +72,7 @@ public:
     size_t openConnections = 0;
 
 private:
-    /// What a connection's thread is started with.
+    // What a connection's thread is started with.
     struct Start
     {
         Impl* server;

@@ -1,4 +1,3 @@
-// Tells a slow product from a machine that stood still while the product was measured.
 #include "harness/MachineWitness.h"
 
 #include "harness/Waiting.h"

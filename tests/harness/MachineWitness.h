@@ -60,7 +60,7 @@ private:
     std::vector<HeldUp> m_heldUp;
     Clock::time_point m_turnStart = Clock::now();
     std::atomic<bool> m_stop = false;
-    // The last member: the thread uses the others from its start.
+    /// The last member: the thread uses the others from its start.
     std::thread m_thread;
 };
 

@@ -2,12 +2,13 @@
 #include "harness/Watchdog.h"
 
 #include <gmock/gmock.h>
+
 #include <objbase.h>
 
 namespace
 {
 
-/// Makes the file by which tools/run-test knows that the program has come as far as here.
+// Makes the file by which tools/run-test knows that the program has come as far as here.
 void NoteStart()
 {
     wchar_t path[MAX_PATH];

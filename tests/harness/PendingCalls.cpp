@@ -1,4 +1,3 @@
-// The WinINet handles that a module under test holds, and its calls that are pending on them.
 #include "harness/PendingCalls.h"
 
 #include <algorithm>
@@ -10,7 +9,7 @@ namespace orva::test
 namespace
 {
 
-/// What stands behind a handle that the module got.
+// What stands behind a handle that the module got.
 struct Behind
 {
     HINTERNET real;

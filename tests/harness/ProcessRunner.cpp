@@ -1,4 +1,3 @@
-// Starts Windows programs with captured output, a deadline and, if asked for, their debugger output.
 #include "harness/ProcessRunner.h"
 
 #include "harness/CommandLine.h"
@@ -16,15 +15,15 @@ namespace orva::test
 namespace
 {
 
-/// Exit code of a program that End has ended.
+// Exit code of a program that End has ended.
 constexpr UINT kEndedCode = 0xE0D0;
-/// How often the debugger looks whether its program still runs, in milliseconds.
+// How often the debugger looks whether its program still runs, in milliseconds.
 constexpr DWORD kDebugInterval = 50;
 
 constexpr int kStartAttempts = 3;
 
-/// A job that every program started here belongs to, and every program that these start. The system ends them
-/// all when this process is gone, however it ended: nothing may wait for a person then.
+// A job that every program started here belongs to, and every program that these start. The system ends them
+// all when this process is gone, however it ended: nothing may wait for a person then.
 HANDLE TheJob()
 {
     static const HANDLE job = [] {
@@ -39,8 +38,8 @@ HANDLE TheJob()
 
 } // namespace
 
-/// The process, a thread that reads its output and, under a debugger, a thread that started it and hears its
-/// events.
+// The process, a thread that reads its output and, under a debugger, a thread that started it and hears its
+// events.
 class CChildProcess::Impl
 {
 public:

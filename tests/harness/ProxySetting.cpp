@@ -1,4 +1,3 @@
-// The user's proxy setting: leads every WinINet request, whatever its host, to a server on loopback.
 #include "harness/ProxySetting.h"
 
 #include <windows.h>

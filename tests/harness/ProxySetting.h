@@ -31,7 +31,7 @@ public:
     CProxySetting& operator=(const CProxySetting&) = delete;
 
 private:
-    // First, so that it is destroyed last: when the values stand as before.
+    /// First, so that it is destroyed last: when the values stand as before.
     CProxyChangeAnnouncer m_announcer;
     CRegistryValue m_enable;
     CRegistryValue m_server;
@@ -48,7 +48,7 @@ public:
     CNoProxy& operator=(const CNoProxy&) = delete;
 
 private:
-    // First, so that it is destroyed last: when the values stand as before.
+    /// First, so that it is destroyed last: when the values stand as before.
     CProxyChangeAnnouncer m_announcer;
     CRegistryValue m_enable;
     CRegistryValue m_autoConfig;

@@ -1,4 +1,3 @@
-// Registry fixtures: what they change they put back, and key trees can be exported as text for comparison.
 #include "harness/Registry.h"
 
 #include "harness/Text.h"
@@ -170,7 +169,7 @@ void Export(std::string& out, const std::wstring& path, const CRegistrySnapshot&
     }
 }
 
-/// The topmost key on the path that does not exist; empty if all exist.
+// The topmost key on the path that does not exist; empty if all exist.
 std::wstring FirstMissingKey(HKEY root, const std::wstring& path)
 {
     for (size_t end = path.find(L'\\');; end = path.find(L'\\', end + 1))

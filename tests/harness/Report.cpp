@@ -1,4 +1,3 @@
-// What a test run measures for its reader: rows of named tables, from which the reports in docs/ are made.
 #include "harness/Report.h"
 
 #include "harness/Text.h"

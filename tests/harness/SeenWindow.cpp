@@ -1,4 +1,3 @@
-// What a user sees of a dialog.
 #include "harness/SeenWindow.h"
 
 #include "harness/Text.h"
@@ -10,7 +9,7 @@ namespace orva::test
 namespace
 {
 
-/// Id of a message box's text.
+// Id of a message box's text.
 constexpr int kBoxTextId = 0xFFFF;
 
 } // namespace

@@ -1,4 +1,3 @@
-// One connection of the scripted server: reads requests and plays scripts.
 #include "harness/ServerConnection.h"
 
 #include <algorithm>
@@ -9,12 +8,12 @@ namespace orva::test
 namespace
 {
 
-/// A request with a longer head than this is taken as it is.
+// A request with a longer head than this is taken as it is.
 constexpr size_t kMaxHead = 1 << 20;
-/// How long a wait relies on Wine to tell of news, which it misses now and then when many sockets are busy,
-/// in milliseconds.
+// How long a wait relies on Wine to tell of news, which it misses now and then when many sockets are busy,
+// in milliseconds.
 constexpr DWORD kLookAgain = 250;
-/// How long a graceful close waits for the client's end, in milliseconds; longer than any client needs.
+// How long a graceful close waits for the client's end, in milliseconds; longer than any client needs.
 constexpr DWORD kLinger = 2'000;
 
 } // namespace

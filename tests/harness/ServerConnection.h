@@ -2,11 +2,11 @@
 #pragma once
 
 // Before anything that includes windows.h, which brings the old sockets otherwise.
-#include <winsock2.h>
-
 #include "harness/HttpRecord.h"
 #include "harness/ServerScript.h"
 #include "harness/Waiting.h"
+
+#include <winsock2.h>
 
 #include <optional>
 #include <string>

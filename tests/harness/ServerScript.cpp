@@ -1,5 +1,3 @@
-// What a scripted server does with a connection: a list of actions, from a plain reply to a reset in
-// mid-byte.
 #include "harness/ServerScript.h"
 
 #include <utility>

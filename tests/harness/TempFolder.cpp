@@ -1,4 +1,3 @@
-// A folder of a test's own that goes with all it holds when the test ends.
 #include "harness/TempFolder.h"
 
 #include "harness/Files.h"

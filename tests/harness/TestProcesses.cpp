@@ -1,4 +1,3 @@
-// A test that is made in several processes of its program at the same time.
 #include "harness/TestProcesses.h"
 
 #include "harness/ProcessRunner.h"
@@ -18,10 +17,10 @@ namespace
 {
 
 constexpr wchar_t kNumberVariable[] = L"ORVA_TEST_PROCESS";
-/// What a told line starts with, among all that a test program writes.
+// What a told line starts with, among all that a test program writes.
 constexpr std::string_view kToldMark = "ORVA_TOLD ";
 
-/// What GoogleTest writes at the end of a program whose one test has passed.
+// What GoogleTest writes at the end of a program whose one test has passed.
 constexpr std::string_view kPassed = "[  PASSED  ] 1 test.";
 
 std::wstring OwnProgram()

@@ -1,4 +1,3 @@
-// Conversions between the wide texts of Windows and the UTF-8 texts that tests print and compare.
 #include "harness/Text.h"
 
 #include <windows.h>

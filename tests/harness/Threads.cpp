@@ -1,4 +1,3 @@
-// The threads of this process.
 #include "harness/Threads.h"
 
 #include "harness/Waiting.h"

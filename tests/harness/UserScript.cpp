@@ -1,10 +1,9 @@
-// Plays the user on a second thread: answers message boxes and dialogs in a stated order while the code under
-// test runs modally.
 #include "harness/UserScript.h"
 
 #include "harness/Text.h"
 
 #include <gtest/gtest.h>
+
 #include <process.h>
 
 #include <algorithm>
@@ -18,11 +17,11 @@ namespace orva::test
 namespace
 {
 
-/// Milliseconds between two looks at the screen.
+// Milliseconds between two looks at the screen.
 constexpr DWORD kLookInterval = 5;
 
-/// Presses a button of a message box. The only one of a box may have another id than it reports: Windows
-/// gives the "OK" of a box without "Cancel" the id of that.
+// Presses a button of a message box. The only one of a box may have another id than it reports: Windows
+// gives the "OK" of a box without "Cancel" the id of that.
 bool PressButton(HWND window, int id)
 {
     if (ClickButton(window, id))
@@ -34,17 +33,17 @@ bool PressButton(HWND window, int id)
 
 } // namespace
 
-/// The steps, the thread that walks them, and what it has seen.
+// The steps, the thread that walks them, and what it has seen.
 class CUserScript::Impl
 {
 public:
     struct Step
     {
-        /// What is awaited, for messages.
+        // What is awaited, for messages.
         std::string what;
-        /// Whether a window that has come up is the expected one; null for a step without a window.
+        // Whether a window that has come up is the expected one; null for a step without a window.
         std::function<bool(const CSeenWindow&)> matches;
-        /// Works the window (null for a step without one). Returns what went wrong, or nothing.
+        // Works the window (null for a step without one). Returns what went wrong, or nothing.
         std::function<std::string(HWND)> act;
     };
 
@@ -90,7 +89,7 @@ private:
 
     std::vector<HWND> Dialogs() const { return FindWindows({.process = process, .className = kDialogClass}); }
 
-    /// A dialog that has come up since the last look, the oldest first (the lowest in the Z order).
+    // A dialog that has come up since the last look, the oldest first (the lowest in the Z order).
     std::optional<CSeenWindow> NextDialog()
     {
         const std::vector<HWND> now = Dialogs();
@@ -227,7 +226,7 @@ private:
     UniqueHandle m_stop;
     UniqueHandle m_finish;
     UniqueHandle m_thread;
-    /// Dialogs on the screen that have been dealt with.
+    // Dialogs on the screen that have been dealt with.
     std::vector<HWND> m_known;
 };
 

@@ -1,5 +1,3 @@
-// Waiting for what another thread or process does: always for a condition and with a deadline, never a fixed
-// time.
 #include "harness/Waiting.h"
 
 #include <stdexcept>
@@ -10,7 +8,7 @@ namespace orva::test
 namespace
 {
 
-/// Milliseconds between two questions.
+// Milliseconds between two questions.
 constexpr DWORD kInterval = 5;
 
 } // namespace

@@ -1,4 +1,3 @@
-// The guard of a test program: ends it, saying which test hung and where, when a test exceeds its deadline.
 #include "harness/Watchdog.h"
 
 #include "harness/WindowDriver.h"
@@ -16,7 +15,7 @@ namespace orva::test
 namespace
 {
 
-/// How often the watchdog looks at the clock, in milliseconds.
+// How often the watchdog looks at the clock, in milliseconds.
 constexpr DWORD kLookInterval = 200;
 
 struct State
@@ -24,7 +23,7 @@ struct State
     std::mutex mutex;
     std::string test = "(between two tests)";
     std::string part;
-    /// Tick count at which the running test is over its time; 0 while none runs.
+    // Tick count at which the running test is over its time; 0 while none runs.
     std::atomic<ULONGLONG> end = 0;
 };
 
@@ -88,7 +87,7 @@ public:
     void OnTestEnd(const testing::TestInfo&) override { TheState().end = 0; }
 };
 
-/// The module an address lies in, as "name+offset".
+// The module an address lies in, as "name+offset".
 std::string DescribeAddress(const void* address)
 {
     HMODULE module = nullptr;

@@ -1,4 +1,3 @@
-// Finds, reads and works windows of this process or another one as a user does.
 #include "harness/WindowDriver.h"
 
 #include "harness/Text.h"
@@ -11,10 +10,10 @@ namespace orva::test
 namespace
 {
 
-/// How long a window may take to answer a question, in milliseconds.
+// How long a window may take to answer a question, in milliseconds.
 constexpr UINT kAnswerTime = 2'000;
 
-/// The result of a message that a hung window does not hold up; absent if there was no answer.
+// The result of a message that a hung window does not hold up; absent if there was no answer.
 std::optional<DWORD_PTR> Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     DWORD_PTR result = 0;
@@ -25,7 +24,7 @@ std::optional<DWORD_PTR> Ask(HWND window, UINT message, WPARAM wParam, LPARAM lP
     return result;
 }
 
-/// The text that the system keeps for a window. Its thread is not asked, so it may be busy.
+// The text that the system keeps for a window. Its thread is not asked, so it may be busy.
 std::wstring KeptText(HWND window)
 {
     std::wstring text(256, L'\0');

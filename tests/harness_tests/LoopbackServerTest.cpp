@@ -1,11 +1,12 @@
 // The scripted server seen by real clients: plain sockets and WinINet.
-#include <winsock2.h>
+#include "harness/LoopbackServer.h"
 
 #include "harness/Compression.h"
-#include "harness/LoopbackServer.h"
 #include "harness/ProxySetting.h"
 
 #include <gmock/gmock.h>
+
+#include <winsock2.h>
 #include <windows.h>
 #include <wininet.h>
 
@@ -19,7 +20,7 @@ namespace
 
 using testing::ElementsAre;
 
-/// A plain TCP client.
+// A plain TCP client.
 class CClient
 {
 public:
@@ -41,7 +42,7 @@ public:
 
     void Send(const std::string& bytes) { send(m_socket, bytes.data(), static_cast<int>(bytes.size()), 0); }
 
-    /// Everything up to the server's end; `error` gets the error that ended it, 0 for an orderly end.
+    // Everything up to the server's end; `error` gets the error that ended it, 0 for an orderly end.
     std::string ReadAll(int& error)
     {
         std::string bytes;
@@ -89,7 +90,7 @@ struct CFetched
     std::string body;
 };
 
-/// Fetches with WinINet and the pre-configured access type, as the product does.
+// Fetches with WinINet and the pre-configured access type, as the product does.
 CFetched Fetch(const std::wstring& url)
 {
     CFetched result;

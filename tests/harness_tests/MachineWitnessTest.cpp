@@ -1,5 +1,6 @@
 // The witness of a machine that stands still: what it holds against the machine, and since when.
 #include "harness/MachineWitness.h"
+
 #include "harness/Waiting.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 // Tests that run in several processes: each has its number, tells its lines, and fails the test when it
 // fails.
 #include "harness/TestProcesses.h"
+
 #include "harness/Waiting.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,6 @@
 // The user on a second thread, against real message boxes.
 #include "harness/UserScript.h"
+
 #include "harness/Watchdog.h"
 
 #include <gmock/gmock.h>
@@ -15,7 +16,7 @@ namespace
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// A window of the test's own that boxes can belong to.
+// A window of the test's own that boxes can belong to.
 class COwner
 {
 public:

@@ -2,9 +2,11 @@
 #include "host/CommandBarControl.h"
 
 #include <Office.h>
+
 #include <gtest/gtest.h>
-#include <olectl.h>
 #include <wrl/client.h>
+
+#include <olectl.h>
 
 namespace
 {
@@ -12,7 +14,7 @@ namespace
 using namespace orva::host;
 using Microsoft::WRL::ComPtr;
 
-/// A subscriber that notes its calls.
+// A subscriber that notes its calls.
 class CSink : public IDispatch
 {
 public:
@@ -25,7 +27,9 @@ public:
                            (m_answersEvents && IsEqualIID(iid, DIID__CommandBarButtonEvents));
         *object = known ? this : nullptr;
         if (known)
+        {
             AddRef();
+        }
         return known ? S_OK : E_NOINTERFACE;
     }
     STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
@@ -42,7 +46,9 @@ public:
         lastCount = parameters->cArgs;
         lastControl = parameters->rgvarg[1].vt == VT_DISPATCH ? parameters->rgvarg[1].pdispVal : nullptr;
         if (cancels)
+        {
             *parameters->rgvarg[0].pboolVal = VARIANT_TRUE;
+        }
         return S_OK;
     }
 

@@ -1,7 +1,6 @@
 // The File view of version 14: what an add-in declares is shown, its callbacks are called, its links are
 // followed.
 #include "HostFixture.h"
-
 #include "harness/Files.h"
 #include "harness/Text.h"
 
@@ -55,7 +54,7 @@ protected:
         ASSERT_TRUE(WaitForTrace("Outlook: start-up complete")) << TraceText();
     }
 
-    /// Waits for a control of the File view; null when it does not come.
+    // Waits for a control of the File view; null when it does not come.
     HWND Control(int id)
     {
         HWND found = nullptr;
@@ -165,7 +164,9 @@ TEST_F(FileViewTest, EnterOnTheFocusedButtonPressesIt)
         ASSERT_TRUE(WaitUntil([&] { return FocusOf(MainWindow()) == Control(id); }))
             << id << " does not have the focus, but " << GetDlgCtrlID(FocusOf(MainWindow()));
         if (id != kButton)
+        {
             PostKey(MainWindow(), VK_TAB);
+        }
     }
     PostKey(MainWindow(), VK_RETURN);
     EXPECT_TRUE(WaitForTrace("Outlook -> OrvaHostTest.FakeAddIn: Invoke 102 Press(go) = 0x00000000"))

@@ -1,4 +1,3 @@
-// Registering the fake add-in, starting and ending the host.
 #include "HostFixture.h"
 
 #include "harness/Files.h"
@@ -40,7 +39,9 @@ HostFixture::~HostFixture()
 {
     m_host.reset();
     while (!m_values.empty())
+    {
         m_values.pop_back();
+    }
 }
 
 void HostFixture::SetLoadBehavior(DWORD value)
@@ -96,7 +97,9 @@ std::vector<std::string> HostFixture::Trace() const
     static const std::regex duration(", [0-9]+ ms");
     std::vector<std::string> lines = SplitLines(ReadFileBytes(m_tracePath).value_or(""));
     for (std::string& line : lines)
+    {
         line = std::regex_replace(std::regex_replace(line, time, ""), duration, "");
+    }
     return lines;
 }
 
@@ -123,7 +126,9 @@ std::string HostFixture::TraceText() const
 {
     std::string text;
     for (const std::string& line : Trace())
+    {
         text += line + "\n";
+    }
     return text;
 }
 

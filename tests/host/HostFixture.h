@@ -7,6 +7,7 @@
 #include "harness/WindowDriver.h"
 
 #include <gtest/gtest.h>
+
 #include <windows.h>
 
 #include <map>

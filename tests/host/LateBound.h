@@ -1,11 +1,11 @@
 // Calls by name, as an add-in makes them: look the name up, then Invoke.
 #pragma once
 
-#include <windows.h>
+#include <wrl/client.h>
 
+#include <windows.h>
 #include <comdef.h>
 #include <oaidl.h>
-#include <wrl/client.h>
 
 #include <initializer_list>
 #include <string>
@@ -23,7 +23,9 @@ inline HRESULT CallByName(IDispatch* object, const wchar_t* name, WORD flags,
     DISPID id = DISPID_UNKNOWN;
     const HRESULT found = object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id);
     if (FAILED(found))
+    {
         return found;
+    }
     std::vector<VARIANT> reversed(std::rbegin(arguments), std::rend(arguments));
     DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
     DISPID put = DISPID_PROPERTYPUT;
@@ -52,7 +54,9 @@ inline Microsoft::WRL::ComPtr<IDispatch> ObjectByName(IDispatch* object, const w
 {
     _variant_t result;
     if (object == nullptr || FAILED(CallByName(object, name, flags, {}, result)) || result.vt != VT_DISPATCH)
+    {
         return nullptr;
+    }
     return result.pdispVal;
 }
 

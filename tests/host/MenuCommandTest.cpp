@@ -1,6 +1,5 @@
 // A command that an add-in puts into the menu: shown, chosen, answered and gone at the next start.
 #include "HostFixture.h"
-
 #include "harness/Text.h"
 
 #include <gmock/gmock.h>
@@ -30,8 +29,8 @@ protected:
         ASSERT_TRUE(WaitForTrace("Outlook: start-up complete")) << TraceText();
     }
 
-    /// Chooses the last item of a menu by the keyboard: opens the menu by its letter, goes up to the end,
-    /// presses Enter. The keys are posted, so it does not matter which window the desktop has in front.
+    // Chooses the last item of a menu by the keyboard: opens the menu by its letter, goes up to the end,
+    // presses Enter. The keys are posted, so it does not matter which window the desktop has in front.
     void ChooseLastItem(wchar_t letter)
     {
         const HWND window = MainWindow();

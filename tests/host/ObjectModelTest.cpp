@@ -1,10 +1,10 @@
 // Outlook's objects as an add-in calls them: by interface id, then by name.
+#include "LateBound.h"
 #include "host/MenuView.h"
 #include "host/OutlookObjects.h"
 
-#include "LateBound.h"
-
 #include <OfficeObjects.h>
+
 #include <gtest/gtest.h>
 
 namespace
@@ -143,7 +143,9 @@ TEST_F(ObjectModelTest, MenuBarHoldsSevenMenusAndHelpIsTheLast)
     ASSERT_EQ(Number(controls.Get(), L"Count"), 7);
     const wchar_t* captions[] = {L"&File", L"&Edit", L"&View", L"&Go", L"&Tools", L"&Actions", L"&Help"};
     for (long index = 1; index <= 7; ++index)
+    {
         EXPECT_EQ(Text(Item(controls.Get(), index).Get(), L"Caption"), captions[index - 1]);
+    }
 }
 
 TEST_F(ObjectModelTest, ItemCountsFromOneToCount)

@@ -1,13 +1,14 @@
 // Office's type libraries on a machine without Office.
 #include "HostFixture.h"
-
 #include "harness/Files.h"
 
 #include <AddInDesignerObjects.h>
 #include <Office.h>
+
 #include <gtest/gtest.h>
-#include <oleauto.h>
 #include <wrl/client.h>
+
+#include <oleauto.h>
 
 namespace
 {
@@ -41,7 +42,7 @@ protected:
     CRegistryTreeGuard m_userOffice{HKEY_CURRENT_USER, kOffice};
 };
 
-/// The dispatch id that a library gives to a method of one of its interfaces, or DISPID_UNKNOWN.
+// The dispatch id that a library gives to a method of one of its interfaces, or DISPID_UNKNOWN.
 MEMBERID FindMember(const GUID& library, WORD major, WORD minor, const IID& id, const wchar_t* name)
 {
     ComPtr<ITypeLib> loaded;
@@ -50,7 +51,9 @@ MEMBERID FindMember(const GUID& library, WORD major, WORD minor, const IID& id, 
     LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
     if (SUCCEEDED(LoadRegTypeLib(library, major, minor, 0, &loaded)) &&
         SUCCEEDED(loaded->GetTypeInfoOfGuid(id, &information)))
+    {
         information->GetIDsOfNames(names, 1, &member);
+    }
     return member;
 }
 
@@ -71,8 +74,10 @@ TEST_F(TypeLibrariesTest, GiveTheMembersTheirDispatchIds)
     const wchar_t* lifeCycle[] = {L"OnConnection", L"OnDisconnection", L"OnAddInsUpdate",
                                   L"OnStartupComplete", L"OnBeginShutdown"};
     for (MEMBERID id = 1; id <= 5; ++id)
+    {
         EXPECT_EQ(FindMember(LIBID_AddInDesignerObjects, 1, 0, IID__IDTExtensibility2, lifeCycle[id - 1]),
                   id);
+    }
     EXPECT_EQ(FindMember(LIBID_Office, 2, 4, IID_IRibbonExtensibility, L"GetCustomUI"), 1);
     EXPECT_EQ(FindMember(LIBID_Office, 2, 4, IID_IRibbonControl, L"Id"), 1);
     EXPECT_EQ(FindMember(LIBID_Office, 2, 4, IID_IRibbonControl, L"Context"), 2);

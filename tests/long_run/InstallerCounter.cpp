@@ -1,4 +1,3 @@
-// Counts a module's starts of programs instead of letting them happen.
 #include "long_run/InstallerCounter.h"
 
 namespace orva::test

@@ -1,4 +1,3 @@
-// The GDI objects that a module makes and does not delete.
 #include "long_run/KeptObjects.h"
 
 #include <algorithm>

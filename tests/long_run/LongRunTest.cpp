@@ -52,7 +52,7 @@ protected:
         }
     }
 
-    /// Loads the DLL and makes and connects an object.
+    // Loads the DLL and makes and connects an object.
     void Load(int mode = ext_cm_AfterStartup)
     {
         m_module = std::make_unique<CAddInModule>();
@@ -93,7 +93,7 @@ protected:
         EXPECT_EQ(callback->ButtonClicked(nullptr), S_OK);
     }
 
-    /// What a part of the test has left.
+    // What a part of the test has left.
     struct Left
     {
         CProcessFigures before;
@@ -101,12 +101,12 @@ protected:
         long long brushes = 0;
         long long brushesMade = 0;
         long long fonts = 0;
-        /// What the DLL itself has taken of the heap and not given back, once it is watched.
+        // What the DLL itself has taken of the heap and not given back, once it is watched.
         long long ownBytes = 0;
         CProcessFigures Growth() const { return after - before; }
     };
 
-    /// Runs `part` with the number of repetitions, after a few that do not count.
+    // Runs `part` with the number of repetitions, after a few that do not count.
     template <typename Part> Left Repeat(const std::string& name, int count, Part part)
     {
         NoteTestPart(name);
@@ -141,7 +141,7 @@ protected:
         return left;
     }
 
-    /// Checks what is left and reports it. `bitmaps`: what Wine's dialogs have left of their pictures.
+    // Checks what is left and reports it. `bitmaps`: what Wine's dialogs have left of their pictures.
     static void Check(const std::string& name, int count, const Left& left, long long heapPerCall,
                       long long bitmaps = 0)
     {
@@ -184,13 +184,13 @@ protected:
     }
 
     static constexpr int kWarmUps = 3;
-    /// What the system may keep for itself, however often something is done.
+    // What the system may keep for itself, however often something is done.
     static constexpr long long kSlack = 4;
     static constexpr long long kHeapSlack = 64LL * 1024;
     static constexpr long long kPrivateSlack = 4LL * 1024;
-    /// What the system's own libraries take in passing and keep. Measured under Wine: 0 for markup and
-    /// pictures, some 150 a check, 250 an offer, 370 an About dialog, 520 a download, none of it taken by the
-    /// DLL.
+    // What the system's own libraries take in passing and keep. Measured under Wine: 0 for markup and
+    // pictures, some 150 a check, 250 an offer, 370 an About dialog, 520 a download, none of it taken by the
+    // DLL.
     static constexpr long long kHeapPerCall = 512;
 
     CHostWindow m_host;
@@ -202,7 +202,7 @@ protected:
     std::optional<CModuleBlocks> m_blocks;
 };
 
-/// Publishes a file to the add-in for its lifetime; gone, it has left nothing in the process.
+// Publishes a file to the add-in for its lifetime; gone, it has left nothing in the process.
 class CPublisher
 {
 public:

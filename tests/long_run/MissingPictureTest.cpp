@@ -12,10 +12,10 @@ namespace
 
 using Microsoft::WRL::ComPtr;
 
-/// What the system may keep for itself, however often something is done.
+// What the system may keep for itself, however often something is done.
 constexpr long long kSlack = 4;
 
-/// Counts the starts and ends of GDI+ that a module asks for, for its lifetime.
+// Counts the starts and ends of GDI+ that a module asks for, for its lifetime.
 class CGdiPlusCounter
 {
 public:

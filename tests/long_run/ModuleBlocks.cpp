@@ -1,4 +1,3 @@
-// The memory that a module has taken from the C run-time and not given back.
 #include "long_run/ModuleBlocks.h"
 
 #include <numeric>

@@ -1,4 +1,3 @@
-// A user who presses the same button whenever it comes up.
 #include "long_run/PersistentUser.h"
 
 #include "harness/WindowDriver.h"

@@ -1,4 +1,3 @@
-// What this process holds of the system: the figures of which a leak would raise one.
 #include "long_run/ProcessFigures.h"
 
 #include "harness/Threads.h"
@@ -14,7 +13,7 @@ namespace orva::test
 namespace
 {
 
-/// An entry of the table that gdi32 shares with the system. Free entries have no type.
+// An entry of the table that gdi32 shares with the system. Free entries have no type.
 struct GdiEntry
 {
     ULONG64 object;
@@ -25,11 +24,11 @@ struct GdiEntry
     ULONG64 userPointer;
 };
 
-/// Where the process environment block of 64-bit Windows has that table, and how long it is.
+// Where the process environment block of 64-bit Windows has that table, and how long it is.
 constexpr size_t kGdiTableOffset = 0xF8;
 constexpr size_t kGdiEntries = 0x4000;
 
-/// Window and menu handles are even numbers from here on; their upper half only guards against reuse.
+// Window and menu handles are even numbers from here on; their upper half only guards against reuse.
 constexpr ULONG_PTR kFirstUserHandle = 0x20;
 constexpr ULONG_PTR kEndOfUserHandles = 0x10000;
 
@@ -67,11 +66,11 @@ long long CountUserObjects()
     return count;
 }
 
-/// Kernel handles are multiples of four.
+// Kernel handles are multiples of four.
 constexpr ULONG_PTR kEndOfHandles = 0x4000;
 
-/// Tried one by one: Wine 8 has no count (GetProcessHandleCount gives 0, the process list the size of the
-/// table).
+// Tried one by one: Wine 8 has no count (GetProcessHandleCount gives 0, the process list the size of the
+// table).
 long long CountHandles()
 {
     long long count = 0;
@@ -83,7 +82,7 @@ long long CountHandles()
     return count;
 }
 
-/// The committed memory that is shared with nobody and mapped from no file.
+// The committed memory that is shared with nobody and mapped from no file.
 long long CountPrivateBytes()
 {
     long long bytes = 0;
@@ -99,7 +98,7 @@ long long CountPrivateBytes()
     return bytes;
 }
 
-/// The bytes of all heap blocks in use.
+// The bytes of all heap blocks in use.
 long long CountHeapBytes()
 {
     std::array<HANDLE, 64> heaps{};
@@ -119,7 +118,7 @@ long long CountHeapBytes()
     return bytes;
 }
 
-/// Threads that are about to end do so first: waits until their number has not changed for a moment.
+// Threads that are about to end do so first: waits until their number has not changed for a moment.
 void Settle()
 {
     long long last = 0;

@@ -17,7 +17,9 @@ public:
     {
         *object = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) ? this : nullptr;
         if (*object == nullptr)
+        {
             return E_NOINTERFACE;
+        }
         AddRef();
         return S_OK;
     }
@@ -28,7 +30,9 @@ public:
     STDMETHOD(GetIDsOfNames)(REFIID, LPOLESTR* names, UINT count, LCID lcid, DISPID* dispids) override
     {
         if (count != 1 || lcid != LOCALE_USER_DEFAULT || std::wstring(names[0]) != L"Known")
+        {
             return DISP_E_UNKNOWNNAME;
+        }
         dispids[0] = 5;
         return S_OK;
     }
@@ -39,14 +43,22 @@ public:
         std::string call = std::to_string(dispid) + " flags " + std::to_string(flags) + " locale " +
                            std::to_string(lcid) + " args";
         for (UINT i = 0; i < params->cArgs; ++i)
+        {
             call += " " + std::to_string(params->rgvarg[i].vt) + ":" + std::to_string(params->rgvarg[i].lVal);
+        }
         for (UINT i = 0; i < params->cNamedArgs; ++i)
+        {
             call += " named " + std::to_string(params->rgdispidNamedArgs[i]);
+        }
         calls.push_back(call);
         if ((flags & refusedFlags) != 0)
+        {
             return DISP_E_MEMBERNOTFOUND;
+        }
         if (result)
+        {
             *result = CComVariant(77L);
+        }
         return S_OK;
     }
 

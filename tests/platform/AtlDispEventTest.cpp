@@ -60,7 +60,9 @@ public:
     {
         ++invocations;
         if (dispid >= 1000)
+        {
             return TargetDispatch::Invoke(dispid, iid, lcid, flags, params, result, exception, error);
+        }
         return Events::Invoke(dispid, iid, lcid, flags, params, result, exception, error);
     }
 
@@ -101,7 +103,9 @@ public:
     {
         *object = nullptr;
         if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IConnectionPointContainer))
+        {
             *object = static_cast<IConnectionPointContainer*>(this);
+        }
         return *object ? S_OK : E_NOINTERFACE;
     }
     STDMETHOD_(ULONG, AddRef)() override { return 2; }
@@ -122,7 +126,9 @@ public:
         CComPtr<IDispatch> events;
         const HRESULT hr = sink->QueryInterface(kEvents, reinterpret_cast<void**>(&events.p));
         if (FAILED(hr))
+        {
             return CONNECT_E_CANNOTCONNECT;
+        }
         *cookie = ++m_lastCookie;
         m_sinks[*cookie] = events;
         return S_OK;
@@ -139,8 +145,10 @@ public:
         DISPPARAMS params = {reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
         HRESULT hr = S_FALSE;
         for (const auto& [cookie, sink] : m_sinks)
+        {
             hr = sink->Invoke(dispid, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, result,
                               nullptr, nullptr);
+        }
         return hr;
     }
 
@@ -307,7 +315,9 @@ TEST_F(AtlDispEvent, ASinkAnswersForItsEventsOnly)
     EXPECT_EQ(sink->_LocDEQueryInterface(IID_IUnknown, &object), S_OK);
     EXPECT_EQ(m_sink->AddRef(), 5u);
     for (int i = 0; i < 4; ++i)
+    {
         m_sink->Release();
+    }
     EXPECT_EQ(sink->_LocDEQueryInterface(kTarget, &object), E_NOINTERFACE);
     EXPECT_EQ(object, nullptr);
     EXPECT_EQ(sink->_LocDEQueryInterface(kEvents, nullptr), E_POINTER);

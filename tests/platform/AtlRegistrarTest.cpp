@@ -1,10 +1,10 @@
 // Tests of running registration scripts against the real registry: writing, removing, rolling back,
 // redirecting.
-#include <statreg.h>
-
 #include "harness/Registry.h"
 
 #include <gtest/gtest.h>
+
+#include <statreg.h>
 
 namespace
 {

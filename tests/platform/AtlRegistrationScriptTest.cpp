@@ -1,7 +1,6 @@
 // Tests of reading registration scripts: what each form means, and what is refused where.
-#include "platform/atl/RegistrationScript.h"
-
 #include "harness/Text.h"
+#include "platform/atl/RegistrationScript.h"
 
 #include <gtest/gtest.h>
 
@@ -30,7 +29,9 @@ CRegistrationReplacements Replacements()
 std::string Describe(const CRegistrationScript& script)
 {
     if (script.error)
+    {
         return std::to_string(script.errorOffset) + ": " + script.error;
+    }
     std::string text;
     for (const CRegistrationStep& step : script.steps)
     {
@@ -54,20 +55,28 @@ std::string Describe(const CRegistrationScript& script)
         case Kind::SetValue:
             text += flags + "<" + Utf8(step.name) + ">=";
             if (const auto* string = std::get_if<std::wstring>(&step.data))
+            {
                 text += "s:" + Utf8(*string);
+            }
             else if (const auto* number = std::get_if<std::uint32_t>(&step.data))
+            {
                 text += "d:" + std::to_string(*number);
+            }
             else if (const auto* bytes = std::get_if<std::vector<std::uint8_t>>(&step.data))
             {
                 text += "b:";
                 for (const std::uint8_t byte : *bytes)
+                {
                     text += std::to_string(byte) + ".";
+                }
             }
             else
             {
                 text += "m:";
                 for (const std::wstring& part : std::get<std::vector<std::wstring>>(step.data))
+                {
                     text += Utf8(part) + "|";
+                }
             }
             text += " ";
             break;
@@ -218,9 +227,13 @@ std::wstring NestedKeys(std::size_t depth)
 {
     std::wstring script = L"HKCU { ";
     for (std::size_t i = 0; i < depth; ++i)
+    {
         script += L"a { ";
+    }
     for (std::size_t i = 0; i < depth; ++i)
+    {
         script += L"} ";
+    }
     return script + L"}";
 }
 
@@ -258,9 +271,13 @@ TEST(AtlRegistrationScriptDepth, EveryStepInIsFollowedByItsStepOut)
         {
             if (step.kind == CRegistrationStep::Kind::EnterHive ||
                 step.kind == CRegistrationStep::Kind::EnterKey)
+            {
                 ++open;
+            }
             else if (step.kind == CRegistrationStep::Kind::Leave)
+            {
                 --open;
+            }
             EXPECT_GE(open, 0) << length;
         }
         EXPECT_EQ(open, 0) << length;

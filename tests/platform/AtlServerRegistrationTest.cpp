@@ -1,9 +1,8 @@
 // Tests of registering a real server DLL: scripts, type library, per user, and what runs against the
 // registration.
-#include "platform/AtlTestServer.h"
-
 #include "AtlServer.h"
 #include "harness/Waiting.h"
+#include "platform/AtlTestServer.h"
 
 #include <algorithm>
 #include <cwctype>

@@ -1,7 +1,7 @@
 // Tests of a real server DLL: class objects, lock count, plain and aggregated objects, loading and unloading.
-#include "platform/AtlTestServer.h"
-
 #include "AtlServer.h"
+
+#include "platform/AtlTestServer.h"
 
 namespace
 {
@@ -179,11 +179,15 @@ public:
     STDMETHOD(QueryInterface)(REFIID iid, void** object) override
     {
         if (object == nullptr)
+        {
             return E_POINTER;
+        }
         *object = nullptr;
         // The inner object asks while it is made, before it is known here.
         if (!IsEqualIID(iid, IID_IUnknown))
+        {
             return inner ? inner->QueryInterface(iid, object) : E_NOINTERFACE;
+        }
         *object = static_cast<IUnknown*>(this);
         AddRef();
         return S_OK;

@@ -24,7 +24,9 @@ public:
     ~CAtlTestServer()
     {
         if (m_module)
+        {
             ::FreeLibrary(m_module);
+        }
     }
     CAtlTestServer(const CAtlTestServer&) = delete;
     CAtlTestServer& operator=(const CAtlTestServer&) = delete;
@@ -81,7 +83,9 @@ public:
         for (CRegistryTreeGuard* guard :
              {&m_machineClass, &m_machineProgId, &m_machineLibrary, &m_machineInterface1,
               &m_machineInterface2, &m_userClass, &m_userProgId, &m_userLibrary, &m_script})
+        {
             guard->Remove();
+        }
     }
 
 private:

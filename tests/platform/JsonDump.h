@@ -18,7 +18,9 @@ template <class String> std::string DumpText(const String& text)
         const auto unit = static_cast<unsigned int>(c) & (sizeof(Char) == 1 ? 0xFFU : 0xFFFFU);
         char escaped[8] = {static_cast<char>(unit)};
         if (unit < 0x20 || unit > 0x7E)
+        {
             std::snprintf(escaped, sizeof(escaped), "<%02X>", unit);
+        }
         dump += escaped;
     }
     return dump + "'";
@@ -33,11 +35,15 @@ template <class Value> std::string Dump(const Value& value)
     {
     case json_spirit::obj_type:
         for (const auto& [name, member] : value.get_obj())
+        {
             dump += (dump.empty() ? "" : " ") + DumpText(name) + ":" + Dump(member);
+        }
         return "{" + dump + "}";
     case json_spirit::array_type:
         for (const auto& element : value.get_array())
+        {
             dump += (dump.empty() ? "" : " ") + Dump(element);
+        }
         return "[" + dump + "]";
     case json_spirit::str_type:
         return DumpText(value.get_str());

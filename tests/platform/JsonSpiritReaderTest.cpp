@@ -19,7 +19,7 @@ struct Case
     std::string expected;
 };
 
-/// Both kinds of value have to give the same.
+// Both kinds of value have to give the same.
 void CheckBothKinds(const std::vector<Case>& cases)
 {
     for (const Case& c : cases)
@@ -33,10 +33,14 @@ std::string Nested(int levels, const std::string& open, const std::string& inner
 {
     std::string text;
     for (int i = 0; i < levels; ++i)
+    {
         text += open;
+    }
     text += inner;
     for (int i = 0; i < levels; ++i)
+    {
         text += close;
+    }
     return text;
 }
 

@@ -53,7 +53,9 @@ TEST(JsonSpiritValue, OnlyNullIsNull)
     EXPECT_TRUE(wmValue().is_null());
     EXPECT_TRUE(Read(L"null").is_null());
     for (const wchar_t* text : {L"{}", L"[]", L"\"\"", L"false", L"0", L"0.0"})
+    {
         EXPECT_FALSE(Read(text).is_null()) << text;
+    }
 }
 
 TEST(JsonSpiritValue, AccessorsGiveTheValue)

@@ -17,7 +17,7 @@ using namespace orva::test;
 
 using MfcDialogControlsTest = CMfcDialogTest;
 
-/// Binds controls of the plain dialog; `m_missing` to an id that it has not.
+// Binds controls of the plain dialog; `m_missing` to an id that it has not.
 class CBoundDialog : public CTestDialog
 {
 public:

@@ -19,7 +19,7 @@ class MfcDialogOwner : public testing::Test
 protected:
     MfcDialogOwner() { SetActiveWindow(m_main); }
 
-    /// Runs a dialog with that parent (null: none) and calls `look` with it while it is up.
+    // Runs a dialog with that parent (null: none) and calls `look` with it while it is up.
     void Run(HWND parent, const std::function<void(HWND)>& look)
     {
         CDialog dialog(IDD_PLAIN, CWnd::FromHandle(parent));

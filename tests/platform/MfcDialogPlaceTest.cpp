@@ -11,7 +11,7 @@
 namespace
 {
 
-/// Notes its place when it is shown, before a window manager has a say, and ends.
+// Notes its place when it is shown, before a window manager has a say, and ends.
 class CPlacedDialog : public CDialog
 {
 public:

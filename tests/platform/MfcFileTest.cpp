@@ -22,7 +22,7 @@ struct CFileFailure
     std::string fileName;
 };
 
-/// Runs `action`; the CFileException* it threw, if any.
+// Runs `action`; the CFileException* it threw, if any.
 template <typename F> std::optional<CFileFailure> FailureOf(F action)
 {
     try
@@ -54,7 +54,7 @@ bool CanOpen(const std::wstring& path, DWORD access, DWORD share)
 class MfcFile : public testing::Test
 {
 protected:
-    /// Writes `content` to the test's file.
+    // Writes `content` to the test's file.
     void Fill(const std::string& content)
     {
         CFile file;

@@ -31,7 +31,7 @@ struct CInternetFailure
     DWORD_PTR context;
 };
 
-/// Runs `action`; the CInternetException* it threw, if any.
+// Runs `action`; the CInternetException* it threw, if any.
 template <typename F> std::optional<CInternetFailure> FailureOf(F action)
 {
     try
@@ -57,7 +57,7 @@ protected:
             m_connection->OpenRequest(verb, object, nullptr, 1, nullptr, nullptr, kFlags));
     }
 
-    /// The one request the server got.
+    // The one request the server got.
     CHttpRecord Request()
     {
         if (!m_server.WaitForRequests(1))

@@ -21,7 +21,7 @@ HANDLE CurrentContext()
     return context;
 }
 
-/// A module without a manifest of id 2.
+// A module without a manifest of id 2.
 HINSTANCE OtherModule()
 {
     return GetModuleHandleW(L"kernel32.dll");
@@ -157,7 +157,7 @@ TEST(MfcModuleState, ApplicationObjectIsItsModulesWhileItLives)
     EXPECT_EQ(nullptr, AfxGetApp());
 }
 
-/// A DLL with a class library of its own.
+// A DLL with a class library of its own.
 class MfcModuleOfADll : public testing::Test
 {
 protected:

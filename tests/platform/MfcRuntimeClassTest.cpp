@@ -18,7 +18,7 @@ class CCircle : public CShape
     int m_radius = 0;
 };
 
-/// Names no run-time class of its own.
+// Names no run-time class of its own.
 class CDisc : public CCircle
 {
 };

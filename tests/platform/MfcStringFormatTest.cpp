@@ -24,10 +24,7 @@ template <typename... T> std::string Formatted(LPCWSTR format, const T&... argum
 }
 
 template <typename... T>
-concept CanFormat = requires(CString text, const T&... arguments)
-{
-    text.Format(L"%s", arguments...);
-};
+concept CanFormat = requires(CString text, const T&... arguments) { text.Format(L"%s", arguments...); };
 
 struct CConvertsToText
 {

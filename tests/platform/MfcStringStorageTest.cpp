@@ -1,7 +1,7 @@
 // CString's texts at the length from which they need memory of their own.
-#include <gtest/gtest.h>
-
 #include <afxstr.h>
+
+#include <gtest/gtest.h>
 
 #include <string>
 #include <utility>
@@ -11,7 +11,7 @@ namespace
 
 constexpr int kShort = static_cast<int>(CTextBuffer::kShortText);
 
-/// A text whose units differ.
+// A text whose units differ.
 std::wstring Text(int length)
 {
     std::wstring text;

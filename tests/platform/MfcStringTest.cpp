@@ -19,7 +19,7 @@ std::string Utf8Of(const CString& text)
     return Utf8(std::wstring(text.GetString(), static_cast<std::size_t>(text.GetLength())));
 }
 
-/// Runs `action`; whether it threw a CInvalidArgException*.
+// Runs `action`; whether it threw a CInvalidArgException*.
 template <typename F> bool RefusesArgument(F action)
 {
     try

@@ -1,4 +1,3 @@
-// A dialog whose steps a test sees and takes part in, and a user who works with it.
 #include "MfcTestDialog.h"
 
 #include "MfcResources.h"

@@ -1,9 +1,9 @@
 // A plain window of the test's own thread, which the class library knows nothing of.
 #pragma once
 
-#include <windows.h>
-
 #include <gtest/gtest.h>
+
+#include <windows.h>
 
 class CTestWindow
 {

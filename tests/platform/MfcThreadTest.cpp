@@ -19,7 +19,7 @@ using orva::test::MakeEvent;
 using orva::test::UniqueHandle;
 using orva::test::WaitUntil;
 
-/// Starts a worker that the test owns, waits for its end and returns its exit code.
+// Starts a worker that the test owns, waits for its end and returns its exit code.
 DWORD RunToTheEnd(AFX_THREADPROC function, void* parameter)
 {
     std::unique_ptr<CWinThread> thread(

@@ -6,7 +6,7 @@
 namespace
 {
 
-/// Ends itself as soon as it is filled, and leaves what it was filled with.
+// Ends itself as soon as it is filled, and leaves what it was filled with.
 class CBriefDialog : public CDialog
 {
 public:
@@ -40,7 +40,7 @@ extern "C"
         return AfxGetAppName();
     }
 
-    /// Runs a dialog from the DLL's own resources; `text` (64 characters) gets its first control's text.
+    // Runs a dialog from the DLL's own resources; `text` (64 characters) gets its first control's text.
     __declspec(dllexport) INT_PTR ModuleDialog(wchar_t* text)
     {
         AFX_MANAGE_STATE(AfxGetStaticModuleState())

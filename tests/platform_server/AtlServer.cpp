@@ -1,9 +1,9 @@
 // A COM server made with the COM layer, as a product would make one: the tests load it, register it and call
 // it.
+#include "AtlServer.h"
+
 #include <atlbase.h>
 #include <atlcom.h>
-
-#include "AtlServer.h"
 
 #include <cwchar>
 #include <string>

@@ -1,16 +1,14 @@
 // The Backstage markup as the module carries it: its encoding, and every element and attribute by the
 // system's parser.
+#include "harness/Text.h"
 #include "tests/res/ModuleResources.h"
 
-#include "harness/Text.h"
-
 #include <gtest/gtest.h>
+#include <wrl/client.h>
 
 #include <windows.h>
-
 #include <msxml2.h>
 #include <oleauto.h>
-#include <wrl/client.h>
 
 #include <algorithm>
 #include <cstring>
@@ -35,7 +33,7 @@ std::string Utf8AndFree(BSTR text)
     return utf8;
 }
 
-/// The attributes as ` name="value"`, sorted by name.
+// The attributes as ` name="value"`, sorted by name.
 std::string Attributes(IXMLDOMNode* node)
 {
     ComPtr<IXMLDOMNamedNodeMap> map;
@@ -75,8 +73,8 @@ std::string Attributes(IXMLDOMNode* node)
     return text;
 }
 
-/// One line a node: its level, its name (marked if it is not of Office's schema) and its attributes; a
-/// comment's text after "!".
+// One line a node: its level, its name (marked if it is not of Office's schema) and its attributes; a
+// comment's text after "!".
 void Describe(IXMLDOMNode* node, int level, std::vector<std::string>& lines)
 {
     DOMNodeType type = NODE_INVALID;

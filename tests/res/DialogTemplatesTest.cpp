@@ -1,7 +1,6 @@
 // The dialog templates, field by field.
-#include "tests/res/ModuleResources.h"
-
 #include "harness/Text.h"
+#include "tests/res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +11,7 @@ using namespace orva::test;
 
 namespace
 {
-/// Reads the little-endian fields of an extended dialog template one after the other.
+// Reads the little-endian fields of an extended dialog template one after the other.
 class CTemplateReader
 {
 public:
@@ -30,7 +29,7 @@ public:
         return value;
     }
 
-    /// A text, or "#" and the number of an ordinal.
+    // A text, or "#" and the number of an ordinal.
     std::string NextNameOrOrdinal()
     {
         const WORD first = Next<WORD>();

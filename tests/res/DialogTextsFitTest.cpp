@@ -1,13 +1,11 @@
 // Every text that a dialog shows fits its control in every language, measured with the control's own font.
-#include "tests/res/ModuleResources.h"
-
 #include "harness/Text.h"
 #include "res/resource.h"
+#include "tests/res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 
 #include <windows.h>
-
 #include <commctrl.h>
 
 #include <functional>
@@ -33,7 +31,7 @@ struct Shown
     bool bold = false;
 };
 
-/// Puts the arguments into the placeholders of a string, one after the other; "%%" becomes "%".
+// Puts the arguments into the placeholders of a string, one after the other; "%%" becomes "%".
 std::wstring Fill(const std::wstring& format, const std::vector<std::wstring>& arguments)
 {
     std::wstring text;
@@ -51,7 +49,7 @@ std::wstring Fill(const std::wstring& format, const std::vector<std::wstring>& a
     return text;
 }
 
-/// The longest that a user is likely to see.
+// The longest that a user is likely to see.
 constexpr wchar_t kVersion[] = L"12.34.5678";
 constexpr wchar_t kFile[] = L"OrvaSetup-1.3.0-x64.exe";
 constexpr wchar_t kServer[] = L"www.orva.example";
@@ -105,7 +103,7 @@ std::vector<Shown> AboutTexts(WORD language)
     };
 }
 
-/// A dialog of this module, made from its template under common controls 6 and never shown.
+// A dialog of this module, made from its template under common controls 6 and never shown.
 class CHiddenDialog
 {
 public:
@@ -149,7 +147,7 @@ private:
     HWND m_window = nullptr;
 };
 
-/// What a text takes in a window's font, wrapped at `width` if that is above 0.
+// What a text takes in a window's font, wrapped at `width` if that is above 0.
 SIZE Measure(HWND window, const std::wstring& text, int width, bool bold)
 {
     auto font = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
@@ -168,7 +166,7 @@ SIZE Measure(HWND window, const std::wstring& text, int width, bool bold)
     return {needed.right, needed.bottom};
 }
 
-/// "" if the text fits, otherwise what overflows and by how much.
+// "" if the text fits, otherwise what overflows and by how much.
 std::string Overflow(HWND dialog, const Shown& shown)
 {
     const HWND control = GetDlgItem(dialog, shown.control);
@@ -213,7 +211,7 @@ void ExpectTextsFit(WORD dialogId, const std::function<std::vector<Shown>(WORD)>
     }
 }
 
-/// What a caption takes in the caption's own font.
+// What a caption takes in the caption's own font.
 void ExpectCaptionsFit(WORD dialogId, const std::function<std::wstring(WORD)>& caption)
 {
     const CHiddenDialog dialog(dialogId);

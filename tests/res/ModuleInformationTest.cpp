@@ -1,14 +1,12 @@
 // The version resource, the manifest and the type library of the module.
+#include "harness/Text.h"
 #include "tests/res/ModuleResources.h"
 
-#include "harness/Text.h"
-
 #include <gtest/gtest.h>
+#include <wrl/client.h>
 
 #include <windows.h>
-
 #include <oleauto.h>
-#include <wrl/client.h>
 
 using Microsoft::WRL::ComPtr;
 using namespace orva::test;
@@ -22,7 +20,7 @@ std::wstring ProgramPath()
     return path;
 }
 
-/// The module's version resource as the system reads it from the file.
+// The module's version resource as the system reads it from the file.
 class CVersionInformation
 {
 public:

@@ -1,5 +1,3 @@
-// Reads resources back out of the built module, by the platform's own functions and without the add-in's
-// code.
 #include "tests/res/ModuleResources.h"
 
 #include <algorithm>

@@ -2,11 +2,10 @@
 #include "tests/res/ModuleResources.h"
 
 #include <gtest/gtest.h>
+#include <wrl/client.h>
 
 #include <windows.h>
-
 #include <objidl.h>
-#include <wrl/client.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -22,7 +21,7 @@ using namespace orva::test;
 
 namespace
 {
-/// Starts GDI+ for a test.
+// Starts GDI+ for a test.
 class PicturesTest : public testing::Test
 {
 protected:
@@ -80,7 +79,7 @@ DWORD BigEndian(const std::vector<BYTE>& bytes, std::size_t position)
                               bytes.at(position + 2) << 8 | bytes.at(position + 3));
 }
 
-/// Width, height, depth of a channel and colour type 6 (red, green, blue, alpha), from the file's own header.
+// Width, height, depth of a channel and colour type 6 (red, green, blue, alpha), from the file's own header.
 void ExpectRgbaHeader(WORD id, DWORD width, DWORD height)
 {
     const auto bytes = ReadResource(L"PNG", id);

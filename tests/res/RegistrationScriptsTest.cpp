@@ -16,7 +16,7 @@ std::string Script(WORD id)
     return bytes ? std::string(bytes->begin(), bytes->end()) : "(no script)";
 }
 
-/// The script's words with single blanks between them; what stands in single quotes is kept as it is.
+// The script's words with single blanks between them; what stands in single quotes is kept as it is.
 std::string Tokens(const std::string& script)
 {
     std::string tokens;

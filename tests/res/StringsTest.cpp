@@ -1,8 +1,7 @@
 // The texts of the four languages, read out of the built module.
-#include "tests/res/ModuleResources.h"
-
 #include "OrvaWebHost.h"
 #include "harness/Text.h"
+#include "tests/res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 
@@ -64,7 +63,7 @@ const std::map<UINT, std::string> kFixedEnglish = {
     {142, "http://" ORVA_WEB_HOST "/app/user?op=imprint"},
 };
 
-/// The placeholders of a format in their order, "%%" included.
+// The placeholders of a format in their order, "%%" included.
 std::vector<std::string> Placeholders(const std::string& format)
 {
     static const std::regex placeholder("%[^a-zA-Z%]*[a-zA-Z%]");

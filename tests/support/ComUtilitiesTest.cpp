@@ -66,13 +66,21 @@ TEST(GuidStrings, HaveTheRegistryFormInUpperCase)
     {
         const auto c = static_cast<unsigned char>(guid[i]);
         if (i == 0)
+        {
             EXPECT_EQ(c, '{');
+        }
         else if (i == 37)
+        {
             EXPECT_EQ(c, '}');
+        }
         else if (i == 9 || i == 14 || i == 19 || i == 24)
+        {
             EXPECT_EQ(c, '-');
+        }
         else
+        {
             EXPECT_TRUE(std::isdigit(c) || (c >= 'A' && c <= 'F')) << guid;
+        }
     }
 }
 

@@ -27,7 +27,7 @@ using testing::IsEmpty;
 constexpr size_t kLargestKeptFile = 1'048'576;
 constexpr char kOldLine[] = "[2011-01-20 14:03:07] CConnect::OnConnection\r\n";
 
-/// Runs one script in a new process and returns what it gave to the debugger output.
+// Runs one script in a new process and returns what it gave to the debugger output.
 std::vector<std::string> RunScript(const std::string& name)
 {
     wchar_t program[MAX_PATH];
@@ -44,7 +44,7 @@ std::vector<std::string> RunScript(const std::string& name)
     return child.DebugLines();
 }
 
-/// Starts without the switch in either hive and without a log.
+// Starts without the switch in either hive and without a log.
 class DebugLog : public testing::Test
 {
 protected:
@@ -142,7 +142,9 @@ TEST(DebugLogChild, DISABLED_WritesTwoEntriesInOneSecond)
         WriteDebugLog(GetDebugLog(), "early");
         WriteDebugLog(GetDebugLog(), "late");
         if (std::time(nullptr) == start)
+        {
             return;
+        }
     }
     FAIL() << "no two entries in one second";
 }
@@ -164,7 +166,9 @@ TEST(DebugLogChild, DISABLED_WritesTwoMebibytes)
 {
     const std::string text(4096, 'x');
     for (int i = 0; i < 512; ++i)
+    {
         WriteDebugLog(GetDebugLog(), text);
+    }
 }
 
 TEST_F(DebugLog, WithoutTheSwitchEntriesReachTheDebuggerAndNoFileIsMade)

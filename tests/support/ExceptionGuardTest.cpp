@@ -3,11 +3,11 @@
 
 #include "harness/DebugOutput.h"
 
-#include <gmock/gmock.h>
-
 #include <afxwin.h>
 #include <atlbase.h>
 #include <json_spirit.h>
+
+#include <gmock/gmock.h>
 
 #include <comdef.h>
 
@@ -19,7 +19,7 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The lines that running `body` under the guard writes.
+// The lines that running `body` under the guard writes.
 template <class Body> std::vector<std::string> LinesOf(Body body)
 {
     const orva::test::CDebugOutput output;

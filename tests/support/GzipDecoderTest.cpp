@@ -4,7 +4,6 @@
 #include "harness/Compression.h"
 
 #include <gtest/gtest.h>
-
 #include <zlib.h>
 
 #include <random>
@@ -31,13 +30,15 @@ Decoded Decode(const std::string& body)
     return {result, output != nullptr ? std::string(output.get(), length) : std::string(), output != nullptr};
 }
 
-/// Bytes that do not compress, the same on every run.
+// Bytes that do not compress, the same on every run.
 std::string Noise(size_t count)
 {
     std::mt19937 random(1);
     std::string bytes(count, '\0');
     for (char& byte : bytes)
+    {
         byte = static_cast<char>(random());
+    }
     return bytes;
 }
 

@@ -1,6 +1,5 @@
 // What the HTTP client makes of servers, networks and URLs that fail it.
 #include "support/HttpFixture.h"
-
 #include "support/RedirectLimit.h"
 
 #include <stdexcept>
@@ -29,7 +28,7 @@ protected:
         ExpectFailure(fetched, "Caught CInternetException " + InternetErrorText(error));
     }
 
-    /// The exception's text; the lines written until then are left in `lines`.
+    // The exception's text; the lines written until then are left in `lines`.
     std::string OutOfRange(CServerScript script, std::vector<std::string>& lines)
     {
         const CDebugOutput output;
@@ -55,7 +54,9 @@ constexpr char kTooShort[] = "invalid vector<T> subscript";
 TEST_F(HttpFaults, AUrlThatCannotBeCrackedFails)
 {
     for (const char* url : {"", "x", "www.orva.example/a", "/a"})
+    {
         ExpectFailure(FetchUrl(url), kCouldNotParse);
+    }
 }
 
 TEST_F(HttpFaults, AHostOrPathThatIsTooLongFails)
@@ -147,8 +148,10 @@ TEST_F(HttpFaults, ARedirectionLimitIsForOneRequestOnly)
 TEST_F(HttpFaults, AChainOfRedirectionsWithinTheLimitIsFollowed)
 {
     for (int i = 0; i < 5; ++i)
+    {
         m_server.On("/" + std::to_string(i),
                     CHttpReply(302).Header("Location", m_server.Url("/" + std::to_string(i + 1))));
+    }
     m_server.On("/5", CHttpReply(200, "{}"));
     EXPECT_EQ(FetchUrl(m_server.Url("/0")).text, L"{}");
 }

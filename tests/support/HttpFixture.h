@@ -1,11 +1,10 @@
 // What the tests of the HTTP client share: a server, the lines of the log, and both together as one exchange.
 #pragma once
 
-#include "support/HttpRequest.h"
-
 #include "harness/DebugOutput.h"
 #include "harness/LoopbackServer.h"
 #include "harness/ProxySetting.h"
+#include "support/HttpRequest.h"
 
 #include <gmock/gmock.h>
 

@@ -1,11 +1,10 @@
 // What the HTTP client sends: request line, headers, body, agent, and over which kind of connection.
 // Before everything that includes <windows.h>.
-#include <winsock2.h>
-
 #include "support/HttpFixture.h"
 
 #include <afxwin.h>
 
+#include <winsock2.h>
 #include <oleauto.h>
 
 #include <stdexcept>
@@ -30,8 +29,8 @@ protected:
     }
 };
 
-/// Takes connections on loopback, notes the first byte that comes over each, and closes it. A client may try
-/// more than once.
+// Takes connections on loopback, notes the first byte that comes over each, and closes it. A client may try
+// more than once.
 class CFirstByte
 {
 public:
@@ -55,7 +54,7 @@ public:
         });
     }
 
-    /// The first bytes of the connections so far. No further ones are taken.
+    // The first bytes of the connections so far. No further ones are taken.
     std::string Stop()
     {
         closesocket(m_listener);

@@ -1,9 +1,7 @@
 // What the text forms make of a response: UTF-8, byte-order mark, gzip, bounds, and the lines of the log.
-#include "support/HttpFixture.h"
-
-#include "support/GzipDecoder.h"
-
 #include "harness/Compression.h"
+#include "support/GzipDecoder.h"
+#include "support/HttpFixture.h"
 
 namespace
 {
@@ -17,7 +15,7 @@ constexpr char kEntry[] = "CHttpRequest::PerformTextRequest";
 class HttpText : public HttpFixture
 {
 protected:
-    /// Fetches a reply and returns what goes to standard output meanwhile.
+    // Fetches a reply and returns what goes to standard output meanwhile.
     std::string OutputOf(const CHttpReply& reply, Fetched& fetched)
     {
         testing::internal::CaptureStdout();
@@ -31,7 +29,7 @@ protected:
     }
 };
 
-/// "{}" and as many blanks as make it this long.
+// "{}" and as many blanks as make it this long.
 std::string Padded(size_t length)
 {
     return "{}" + std::string(length - 2, ' ');
@@ -207,7 +205,9 @@ TEST_F(HttpText, OtherTypesAreReadAsUtf8)
     for (const char* type :
          {"text/plain; charset=Utf-16", "text/plain; charset=utf16", "text/plain; charset=utf-8",
           "text/html; charset=iso-8859-1", "application/json"})
+    {
         EXPECT_EQ(Fetch(CHttpReply(200, "\xC3\xA4").Header("Content-Type", type)).text, L"\x00E4") << type;
+    }
     EXPECT_EQ(Fetch(CHttpReply(200, "\xC3\xA4").Without("Content-Type")).text, L"\x00E4");
 }
 

@@ -37,7 +37,9 @@ TEST(FindValue, NamesAreExact)
 {
     const json_spirit::wmObject object = Read(L"{\"x64\":1}");
     for (const wchar_t* name : {L"X64", L"x6", L"x644", L" x64", L""})
+    {
         EXPECT_TRUE(FindValue(object, name).is_null()) << name;
+    }
 }
 
 TEST(FindValue, AMemberThatIsNullLooksMissing)

@@ -10,7 +10,7 @@ namespace
 
 using namespace orva::test;
 
-/// The log of this process would be opened by its first entry and stay open, and no test could remove it.
+// The log of this process would be opened by its first entry and stay open, and no test could remove it.
 class CLogSwitchAtStart : public testing::Environment
 {
 public:
@@ -18,9 +18,13 @@ public:
     {
         // A script that a test has started keeps the switch that the test has set.
         if (testing::GTEST_FLAG(also_run_disabled_tests))
+        {
             return;
+        }
         for (const HKEY hive : {HKEY_CURRENT_USER, HKEY_LOCAL_MACHINE})
+        {
             RegDeleteKeyValueW(hive, kLogSwitchKey, kLogSwitchValue);
+        }
     }
 };
 

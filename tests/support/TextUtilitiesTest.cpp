@@ -1,5 +1,6 @@
 // Text conversions, replacements and XML escaping.
 #include "support/TextUtilities.h"
+
 #include "support/TextUtilitiesMfc.h"
 
 #include <gtest/gtest.h>

@@ -14,7 +14,7 @@
 namespace
 {
 
-/// "year-month-day hour:minute:second weekday/yearday", the fields as they stand in the structure.
+// "year-month-day hour:minute:second weekday/yearday", the fields as they stand in the structure.
 std::string Fields(const struct tm& date)
 {
     char text[128];
@@ -45,13 +45,17 @@ TEST(MonthFromName, KnowsTheTwelveNames)
     const char* const names[] = {"jan", "feb", "mar", "apr", "may", "jun",
                                  "jul", "aug", "sep", "oct", "nov", "dec"};
     for (int month = 0; month < 12; ++month)
+    {
         EXPECT_EQ(MonthFromName(names[month]), month);
+    }
 }
 
 TEST(MonthFromName, ComparesExactly)
 {
     for (const char* name : {"Nov", "NOV", "november", "no", "", " nov", "nov ", "xyz"})
+    {
         EXPECT_EQ(MonthFromName(name), -1) << name;
+    }
 }
 
 TEST(ParseHttpDate, TakesTheHeadersTimeAsLocalTime)
@@ -115,7 +119,9 @@ TEST(ParseHttpDate, NumbersBeyondTheRangeOfIntDoNoHarm)
           "x -99999999999999999999 Nov -99999999999999999999 -9999999999:-9999999999:-9999999999",
           "x 2147483647 dec 2147483647 2147483647:2147483647:2147483647",
           "x -2147483648 jan -2147483648 -2147483648:-2147483648:-2147483648"})
+    {
         EXPECT_EQ(ErrorOf(text), "no error") << text;
+    }
 }
 
 TEST(ParseHttpDateChild, DISABLED_PrintsSummerAndWinter)

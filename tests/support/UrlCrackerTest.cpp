@@ -10,12 +10,14 @@
 namespace
 {
 
-/// "scheme host port path", or "no".
+// "scheme host port path", or "no".
 std::string Cracked(const std::string& url)
 {
     CrackedUrl parts;
     if (!CrackUrl(url, parts))
+    {
         return "no";
+    }
     return std::to_string(parts.scheme) + " " + parts.host + " " + std::to_string(parts.port) + " " +
            parts.path;
 }
@@ -52,7 +54,9 @@ TEST(CrackUrl, APathMayBeMissing)
 TEST(CrackUrl, WhatHasNoSchemeIsNoUrl)
 {
     for (const char* text : {"", "host/a", "/a", "x"})
+    {
         EXPECT_EQ(Cracked(text), "no") << text;
+    }
 }
 
 TEST(CrackUrl, AFailureLeavesThePartsAlone)

@@ -34,7 +34,7 @@ constexpr std::string_view kTimes = "times";
 constexpr std::string_view kRepeated = "repeated";
 constexpr std::string_view kInterrupted = "interrupted";
 
-/// All rounds of one stall.
+// All rounds of one stall.
 struct Measurement
 {
     std::vector<double> worker;
@@ -42,14 +42,14 @@ struct Measurement
     int repeated = 0;
 };
 
-/// By how many milliseconds the worse of the two limits was missed; not above 0 if both were kept.
+// By how many milliseconds the worse of the two limits was missed; not above 0 if both were kept.
 double MissedBy(const EndingTimes& times)
 {
     return std::max(times.worker - kWorkerLimit, times.dialog - kDialogLimit);
 }
 
-/// Whether the machine stood still for as long as the limit was missed by: such a round tells nothing of the
-/// product.
+// Whether the machine stood still for as long as the limit was missed by: such a round tells nothing of the
+// product.
 bool IsTheMachines(const EndingTimes& times)
 {
     return MissedBy(times) > 0 && times.heldUp >= MissedBy(times);
@@ -158,7 +158,7 @@ protected:
     }
 
 private:
-    /// Makes the rounds of one stall and tells their times.
+    // Makes the rounds of one stall and tells their times.
     static void RunRounds(int index, EndingAction action, int rounds, bool limited)
     {
         const CInterruptibleWinInet interruptible;

@@ -1,12 +1,11 @@
 // The reply with the installer, cut off at each of its bytes: nothing hangs, and a file that is left holds
 // what has come.
-#include "ui/StartDownloadDialog.h"
-
 #include "harness/Files.h"
 #include "harness/Report.h"
 #include "harness/Text.h"
 #include "harness/Watchdog.h"
 #include "ui/DownloadFixture.h"
+#include "ui/StartDownloadDialog.h"
 
 #include <algorithm>
 #include <map>
@@ -16,9 +15,9 @@ namespace orva::test
 namespace
 {
 
-/// For every byte of a reply; each download shows its last state for a second.
+// For every byte of a reply; each download shows its last state for a second.
 constexpr DWORD kDeadline = 15 * 60'000;
-/// In the report behind the other faults of a download.
+// In the report behind the other faults of a download.
 constexpr int kFirstNumber = 201;
 
 class DownloadCutsTest : public CDownloadTest
@@ -35,7 +34,7 @@ protected:
         auto operator<=>(const COutcome&) const = default;
     };
 
-    /// One download of the reply's first `offset` bytes.
+    // One download of the reply's first `offset` bytes.
     COutcome Cut(size_t offset)
     {
         NoteTestPart("cut after " + std::to_string(offset) + " bytes");

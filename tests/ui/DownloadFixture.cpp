@@ -1,5 +1,3 @@
-// What the tests of the download share: a server, a private temporary folder, a user, and the dialog's
-// controls.
 #include "ui/DownloadFixture.h"
 
 #include "harness/Files.h"
@@ -17,7 +15,7 @@ constexpr wchar_t kTypeKey[] = L"Software\\Classes\\OrvaTest.Installer";
 constexpr wchar_t kCommandKey[] = L"Software\\Classes\\OrvaTest.Installer\\shell\\runas\\command";
 constexpr wchar_t kMark[] = L".started";
 constexpr size_t kFolderNameLength = 9;
-/// More than any download shows.
+// More than any download shows.
 constexpr int kMostWindows = 6;
 
 } // namespace

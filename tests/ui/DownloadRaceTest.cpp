@@ -38,13 +38,13 @@ int Setting(const wchar_t* name, int otherwise)
     return length != 0 && length < ARRAYSIZE(value) ? std::stoi(value) : otherwise;
 }
 
-/// How long a process may take for so many runs, in milliseconds: far longer than it needs.
+// How long a process may take for so many runs, in milliseconds: far longer than it needs.
 DWORD TimeFor(int runs)
 {
     return 60'000 + static_cast<DWORD>(runs) * 5'000;
 }
 
-/// Makes one process's part of the runs.
+// Makes one process's part of the runs.
 void RunPart(int process, int runs, unsigned seed)
 {
     SetTestDeadline(TimeFor(runs / kProcesses));
@@ -72,7 +72,7 @@ void RunPart(int process, int runs, unsigned seed)
     }
 }
 
-/// Makes the runs, many at a time.
+// Makes the runs, many at a time.
 void RunAll(int runs, unsigned seed, CRaceRecord& record)
 {
     std::vector<int> processes(kProcesses);

@@ -1,4 +1,3 @@
-// What downloads in several processes find on the machine: an Office in English, and no proxy.
 #include "ui/DownloadSettings.h"
 
 #include "harness/TestProcesses.h"

@@ -1,9 +1,9 @@
 // Which file names from a download link may become part of a path.
 #include "ui/FileName.h"
 
-#include <gtest/gtest.h>
-
 #include "harness/Text.h"
+
+#include <gtest/gtest.h>
 
 namespace orva::test
 {

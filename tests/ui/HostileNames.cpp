@@ -1,4 +1,3 @@
-// Last segments of a download link as somebody might choose them who wants a file elsewhere.
 #include "ui/HostileNames.h"
 
 #include <cstdio>

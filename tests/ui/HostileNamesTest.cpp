@@ -1,10 +1,10 @@
 // Download links with hostile last segments: whatever they are, nothing comes to be outside the fresh folder.
-#include "ui/DownloadPaths.h"
-#include "ui/FileName.h"
+#include "ui/HostileNames.h"
 
 #include "harness/Report.h"
 #include "harness/Text.h"
-#include "ui/HostileNames.h"
+#include "ui/DownloadPaths.h"
+#include "ui/FileName.h"
 #include "ui/WatchedDownload.h"
 
 #include <gmock/gmock.h>
@@ -56,7 +56,7 @@ protected:
     }
 };
 
-/// Refused names are quick; each download takes a second.
+// Refused names are quick; each download takes a second.
 std::vector<CHostileName> NamesOfThisRun()
 {
     std::vector<CHostileName> names;

@@ -1,17 +1,15 @@
 // PNG resources as picture objects for the ribbon, and what happens when that fails.
-#include "ui/LocalizedResources.h"
-
 #include "res/resource.h"
-
-#include <gtest/gtest.h>
+#include "ui/LocalizedResources.h"
 
 #include <Office.h>
 
-#include <windows.h>
+#include <gtest/gtest.h>
+#include <wrl/client.h>
 
+#include <windows.h>
 #include <ocidl.h>
 #include <olectl.h>
-#include <wrl/client.h>
 
 #include <cstring>
 #include <vector>
@@ -31,7 +29,7 @@ int shutdowns = 0;
 GdiplusStartupFunction* realStartup = nullptr;
 GdiplusShutdownFunction* realShutdown = nullptr;
 
-/// What the startup input says: version, debug callback, and the two things that may be suppressed.
+// What the startup input says: version, debug callback, and the two things that may be suppressed.
 struct StartupInput
 {
     UINT32 version;
@@ -62,7 +60,7 @@ template <typename T> void WriteSlot(T*& slot, T* value)
     VirtualProtect(&slot, sizeof(slot), before, &before);
 }
 
-/// Counts GDI+ startups and shutdowns for its lifetime.
+// Counts GDI+ startups and shutdowns for its lifetime.
 class CGdiplusCounter
 {
 public:
@@ -84,7 +82,7 @@ public:
     CGdiplusCounter& operator=(const CGdiplusCounter&) = delete;
 };
 
-/// Overwrites the beginning of a resource in memory for its lifetime.
+// Overwrites the beginning of a resource in memory for its lifetime.
 class CDamagedResource
 {
 public:
@@ -113,7 +111,7 @@ private:
     BYTE m_kept[16];
 };
 
-/// A ribbon control on the stack that counts how often its id is read and how often it is referenced.
+// A ribbon control on the stack that counts how often its id is read and how often it is referenced.
 class CFakeControl : public IRibbonControl
 {
 public:
@@ -158,7 +156,7 @@ private:
     int m_idsRead = 0;
 };
 
-/// A picture's bitmap: 32 bits a pixel, top row first.
+// A picture's bitmap: 32 bits a pixel, top row first.
 struct Pixels
 {
     LONG width = 0;

@@ -1,4 +1,3 @@
-// A download dialog that says which messages it gets, and an owner that can be told to take it down.
 #include "ui/ObservedDownload.h"
 
 namespace orva::test

@@ -1,9 +1,8 @@
 // Folders, files and links planted under the name that the next download would choose: none is ever used.
-#include "ui/DownloadPaths.h"
-
 #include "harness/Files.h"
 #include "harness/Text.h"
 #include "harness/Waiting.h"
+#include "ui/DownloadPaths.h"
 #include "ui/WatchedDownload.h"
 
 #include <gmock/gmock.h>
@@ -19,10 +18,10 @@ namespace
 
 using testing::StartsWith;
 
-/// Where the report's table, which the hostile names begin, goes on.
+// Where the report's table, which the hostile names begin, goes on.
 constexpr int kFirstNumber = 90;
 
-/// What stands under the name that the next download would choose.
+// What stands under the name that the next download would choose.
 enum class Planted
 {
     Nothing,
@@ -63,8 +62,8 @@ void PrintTo(Planted planted, std::ostream* out)
     *out << NameOf(planted);
 }
 
-/// Makes a symbolic link to a folder, also where the system offers programs no way to: there the host's own
-/// tool does it.
+// Makes a symbolic link to a folder, also where the system offers programs no way to: there the host's own
+// tool does it.
 bool MakeLink(const std::wstring& link, const std::wstring& target)
 {
     using UnixName = char*(__cdecl*)(const wchar_t*);
@@ -96,7 +95,7 @@ bool MakeLink(const std::wstring& link, const std::wstring& target)
 class PlantedNamesTest : public CWatchedDownload, public testing::WithParamInterface<Planted>
 {
 protected:
-    /// False if that cannot be planted here.
+    // False if that cannot be planted here.
     bool Plant(const std::wstring& path) const
     {
         const std::wstring target = Outer() + L"\\target";

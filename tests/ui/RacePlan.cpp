@@ -1,4 +1,3 @@
-// What one of the race test's downloads is to meet: what its server does, what its user does, and when.
 #include "ui/RacePlan.h"
 
 #include "harness/HttpReply.h"

@@ -1,4 +1,3 @@
-// What the race test's downloads did: in which order events came, how often, and what came of it.
 #include "ui/RaceRecord.h"
 
 #include "harness/Report.h"
@@ -16,7 +15,7 @@ constexpr Moment kMoments[] = {Moment::BeforeRequest, Moment::Connecting, Moment
                                Moment::Body,          Moment::DataEnded,  Moment::Failed,
                                Moment::Told};
 
-/// Between the cells of a line.
+// Between the cells of a line.
 constexpr char kSeparator = '|';
 
 constexpr char kNothing[] = "90 nothing done";

@@ -1,4 +1,3 @@
-// One download of the race test: its dialog on the calling thread, its user on another.
 #include "ui/RacingDownload.h"
 
 #include "harness/Files.h"

@@ -1,4 +1,3 @@
-// A download whose server says nothing more, and the user who has had enough of it.
 #include "ui/StalledDownload.h"
 
 #include "harness/FaultyPorts.h"

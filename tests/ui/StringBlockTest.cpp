@@ -12,7 +12,7 @@
 
 namespace
 {
-/// A block as a resource compiler writes it.
+// A block as a resource compiler writes it.
 std::u16string Block(const std::vector<std::u16string>& entries)
 {
     std::u16string block;
@@ -24,7 +24,7 @@ std::u16string Block(const std::vector<std::u16string>& entries)
     return block;
 }
 
-/// The bytes, at an even address, right in front of a page that must not be touched.
+// The bytes, at an even address, right in front of a page that must not be touched.
 class CGuardedBytes
 {
 public:

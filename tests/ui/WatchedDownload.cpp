@@ -1,4 +1,3 @@
-// Downloads in a place where whatever comes to be elsewhere is seen.
 #include "ui/WatchedDownload.h"
 
 #include "harness/Files.h"

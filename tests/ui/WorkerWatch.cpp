@@ -1,12 +1,9 @@
-// Sees how far the workers of several downloads have come, from the WinINet calls that they make.
-// Before anything that includes windows.h, which brings the old sockets otherwise.
-#include <winsock2.h>
-
 #include "ui/WorkerWatch.h"
 
 #include "harness/ImportHook.h"
 #include "harness/Text.h"
 
+#include <winsock2.h>
 #include <wininet.h>
 
 #include <map>
@@ -43,7 +40,7 @@ struct CWorkerWatch::Hooks
                                    DWORD optionalLength);
     static BOOL WINAPI ReadFile(HINTERNET file, LPVOID buffer, DWORD size, LPDWORD read);
     static int WINAPI Receive(SOCKET socket, char* buffer, int size, int flags);
-    /// This thread's download, or null.
+    // This thread's download, or null.
     WatchedDownload* Own();
 
     static Hooks* the;

@@ -1,7 +1,6 @@
 // The answer to a member that the update file does not have.
-#include "update/UpdateCheck.h"
-
 #include "fixture/ProductFixture.h"
+#include "update/UpdateCheck.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,3 @@
-// What the tests of the update check share: a server that publishes, and the texts to expect.
 #include "update/UpdateFixture.h"
 
 namespace orva::test

@@ -9,6 +9,7 @@
 #include <AddInDesignerObjects.h>
 #include <Office.h>
 #include <OfficeObjects.h>
+
 #include <olectl.h>
 
 #include <cstdio>
@@ -48,7 +49,9 @@ BOOL CALLBACK OnWindow(HWND window, LPARAM found)
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
     if (process != GetCurrentProcessId() || !IsWindowVisible(window))
+    {
         return TRUE;
+    }
     *reinterpret_cast<HWND*>(found) = window;
     return FALSE;
 }
@@ -66,15 +69,19 @@ std::wstring ReadMarkup()
     const std::wstring path = Environment(L"ORVA_FAKE_ADDIN_MARKUP");
     FILE* file = path.empty() ? nullptr : _wfopen(path.c_str(), L"rb");
     if (file == nullptr)
+    {
         return text;
+    }
     wchar_t character = 0;
     while (fread(&character, sizeof(character), 1, file) == 1)
+    {
         text += character;
+    }
     fclose(file);
     return text;
 }
 
-/// A red disc on a transparent ground, with premultiplied alpha.
+// A red disc on a transparent ground, with premultiplied alpha.
 HRESULT MakePicture(IDispatch** picture)
 {
     BITMAPINFO info{};
@@ -111,11 +118,17 @@ public:
         // One Invoke serves the callbacks and the click, so one pointer does for both.
         if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) ||
             IsEqualIID(iid, IID__IDTExtensibility2) || IsEqualIID(iid, DIID__CommandBarButtonEvents))
+        {
             *object = static_cast<_IDTExtensibility2*>(this);
+        }
         else if (IsEqualIID(iid, IID_IRibbonExtensibility))
+        {
             *object = static_cast<IRibbonExtensibility*>(this);
+        }
         else
+        {
             return E_NOINTERFACE;
+        }
         AddRef();
         return S_OK;
     }
@@ -124,7 +137,9 @@ public:
     {
         const LONG left = InterlockedDecrement(&m_references);
         if (left == 0)
+        {
             delete this;
+        }
         return static_cast<ULONG>(left);
     }
 
@@ -137,11 +152,17 @@ public:
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override
     {
         if (wcscmp(names[0], L"GetPicture") == 0)
+        {
             *ids = kGetPicture;
+        }
         else if (wcscmp(names[0], L"Press") == 0)
+        {
             *ids = kPress;
+        }
         else
+        {
             return DISP_E_UNKNOWNNAME;
+        }
         return S_OK;
     }
     STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO*,
@@ -164,22 +185,32 @@ public:
     STDMETHODIMP OnConnection(IDispatch* application, ext_ConnectMode, IDispatch*, SAFEARRAY**) override
     {
         if (HasFault(L"fail"))
+        {
             return E_FAIL;
+        }
         if (HasFault(L"throw"))
+        {
             throw std::runtime_error("as the test asked");
+        }
         if (HasFault(L"crash"))
+        {
             RaiseException(EXCEPTION_ACCESS_VIOLATION, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+        }
         _variant_t version;
         GetByName(application, L"Version", version);
         const ComPtr<IDispatch> explorer = ObjectByName(application, L"ActiveExplorer", DISPATCH_METHOD);
         if (explorer && _wtoi(version.bstrVal) < 14)
+        {
             AddCommand(explorer.Get());
+        }
         return S_OK;
     }
     STDMETHODIMP OnDisconnection(ext_DisconnectMode, SAFEARRAY**) override
     {
         if (m_point)
+        {
             m_point->Unadvise(m_cookie);
+        }
         m_point.Reset();
         return S_OK;
     }
@@ -204,31 +235,43 @@ private:
         _variant_t menu;
         if (!menus || FAILED(GetByName(menus.Get(), L"Count", count)) ||
             FAILED(CallByName(menus.Get(), L"Item", DISPATCH_PROPERTYGET, {count}, menu)))
+        {
             return;
+        }
         const ComPtr<IDispatch> controls = ObjectByName(menu.pdispVal, L"Controls");
         _variant_t button;
         if (!controls ||
             FAILED(CallByName(controls.Get(), L"Add", DISPATCH_METHOD,
                               {_variant_t(1L), Missing(), Missing(), Missing(), _variant_t(short{-1})},
                               button)))
+        {
             return;
+        }
         PutByName(button.pdispVal, L"Caption", L"Fake command");
         ComPtr<IConnectionPointContainer> container;
         button.pdispVal->QueryInterface(IID_IConnectionPointContainer,
                                         reinterpret_cast<void**>(container.ReleaseAndGetAddressOf()));
         if (container && SUCCEEDED(container->FindConnectionPoint(DIID__CommandBarButtonEvents, &m_point)))
+        {
             m_point->Advise(static_cast<_IDTExtensibility2*>(this), &m_cookie);
+        }
     }
 
     HRESULT OnClick(const DISPPARAMS& parameters)
     {
         if (parameters.cArgs != 2 || parameters.rgvarg[1].vt != VT_DISPATCH ||
             parameters.rgvarg[0].vt != (VT_BYREF | VT_BOOL))
+        {
             return DISP_E_TYPEMISMATCH;
+        }
         if (HasFault(L"cancel"))
+        {
             *parameters.rgvarg[0].pboolVal = VARIANT_TRUE;
+        }
         if (HasFault(L"box"))
+        {
             ShowBox();
+        }
         return S_OK;
     }
 
@@ -238,12 +281,16 @@ private:
         if (parameters.cArgs != 1 || parameters.rgvarg[0].vt != VT_DISPATCH ||
             FAILED(parameters.rgvarg[0].pdispVal->QueryInterface(
                 IID_IRibbonControl, reinterpret_cast<void**>(control.ReleaseAndGetAddressOf()))))
+        {
             return DISP_E_TYPEMISMATCH;
+        }
         BSTR id = nullptr;
         control->get_Id(&id);
         SysFreeString(id);
         if (HasFault(L"box"))
+        {
             ShowBox();
+        }
         return S_OK;
     }
 
@@ -268,7 +315,9 @@ public:
     {
         *object = nullptr;
         if (outer != nullptr)
+        {
             return CLASS_E_NOAGGREGATION;
+        }
         const ComPtr<_IDTExtensibility2> addIn = new CFakeAddIn;
         return addIn.CopyTo(iid, object);
     }
