@@ -2,10 +2,9 @@
 # and the end; to be sourced by bash. Uses the other libraries and the options that ./run has read.
 # shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the other libraries
 
+# is_newer VERSION: whether the installed add-in takes it for newer than itself.
 is_newer() {
-    local major minor build
-    IFS=. read -r major minor build <<<"$1"
-    ((major > 1 || (major == 1 && (minor > 2 || (minor == 2 && build > 0)))))
+    [ "$1" != "$installed" ] && [ "$(printf '%s\n' "$1" "$installed" | sort -V | tail -n 1)" = "$1" ]
 }
 
 # id_of NAME: a resource's number.
@@ -137,7 +136,7 @@ ask_for_facts() {
         ask_for_answer
         ;;
     silence)
-        asked start-silence "nothing was shown at the start, because 1.2.0 is the latest version"
+        asked start-silence "nothing was shown at the start, because $installed is the latest version"
         ;;
     esac
     case $office in

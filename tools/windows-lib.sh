@@ -68,7 +68,7 @@ meet_offer() {
     if [ "$window_caption" = "$(text_of IDS_UPDATE_TITLE)" ] &&
         [ "$(text_at IDC_UPDATE_INSTALL)" = "$(text_of IDS_UPDATE_INSTALL)" ] &&
         [ "$(text_at IDC_UPDATE_AVAILABLE_VERSION)" = "$(with "$(text_of IDS_AVAILABLE_VERSION)" "$publish")" ] &&
-        [ "$(text_at IDC_UPDATE_INSTALLED_VERSION)" = "$(with "$(text_of IDS_INSTALLED_VERSION)" 1.2.0)" ]; then
+        [ "$(text_at IDC_UPDATE_INSTALLED_VERSION)" = "$(with "$(text_of IDS_INSTALLED_VERSION)" "$installed")" ]; then
         seen "$phase-offer-texts"
     fi
     local button=IDC_UPDATE_INSTALL
