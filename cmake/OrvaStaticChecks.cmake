@@ -54,6 +54,6 @@ orva_static_check(ClangTidy "${ORVA_TOOLS_DIR}/check-tidy" "${CMAKE_BINARY_DIR}"
 # Started early and with both processors, being the longest of all after a change of what everything includes.
 set_tests_properties(static.ClangTidy PROPERTIES PROCESSORS 2 COST 900 TIMEOUT 2400)
 orva_static_check(Cppcheck "${ORVA_TOOLS_DIR}/run-cppcheck" "${CMAKE_BINARY_DIR}")
-orva_static_check(SourceReferences "${ORVA_TOOLS_DIR}/check-sources")
+orva_static_check(Sources "${ORVA_TOOLS_DIR}/check-sources")
 orva_static_check(Format "${ORVA_TOOLS_DIR}/check-format")
 orva_static_check(Shell "${ORVA_TOOLS_DIR}/check-shell")
