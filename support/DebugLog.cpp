@@ -131,3 +131,27 @@ void WriteDebugLog(CLogStream& log, std::string function, std::string label, std
         // No memory for the line: it is lost.
     }
 }
+
+void LogEntry(const char* function) noexcept
+{
+    try
+    {
+        WriteDebugLog(GetDebugLog(), function);
+    }
+    catch (...)
+    {
+        // No memory for the line: it is lost.
+    }
+}
+
+void LogMessage(const char* function, std::string message) noexcept
+{
+    try
+    {
+        WriteDebugLog(GetDebugLog(), function, std::move(message), "");
+    }
+    catch (...)
+    {
+        // No memory for the line: it is lost.
+    }
+}

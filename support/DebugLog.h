@@ -28,3 +28,9 @@ void WriteDebugLog(CLogStream& log, std::string text) noexcept;
 void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::int32_t value) noexcept;
 void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::string value) noexcept;
 void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::wstring value) noexcept;
+
+/// Writes the entry trace of `function` to the process-wide log: its bare name.
+void LogEntry(const char* function) noexcept;
+
+/// Writes a message line to the process-wide log, "FUNCTION() MESSAGE " with the blank at its end.
+void LogMessage(const char* function, std::string message) noexcept;
