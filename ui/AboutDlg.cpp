@@ -13,16 +13,6 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
-namespace
-{
-
-void LogEntry(const char* function)
-{
-    WriteDebugLog(GetDebugLog(), function);
-}
-
-} // namespace
-
 CAboutDlg::CAboutDlg() : CDialog(CAboutDlg::IDD, nullptr) {}
 
 void CAboutDlg::DoDataExchange(CDataExchange* pDX)

@@ -31,7 +31,7 @@ void StartInstaller(const CString& path)
 // NOLINTNEXTLINE(performance-unnecessary-value-param): a copy that outlives what the caller had
 void StartDownloadDialog(CString url, HWND owner)
 {
-    WriteDebugLog(GetDebugLog(), kFunction);
+    LogEntry(kFunction);
     CLocalizedResources& resources = GetLocalizedResources();
 
     const CString fileName = GetFileNameFromUrl(url);

@@ -12,27 +12,18 @@ namespace
 
 constexpr PublishedVersion kInstalled{kVersionMajor, kVersionMinor, kVersionBuild};
 
-int ReadNumber(const json_spirit::wmObject& entry, const std::wstring& name)
-{
-    return FindValue(entry, name).get_int();
-}
-
-void LogNumber(const char* label, int number)
-{
-    WriteDebugLog(GetDebugLog(), "CheckForUpdate", label, number);
-}
-
 } // namespace
 
 PublishedVersion ReadPublishedVersion(const json_spirit::wmObject& entry)
 {
+    constexpr char kFunction[] = "CheckForUpdate";
     PublishedVersion version{};
-    version.major = ReadNumber(entry, L"majorVersion");
-    version.minor = ReadNumber(entry, L"minorVersion");
-    version.build = ReadNumber(entry, L"buildNumber");
-    LogNumber("majorVersion", version.major);
-    LogNumber("minorVersion", version.minor);
-    LogNumber("buildNumber", version.build);
+    version.major = FindValue(entry, L"majorVersion").get_int();
+    version.minor = FindValue(entry, L"minorVersion").get_int();
+    version.build = FindValue(entry, L"buildNumber").get_int();
+    WriteDebugLog(GetDebugLog(), kFunction, "majorVersion", version.major);
+    WriteDebugLog(GetDebugLog(), kFunction, "minorVersion", version.minor);
+    WriteDebugLog(GetDebugLog(), kFunction, "buildNumber", version.build);
     return version;
 }
 

@@ -24,11 +24,6 @@ namespace
 constexpr char kFunction[] = "CheckForUpdate";
 constexpr char kUpdateInfoUrl[] = "http://" ORVA_WEB_HOST "/downloads/outlook/UpdateInfo.txt";
 
-void LogMessage(const std::string& message)
-{
-    WriteDebugLog(GetDebugLog(), kFunction, message, "");
-}
-
 void ShowString(HWND owner, UINT id)
 {
     CLocalizedResources& resources = GetLocalizedResources();
@@ -45,12 +40,12 @@ void ShowStringUnlessSilent(HWND owner, bool silent, UINT id)
 
 std::wstring FetchUpdateInfo()
 {
-    LogMessage(kUpdateInfoUrl);
+    LogMessage(kFunction, kUpdateInfoUrl);
     std::wstring text = CHttpRequest::PerformTextRequest(kUpdateInfoUrl, std::map<std::string, std::string>(),
                                                          CHttpConnection::HTTP_VERB_GET);
     // Written whatever the outcome was; the log's readers know the line as the end of the request.
-    LogMessage("TextRequest succeeded");
-    LogMessage(WideToNarrow(text));
+    LogMessage(kFunction, "TextRequest succeeded");
+    LogMessage(kFunction, WideToNarrow(text));
     return text;
 }
 
@@ -61,12 +56,12 @@ json_spirit::wmValue ParseUpdateInfo(const std::wstring& text, HWND owner)
     json_spirit::wmValue value;
     try
     {
-        LogMessage("parse json");
+        LogMessage(kFunction, "parse json");
         json_spirit::read_or_throw(text, value);
     }
     catch (...)
     {
-        LogMessage("exception thrown while parsing json");
+        LogMessage(kFunction, "exception thrown while parsing json");
         ShowString(owner, IDS_CONNECT_ERROR);
     }
     return value;
@@ -85,11 +80,11 @@ bool OfferUpdate(const CString& description, const PublishedVersion& published)
 
 bool CheckForUpdate(HWND owner, bool silent)
 {
-    WriteDebugLog(GetDebugLog(), kFunction);
+    LogEntry(kFunction);
     const std::wstring text = FetchUpdateInfo();
     if (text.empty())
     {
-        LogMessage("inputData.length() == 0");
+        LogMessage(kFunction, "inputData.length() == 0");
         ShowStringUnlessSilent(owner, silent, IDS_CONNECT_ERROR);
         return true;
     }
@@ -129,7 +124,7 @@ bool CheckForUpdate(HWND owner, bool silent)
 
 void CheckForUpdateExplicit(HWND owner)
 {
-    WriteDebugLog(GetDebugLog(), "CheckForUpdateExplicit");
+    LogEntry("CheckForUpdateExplicit");
     if (!CheckForUpdate(owner, false))
     {
         ShowString(owner, IDS_LATEST_INSTALLED);
@@ -139,7 +134,7 @@ void CheckForUpdateExplicit(HWND owner)
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the check hands its value over
 bool CheckJSONObject(json_spirit::wmValue value, HWND owner, bool silent)
 {
-    WriteDebugLog(GetDebugLog(), "CheckJSONObject");
+    LogEntry("CheckJSONObject");
     if (!value.is_null())
     {
         return false;

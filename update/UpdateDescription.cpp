@@ -35,7 +35,7 @@ std::wstring DescriptionKey(WORD language)
 
 CString DetermineUpdateDescription(const json_spirit::wmObject& entry)
 {
-    WriteDebugLog(GetDebugLog(), "DetermineUpdateDescription");
+    LogEntry("DetermineUpdateDescription");
     const json_spirit::wmValue& description = FindValue(entry, L"description");
     if (description.is_null())
     {
