@@ -33,9 +33,13 @@ bool LoadFound(HINSTANCE module, HRSRC found, ResourceBytes& bytes)
 }
 } // namespace
 
+// Not in an initializer list: the fields are set in their own order there, and the language is computed from
+// the version.
 CLocalizedResources::CLocalizedResources()
-    : m_langId(GetUILanguage()), m_hInstance(_AtlBaseModule.GetModuleInstance())
 {
+    m_officeVersion = 0;
+    m_langId = GetUILanguage();
+    m_hInstance = _AtlBaseModule.GetModuleInstance();
 }
 
 void CLocalizedResources::SetOfficeVersion(int version)

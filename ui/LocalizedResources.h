@@ -61,9 +61,9 @@ public:
     HWND FindOwnProcessWindow() const;
 
 private:
-    WORD m_langId = 0;
-    HINSTANCE m_hInstance = nullptr;
-    int m_officeVersion = 0;
+    WORD m_langId;
+    HINSTANCE m_hInstance;
+    int m_officeVersion;
 };
 
 /// The one localization object of the process, made at the first call.

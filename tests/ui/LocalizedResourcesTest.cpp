@@ -11,7 +11,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstddef>
 #include <cstring>
+#include <new>
 
 using namespace orva::test;
 
@@ -108,6 +111,25 @@ TEST_F(LocalizedResourcesTest, WithoutAnOfficeVersionTextsFollowTheThreadsLangua
     SetThreadLocale(MAKELCID(1033, SORT_DEFAULT));
     EXPECT_EQ(Text(IDS_UPDATE_LATER), "Later");
     SetThreadLocale(before);
+}
+
+TEST_F(LocalizedResourcesTest, ANewObjectTakesNoVersionFromTheMemoryThatItIsMadeIn)
+{
+    m_userLanguage.SetDword(1031);
+    // Memory full of the version of an Office that is in German.
+    alignas(CLocalizedResources) std::array<std::byte, sizeof(CLocalizedResources)> memory;
+    for (std::size_t i = 0; i < memory.size(); i += sizeof(int))
+    {
+        constexpr int kVersion = 14;
+        std::memcpy(&memory[i], &kVersion, sizeof(kVersion));
+    }
+    auto* const resources = new (memory.data()) CLocalizedResources;
+    const LCID before = GetThreadLocale();
+    SetThreadLocale(MAKELCID(1033, SORT_DEFAULT));
+    EXPECT_EQ(resources->GetOfficeVersion(), 0);
+    EXPECT_STREQ(resources->LoadString(IDS_UPDATE_LATER), L"Later");
+    SetThreadLocale(before);
+    resources->~CLocalizedResources();
 }
 
 TEST_F(LocalizedResourcesTest, German)
