@@ -2,10 +2,10 @@
 
 #include "res/resource.h"
 #include "support/RegistryUtilities.h"
-#include "ui/StringBlock.h"
 
 #include <atlbase.h>
 
+#include <cstddef>
 #include <cstdint>
 
 namespace
@@ -19,17 +19,43 @@ struct ResourceBytes
     DWORD size = 0;
 };
 
-// Loads what FindResource found; false with the Win32 error set when that is null or cannot be loaded.
-bool LoadFound(HINSTANCE module, HRSRC found, ResourceBytes& bytes)
+// Loads a resource that FindResource returned; false with the Win32 error set when that is null or cannot be
+// loaded.
+bool LoadResourceBytes(HINSTANCE module, HRSRC resource, ResourceBytes& bytes)
 {
-    const HGLOBAL loaded = found != nullptr ? LoadResource(module, found) : nullptr;
+    const HGLOBAL loaded = resource != nullptr ? LoadResource(module, resource) : nullptr;
     if (loaded == nullptr)
     {
         return false;
     }
     bytes.data = LockResource(loaded);
-    bytes.size = SizeofResource(module, found);
+    bytes.size = SizeofResource(module, resource);
     return bytes.data != nullptr;
+}
+
+// The string `index` of a block of the string table: counted strings, each a 16-bit length and that many
+// units. Empty when the entry is empty, does not exist or does not lie inside the block.
+CString FindString(const ResourceBytes& block, UINT index)
+{
+    const auto* const units = static_cast<const wchar_t*>(block.data);
+    const std::size_t end = block.size / sizeof(wchar_t);
+    // The walk has always compared its position, in units, with the size in bytes. The bytes behind the block
+    // are not ours to read, so every entry there counts as an empty one.
+    const auto lengthAt = [&](std::size_t position) {
+        return position < end ? std::size_t{units[position]} : std::size_t{0};
+    };
+    std::size_t position = 0;
+    UINT count = 0;
+    for (; position < block.size && count != index; ++count)
+    {
+        position += lengthAt(position) + 1;
+    }
+    const std::size_t length = lengthAt(position);
+    if (count != index || length == 0 || length > end - position - 1)
+    {
+        return CString();
+    }
+    return CString(units + position + 1, static_cast<int>(length));
 }
 } // namespace
 
@@ -78,19 +104,18 @@ CString CLocalizedResources::LoadString(UINT id) const
         found = FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(id), kFallbackLanguage);
     }
     ResourceBytes bytes;
-    if (!LoadFound(m_hInstance, found, bytes))
+    if (!LoadResourceBytes(m_hInstance, found, bytes))
     {
         return CString();
     }
-    const std::u16string_view text = FindStringInBlock(bytes.data, bytes.size, id % 16);
-    return CString(reinterpret_cast<const wchar_t*>(text.data()), static_cast<int>(text.length()));
+    return FindString(bytes, id % 16);
 }
 
 HRESULT CLocalizedResources::LoadResourceData(UINT id, const wchar_t* type, const void** data,
                                               DWORD* size) const
 {
     ResourceBytes bytes;
-    if (!LoadFound(m_hInstance, FindResourceW(m_hInstance, MAKEINTRESOURCEW(id), type), bytes))
+    if (!LoadResourceBytes(m_hInstance, FindResourceW(m_hInstance, MAKEINTRESOURCEW(id), type), bytes))
     {
         return HRESULT_FROM_WIN32(GetLastError());
     }
