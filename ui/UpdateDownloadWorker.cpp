@@ -67,23 +67,34 @@ template <typename Operation> bool RunFileOperation(Operation operation, int& os
     }
 }
 
+// Whether `operation` ended without an exception. The debug log belongs to the UI thread, so nothing is
+// written there.
+template <typename Operation> bool EndsWithoutException(Operation operation) noexcept
+{
+    try
+    {
+        operation();
+        return true;
+    }
+    catch (CException* exception)
+    {
+        exception->Delete();
+        return false;
+    }
+    catch (...)
+    {
+        return false;
+    }
+}
+
 } // namespace
 
 UINT CUpdateDownloadDlg::WorkerThread(LPVOID dialog)
 {
     auto* const self = static_cast<CUpdateDownloadDlg*>(dialog);
-    // Nothing may leave the thread, and the dialog ends only by the worker's message. The debug log belongs
-    // to the UI thread, so nothing is written there.
-    try
-    {
-        self->Download();
-    }
-    catch (CException* exception)
-    {
-        exception->Delete();
-        self->PostFinished(kDownloadFailed);
-    }
-    catch (...)
+    // The dialog ends only by the worker's message, so it is posted even if saying why fails too.
+    if (!EndsWithoutException([self] { self->Download(); }) &&
+        !EndsWithoutException([self] { self->FailWithError(ConnectError()); }))
     {
         self->PostFinished(kDownloadFailed);
     }
