@@ -7,9 +7,7 @@
 ///
 /// The name comes from outside. Not ordinary: an empty name; one of only dots and blanks (Windows drops
 /// those, and what is left is the folder or its parent); one with a path separator, a colon (a drive or an
-/// alternate data stream) or a control character; one that Windows reserves for a device, with or without an
-/// extension
-/// ("Naming Files, Paths, and Namespaces" in the Win32 documentation). Characters that merely no file may
-/// have
-/// ('*', '?', ...) are left to CreateFileW, which refuses them with the same error.
+/// alternate data stream) or a control character; one that Windows reserves for a device or the console.
+/// Characters that merely no file may have ('*', '?', ...) are left to CreateFileW, which refuses them with
+/// the same error.
 bool IsPlainFileName(std::wstring_view name);

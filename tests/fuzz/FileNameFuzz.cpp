@@ -25,9 +25,9 @@ std::wstring Upper(std::wstring text)
 
 std::vector<std::wstring> Devices()
 {
-    std::vector<std::wstring> names = {L"CON", L"PRN", L"AUX", L"NUL", L"CONIN$", L"CONOUT$"};
-    for (const wchar_t digit : {L'0', L'1', L'2', L'3', L'4', L'5', L'6', L'7', L'8', L'9', wchar_t(0xB9),
-                                wchar_t(0xB2), wchar_t(0xB3)})
+    std::vector<std::wstring> names = {L"CON", L"PRN", L"AUX", L"NUL"};
+    for (const wchar_t digit :
+         {L'1', L'2', L'3', L'4', L'5', L'6', L'7', L'8', L'9', wchar_t(0xB9), wchar_t(0xB2), wchar_t(0xB3)})
     {
         names.push_back(std::wstring(L"COM") + digit);
         names.push_back(std::wstring(L"LPT") + digit);
@@ -49,6 +49,11 @@ bool IsDevice(const std::wstring& name)
 {
     static const std::vector<std::wstring> devices = Devices();
     const std::wstring upper = Upper(name);
+    // The console's, by no other name than this.
+    if (WithoutTail(upper) == L"CONIN$" || WithoutTail(upper) == L"CONOUT$")
+    {
+        return true;
+    }
     return std::ranges::any_of(devices, [&](const std::wstring& device) {
         if (!upper.starts_with(device))
         {
