@@ -2,7 +2,6 @@
 #include "addin/BackstageMarkup.h"
 #include "addin/Connect.h"
 #include "support/DebugLog.h"
-#include "support/DisabledWindow.h"
 #include "support/ExceptionGuard.h"
 #include "ui/LocalizedResources.h"
 #include "update/UpdateCheck.h"
@@ -48,13 +47,12 @@ STDMETHODIMP CConnect::GetCustomUI(BSTR, BSTR* RibbonXml)
 
 STDMETHODIMP CConnect::ButtonClicked(IDispatch*)
 {
-    return RunGuarded<HRESULT>("CConnect::ButtonClicked", S_OK, [] {
-        WriteDebugLog(GetDebugLog(), "CConnect::ButtonClicked");
+    constexpr char kFunction[] = "CConnect::ButtonClicked";
+    return RunGuarded<HRESULT>(kFunction, S_OK, [&] {
+        LogEntry(kFunction);
         AFX_MANAGE_STATE(AfxGetStaticModuleState());
         AfxSetResourceHandle(_AtlBaseModule.GetModuleInstance());
-        const HWND host = GetLocalizedResources().FindOwnProcessWindow();
-        const CDisabledWindow disabledHost(host);
-        CheckForUpdateExplicit(host);
+        CheckForUpdateOnClick(kFunction, GetLocalizedResources().FindOwnProcessWindow());
         return S_OK;
     });
 }

@@ -2,7 +2,6 @@
 
 #include "support/DebugLog.h"
 #include "support/DisabledWindow.h"
-#include "support/ExceptionGuard.h"
 #include "ui/LocalizedResources.h"
 #include "ui/VersionLine.h"
 #include "ui/WhiteBackground.h"
@@ -53,12 +52,12 @@ void CAboutDlg::MakeTitleBold()
     const HWND title = ::GetDlgItem(m_hWnd, IDC_ABOUT_TITLE);
     const auto current = reinterpret_cast<HFONT>(::SendMessageW(title, WM_GETFONT, 0, 0));
     LOGFONTW font{};
-    if (::GetObjectW(current, sizeof(font), &font) == 0)
+    if (GetObjectW(current, sizeof(font), &font) == 0)
     {
         return;
     }
     font.lfWeight = FW_BOLD;
-    ::SendMessageW(title, WM_SETFONT, reinterpret_cast<WPARAM>(::CreateFontIndirectW(&font)), TRUE);
+    ::SendMessageW(title, WM_SETFONT, reinterpret_cast<WPARAM>(CreateFontIndirectW(&font)), TRUE);
 }
 
 void CAboutDlg::SetTexts()
@@ -92,15 +91,11 @@ void CAboutDlg::OnBnClickedBtnClose()
     CDialog::OnOK();
 }
 
-// An error that the check raises ends here: the dialog is enabled again and stays open.
 void CAboutDlg::OnBnClickedBtnUpdate()
 {
     constexpr char kFunction[] = "CAboutDlg::OnBnClickedBtnUpdate";
     LogEntry(kFunction);
-    RunGuarded(kFunction, [this] {
-        const CDisabledWindow disabledSelf(m_hWnd);
-        CheckForUpdateExplicit(m_hWnd);
-    });
+    CheckForUpdateOnClick(kFunction, m_hWnd);
 }
 
 void CAboutDlg::OnNMClickSyslink(NMHDR* pNMHDR, LRESULT* pResult)

@@ -3,6 +3,8 @@
 #include "OrvaWebHost.h"
 #include "res/resource.h"
 #include "support/DebugLog.h"
+#include "support/DisabledWindow.h"
+#include "support/ExceptionGuard.h"
 #include "support/HttpRequest.h"
 #include "support/JsonUtilities.h"
 #include "support/TextUtilities.h"
@@ -16,6 +18,7 @@
 #include <afxinet.h>
 
 #include <map>
+#include <stdexcept>
 #include <string>
 
 namespace
@@ -129,6 +132,28 @@ void CheckForUpdateExplicit(HWND owner)
     {
         ShowString(owner, IDS_LATEST_INSTALLED);
     }
+}
+
+void CheckForUpdateOnClick(const char* function, HWND owner) noexcept
+{
+    const CDisabledWindow disabledOwner(owner);
+    UINT message = IDS_CONNECT_ERROR;
+    try
+    {
+        CheckForUpdateExplicit(owner);
+        return;
+    }
+    catch (const std::runtime_error&)
+    {
+        // The accessors of the JSON values: a member has another type than expected.
+        LogCaughtException(function);
+        message = IDS_UPDATE_INFO_NOT_PARSED;
+    }
+    catch (...)
+    {
+        LogCaughtException(function);
+    }
+    RunGuarded(function, [&] { ShowString(owner, message); });
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the check hands its value over

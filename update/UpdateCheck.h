@@ -16,13 +16,19 @@
 /// declined build is offered again next time.
 ///
 /// Raises: std::runtime_error of json_spirit when a member has another type than expected ("value type is F
-/// not E"), and std::out_of_range when the server sends no usable Date header. They end at the edge of the
-/// add-in object.
+/// not E"), and std::out_of_range when the server sends no usable Date header.
 bool CheckForUpdate(HWND owner, bool silent);
 
 /// CheckForUpdate on the user's request: not silent, and says so when the installed version is already the
 /// latest.
 void CheckForUpdateExplicit(HWND owner);
+
+/// CheckForUpdateExplicit for a button's handler: disables `owner` meanwhile (null is allowed).
+///
+/// An exception of the check ends here. It is logged under `function`, the handler's name, and the user is
+/// told that the update information could not be parsed (std::runtime_error) or that the connection failed
+/// (any other).
+void CheckForUpdateOnClick(const char* function, HWND owner) noexcept;
 
 /// Whether `value` is missing (null). If it is and `silent` is false, also tells the user that the update
 /// information could not be parsed. A value of any other type passes, whether it is the expected one or not.

@@ -11,6 +11,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char kEntry[] = "CConnect::ButtonClicked";
+constexpr wchar_t kNotParsed[] = L"Update information could not be parsed.";
 
 // The activation context that is active in this thread; null for the program's own.
 HANDLE ActiveContext()
@@ -111,21 +112,23 @@ TEST_F(ButtonClickedTest, SaysThatTheFileIsMissing)
 TEST_F(ButtonClickedTest, SaysThatTheFileHasNoEntry)
 {
     Publish("{}");
-    m_user.AnswerBox(L"Update information could not be parsed.");
+    m_user.AnswerBox(kNotParsed);
     Click();
 }
 
-TEST_F(ButtonClickedTest, AWrongTypeEndsInOneLineAndTheHostIsEnabled)
+TEST_F(ButtonClickedTest, AWrongTypeIsShownAndEndsInOneLineAndTheHostIsEnabled)
 {
     Publish(R"({"x64":{"majorVersion":"one","minorVersion":2,"buildNumber":0}})");
+    m_user.AnswerBox(kNotParsed);
     Click();
     EXPECT_EQ(m_lines.back(), "CConnect::ButtonClicked() Caught exception value type is 2 not 4");
     EXPECT_THAT(m_host.EnableHistory(), ElementsAre(false, true));
 }
 
-TEST_F(ButtonClickedTest, AReplyWithoutDateEndsInOneLineAndTheHostIsEnabled)
+TEST_F(ButtonClickedTest, AReplyWithoutDateIsShownAndEndsInOneLineAndTheHostIsEnabled)
 {
     m_server.On(kUpdateInfoPath, CHttpReply(200, kSameVersion).WithoutDate());
+    m_user.AnswerBox(kConnectError);
     Click();
     EXPECT_EQ(m_lines.back(), "CConnect::ButtonClicked() Caught exception invalid vector<T> subscript");
     EXPECT_THAT(m_host.EnableHistory(), ElementsAre(false, true));
@@ -134,6 +137,7 @@ TEST_F(ButtonClickedTest, AReplyWithoutDateEndsInOneLineAndTheHostIsEnabled)
 TEST_F(ButtonClickedTest, AfterAnExceptionTheNextClickWorks)
 {
     Publish(R"({"x64":{"majorVersion":"one","minorVersion":2,"buildNumber":0}})");
+    m_user.AnswerBox(kNotParsed);
     Click();
     Publish(kSameVersion);
     m_user.AnswerBox(kLatest);
@@ -148,6 +152,7 @@ TEST_F(ButtonClickedTest, TheHostsActivationContextIsActiveAgainAfterwards)
     Click();
     EXPECT_EQ(ActiveContext(), before);
     Publish(R"({"x64":{"majorVersion":"one","minorVersion":2,"buildNumber":0}})");
+    m_user.AnswerBox(kNotParsed);
     Click();
     EXPECT_EQ(ActiveContext(), before);
 }

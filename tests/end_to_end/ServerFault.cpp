@@ -80,7 +80,7 @@ CFault Status(int status, const char* name)
 // Read as JSON, and then not of the types that the check takes.
 CFault WrongType(const char* name, const std::string& text, const Log& then, const char* exception)
 {
-    return {name, Reply(text), Parsed(text, then), {}, {}, exception};
+    return {name, Reply(text), Parsed(text, then), {}, {kNotParsed}, exception};
 }
 
 CFault NothingShown(const char* name, const std::string& text, const Log& then)
@@ -133,7 +133,7 @@ CFault WithoutReply(const char* name, CServerScript script)
 
 CFault WithoutDate(const char* name, CServerScript script)
 {
-    return {name, std::move(script), NoDate(), {}, {}, kNoDateError};
+    return {name, std::move(script), NoDate(), {}, {kConnectError}, kNoDateError};
 }
 
 } // namespace orva::test

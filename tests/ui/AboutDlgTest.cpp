@@ -2,6 +2,7 @@
 #include "ui/AboutDlg.h"
 
 #include "fixture/ProductFixture.h"
+#include "fixture/UserTexts.h"
 #include "harness/Files.h"
 #include "harness/HttpReply.h"
 #include "harness/LoopbackServer.h"
@@ -22,13 +23,15 @@ namespace
 {
 
 constexpr int kDescription = 209;
+constexpr int kLink1 = 213;
+constexpr int kLink2 = 214;
+constexpr int kLink3 = 215;
 constexpr int kTitle = 216;
 constexpr int kVersionLine1 = 221;
 constexpr int kUpdate = 223;
 constexpr int kClose = 224;
 constexpr char kUpdateInfoPath[] = "/downloads/outlook/UpdateInfo.txt";
 constexpr char kEqualVersion[] = R"({"x64": {"majorVersion": 1, "minorVersion": 2, "buildNumber": 0}})";
-constexpr wchar_t kLatest[] = L"You already have the latest version of the ORVA Connector. ";
 
 void Close(HWND dialog)
 {
@@ -74,10 +77,10 @@ TEST_F(AboutDlgTest, EnglishTexts)
     EXPECT_EQ(about.Control(217), L"More information");
     EXPECT_EQ(about.Control(218),
               L"The following links provide you with information about use and troubleshooting:");
-    EXPECT_EQ(about.Control(213),
+    EXPECT_EQ(about.Control(kLink1),
               L"<a href=\"http://www.orva.example/outlook\">ORVA Connector information</a>");
-    EXPECT_EQ(about.Control(214), L"<a href=\"http://www.orva.example/outlook/faqs\">FAQs</a>");
-    EXPECT_EQ(about.Control(215),
+    EXPECT_EQ(about.Control(kLink2), L"<a href=\"http://www.orva.example/outlook/faqs\">FAQs</a>");
+    EXPECT_EQ(about.Control(kLink3),
               L"<a href=\"http://www.orva.example/app/user?op=imprint\">About this site</a>");
     EXPECT_EQ(about.Control(219), L"Version");
     EXPECT_EQ(about.Control(220),
@@ -112,7 +115,7 @@ TEST_F(AboutDlgTest, GermanTexts)
     EXPECT_EQ(about.Control(217), L"Weitere Informationen");
     EXPECT_EQ(about.Control(kUpdate), L"Aktualisieren");
     EXPECT_EQ(about.Control(kClose), L"Schließen");
-    EXPECT_EQ(about.Control(214),
+    EXPECT_EQ(about.Control(kLink2),
               L"<a href=\"http://www.orva.example/outlook/faqs\">Häufig gestellte Fragen</a>");
     EXPECT_EQ(about.Control(kVersionLine1), L"Version 1.2.0 (64-Bit)");
 }
@@ -163,7 +166,7 @@ TEST_F(AboutDlgTest, EscapeEndsIt)
     Show();
 }
 
-TEST_F(AboutDlgTest, EnterPressesCloseFromALink)
+TEST_F(AboutDlgTest, EnterPressesCloseWhenCloseHasTheFocus)
 {
     const CLogMark log;
     OnAbout([](HWND dialog) {
@@ -174,10 +177,28 @@ TEST_F(AboutDlgTest, EnterPressesCloseFromALink)
     EXPECT_TRUE(log.Has("CAboutDlg::OnBnClickedBtnClose"));
 }
 
+// A link takes Enter for itself and reports it as NM_RETURN, which the dialog does not handle: neither the
+// link nor the default button is pressed.
+TEST_F(AboutDlgTest, EnterOnALinkDoesNothing)
+{
+    const CLogMark log;
+    OnAbout([&](HWND dialog) {
+        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, kLink1)), TRUE);
+        EXPECT_TRUE(TypeKey(dialog, VK_RETURN));
+        // Once the focus has moved on, Enter has been dealt with.
+        EXPECT_TRUE(TypeKey(dialog, VK_TAB));
+        EXPECT_TRUE(WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, kLink2); }));
+        EXPECT_FALSE(log.Has("CAboutDlg::OnNMClickSyslink"));
+        EXPECT_FALSE(log.Has("CAboutDlg::OnBnClickedBtnClose"));
+        Close(dialog);
+    });
+    Show();
+}
+
 TEST_F(AboutDlgTest, TabVisitsTheLinksThenUpdateThenClose)
 {
     OnAbout([](HWND dialog) {
-        for (const int id : {213, 214, 215, kUpdate, kClose, 213})
+        for (const int id : {kLink1, kLink2, kLink3, kUpdate, kClose, kLink1})
         {
             EXPECT_TRUE(WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, id); })) << id;
             EXPECT_TRUE(TypeKey(dialog, VK_TAB));
@@ -237,19 +258,37 @@ TEST_F(AboutDlgTest, NeitherButtonReactsWhileTheCheckRunsAndBothWorkAfter)
     EXPECT_EQ(m_seen[1].owner, about);
 }
 
-TEST_F(AboutDlgTest, CheckThatRaisesLeavesTheDialogOpenAndEnabledAndIsLogged)
+TEST_F(AboutDlgTest, UpdatePressedTwiceChecksTwice)
+{
+    Publish(CHttpReply(200, kEqualVersion));
+    const auto press = [](int control) {
+        const HWND about = FindTopLevelWindow({.childId = kTitle});
+        return WaitUntilEnabled(about) && ClickButton(about, control);
+    };
+    OnAbout([](HWND dialog) { ClickButton(dialog, kUpdate); });
+    m_user.AnswerBox(kLatest).Then("update again", [&] { return press(kUpdate); });
+    m_user.AnswerBox(kLatest).Then("close", [&] { return press(kClose); });
+    Show();
+    EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 2u);
+}
+
+TEST_F(AboutDlgTest, CheckThatRaisesIsShownAndLoggedAndLeavesTheDialogOpenAndEnabled)
 {
     Publish(CHttpReply(200, R"({"x64": {"majorVersion": "1"}})"));
     const CLogMark log;
+    HWND about = nullptr;
     OnAbout([&](HWND dialog) {
+        about = dialog;
         ClickButton(dialog, kUpdate);
-        EXPECT_TRUE(
-            WaitForLogText("CAboutDlg::OnBnClickedBtnUpdate() Caught exception value type is 2 not 4"));
-        EXPECT_TRUE(WaitUntilEnabled(dialog));
-        Close(dialog);
+    });
+    m_user.AnswerBox(kNotParsed).Then("close", [&] {
+        EXPECT_TRUE(log.Has("CAboutDlg::OnBnClickedBtnUpdate() Caught exception value type is 2 not 4"));
+        return WaitUntilEnabled(about) && ClickButton(about, kClose);
     });
     Show();
-    EXPECT_EQ(m_seen.size(), 1u);
+    ASSERT_EQ(m_seen.size(), 2u);
+    EXPECT_EQ(m_seen[1].owner, about);
+    EXPECT_FALSE(m_seen[1].ownerEnabled);
 }
 
 TEST_F(AboutDlgTest, BackgroundIsWhite)
@@ -303,9 +342,9 @@ TEST_P(AboutDlgLinkTest, OpensItsExactAddressAndLeavesTheDialogOpen)
 }
 
 INSTANTIATE_TEST_SUITE_P(Links, AboutDlgLinkTest,
-                         ::testing::Values(std::pair{213, "http://www.orva.example/outlook"},
-                                           std::pair{214, "http://www.orva.example/outlook/faqs"},
-                                           std::pair{215, "http://www.orva.example/app/user?op=imprint"}));
+                         ::testing::Values(std::pair{kLink1, "http://www.orva.example/outlook"},
+                                           std::pair{kLink2, "http://www.orva.example/outlook/faqs"},
+                                           std::pair{kLink3, "http://www.orva.example/app/user?op=imprint"}));
 
 } // namespace
 } // namespace orva::test
