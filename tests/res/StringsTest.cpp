@@ -23,6 +23,9 @@ std::string Text(WORD language, UINT id)
 const std::map<UINT, std::string> kFixedEnglish = {
     {101, "Cancel"},
     {102, "ORVA Connector"},
+    {105,
+     "This add-in tells you about the ORVA Connector and keeps it up to date: when Outlook starts, it looks "
+     "for a newer version, which is installed only with your consent."},
     {106, "More information"},
     {107, "The following links provide you with information about use and troubleshooting:"},
     {108, "ORVA Connector information"},
@@ -108,8 +111,8 @@ TEST(StringsTest, TheEnglishTextsAreExact)
     {
         EXPECT_EQ(Text(kEnglish, id), text) << id;
     }
-    // The four that the product's own words fill.
-    EXPECT_EQ(kFixedEnglish.size(), kLastId - kFirstId + 1 - 4);
+    // All but the first two paragraphs and the legal notice.
+    EXPECT_EQ(kFixedEnglish.size(), kLastId - kFirstId + 1 - 3);
 }
 
 TEST(StringsTest, LinksAndProductNameAreTheSameInEveryLanguage)
@@ -189,13 +192,59 @@ TEST(StringsTest, OfTheBackstageTextsOnlyTheSpanishRequestIsNotFitForMarkup)
 
 TEST(StringsTest, TheFixedTranslationsAreExact)
 {
-    EXPECT_EQ(Text(kGerman, 118), "Neues Update verfügbar");
-    EXPECT_EQ(Text(kGerman, 119), "Installieren");
-    EXPECT_EQ(Text(kGerman, 120), "Später");
-    EXPECT_EQ(Text(kGerman, 140), "Version %d.%d.%d (%d-Bit)");
-    EXPECT_EQ(Text(kSpanish, 140), "Version %d.%d.%d (%d-Bit)");
-    EXPECT_EQ(Text(kTurkish, 125), "%s - %s");
-    EXPECT_EQ(Text(kTurkish, 129), "%dkb - %dkb");
+    const std::map<WORD, std::map<UINT, std::string>> fixed = {
+        {kGerman,
+         {{113,
+           "Klicken Sie bitte auf „Aktualisieren“, um sicherzustellen, dass die neueste Version des ORVA "
+           "Connector-Plug-ins installiert ist."},
+          {116, "Die Updateinformationen konnten nicht ausgewertet werden."},
+          {118, "Neues Update verfügbar"},
+          {119, "Installieren"},
+          {120, "Später"},
+          {121, "Fehler beim Herstellen der Verbindung mit dem Updateserver."},
+          {124, "Die Datei konnte nicht erstellt werden. Fehlercode: %d"},
+          {140, "Version %d.%d.%d (%d-Bit)"}}},
+        {kSpanish,
+         {{104,
+           "Mantiene sus contactos de la red a mano en Outlook, para que pueda comunicarse con las personas "
+           "adecuadas sin salir de la bandeja de entrada."},
+          {105,
+           "Este complemento le informa sobre ORVA Connector y se encarga de que esté siempre actualizado: "
+           "al "
+           "iniciarse Outlook, busca una versión más reciente, que solo se instala con su consentimiento."},
+          {116, "No se pudo analizar la información de actualización."},
+          {124, "No se pudo crear el archivo. Código de error: %d"},
+          {132, "Se ha cancelado la descarga de la actualización.\nHaga clic en el botón \"Actualizar\" para "
+                "intentar descargarla de nuevo."},
+          {133, "No se pudo analizar la URL: %s"},
+          {134, "No se pudo crear el directorio temporal."},
+          {140, "Version %d.%d.%d (%d-Bit)"}}},
+        {kTurkish,
+         {{113, "ORVA Connector eklentisinin en son sürümünü yüklediğinizden emin olmak için lütfen Güncelle "
+                "düğmesine tıklayın."},
+          {116, "Güncelleme bilgileri ayrıştırılamadı."},
+          {124, "Dosya oluşturulamadı. Hata kodu: %d"},
+          {125, "%s - %s"},
+          {129, "%dkb - %dkb"},
+          {133, "URL ayrıştırılamadı: %s"},
+          {137, "ORVA Connector'ın en son sürümü zaten yüklü. "},
+          {138, "ORVA Connector Hakkında..."}}},
+    };
+    for (const auto& [language, texts] : fixed)
+    {
+        for (const auto& [id, text] : texts)
+        {
+            EXPECT_EQ(Text(language, id), text) << LanguageName(language) << " " << id;
+        }
+    }
+}
+
+TEST(StringsTest, TheRequestNamesTheButtonAsItIsLabelled)
+{
+    for (const WORD language : {kGerman, kSpanish, kTurkish})
+    {
+        EXPECT_NE(Text(language, 113).find(Text(language, 114)), std::string::npos) << LanguageName(language);
+    }
 }
 
 TEST(StringsTest, SpecialCharactersOfEachLanguageArriveAsTheyWereWritten)
