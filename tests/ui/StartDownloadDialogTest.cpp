@@ -221,6 +221,19 @@ TEST_F(StartDownloadDialogTest, WithoutContentLengthTheCaptionStaysTheTemplates)
     EXPECT_EQ(Left(), kFileLeft);
 }
 
+TEST_F(StartDownloadDialogTest, WithoutContentLengthTheRateStillUpdates)
+{
+    const std::string bytes =
+        CHttpReply(200, std::string(size_t{20} * 1024, 'x')).Without("Content-Length").Bytes();
+    m_server.On(kInstallerPath, CServerScript().SendSlowly(bytes, 1024, 150));
+    OnDownloadDialog([](HWND dialog) {
+        EXPECT_TRUE(WaitUntil([&] { return ChildText(dialog, kRateText).ends_with(L" kb/s"); }));
+        EXPECT_EQ(WindowText(dialog), kTemplateCaption);
+        EXPECT_EQ(ChildText(dialog, kTimeText), L"");
+    });
+    DownloadInstaller();
+}
+
 TEST_F(StartDownloadDialogTest, ShowsPercentageNameServerAndLabels)
 {
     const std::string body(10'000, 'x');

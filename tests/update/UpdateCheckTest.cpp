@@ -164,6 +164,14 @@ TEST_F(UpdateCheckTest, NewerVersionIsOfferedAndLaterDownloadsNothingAndAsksNoMo
     EXPECT_EQ(m_server.Requests().size(), 1u);
 }
 
+TEST_F(UpdateCheckTest, EscapeInTheOfferDownloadsNothing)
+{
+    Publish(OfferOf(kLaterLink));
+    m_user.OnDialog(kOfferCaption, [](HWND dialog) { EXPECT_TRUE(TypeKey(dialog, VK_ESCAPE)); });
+    CheckExplicit();
+    EXPECT_EQ(m_server.Requests().size(), 1u);
+}
+
 TEST_F(UpdateCheckTest, NewerVersionIsOfferedSilentlyToo)
 {
     Publish(OfferOf(kLaterLink));
@@ -319,6 +327,15 @@ TEST_F(UpdateCheckTest, MissingDescriptionOfANewerBuildSaysNotParsedOnlyWhenAske
     user.AnswerBox(kNotParsed).Start();
     EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), false));
     EXPECT_EQ(user.Finish().size(), 1u);
+}
+
+TEST_F(UpdateCheckTest, EmptyTurkishDescriptionSaysNotParsedInTurkish)
+{
+    const COfficeLanguage turkish(1055);
+    Publish(UpdateInfo("1.3.0",
+                       R"(, "downloadLink": "http://x/y", "description": {"tr": "", "default": "text"})"));
+    m_user.AnswerBox(L"Güncelleme bilgileri ayrıştırılamadı.");
+    EXPECT_TRUE(Check(false));
 }
 
 TEST_F(UpdateCheckTest, RootThatIsNoObjectRaisesTheTypeErrorAndShowsNothing)
