@@ -86,7 +86,7 @@ std::vector<CFault> HttpFaults()
          gzipReply(half),
          Unparsed(halfText, {"CheckJSONObject", "CheckJSONObject"}),
          {kConnectError},
-         {kConnectError},
+         {kConnectError, kNotParsed},
          "value type is 6 not 4"},
         {"GzipThatIsNone", gzipReply(g_latestInfo), EmptyTextLog(), {}, {kConnectError}},
         {"GzipOfMoreThanTheLimit",

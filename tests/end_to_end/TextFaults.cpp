@@ -28,7 +28,7 @@ std::vector<CFault> TextFaults()
          Reply(deep),
          Unparsed(deep, {"CheckJSONObject"}),
          {kConnectError},
-         {kConnectError},
+         {kConnectError, kNotParsed},
          "value type is 1 not 0"},
         NothingShown("RootIsNull", "null", {"CheckJSONObject"}),
         NothingShown("NoEntry", R"({"x86":{}})", {"CheckJSONObject", "CheckJSONObject"}),
