@@ -59,7 +59,7 @@ std::vector<CHostileName> DeviceNames()
         {0, "device with a colon", L"NUL:", Refused},
         {0, "input console", L"CONIN$", Refused},
         {0, "output console and a dot", L"conout$.", Refused},
-        {0, "like a console and none", L"CONOUT$.bin", Created},
+        {0, "like a console and none", L"CONOUT$.bin", CreatedOrConsole},
         {0, "serial port", L"COM1.bin", Refused},
         {0, "serial port 0, which none is", L"COM0.bin", Created},
         {0, "serial port, superscript", L"COM\u00B9.bin", Refused},

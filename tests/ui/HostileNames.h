@@ -19,7 +19,9 @@ enum class NameFate
     RefusedBySystem,
     /// A file in the fresh folder, whatever the name meant.
     Created,
-    /// The one or the other, as the system's limits are.
+    /// A file in the fresh folder. Wine 8 opens the console instead, and makes nothing.
+    CreatedOrConsole,
+    /// Created, or refused by the system, as its limits are.
     CreatedOrRefused,
 };
 

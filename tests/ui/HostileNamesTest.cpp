@@ -49,6 +49,9 @@ protected:
             // The progress, and the shell's own message that it cannot start such a file.
             EXPECT_EQ(m_seen.size(), 2u);
             break;
+        case NameFate::CreatedOrConsole:
+            EXPECT_EQ(m_seen.size(), 2u);
+            break;
         case NameFate::CreatedOrRefused:
             EXPECT_TRUE(isCreated || Shown().back() == kUpdateCanceled);
             break;
