@@ -16,12 +16,12 @@ constexpr wchar_t kNamePrefix[] = L"osc";
 constexpr int kRandomCharacters = 6;
 constexpr int kMaxFolderAttempts = 100;
 
-// A name of the same shape as MakeTempName's that nobody can foretell.
+// A name like MakeTempName's, but one that nobody can predict.
 CString MakeRandomName()
 {
     constexpr std::wstring_view kAlphabet = L"abcdefghijklmnopqrstuvwxyz0123456789";
     GUID guid{};
-    // A version 4 GUID is random but for a few fixed bits; its first six bytes hold none of those.
+    // A version 4 GUID is random except for a few fixed bits, none of which is in its first six bytes.
     if (FAILED(CoCreateGuid(&guid)))
     {
         return MakeTempName();

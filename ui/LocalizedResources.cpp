@@ -59,8 +59,8 @@ CString FindString(const ResourceBytes& block, UINT index)
 }
 } // namespace
 
-// Not in an initializer list: the fields are set in their own order there, and the language is computed from
-// the version.
+// In the body and not in an initializer list, which follows the order of the fields: the language is computed
+// from the version.
 CLocalizedResources::CLocalizedResources()
 {
     m_officeVersion = 0;
@@ -84,8 +84,8 @@ WORD CLocalizedResources::GetUILanguage() const
     key.Format(L"SOFTWARE\\Microsoft\\Office\\%d.0\\Common\\LanguageResources", m_officeVersion);
 
     std::int32_t language = ReadRegistryDword(key.GetString(), L"UILanguage");
-    // 0 says "as installed". A value that is missing reads as -1 and is not asked about again: such an Office
-    // shows empty texts, as it always has.
+    // 0 means "as installed". A missing value reads as -1, which does not lead to the install language: with
+    // such an Office every text is empty, and that is kept.
     if (language == 0)
     {
         language = ReadRegistryDword(key.GetString(), L"InstallLanguage");
@@ -99,8 +99,8 @@ CString CLocalizedResources::LoadString(UINT id) const
     HRSRC found = FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(block), m_langId);
     if (found == nullptr)
     {
-        // Names the string where a block is to be named, so nothing is found and the text is empty. A
-        // language without a table is to show empty texts and not English ones: kept on purpose.
+        // This names the string instead of its block, so nothing is found and the text is empty. Kept on
+        // purpose: a language without a table shows empty texts and not English ones.
         found = FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(id), kFallbackLanguage);
     }
     ResourceBytes bytes;

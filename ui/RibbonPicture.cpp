@@ -105,7 +105,7 @@ HRESULT CLocalizedResources::LoadPngPicture(IDispatch* control, IPictureDisp** p
     DWORD size = 0;
     if (FAILED(LoadResourceData(resourceId, L"PNG", &data, &size)))
     {
-        // Leaves GDI+ started, on this way out only: a picture that the module lacks has always ended so.
+        // GDI+ stays started after this failure only. Kept as it is.
         return S_OK;
     }
 

@@ -28,7 +28,7 @@ void StartInstaller(const CString& path)
 
 } // namespace
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): a copy that outlives what the caller had
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface takes a copy
 void StartDownloadDialog(CString url, HWND owner)
 {
     LogEntry(kFunction);

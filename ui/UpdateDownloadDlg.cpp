@@ -90,8 +90,8 @@ bool CUpdateDownloadDlg::OpenTargetFile()
     }
     else
     {
-        // The link's name would lead to something else than a file in the fresh folder. It is refused the way
-        // Windows refuses a name that no file can have.
+        // The link's name does not lead to a file in the fresh folder. It is refused with the error that
+        // Windows gives for a name that no file can have.
         SetLastError(ERROR_INVALID_NAME);
     }
     const int error = static_cast<int>(GetLastError());
@@ -177,8 +177,8 @@ void CUpdateDownloadDlg::OnDestroy()
     {
         if (!m_finished)
         {
-            // The window is being taken down under a running download (its owner was destroyed, for
-            // instance). Without this the wait would last as long as the server pleases.
+            // The window is destroyed during the download, for instance because its owner was. Without this
+            // the wait could last as long as the server is silent.
             CloseInternetHandles();
             m_cancelled = TRUE;
         }

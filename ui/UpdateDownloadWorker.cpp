@@ -25,7 +25,8 @@ constexpr wchar_t kAcceptEncoding[] = L"Accept-Encoding: identity, *;q=0\r\n";
 constexpr wchar_t kUserAgent[] = L"User-Agent: ORVA OSC Outlook Add-In\r\n";
 constexpr DWORD kTerminated = static_cast<DWORD>(-1);
 
-// Truncates towards zero; a server's odd length must not become a conversion that C++ leaves undefined.
+// Truncates towards zero. A number that no int can hold, as an odd length from the server may lead to,
+// becomes the nearest int: its conversion would be undefined.
 int TruncateToInt(double value)
 {
     constexpr double kMinimum = std::numeric_limits<int>::min();
@@ -50,8 +51,7 @@ CString ConnectError()
     return GetLocalizedResources().LoadString(IDS_CONNECT_ERROR);
 }
 
-// CFile reports by an exception object that its catcher has to delete. Gives false and the system's error
-// code.
+// Whether `operation` ended without a CFileException. If not, `osError` is the system's error code.
 template <typename Operation> bool RunFileOperation(Operation operation, int& osError)
 {
     try
@@ -162,8 +162,7 @@ bool CUpdateDownloadDlg::SendRequest()
     std::array<wchar_t, kInfoCharacters> text;
     if (!QueryText(m_hRequest, HTTP_QUERY_STATUS_CODE, text))
     {
-        // The file stays open and on disk here, unlike after every other failure; the next cleaning of the
-        // temporary folder takes it.
+        // Unlike after every other failure the file stays open and on disk. Kept on purpose.
         FailWithMessage(ConnectError());
         return false;
     }
@@ -173,7 +172,7 @@ bool CUpdateDownloadDlg::SendRequest()
         FailWithError(ConnectError(), status);
         return false;
     }
-    // Asked for and not looked at: the request allows no other coding than identity.
+    // Queried but not used: the request allows no other coding than identity.
     QueryText(m_hRequest, HTTP_QUERY_CONTENT_ENCODING, text);
     return true;
 }

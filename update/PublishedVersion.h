@@ -19,7 +19,7 @@ PublishedVersion ReadPublishedVersion(const json_spirit::wmObject& entry);
 /// build). An equal version is not newer.
 bool IsNewerThanInstalled(const PublishedVersion& published);
 
-// "major.minor.build".
+/// "major.minor.build".
 CString FormatVersion(const PublishedVersion& version);
 
 /// The add-in's own version, in the same form.

@@ -156,7 +156,7 @@ void CheckForUpdateOnClick(const char* function, HWND owner) noexcept
     RunGuarded(function, [&] { ShowString(owner, message); });
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): the check hands its value over
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface takes a copy
 bool CheckJSONObject(json_spirit::wmValue value, HWND owner, bool silent)
 {
     LogEntry("CheckJSONObject");

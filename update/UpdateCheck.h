@@ -16,7 +16,8 @@
 /// declined build is offered again next time.
 ///
 /// Raises: std::runtime_error of json_spirit when a member has another type than expected ("value type is F
-/// not E"), and std::out_of_range when the server sends no usable Date header.
+/// not E"), std::out_of_range when the server sends no usable Date header, and CInternetException* when no
+/// Internet session can be opened.
 bool CheckForUpdate(HWND owner, bool silent);
 
 /// CheckForUpdate on the user's request: not silent, and says so when the installed version is already the

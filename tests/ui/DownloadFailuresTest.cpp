@@ -12,9 +12,6 @@ namespace
 
 using DownloadFailuresTest = CDownloadTest;
 
-const std::vector<std::wstring> kEmptyFolderLeft{L"osc??????\\"};
-const std::vector<std::wstring> kFileLeft{L"osc??????\\", L"osc??????\\setup.orvatest"};
-
 BOOL WINAPI ReadWithoutMemory(HINTERNET, LPVOID, DWORD, LPDWORD)
 {
     throw std::bad_alloc();

@@ -21,6 +21,10 @@ namespace orva::test
 
 inline constexpr char kInstallerPath[] = "/setup.orvatest";
 
+/// What CDownloadTest::Left gives when the file is gone and when it is there.
+inline const std::vector<std::wstring> kEmptyFolderLeft{L"osc??????\\"};
+inline const std::vector<std::wstring> kFileLeft{L"osc??????\\", L"osc??????\\setup.orvatest"};
+
 /// A file type of the test's own, opened with the verb that the installer is started with. The command ends
 /// at once and leaves "NAME.started" beside the file, so that a test sees that it ran.
 class CInstallerType

@@ -9,8 +9,8 @@
 namespace orva::test
 {
 
-/// Sets it for its lifetime; in a process that RunInProcesses started, relies on the starter's object. Those
-/// processes would otherwise take it back under each other's feet.
+/// Sets it for its lifetime. In a process that RunInProcesses started it does nothing: the settings are the
+/// starter's, and the processes would undo each other's.
 class CDownloadSettings
 {
 public:

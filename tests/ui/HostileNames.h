@@ -1,4 +1,4 @@
-// Last segments of a download link as somebody might choose them who wants a file elsewhere.
+// File names in a download link that try to put the file somewhere else.
 #pragma once
 
 #include <iosfwd>

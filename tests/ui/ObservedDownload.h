@@ -1,4 +1,4 @@
-// A download dialog that says which messages it gets, and an owner that can be told to take it down.
+// A download dialog that reports the messages it gets, and an owner window that can destroy it.
 #pragma once
 
 #include "ui/UpdateDownloadDlg.h"

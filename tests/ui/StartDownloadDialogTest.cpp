@@ -13,9 +13,6 @@ namespace
 
 using StartDownloadDialogTest = CDownloadTest;
 
-const std::vector<std::wstring> kEmptyFolderLeft{L"osc??????\\"};
-const std::vector<std::wstring> kFileLeft{L"osc??????\\", L"osc??????\\setup.orvatest"};
-
 std::wstring TextOf(const std::vector<CSeenWindow>& seen, size_t index)
 {
     return index < seen.size() ? seen[index].text : L"(no window)";
