@@ -134,24 +134,10 @@ void WriteDebugLog(CLogStream& log, std::string function, std::string label, std
 
 void LogEntry(const char* function) noexcept
 {
-    try
-    {
-        WriteDebugLog(GetDebugLog(), function);
-    }
-    catch (...)
-    {
-        // No memory for the line: it is lost.
-    }
+    WriteDebugLog(GetDebugLog(), function);
 }
 
 void LogMessage(const char* function, std::string message) noexcept
 {
-    try
-    {
-        WriteDebugLog(GetDebugLog(), function, std::move(message), "");
-    }
-    catch (...)
-    {
-        // No memory for the line: it is lost.
-    }
+    WriteDebugLog(GetDebugLog(), function, std::move(message), "");
 }

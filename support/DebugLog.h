@@ -29,8 +29,7 @@ void WriteDebugLog(CLogStream& log, std::string function, std::string label, std
 void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::string value) noexcept;
 void WriteDebugLog(CLogStream& log, std::string function, std::string label, std::wstring value) noexcept;
 
-/// Writes the entry trace of `function` to the process-wide log: its bare name.
+/// Write one entry to the process-wide log: the entry trace of `function`, and a message line, whose value is
+/// empty.
 void LogEntry(const char* function) noexcept;
-
-/// Writes a message line to the process-wide log, "FUNCTION() MESSAGE " with the blank at its end.
 void LogMessage(const char* function, std::string message) noexcept;

@@ -102,6 +102,8 @@ TEST(DebugLogChild, DISABLED_WritesEveryForm)
     WriteDebugLog(GetDebugLog(), "CheckForUpdate", "TextRequest succeeded", "");
     WriteDebugLog(GetDebugLog(), "F", "", std::wstring());
     WriteDebugLog(GetDebugLog(), "");
+    LogEntry("CConnect::OnConnection");
+    LogMessage("CConnect::OnConnection", "check for updates");
 }
 
 TEST(DebugLogChild, DISABLED_ReadsTheFileAfterEachEntry)
@@ -242,13 +244,14 @@ TEST_F(DebugLog, WritesEveryFormToFileAndDebugger)
                                    "CHttpRequest::PerformTextRequest() response httpStatus 200",
                                    "F() negative -2147483648", "F() status -1", "F() narrow \xE4 text",
                                    "F() literal a b", "F() wide \xE4\x16\xAC",
-                                   "CheckForUpdate() TextRequest succeeded ", "F()  ", ""));
+                                   "CheckForUpdate() TextRequest succeeded ", "F()  ", "",
+                                   "CConnect::OnConnection", "CConnect::OnConnection() check for updates "));
     EXPECT_EQ(ReadLogTexts(), lines);
 }
 
 TEST_F(DebugLog, WritesEveryFormToTheDebuggerWhenOff)
 {
-    EXPECT_EQ(RunScript("WritesEveryForm").size(), 10U);
+    EXPECT_EQ(RunScript("WritesEveryForm").size(), 12U);
     EXPECT_FALSE(FolderExists(LogFolder()));
 }
 
@@ -370,7 +373,7 @@ TEST_F(DebugLog, AFileThatCannotBeOpenedLeavesTheLogOff)
     m_user.SetDword(1);
     CreateDirectoryW(LogFolder().c_str(), nullptr);
     CreateDirectoryW(LogPath().c_str(), nullptr);
-    EXPECT_THAT(RunScript("WritesEveryForm").size(), 10U);
+    EXPECT_THAT(RunScript("WritesEveryForm").size(), 12U);
     EXPECT_TRUE(FolderExists(LogPath()));
 }
 
