@@ -32,26 +32,21 @@ constexpr DISPID kClick = 1;
 // The first Office with a Backstage view; earlier ones get the menu command.
 constexpr int kFirstBackstageOffice = 14;
 
-void LogConnection(const char* message)
-{
-    WriteDebugLog(GetDebugLog(), kOnConnection, message, "");
-}
-
 void LogConnectMode(int mode)
 {
     switch (mode)
     {
     case ext_cm_AfterStartup:
-        LogConnection("ext_cm_AfterStartup");
+        LogMessage(kOnConnection, "ext_cm_AfterStartup");
         break;
     case ext_cm_Startup:
-        LogConnection("ext_cm_Startup");
+        LogMessage(kOnConnection, "ext_cm_Startup");
         break;
     case ext_cm_External:
-        LogConnection("ext_cm_External");
+        LogMessage(kOnConnection, "ext_cm_External");
         break;
     case ext_cm_CommandLine:
-        LogConnection("ext_cm_CommandLine");
+        LogMessage(kOnConnection, "ext_cm_CommandLine");
         break;
     default:
         break;
@@ -87,7 +82,7 @@ STDMETHODIMP CConnect::Invoke(DISPID dispIdMember, REFIID riid, LCID lcid, WORD 
                               UINT* puArgErr)
 {
     return RunGuarded<HRESULT>("CConnect::Invoke", E_UNEXPECTED, [&] {
-        WriteDebugLog(GetDebugLog(), "CConnect::Invoke");
+        LogEntry("CConnect::Invoke");
         HRESULT hr = DISP_E_MEMBERNOTFOUND;
         if (dispIdMember >= kFirstRibbonCallback && dispIdMember < kRibbonCallbacksEnd)
         {
@@ -115,7 +110,7 @@ STDMETHODIMP CConnect::OnConnection(IDispatch* Application, ext_ConnectMode Conn
     // A number from here on: a host may say a mode that the enumeration does not have.
     const int connectMode = ConnectMode;
     return RunGuarded<HRESULT>(kOnConnection, S_OK, [&] {
-        WriteDebugLog(GetDebugLog(), kOnConnection);
+        LogEntry(kOnConnection);
         LogConnectMode(connectMode);
         AttachToHost(Application);
 
@@ -156,19 +151,19 @@ void CConnect::InsertMenuForOldOffice(int officeVersion)
     }
     else if (m_spExplorer != nullptr)
     {
-        LogConnection("m_spExplorer is not NULL");
+        LogMessage(kOnConnection, "m_spExplorer is not NULL");
         // Whatever goes wrong with the menu, the check for updates still runs.
         RunGuarded<HRESULT>(kOnConnection, E_FAIL, [this] { return InsertMenuCommands(); });
     }
     else
     {
-        LogConnection("m_spExplorer is NULL");
+        LogMessage(kOnConnection, "m_spExplorer is NULL");
     }
 }
 
 void CConnect::CheckForUpdateAtStart()
 {
-    LogConnection("check for updates");
+    LogMessage(kOnConnection, "check for updates");
     const HWND host = GetLocalizedResources().FindOwnProcessWindow();
     const CDisabledWindow disabledHost(host);
     CheckForUpdate(host, true);
@@ -178,7 +173,7 @@ void CConnect::CheckForUpdateAtStart()
 STDMETHODIMP CConnect::OnDisconnection(ext_DisconnectMode, SAFEARRAY**)
 {
     return RunGuarded<HRESULT>("CConnect::OnDisconnection", E_UNEXPECTED, [this] {
-        WriteDebugLog(GetDebugLog(), "CConnect::OnDisconnection");
+        LogEntry("CConnect::OnDisconnection");
         return m_spMenuButton != nullptr ? DispEventUnadvise(m_spMenuButton, &DIID__CommandBarButtonEvents)
                                          : S_OK;
     });
@@ -192,7 +187,7 @@ STDMETHODIMP CConnect::OnAddInsUpdate(SAFEARRAY**)
 STDMETHODIMP CConnect::OnStartupComplete(SAFEARRAY**)
 {
     return RunGuarded<HRESULT>("CConnect::OnStartupComplete", S_OK, [] {
-        WriteDebugLog(GetDebugLog(), "CConnect::OnStartupComplete");
+        LogEntry("CConnect::OnStartupComplete");
         return S_OK;
     });
 }

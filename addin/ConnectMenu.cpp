@@ -76,12 +76,12 @@ CComPtr<IDispatch> AddControlToLastMenu(IDispatch* commandBars)
 // subscription.
 HRESULT CConnect::InsertMenuCommands()
 {
-    WriteDebugLog(GetDebugLog(), kFunction);
+    LogEntry(kFunction);
     CComVariant commandBars;
     const HRESULT hr = m_spExplorer.GetPropertyByName(L"CommandBars", &commandBars);
     if (FAILED(hr))
     {
-        WriteDebugLog(GetDebugLog(), kFunction, "return hr", "");
+        LogMessage(kFunction, "return hr");
         return hr;
     }
     try

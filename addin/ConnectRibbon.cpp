@@ -28,7 +28,7 @@ BSTR CopyToBstr(const std::wstring& text)
 STDMETHODIMP CConnect::GetCustomUI(BSTR, BSTR* RibbonXml)
 {
     return RunGuarded<HRESULT>("CConnect::GetCustomUI", E_UNEXPECTED, [&]() -> HRESULT {
-        WriteDebugLog(GetDebugLog(), "CConnect::GetCustomUI");
+        LogEntry("CConnect::GetCustomUI");
         if (RibbonXml == nullptr)
         {
             return E_POINTER;
@@ -60,7 +60,7 @@ STDMETHODIMP CConnect::ButtonClicked(IDispatch*)
 STDMETHODIMP CConnect::GetImageLogo(IDispatch* pControl, IPictureDisp** ppdispImage)
 {
     return RunGuarded<HRESULT>("CConnect::GetImageLogo", E_UNEXPECTED, [&] {
-        WriteDebugLog(GetDebugLog(), "CConnect::GetImageLogo");
+        LogEntry("CConnect::GetImageLogo");
         return GetLocalizedResources().LoadPngPicture(pControl, ppdispImage, IDR_LOGO_PNG);
     });
 }
@@ -68,7 +68,7 @@ STDMETHODIMP CConnect::GetImageLogo(IDispatch* pControl, IPictureDisp** ppdispIm
 STDMETHODIMP CConnect::GetImageIcon(IDispatch* pControl, IPictureDisp** ppdispImage)
 {
     return RunGuarded<HRESULT>("CConnect::GetImageIcon", E_UNEXPECTED, [&] {
-        WriteDebugLog(GetDebugLog(), "CConnect::GetImageIcon");
+        LogEntry("CConnect::GetImageIcon");
         return GetLocalizedResources().LoadPngPicture(pControl, ppdispImage, IDR_ICON_PNG);
     });
 }

@@ -44,7 +44,7 @@ HRESULT Install(BOOL install, LPCWSTR commandLine)
 STDAPI DllCanUnloadNow()
 {
     return RunGuarded<HRESULT>("DllCanUnloadNow", S_FALSE, [] {
-        WriteDebugLog(GetDebugLog(), "DllCanUnloadNow");
+        LogEntry("DllCanUnloadNow");
         return _AtlModule.DllCanUnloadNow();
     });
 }
@@ -53,7 +53,7 @@ STDAPI DllCanUnloadNow()
 STDAPI DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* ppv)
 {
     return RunGuarded<HRESULT>("DllGetClassObject", E_UNEXPECTED, [&] {
-        WriteDebugLog(GetDebugLog(), "DllGetClassObject");
+        LogEntry("DllGetClassObject");
         return _AtlModule.DllGetClassObject(rclsid, riid, ppv);
     });
 }
@@ -62,7 +62,7 @@ STDAPI DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* ppv)
 STDAPI DllInstall(BOOL bInstall, LPCWSTR pszCmdLine)
 {
     return RunGuarded<HRESULT>("DllInstall", E_FAIL, [&] {
-        WriteDebugLog(GetDebugLog(), "DllInstall");
+        LogEntry("DllInstall");
         return Install(bInstall, pszCmdLine);
     });
 }
@@ -71,7 +71,7 @@ STDAPI DllInstall(BOOL bInstall, LPCWSTR pszCmdLine)
 STDAPI DllRegisterServer()
 {
     return RunGuarded<HRESULT>("DllRegisterServer", E_FAIL, [] {
-        WriteDebugLog(GetDebugLog(), "DllRegisterServer");
+        LogEntry("DllRegisterServer");
         return _AtlModule.DllRegisterServer();
     });
 }
@@ -80,7 +80,7 @@ STDAPI DllRegisterServer()
 STDAPI DllUnregisterServer()
 {
     return RunGuarded<HRESULT>("DllUnregisterServer", E_FAIL, [] {
-        WriteDebugLog(GetDebugLog(), "DllUnregisterServer");
+        LogEntry("DllUnregisterServer");
         return _AtlModule.DllUnregisterServer();
     });
 }

@@ -155,7 +155,7 @@ std::wstring DecodeUtf8(const CHttpResponse& response)
     std::uint32_t length = response.m_length;
     if (length >= kByteOrderMark.size())
     {
-        WriteDebugLog(GetDebugLog(), kPerformTextRequest, "check for BOM", "");
+        LogMessage(kPerformTextRequest, "check for BOM");
         if (std::string_view(body, length).starts_with(kByteOrderMark))
         {
             body += kByteOrderMark.size();
@@ -219,14 +219,14 @@ std::unique_ptr<CHttpResponse> CHttpRequest::PerformRequest(std::string url, Par
 
 std::wstring CHttpRequest::PerformTextRequest(std::string url, Parameters params, int verb)
 {
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest);
+    LogEntry(kPerformTextRequest);
     struct tm date = {};
     return PerformTextRequest(std::move(url), std::move(params), verb, date);
 }
 
 std::wstring CHttpRequest::PerformTextRequest(std::string url, Parameters params, int verb, struct tm& date)
 {
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest);
+    LogEntry(kPerformTextRequest);
     std::uint32_t status = 0;
     return PerformTextRequest(std::move(url), std::move(params), verb, date, status);
 }
@@ -234,7 +234,7 @@ std::wstring CHttpRequest::PerformTextRequest(std::string url, Parameters params
 std::wstring CHttpRequest::PerformTextRequest(std::string url, Parameters params, int verb,
                                               std::uint32_t& status)
 {
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest);
+    LogEntry(kPerformTextRequest);
     struct tm date = {};
     return PerformTextRequest(std::move(url), std::move(params), verb, date, status);
 }
@@ -242,7 +242,7 @@ std::wstring CHttpRequest::PerformTextRequest(std::string url, Parameters params
 std::wstring CHttpRequest::PerformTextRequest(std::string url, Parameters params, int verb, struct tm& date,
                                               std::uint32_t& status)
 {
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest);
+    LogEntry(kPerformTextRequest);
     ClearApplicationName();
     std::unique_ptr<CHttpResponse> response = PerformRequest(std::move(url), std::move(params), verb);
     WriteDebugLog(GetDebugLog(), kPerformTextRequest, "response content lenght",
@@ -261,9 +261,9 @@ std::wstring CHttpRequest::PerformTextRequest(std::string url, Parameters params
         text = DecodeUtf8(*response);
     }
 
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "delete resp", "");
+    LogMessage(kPerformTextRequest, "delete resp");
     response.reset();
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "deleted resp", "");
+    LogMessage(kPerformTextRequest, "deleted resp");
     return text;
 }
 
