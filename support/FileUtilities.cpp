@@ -24,7 +24,10 @@ struct FileCloser
 std::wstring GetAppDataFolder()
 {
     wchar_t folder[MAX_PATH] = {};
-    SHGetSpecialFolderPathW(nullptr, folder, CSIDL_LOCAL_APPDATA, FALSE);
+    if (!SHGetSpecialFolderPathW(nullptr, folder, CSIDL_LOCAL_APPDATA, FALSE))
+    {
+        return {};
+    }
     return std::wstring(folder) + kFolder;
 }
 

@@ -5,7 +5,7 @@
 #include <string>
 
 /// The add-in's folder under the user's local application data, "...\ORVA Connector\" with its closing
-/// backslash. Creates nothing.
+/// backslash; empty if the system does not give that folder, or it does not exist. Creates nothing.
 std::wstring GetAppDataFolder();
 
 /// Creates every folder named by the text before a backslash of `path` and, if `isFile` is false, `path`

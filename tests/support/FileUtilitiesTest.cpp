@@ -2,6 +2,7 @@
 #include "support/FileUtilities.h"
 
 #include "harness/Files.h"
+#include "harness/Registry.h"
 #include "harness/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -11,11 +12,15 @@
 namespace
 {
 
+using orva::test::CRegistryValue;
 using orva::test::CTempFolder;
 using orva::test::FolderExists;
 using orva::test::ListFolder;
 using orva::test::WriteFileBytes;
 using Names = std::vector<std::wstring>;
+
+constexpr wchar_t kUserShellFolders[] =
+    L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
 
 } // namespace
 
@@ -32,6 +37,14 @@ TEST(GetAppDataFolder, CreatesNothing)
     orva::test::RemovePath(folder.substr(0, folder.size() - 1));
     folder = GetAppDataFolder();
     EXPECT_FALSE(FolderExists(folder.substr(0, folder.size() - 1)));
+}
+
+TEST(GetAppDataFolder, IsEmptyWhenTheSystemHasNoSuchFolder)
+{
+    const CTempFolder temp;
+    CRegistryValue folder(HKEY_CURRENT_USER, kUserShellFolders, L"Local AppData");
+    folder.SetString(temp.File(L"missing"));
+    EXPECT_EQ(GetAppDataFolder(), L"");
 }
 
 TEST(CreateDirectoriesForPath, FileModeCreatesEveryFolderButNotTheFile)
