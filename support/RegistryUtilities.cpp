@@ -1,5 +1,7 @@
 #include "support/RegistryUtilities.h"
 
+#include <atlbase.h>
+
 namespace
 {
 constexpr std::int32_t kUnreadable = -1;
@@ -13,16 +15,16 @@ std::int32_t ReadRegistryDword(const std::wstring& key, const std::wstring& name
 
 std::int32_t ReadRegistryDwordFromHive(HKEY hive, const std::wstring& key, const std::wstring& name)
 {
-    HKEY opened = nullptr;
-    if (RegOpenKeyExW(hive, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS)
+    CRegKey opened;
+    if (opened.Open(hive, key.c_str(), KEY_READ) != ERROR_SUCCESS)
     {
         return kUnreadable;
     }
 
+    // Not by CRegKey's query, which wants the value to be a REG_DWORD.
     std::int32_t value = 0;
     DWORD size = sizeof(value);
-    const LSTATUS result =
-        RegQueryValueExW(opened, name.c_str(), nullptr, nullptr, reinterpret_cast<BYTE*>(&value), &size);
-    RegCloseKey(opened);
+    const LSTATUS result = RegQueryValueExW(opened.m_hKey, name.c_str(), nullptr, nullptr,
+                                            reinterpret_cast<BYTE*>(&value), &size);
     return result == ERROR_SUCCESS ? value : kUnreadable;
 }
