@@ -43,7 +43,7 @@ std::string Describe(const json_spirit::Error_position& error)
 
 void LogRethrown(const char* function)
 {
-    CLogStream& log = GetDebugLog();
+    CLogFile& log = GetDebugLog();
     try
     {
         // cppcheck-suppress rethrowNoCurrentException; called while an exception is being handled

@@ -1,34 +1,32 @@
-// The debug log's output file stream.
+// The debug log's file.
 #pragma once
 
-#include <string>
 #include <string_view>
 
-/// A file of narrow text that is only ever added to, each line in one write to the system. Not the C++
-/// library's stream, whose buffer, conversions and formatting would be there only to be bypassed, at each
-/// start of the host.
-class CLogStream
+/// A text file to which lines are only ever added, each with one write to the system, so that it is complete
+/// up to the last line even if the host crashes. Not the C++ library's stream: its buffer and its locale
+/// would only be in the way.
+class CLogFile
 {
 public:
-    CLogStream() = default;
-    ~CLogStream();
-    CLogStream(const CLogStream&) = delete;
-    CLogStream& operator=(const CLogStream&) = delete;
+    /// Opens the file, which other processes may read and write meanwhile, if the registry switches the log
+    /// on. It stays closed if the switch is off or anything fails; nothing is created while the switch is
+    /// off.
+    CLogFile() noexcept;
+    ~CLogFile();
+    CLogFile(const CLogFile&) = delete;
+    CLogFile& operator=(const CLogFile&) = delete;
 
-    /// Opens `path` for text, emptied unless `keep`; other processes may read and write it meanwhile. It
-    /// stays closed if that fails.
-    void Open(const std::wstring& path, bool keep);
     bool IsOpen() const { return m_file != kClosed; }
 
-    /// Adds `text` at the end of the file, with line ends as Windows has them, in one piece. After a failure
-    /// nothing is written any more.
+    /// Adds `text` at the end of the file, with line ends as Windows has them. After a failure nothing is
+    /// written any more.
     void Write(std::string_view text);
-
-    /// Puts the stream into the state that a failed write leaves.
-    void Fail() { m_hasFailed = true; }
 
 private:
     static constexpr int kClosed = -1;
+
+    void Open();
 
     int m_file = kClosed;
     bool m_hasFailed = false;

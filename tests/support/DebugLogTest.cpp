@@ -5,14 +5,17 @@
 #include "support/DebugLog.h"
 
 #include "harness/Files.h"
+#include "harness/ImportHook.h"
 #include "harness/LogFile.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Registry.h"
+#include "harness/TempFolder.h"
 
 #include <gmock/gmock.h>
 
 #include <windows.h>
 
+#include <cerrno>
 #include <ctime>
 #include <optional>
 #include <regex>
@@ -27,8 +30,9 @@ using testing::IsEmpty;
 constexpr size_t kLargestKeptFile = 1'048'576;
 constexpr char kOldLine[] = "[2011-01-20 14:03:07] CConnect::OnConnection\r\n";
 
-// Runs one script in a new process and returns what it gave to the debugger output.
-std::vector<std::string> RunScript(const std::string& name)
+// Runs one script in a new process, in `folder` if one is given, and returns what it gave to the debugger
+// output.
+std::vector<std::string> RunScript(const std::string& name, const std::wstring& folder = {})
 {
     wchar_t program[MAX_PATH];
     GetModuleFileNameW(nullptr, program, MAX_PATH);
@@ -36,12 +40,19 @@ std::vector<std::string> RunScript(const std::string& name)
     CProcessOptions options;
     options.program = program;
     options.arguments = {L"--gtest_also_run_disabled_tests", std::wstring(filter.begin(), filter.end())};
+    options.folder = folder;
     options.debug = true;
     CChildProcess child(options);
     const std::optional<DWORD> code = child.WaitForExit();
     EXPECT_EQ(code, 0U) << child.Output();
     EXPECT_THAT(child.Output(), testing::HasSubstr("[  PASSED  ] 1 test."));
     return child.DebugLines();
+}
+
+int __cdecl WriteNothing(int, const void*, unsigned)
+{
+    errno = ENOSPC;
+    return -1;
 }
 
 // Starts without the switch in either hive and without a log.
@@ -151,14 +162,17 @@ TEST(DebugLogChild, DISABLED_WritesTwoEntriesInOneSecond)
     FAIL() << "no two entries in one second";
 }
 
-TEST(DebugLogChild, DISABLED_WritesIntoAStreamInErrorState)
+TEST(DebugLogChild, DISABLED_WritesToAFullDisk)
 {
-    GetDebugLog().Fail();
-    WriteDebugLog(GetDebugLog(), "lost");
+    WriteDebugLog(GetDebugLog(), "kept");
+    {
+        const CImportHook fullDisk(GetModuleHandleW(nullptr), "msvcrt.dll", "_write", &WriteNothing);
+        WriteDebugLog(GetDebugLog(), "lost");
+    }
     WriteDebugLog(GetDebugLog(), "F", "lost", 1);
 }
 
-TEST(DebugLogChild, DISABLED_KeepsOneStream)
+TEST(DebugLogChild, DISABLED_KeepsOneLogFile)
 {
     EXPECT_EQ(&GetDebugLog(), &GetDebugLog());
     EXPECT_TRUE(GetDebugLog().IsOpen());
@@ -318,10 +332,10 @@ TEST_F(DebugLog, TheSwitchIsReadOncePerProcess)
     EXPECT_THAT(ReadLogTexts(), ElementsAre("first", "second"));
 }
 
-TEST_F(DebugLog, ThereIsOneStream)
+TEST_F(DebugLog, ThereIsOneLogFile)
 {
     m_user.SetDword(1);
-    RunScript("KeepsOneStream");
+    RunScript("KeepsOneLogFile");
 }
 
 TEST_F(DebugLog, ALaterProcessAppends)
@@ -359,6 +373,23 @@ TEST_F(DebugLog, AFileMayGrowBeyondOneMebibyteWhileItIsOpen)
     EXPECT_EQ(ReadLog().size(), 512U * (4096 + 24));
 }
 
+TEST_F(DebugLog, WithoutALocalApplicationDataFolderTheLogIsOffAndNothingIsMade)
+{
+    m_user.SetDword(1);
+    const CTempFolder temp;
+    CRegistryValue folder(HKEY_CURRENT_USER,
+                          L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders",
+                          L"Local AppData");
+    folder.SetString(temp.File(L"missing"));
+    EXPECT_THAT(RunScript("WritesOneEntry", temp.Path()), ElementsAre("CConnect::OnConnection"));
+
+    EXPECT_THAT(ListFolder(temp.Path()), IsEmpty());
+    // Where a path without its beginning leads to.
+    const std::wstring atTheRoot = temp.Path().substr(0, 2) + L"\\ORVA Connector";
+    EXPECT_FALSE(FolderExists(atTheRoot));
+    RemovePath(atTheRoot);
+}
+
 TEST_F(DebugLog, AFolderThatCannotBeMadeLeavesTheLogOff)
 {
     m_user.SetDword(1);
@@ -377,9 +408,9 @@ TEST_F(DebugLog, AFileThatCannotBeOpenedLeavesTheLogOff)
     EXPECT_TRUE(FolderExists(LogPath()));
 }
 
-TEST_F(DebugLog, WriteFailuresReachNobody)
+TEST_F(DebugLog, AWriteFailureReachesNobodyAndEndsTheFile)
 {
     m_user.SetDword(1);
-    EXPECT_THAT(RunScript("WritesIntoAStreamInErrorState"), ElementsAre("lost", "F() lost 1"));
-    EXPECT_EQ(ReadLog(), "");
+    EXPECT_THAT(RunScript("WritesToAFullDisk"), ElementsAre("kept", "lost", "F() lost 1"));
+    EXPECT_THAT(ReadLogTexts(), ElementsAre("kept"));
 }
