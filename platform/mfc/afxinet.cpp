@@ -88,12 +88,9 @@ CHttpConnection::CHttpConnection(HINTERNET connection, DWORD_PTR context)
 CHttpFile* CHttpConnection::OpenRequest(LPCWSTR verb, LPCWSTR objectName, LPCWSTR referer, DWORD_PTR context,
                                         LPCWSTR* acceptTypes, LPCWSTR version, DWORD flags)
 {
-    static LPCWSTR anything[] = {L"*/*", nullptr};
-
     std::unique_ptr<CHttpFile> file(new CHttpFile(nullptr, context));
-    file->m_hFile =
-        HttpOpenRequestW(m_hConnection, verb != nullptr ? verb : kVerbs[HTTP_VERB_GET], objectName, version,
-                         referer, acceptTypes != nullptr ? acceptTypes : anything, flags, context);
+    file->m_hFile = HttpOpenRequestW(m_hConnection, verb != nullptr ? verb : kVerbs[HTTP_VERB_GET],
+                                     objectName, version, referer, acceptTypes, flags, context);
     if (file->m_hFile == nullptr)
     {
         AfxThrowInternetException(context);
