@@ -3,15 +3,13 @@
 #include "support/ComUtilities.h"
 #include "support/DebugLog.h"
 #include "support/GzipDecoder.h"
-#include "support/RedirectLimit.h"
 #include "support/TextUtilities.h"
 #include "support/TimeUtilities.h"
-#include "support/UrlCracker.h"
-#include "support/UrlSystem.h"
 
 #include <afxwin.h>
 
 #include <cstdio>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -24,6 +22,9 @@ constexpr char kPerformTextRequest[] = "CHttpRequest::PerformTextRequest";
 constexpr std::uint32_t kMaximumBodyLength = 256000;
 constexpr UINT kLongestErrorText = 1024;
 
+// What the system is told of the buffers for a URL's host and path; they have one character more.
+constexpr DWORD kUrlPartCapacity = 255;
+
 constexpr DWORD kRequestFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_EXISTING_CONNECT |
                                 INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_RESYNCHRONIZE;
 
@@ -32,6 +33,19 @@ constexpr DWORD_PTR kContext = 1;
 constexpr wchar_t kAcceptEncoding[] = L"Accept-Encoding: gzip";
 constexpr std::wstring_view kFormContentType = L"Content-Type: application/x-www-form-urlencoded";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+struct CrackedUrl
+{
+    std::string host;
+
+    // With the query, if the URL has one.
+    std::string path;
+
+    INTERNET_SCHEME scheme = INTERNET_SCHEME_UNKNOWN;
+
+    // The URL's port or its scheme's default.
+    INTERNET_PORT port = INTERNET_INVALID_PORT_NUMBER;
+};
 
 struct ExceptionDeleter
 {
@@ -42,6 +56,52 @@ struct ExceptionDeleter
 void ClearApplicationName()
 {
     AfxGetModuleState()->m_lpszCurrentAppName = L"";
+}
+
+// Widens `text` with the thread's ANSI code page.
+std::wstring WidenAnsi(const std::string& text)
+{
+    const int length = static_cast<int>(text.size());
+    const int needed = MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(needed), L'\0');
+    MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, wide.data(), needed);
+    return wide;
+}
+
+// Takes `url` apart, with its escape sequences turned into their characters. Nothing if it is no URL or its
+// host or path does not fit.
+std::optional<CrackedUrl> CrackUrl(const std::string& url)
+{
+    wchar_t host[kUrlPartCapacity + 1] = {};
+    wchar_t path[kUrlPartCapacity + 1] = {};
+    URL_COMPONENTSW components = {};
+    components.dwStructSize = sizeof(components);
+    components.lpszHostName = host;
+    components.dwHostNameLength = kUrlPartCapacity;
+    components.lpszUrlPath = path;
+    components.dwUrlPathLength = kUrlPartCapacity;
+    if (!InternetCrackUrlW(WidenAnsi(url).c_str(), 0, ICU_ESCAPE, &components))
+    {
+        return std::nullopt;
+    }
+    return CrackedUrl{WideToNarrow(host), WideToNarrow(path), components.nScheme, components.nPort};
+}
+
+// The pairs in the order of their keys, as they are.
+std::string EncodeParameters(const CHttpRequest::Parameters& params)
+{
+    std::string text;
+    for (const auto& [key, value] : params)
+    {
+        if (!text.empty())
+        {
+            text += "&";
+        }
+        text += key;
+        text += "=";
+        text += value;
+    }
+    return text;
 }
 
 std::string QueryHeader(const CHttpFile& file, DWORD level)
@@ -190,13 +250,13 @@ std::wstring DecodeUtf8(const CHttpResponse& response)
 // NOLINTNEXTLINE(performance-unnecessary-value-param): both forms of a request take their arguments by value
 std::unique_ptr<CHttpResponse> CHttpRequest::PerformRequest(std::string url, Parameters params, int verb)
 {
-    // A session that cannot be opened is the caller's concern: nothing has been asked of the network yet.
+    // A session that cannot be opened is the caller's concern. No time-outs or other options are set:
+    // WinINet's own hold, its bound on redirections among them.
     CInternetSession session(nullptr, kContext, PRE_CONFIG_INTERNET_ACCESS, nullptr, nullptr, 0);
-    const CRedirectLimit redirectLimit(session);
 
     auto response = std::make_unique<CHttpResponse>();
-    CrackedUrl parts;
-    if (!CrackUrl(url, parts))
+    const std::optional<CrackedUrl> parts = CrackUrl(url);
+    if (!parts)
     {
         WriteDebugLog(GetDebugLog(), kPerformRequest, "Caught exception", "Could not parse url");
         return response;
@@ -204,7 +264,7 @@ std::unique_ptr<CHttpResponse> CHttpRequest::PerformRequest(std::string url, Par
 
     try
     {
-        Exchange(session, parts, EncodeParameters(params), verb, *response);
+        Exchange(session, *parts, EncodeParameters(params), verb, *response);
     }
     catch (CInternetException* caught)
     {
@@ -278,20 +338,4 @@ HRESULT CHttpRequest::PerformBinaryRequest(std::string url, Parameters params, i
 void CHttpRequest::SetParameter(Parameters& params, const std::string& key, const std::string& value)
 {
     params[key] = value;
-}
-
-std::string CHttpRequest::EncodeParameters(const Parameters& params)
-{
-    std::string text;
-    for (const auto& [key, value] : params)
-    {
-        if (!text.empty())
-        {
-            text += "&";
-        }
-        text += key;
-        text += "=";
-        text += value;
-    }
-    return text;
 }

@@ -48,7 +48,4 @@ public:
     static void SetParameter(Parameters& params, const std::string& key, const std::string& value);
 
     CHttpRequest() = delete;
-
-private:
-    static std::string EncodeParameters(const Parameters& params);
 };

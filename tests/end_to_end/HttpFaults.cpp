@@ -43,7 +43,6 @@ std::vector<CFault> HttpFaults()
         WithoutDate("ConnectionClosedAfterTheRequest", CServerScript().Close()),
         WithoutDate("HeadCutShort", CServerScript().Send("HTTP/1.1 200 OK\r\nDate: Thu, 20 Jan").Close()),
         WithoutDate("GarbageInsteadOfAReply", CServerScript().Send("220 mail.example ESMTP\r\n").Close()),
-        WithoutReply("RedirectToItself", CHttpReply(301).Header("Location", kUpdateInfoUrl)),
         {"BodyThatStopsHalfWay",
          CServerScript().Send(wholeHead + halfBody).Close(),
          halfLog,
