@@ -1,8 +1,8 @@
 #include "support/TimeUtilities.h"
 
-#include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/classification.hpp>
 #include <boost/algorithm/string/split.hpp>
+#include <boost/spirit/home/support/char_encoding/ascii.hpp>
 
 #include <algorithm>
 #include <array>
@@ -33,6 +33,22 @@ int ReadInteger(const std::string& text)
     const long long value = std::strtoll(text.c_str(), nullptr, 10);
     return static_cast<int>(
         std::clamp<long long>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+// Not by the string algorithms' own: that takes a locale, and all of the library's locales come along with
+// it.
+std::string ToLower(std::string text)
+{
+    using Ascii = boost::spirit::char_encoding::ascii;
+    for (char& byte : text)
+    {
+        const int character = static_cast<unsigned char>(byte);
+        if (Ascii::ischar(character))
+        {
+            byte = static_cast<char>(Ascii::tolower(character));
+        }
+    }
+    return text;
 }
 
 int YearsSince1900(const std::string& text)
@@ -71,7 +87,7 @@ struct tm ParseHttpDate(std::string text)
 
     struct tm date = {};
     date.tm_mday = ReadInteger(PartAt(parts, 1));
-    date.tm_mon = MonthFromName(boost::to_lower_copy(PartAt(parts, 2)));
+    date.tm_mon = MonthFromName(ToLower(PartAt(parts, 2)));
     date.tm_year = YearsSince1900(PartAt(parts, 3));
     date.tm_hour = ReadInteger(PartAt(parts, 4));
     date.tm_min = ReadInteger(PartAt(parts, 5));

@@ -91,6 +91,7 @@ TEST(ParseHttpDate, NormalisesFieldsThatAreTooLarge)
 TEST(ParseHttpDate, AnUnknownMonthIsTheOneBeforeJanuary)
 {
     EXPECT_EQ(Fields(ParseHttpDate("Sun, 06 xyz 1994 08:49:37 GMT")), "93-11-6 8:49:37 1/339");
+    EXPECT_EQ(Fields(ParseHttpDate("Sun, 06 \x80\xFF\xC4 1994 08:49:37 GMT")), "93-11-6 8:49:37 1/339");
 }
 
 TEST(ParseHttpDate, ReadsNumbersUpToTheirFirstOtherCharacter)
