@@ -53,26 +53,18 @@ void LogConnectMode(int mode)
     }
 }
 
-// The object by the interface id of what it has to be; null when it is null or something else.
-CComPtr<IDispatch> QueryForCalls(IDispatch* object, REFIID iid)
-{
-    CComPtr<IDispatch> found;
-    if (object != nullptr)
-    {
-        object->QueryInterface(iid, reinterpret_cast<void**>(&found));
-    }
-    return found;
-}
-
 // The leading integer of the host's version text; 0 when it does not start with a digit or there is none.
 int ReadOfficeVersion(IDispatch* application)
 {
     CComVariant version;
-    RunGuarded<HRESULT>(kOnConnection, E_FAIL, [&] {
-        version = GetByName(application, L"Version");
-        return S_OK;
-    });
-    return version.vt == VT_BSTR && version.bstrVal != nullptr ? _wtoi(version.bstrVal) : 0;
+    if (FAILED(GetByName(application, L"Version", version)) || version.vt != VT_BSTR ||
+        version.bstrVal == nullptr)
+    {
+        return 0;
+    }
+    // The conversion alone would also take blanks and a sign.
+    const wchar_t first = version.bstrVal[0];
+    return first >= L'0' && first <= L'9' ? _wtoi(version.bstrVal) : 0;
 }
 
 } // namespace
@@ -130,15 +122,9 @@ STDMETHODIMP CConnect::OnConnection(IDispatch* Application, ext_ConnectMode Conn
 // Keeps the application and its active explorer; either stays null when the host does not give it.
 void CConnect::AttachToHost(IDispatch* application)
 {
-    m_spApplication = QueryForCalls(application, __uuidof(Outlook::_Application));
-    CComVariant explorer;
-    RunGuarded<HRESULT>(kOnConnection, E_FAIL, [&] {
-        // A method, although it reads like a property.
-        explorer = GetByName(m_spApplication, L"ActiveExplorer");
-        return S_OK;
-    });
-    m_spExplorer =
-        QueryForCalls(explorer.vt == VT_DISPATCH ? explorer.pdispVal : nullptr, __uuidof(Outlook::_Explorer));
+    m_spApplication = QueryDispatch(application, __uuidof(Outlook::_Application));
+    // A method, although it reads like a property.
+    m_spExplorer = GetObjectByName(m_spApplication, L"ActiveExplorer", __uuidof(Outlook::_Explorer));
 }
 
 // Versions after the one with the Backstage tab get neither tab nor menu command: no one has seen them there
@@ -153,7 +139,7 @@ void CConnect::InsertMenuForOldOffice(int officeVersion)
     {
         LogMessage(kOnConnection, "m_spExplorer is not NULL");
         // Whatever goes wrong with the menu, the check for updates still runs.
-        RunGuarded<HRESULT>(kOnConnection, E_FAIL, [this] { return InsertMenuCommands(); });
+        InsertMenuCommands();
     }
     else
     {

@@ -75,7 +75,7 @@ private:
     void InsertMenuForOldOffice(int officeVersion);
     void CheckForUpdateAtStart();
     HRESULT InsertMenuCommands();
-    void AddMenuButton(IDispatch* commandBars);
+    HRESULT AddMenuButton(IDispatch* commandBars);
 
     CComPtr<IDispatch> m_spApplication;
     CComPtr<IDispatch> m_spExplorer;

@@ -48,18 +48,19 @@ VARIANT ByteTrue()
     return value;
 }
 
-// The new control at the end of the last top-level menu. Temporary: Office discards it when the host closes,
-// and nothing is written to the user's menu customisation.
+// The new control at the end of the last top-level menu; null if there is no such menu or it refuses the
+// control. Temporary: Office discards it when the host closes, and nothing is written to the user's menu
+// customisation.
 CComPtr<IDispatch> AddControlToLastMenu(IDispatch* commandBars)
 {
     const CComPtr<IDispatch> menuBar =
         GetObjectByName(commandBars, L"ActiveMenuBar", __uuidof(Office::CommandBar));
     const CComPtr<IDispatch> menus =
         GetObjectByName(menuBar, L"Controls", __uuidof(Office::CommandBarControls));
-    CComVariant count = GetByName(menus, L"Count");
-    if (FAILED(count.ChangeType(VT_I4)))
+    CComVariant count;
+    if (FAILED(GetByName(menus, L"Count", count)) || FAILED(count.ChangeType(VT_I4)))
     {
-        AtlThrow(E_POINTER);
+        return {};
     }
     const std::array last{Long(count.lVal)};
     const CComPtr<IDispatch> menu = GetObjectByName(menus, L"Item", __uuidof(Office::CommandBarPopup), last);
@@ -72,44 +73,49 @@ CComPtr<IDispatch> AddControlToLastMenu(IDispatch* commandBars)
 
 } // namespace
 
-// Returns the failure of the command bars, of a missing object on the way (E_POINTER) or of the click
-// subscription.
+// Returns the failure of the command bars, of a missing object on the way (E_POINTER), of the click
+// subscription, or E_FAIL for any exception. Outlook goes on without the command then.
 HRESULT CConnect::InsertMenuCommands()
 {
     LogEntry(kFunction);
-    CComVariant commandBars;
-    const HRESULT hr = m_spExplorer.GetPropertyByName(L"CommandBars", &commandBars);
-    if (FAILED(hr))
-    {
-        LogMessage(kFunction, "return hr");
-        return hr;
-    }
     try
     {
-        AddMenuButton(commandBars.vt == VT_DISPATCH ? commandBars.pdispVal : nullptr);
-        return DispEventAdvise(m_spMenuButton, &DIID__CommandBarButtonEvents);
+        CComVariant commandBars;
+        const HRESULT hr = GetByName(m_spExplorer, L"CommandBars", commandBars);
+        if (FAILED(hr))
+        {
+            LogMessage(kFunction, "return hr");
+            return hr;
+        }
+        return AddMenuButton(commandBars.vt == VT_DISPATCH ? commandBars.pdispVal : nullptr);
     }
-    catch (const CAtlException& exception)
+    catch (CException* exception)
     {
-        // An empty menu bar, or a last menu that is none: Outlook goes on without the command.
-        return exception.m_hr;
+        // With the original ATL in a module with MFC, AtlThrow throws these.
+        exception->Delete();
     }
+    catch (...)
+    {
+        // No memory, or the object is subscribed already.
+    }
+    return E_FAIL;
 }
 
-void CConnect::AddMenuButton(IDispatch* commandBars)
+HRESULT CConnect::AddMenuButton(IDispatch* commandBars)
 {
     const CComPtr<IDispatch> control = AddControlToLastMenu(commandBars);
-    CComVariant caption(GetLocalizedResources().LoadString(IDS_ABOUT_COMMAND).GetString());
-    CComPtr<IDispatch> button;
-    if (FAILED(
-            control->QueryInterface(__uuidof(Office::_CommandBarButton), reinterpret_cast<void**>(&button))))
+    if (control == nullptr)
     {
-        AtlThrow(E_POINTER);
+        return E_POINTER;
     }
-    // By assignment: a host that connects the object again has left a button here.
-    m_spMenuButton = button;
+
+    CComVariant caption(GetLocalizedResources().LoadString(IDS_ABOUT_COMMAND).GetString());
+    // Null if the control is no button: setting its properties then does nothing, and the subscription fails.
+    // An assignment, because an earlier connection of this object may have left a button here.
+    m_spMenuButton = QueryDispatch(control, __uuidof(Office::_CommandBarButton));
     wchar_t captionName[] = L"Caption";
     wchar_t enabledName[] = L"Enabled";
     PutDispatchProperty(m_spMenuButton, captionName, caption);
     PutDispatchProperty(m_spMenuButton, enabledName, ByteTrue());
+    return DispEventAdvise(m_spMenuButton, &DIID__CommandBarButtonEvents);
 }

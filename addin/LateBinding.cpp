@@ -1,59 +1,56 @@
 #include "addin/LateBinding.h"
 
-#include <algorithm>
 #include <vector>
 
-namespace
+CComPtr<IDispatch> QueryDispatch(IDispatch* object, REFIID iid)
 {
-
-void ThrowIfFailed(HRESULT hr)
-{
-    if (FAILED(hr))
+    CComPtr<IDispatch> found;
+    if (object != nullptr)
     {
-        AtlThrow(hr);
+        object->QueryInterface(iid, reinterpret_cast<void**>(&found));
     }
+    return found;
 }
 
-} // namespace
-
-CComVariant GetByName(IDispatch* object, LPCOLESTR name, std::span<const VARIANT> arguments)
+HRESULT GetByName(IDispatch* object, LPCOLESTR name, CComVariant& result, std::span<const VARIANT> arguments)
 {
     if (object == nullptr)
     {
-        AtlThrow(E_POINTER);
+        return E_POINTER;
     }
     auto* names = const_cast<LPOLESTR>(name);
     DISPID id = DISPID_UNKNOWN;
-    ThrowIfFailed(object->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id));
+    const HRESULT hr = object->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id);
+    if (FAILED(hr))
+    {
+        return hr;
+    }
 
     // IDispatch takes the last argument first.
     std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
     DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
-    CComVariant result;
     // A collection's Item is a property with an argument in one Office version and a method in another.
-    ThrowIfFailed(object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET,
-                                 &parameters, &result, nullptr, nullptr));
-    return result;
+    return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD | DISPATCH_PROPERTYGET,
+                          &parameters, &result, nullptr, nullptr);
 }
 
 CComPtr<IDispatch> GetObjectByName(IDispatch* object, LPCOLESTR name, REFIID iid,
                                    std::span<const VARIANT> arguments)
 {
-    const CComVariant result = GetByName(object, name, arguments);
-    CComPtr<IDispatch> found;
-    if (result.vt == VT_DISPATCH && result.pdispVal != nullptr)
+    CComVariant result;
+    if (FAILED(GetByName(object, name, result, arguments)) || result.vt != VT_DISPATCH)
     {
-        result.pdispVal->QueryInterface(iid, reinterpret_cast<void**>(&found));
+        return {};
     }
-    if (found == nullptr)
-    {
-        AtlThrow(E_POINTER);
-    }
-    return found;
+    return QueryDispatch(result.pdispVal, iid);
 }
 
 HRESULT PutDispatchProperty(IDispatch* object, LPOLESTR name, VARIANT value)
 {
+    if (object == nullptr)
+    {
+        return E_POINTER;
+    }
     DISPID id = DISPID_UNKNOWN;
     const HRESULT hr = object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
     if (FAILED(hr))

@@ -7,18 +7,22 @@
 
 #include <span>
 
-/// Reads the property `name`, or calls the method of that name that returns a value, with `arguments` in the
-/// order of a call. Throws CAtlException: E_POINTER when `object` is null, else the failure of the look-up or
-/// of the call.
-CComVariant GetByName(IDispatch* object, LPCOLESTR name, std::span<const VARIANT> arguments = {});
+/// The interface `iid`, a dispatch interface, of `object`; null when `object` is null or does not have it.
+CComPtr<IDispatch> QueryDispatch(IDispatch* object, REFIID iid);
 
-/// The same for a result that is an object, asked for by its interface id. Throws E_POINTER when the result
-/// is no object or one without that interface.
+/// Reads the property `name`, or calls the method of that name that returns a value, with `arguments` in the
+/// order of a call. Returns E_POINTER when `object` is null, else the failure of the look-up or the result of
+/// the call.
+HRESULT GetByName(IDispatch* object, LPCOLESTR name, CComVariant& result,
+                  std::span<const VARIANT> arguments = {});
+
+/// The same for a result that is an object, asked for by its interface id. Null when the call fails or its
+/// result is no object or one without that interface.
 CComPtr<IDispatch> GetObjectByName(IDispatch* object, LPCOLESTR name, REFIID iid,
                                    std::span<const VARIANT> arguments = {});
 
 /// Sets the property `name` of `object` to a bitwise copy of `value`; the caller keeps what `value` points
-/// to. Returns the failure of the look-up or the result of the call.
+/// to. Returns E_POINTER when `object` is null, else the failure of the look-up or the result of the call.
 ///
 /// The name is looked up in the user's default locale and set in the system's: Office takes member names in
 /// either, and values have to be read the way a program, not its user, writes them.

@@ -13,7 +13,6 @@ inline constexpr char kEntry[] = "CConnect::OnConnection";
 inline constexpr char kExplorer[] = "CConnect::OnConnection() m_spExplorer is not NULL ";
 inline constexpr char kNoExplorer[] = "CConnect::OnConnection() m_spExplorer is NULL ";
 inline constexpr char kCheck[] = "CConnect::OnConnection() check for updates ";
-inline constexpr char kCaughtNoPointer[] = "CConnect::OnConnection() Caught exception HRESULT 0x80004003";
 
 class CConnectTest : public CAddInTest
 {

@@ -68,6 +68,15 @@ TEST_F(MenuCommandLifeTest, ASecondConnectionKeepsOneReferenceToTheButton)
     EXPECT_EQ(m_outlook->button->References(), before);
 }
 
+TEST_F(MenuCommandLifeTest, AnotherConnectionsControlThatIsNoButtonLeavesNone)
+{
+    Lines();
+    m_outlook->commands->GiveObject(L"Add", m_outlook->helpMenu.Get());
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
+    EXPECT_EQ(Disconnect(), S_OK);
+    EXPECT_EQ(m_outlook->button->Unadvises(), 0);
+}
+
 TEST_F(MenuCommandLifeTest, ReconnectingToOutlook2010ForgetsTheButton)
 {
     const LONG before = m_outlook->button->References();

@@ -1,6 +1,11 @@
 // The menu command of an Outlook without Backstage view: every call on the host's objects, argument by
 // argument, and what happens where one of them fails.
 #include "addin/MenuCommandFixture.h"
+#include "harness/ImportHook.h"
+
+#include <cstdlib>
+#include <optional>
+#include <utility>
 
 namespace orva::test
 {
@@ -18,6 +23,13 @@ constexpr LCID kUserDefault = 1024;
 constexpr LCID kSystemDefault = 2048;
 
 using MenuCommandTest = CMenuCommandTest;
+
+bool g_hasFailed = false;
+
+void* __cdecl FailOnce(size_t size)
+{
+    return std::exchange(g_hasFailed, true) ? std::malloc(size) : nullptr;
+}
 
 TEST_F(MenuCommandTest, IsAddedToTheLastMenuInThisOrder)
 {
@@ -144,6 +156,24 @@ TEST_F(MenuCommandTest, AfterFailingCommandBarsTheStartUpCheckStillRuns)
     Create();
     EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_Startup), S_OK);
     EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 1u);
+}
+
+TEST_F(MenuCommandTest, AnExceptionOnTheWayIsAbsorbedWithoutALine)
+{
+    std::optional<CImportHook> noMemory;
+    m_outlook->helpMenu->On(L"Controls", [&](const DISPPARAMS&, VARIANT* result) {
+        // The next block of memory that the add-in asks for is for the arguments of Add.
+        noMemory.emplace(GetModuleHandleW(kAddInModule), "msvcrt.dll", "malloc", &FailOnce);
+        result->vt = VT_DISPATCH;
+        return m_outlook->commands.CopyTo(IID_IDispatch, reinterpret_cast<void**>(&result->pdispVal));
+    });
+    g_hasFailed = false;
+    EXPECT_THAT(Lines(),
+                ElementsAre("CConnect::OnConnection", "CConnect::OnConnection() ext_cm_AfterStartup ",
+                            "CConnect::OnConnection() m_spExplorer is not NULL ", kInsert));
+    EXPECT_TRUE(g_hasFailed);
+    noMemory.reset();
+    ExpectNoCommand();
 }
 
 // A way in which the host's objects do not lead to a new control.
