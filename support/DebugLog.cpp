@@ -22,9 +22,17 @@ std::string FormatLocalTime()
     return text;
 }
 
-void WriteValueLine(CLogFile& log, std::string function, std::string label, std::string value)
+// Runs `write`. A line for which there is no memory is lost: no failure of the log reaches its caller.
+template <class TWrite> void WriteOrLose(TWrite write) noexcept
 {
-    WriteDebugLog(log, std::move(function) + "() " + std::move(label) + " " + std::move(value));
+    try
+    {
+        write();
+    }
+    catch (...)
+    {
+        // There is nobody to tell.
+    }
 }
 } // namespace
 
@@ -38,61 +46,35 @@ CLogFile& GetDebugLog() noexcept
 void WriteDebugLog(CLogFile& log, std::string text) noexcept
 {
     OutputDebugStringA(text.c_str());
-    try
+    if (log.IsOpen())
     {
-        if (log.IsOpen())
-        {
-            log.Write("[" + FormatLocalTime() + "] " + text + "\n");
-        }
-    }
-    catch (...)
-    {
-        // A line that cannot be written is lost.
+        WriteOrLose([&] { log.Write("[" + FormatLocalTime() + "] " + text + "\n"); });
     }
 }
 
 void WriteDebugLog(CLogFile& log, std::string function, std::string label, std::int32_t value) noexcept
 {
-    try
-    {
-        WriteValueLine(log, std::move(function), std::move(label), std::to_string(value));
-    }
-    catch (...)
-    {
-        // No memory for the line: it is lost.
-    }
+    WriteOrLose([&] { WriteDebugLog(log, std::move(function), std::move(label), std::to_string(value)); });
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): every form of the writer takes its texts by value
 void WriteDebugLog(CLogFile& log, std::string function, std::string label, std::string value) noexcept
 {
-    try
-    {
-        WriteValueLine(log, std::move(function), std::move(label), std::move(value));
-    }
-    catch (...)
-    {
-        // No memory for the line: it is lost.
-    }
+    WriteOrLose([&] { WriteDebugLog(log, function + "() " + label + " " + value); });
 }
 
 void WriteDebugLog(CLogFile& log, std::string function, std::string label, std::wstring value) noexcept
 {
-    try
-    {
-        WriteValueLine(log, std::move(function), std::move(label), WideToNarrow(std::move(value)));
-    }
-    catch (...)
-    {
-        // No memory for the line: it is lost.
-    }
+    WriteOrLose(
+        [&] { WriteDebugLog(log, std::move(function), std::move(label), WideToNarrow(std::move(value))); });
 }
 
 void LogEntry(const char* function) noexcept
 {
-    WriteDebugLog(GetDebugLog(), function);
+    WriteOrLose([&] { WriteDebugLog(GetDebugLog(), function); });
 }
 
 void LogMessage(const char* function, std::string message) noexcept
 {
-    WriteDebugLog(GetDebugLog(), function, std::move(message), "");
+    WriteOrLose([&] { WriteDebugLog(GetDebugLog(), function, std::move(message), ""); });
 }

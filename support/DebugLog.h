@@ -29,7 +29,8 @@ void WriteDebugLog(CLogFile& log, std::string function, std::string label, std::
 void WriteDebugLog(CLogFile& log, std::string function, std::string label, std::string value) noexcept;
 void WriteDebugLog(CLogFile& log, std::string function, std::string label, std::wstring value) noexcept;
 
-/// Write one entry to the process-wide log: the entry trace of `function`, and a message line, whose value is
-/// empty.
+/// Writes the entry trace of `function` to the process-wide log.
 void LogEntry(const char* function) noexcept;
+
+/// Writes a message line of `function` to the process-wide log.
 void LogMessage(const char* function, std::string message) noexcept;
