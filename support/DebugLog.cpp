@@ -15,9 +15,9 @@ std::string FormatLocalTime()
     char text[20] = {};
     struct tm local = {};
     const std::time_t now = std::time(nullptr);
-    if (localtime_s(&local, &now) == 0)
+    if (localtime_s(&local, &now) != 0 || std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local) == 0)
     {
-        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local);
+        return {};
     }
     return text;
 }

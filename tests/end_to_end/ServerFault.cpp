@@ -126,11 +126,6 @@ CFault ReadAsLatest(const char* name, CServerScript script)
     return {name, std::move(script), Parsed(g_latestInfo, Versions("1", "2", "0")), {}, {kLatest}};
 }
 
-CFault WithoutReply(const char* name, CServerScript script)
-{
-    return {name, std::move(script), NoReply(), {}, {kConnectError}};
-}
-
 CFault WithoutDate(const char* name, CServerScript script)
 {
     return {name, std::move(script), NoDate(), {}, {kConnectError}, kNoDateError};

@@ -76,8 +76,6 @@ Log NoDate();
 
 /// Served with the installed build's file, however oddly, and read.
 CFault ReadAsLatest(const char* name, CServerScript script);
-/// An error of WinINet.
-CFault WithoutReply(const char* name, CServerScript script);
 /// Ends with the exception of a reply without a date.
 CFault WithoutDate(const char* name, CServerScript script);
 
