@@ -2,12 +2,18 @@
 // window, and sees the log, the requests and what the user saw.
 #pragma once
 
-#include "addin/FakeOutlook.h"
+#include "fixture/UpdateInfo.h"
+#include "fixture/UserTexts.h"
 #include "harness/LogFile.h"
 #include "harness/LoopbackServer.h"
+#include "harness/OfficeLanguage.h"
 #include "harness/ProxySetting.h"
 #include "harness/TempFolder.h"
 #include "harness/UserScript.h"
+#include "harness/Wine.h"
+#include "outlook/AddInModule.h"
+#include "outlook/AddInRegistration.h"
+#include "outlook/FakeOutlook.h"
 
 #include <AddInDesignerObjects.h>
 #include <Office.h>
@@ -23,25 +29,12 @@
 namespace orva::test
 {
 
-inline constexpr wchar_t kAddInModule[] = L"OrvaOscAddin.dll";
-inline constexpr wchar_t kAddInProgId[] = L"OrvaOscAddin.Connect.1";
-inline constexpr CLSID kAddInClass = {
-    0x9C7130EA, 0xAEC4, 0x4EA5, {0x97, 0xB8, 0x7D, 0x71, 0x72, 0xC9, 0xE0, 0x51}};
 /// The class's primary interface, which is in no type library.
 inline constexpr IID kConnectInterface = {
     0x3C3B6E0B, 0x6A0F, 0x4C0B, {0x9C, 0x0E, 0x5D, 0x2D, 0x1F, 0x0B, 0x7A, 0x41}};
 
-inline constexpr char kUpdateInfoPath[] = "/downloads/outlook/UpdateInfo.txt";
-inline constexpr wchar_t kProduct[] = L"ORVA Connector";
-inline constexpr wchar_t kConnectError[] = L"Error when connecting to the update server.";
-inline constexpr wchar_t kLatest[] = L"You already have the latest version of the ORVA Connector. ";
-/// A file that publishes the installed version.
-inline constexpr char kSameVersion[] = R"({"x64":{"majorVersion":1,"minorVersion":2,"buildNumber":0}})";
 /// A control that only the About dialog has: its close button.
 inline constexpr int kAboutClose = 224;
-
-/// Whether the tests run under Wine, which does some things otherwise than Windows.
-bool IsWine();
 
 /// Reads the log as it grows.
 class CLogReader
@@ -69,53 +62,14 @@ private:
     CTempFolder m_folder;
 };
 
-/// The loaded DLL and its exports. Throws std::runtime_error when it cannot be loaded.
-class CAddInModule
-{
-public:
-    /// The DLL of the build, or a copy of it.
-    CAddInModule();
-    explicit CAddInModule(const std::wstring& path);
-    ~CAddInModule();
-    CAddInModule(const CAddInModule&) = delete;
-    CAddInModule& operator=(const CAddInModule&) = delete;
-
-    HRESULT CanUnloadNow() const;
-    HRESULT GetClassObject(REFCLSID classId, REFIID iid, void** object) const;
-    HRESULT Register() const;
-    HRESULT Unregister() const;
-    HRESULT Install(BOOL install, const wchar_t* commandLine) const;
-
-    /// Whether the DLL is in this process, whoever loaded it.
-    static bool IsLoaded();
-
-private:
-    HMODULE m_module;
-};
-
-/// Everything that registration may write, for a test's lifetime, in both hives.
-class CRegistrationGuard
-{
-public:
-    CRegistrationGuard();
-    /// Removes it all.
-    void Remove();
-
-private:
-    std::vector<std::unique_ptr<CRegistryTreeGuard>> m_trees;
-};
-
 /// The host's type libraries, registered for the test's lifetime.
 class COfficeLibraries
 {
 public:
     COfficeLibraries();
-    ~COfficeLibraries();
-    COfficeLibraries(const COfficeLibraries&) = delete;
-    COfficeLibraries& operator=(const COfficeLibraries&) = delete;
 
 private:
-    std::vector<std::unique_ptr<CRegistryTreeGuard>> m_trees;
+    CBothHivesGuard m_keys;
 };
 
 /// The host's main window. It notes when it is enabled and disabled, and runs what it is sent.
@@ -178,7 +132,7 @@ protected:
     CHostWindow m_host;
     CLoopbackServer m_server;
     CProxySetting m_proxy{m_server.Port()};
-    std::vector<std::unique_ptr<CRegistryValue>> m_languages;
+    COfficeLanguageSetting m_language;
     CUserScript m_user;
     std::unique_ptr<CFakeOutlook> m_outlook;
     std::unique_ptr<CAddInModule> m_module;

@@ -37,7 +37,7 @@ protected:
 
     std::wstring MarkupIn(DWORD language)
     {
-        m_languages[1]->SetDword(language);
+        m_language.Set(14, language);
         EXPECT_EQ(Connect(kOutlook2010), S_OK);
         return Markup();
     }

@@ -80,7 +80,7 @@ TEST_F(MenuCommandTest, TheCaptionIsTheLocalizedTextAsABstr)
 
 TEST_F(MenuCommandTest, TheCaptionIsInOfficesLanguage)
 {
-    m_languages[0]->SetDword(1031);
+    m_language.Set(12, 1031);
     Lines();
     EXPECT_EQ(Call("button.Caption").text, L"\x00DC"
                                            L"ber den ORVA Connector...");
@@ -88,7 +88,7 @@ TEST_F(MenuCommandTest, TheCaptionIsInOfficesLanguage)
 
 TEST_F(MenuCommandTest, ALanguageWithoutTextsGivesAnEmptyCaption)
 {
-    m_languages[0]->SetDword(1036);
+    m_language.Set(12, 1036);
     Lines();
     const CMemberCall caption = Call("button.Caption");
     ASSERT_EQ(caption.arguments.size(), 1u);

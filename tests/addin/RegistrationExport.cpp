@@ -31,7 +31,7 @@ constexpr Tree kTrees[] = {
     {kProgIdKey, "name"},
     {kClassKey, "class"},
     {kLibraryKey, "type library"},
-    {L"Software\\Classes\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}", "interface"},
+    {kInterfaceKey, "interface"},
 };
 
 struct Hive

@@ -13,12 +13,7 @@ namespace
 {
 
 constexpr const wchar_t* kKnownKeys[] = {
-    L"Software\\Microsoft\\Office",
-    kProgIdKey,
-    kVersionedProgIdKey,
-    kClassKey,
-    kLibraryKey,
-    L"Software\\Classes\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}",
+    L"Software\\Microsoft\\Office", kProgIdKey, kVersionedProgIdKey, kClassKey, kLibraryKey, kInterfaceKey,
 };
 
 void AddLines(CRegistryLines& lines, const std::string& hive, const std::string& exported)

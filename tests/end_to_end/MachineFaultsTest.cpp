@@ -17,13 +17,11 @@ using testing::Not;
 using testing::ValuesIn;
 
 constexpr char kTable[] = "machine-faults";
-constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}";
-constexpr wchar_t kLanguageKey[] = L"SOFTWARE\\Microsoft\\Office\\14.0\\Common\\LanguageResources";
 // Which libraries Wine loads for the stand-in; an empty text is none.
 constexpr wchar_t kLibrariesKey[] = L"Software\\Wine\\AppDefaults\\OutlookHost.exe\\DllOverrides";
 constexpr const wchar_t* kTypeLibraryKeys[] = {
     // The add-in's own, Office's, and that of the add-in interfaces.
-    L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}",
+    kLibraryKey,
     L"Software\\Classes\\TypeLib\\{2DF8D04C-5BFA-101B-BDE5-00AA0044DE52}",
     L"Software\\Classes\\TypeLib\\{AC0714F2-3D04-11D1-AE7D-00A0C90F26F4}",
 };
@@ -220,7 +218,7 @@ TEST_F(MachineStartFaultsTest, WithoutItsTypeLibraryTheButtonDoesNothing)
 TEST_F(MachineStartFaultsTest, LanguageSettingsMissing)
 {
     // Without a language all texts are empty: the box about an unreadable file too.
-    std::optional<CMissingKey> missing(kLanguageKey);
+    std::optional<CMissingKey> missing(OfficeLanguageKey(14));
     MendBy(missing);
     Publish("<html>");
     AnswerWhateverComes();
@@ -231,7 +229,7 @@ TEST_F(MachineStartFaultsTest, LanguageSettingsMissing)
 TEST_F(MachineStartFaultsTest, LanguageOfNoUse)
 {
     std::optional<CRegistryValue> value;
-    value.emplace(HKEY_CURRENT_USER, kLanguageKey, L"UILanguage");
+    value.emplace(HKEY_CURRENT_USER, OfficeLanguageKey(14), kOfficeLanguageValue);
     value->SetString(L"en");
     MendBy(value);
     Publish("<html>");

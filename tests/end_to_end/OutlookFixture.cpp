@@ -2,6 +2,7 @@
 
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
+#include "harness/HostTrace.h"
 #include "harness/Text.h"
 #include "harness/Watchdog.h"
 
@@ -18,16 +19,6 @@ using testing::Contains;
 
 constexpr wchar_t kHostWindowClass[] = L"OrvaOutlookHost";
 constexpr char kAddIn[] = "Outlook -> OrvaOscAddin.Connect: ";
-
-// What registration writes, and the lists of add-ins, so that no other is loaded during a test.
-constexpr const wchar_t* kRegisteredKeys[] = {
-    L"Software\\Microsoft\\Office\\Outlook\\Addins",
-    L"Software\\Classes\\OrvaOscAddin.Connect",
-    L"Software\\Classes\\OrvaOscAddin.Connect.1",
-    L"Software\\Classes\\CLSID\\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}",
-    L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}",
-    L"Software\\Classes\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}",
-};
 
 testing::Environment* const g_installed = testing::AddGlobalTestEnvironment(new CInstalledAddIn);
 
@@ -122,14 +113,8 @@ std::vector<std::string> NoReplyLog(const std::string& error)
 
 void CInstalledAddIn::SetUp()
 {
-    for (const wchar_t* const key : kRegisteredKeys)
-    {
-        for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
-        {
-            m_guards.push_back(std::make_unique<CRegistryTreeGuard>(root, key));
-            m_guards.back()->Remove();
-        }
-    }
+    m_guard.emplace();
+    m_guard->Remove();
     const CProcessResult result = RunProcess(L"regsvr32.exe", {L"/s", BuiltFile(kModule)});
     ASSERT_EQ(result.exitCode, 0u) << result.output;
 }
@@ -137,30 +122,10 @@ void CInstalledAddIn::SetUp()
 void CInstalledAddIn::TearDown()
 {
     RunProcess(L"regsvr32.exe", {L"/s", L"/u", BuiltFile(kModule)});
-    m_guards.clear();
+    m_guard.reset();
 }
 
-OutlookFixture::OutlookFixture() : m_proxy(m_server.Port())
-{
-    constexpr DWORD kEnglish = 1033;
-    for (const wchar_t* const version : {L"12.0", L"14.0", L"15.0"})
-    {
-        m_languages.push_back(std::make_unique<CRegistryValue>(
-            HKEY_CURRENT_USER,
-            std::wstring(L"SOFTWARE\\Microsoft\\Office\\") + version + L"\\Common\\LanguageResources",
-            L"UILanguage"));
-        m_languages.back()->SetDword(kEnglish);
-    }
-}
-
-OutlookFixture::~OutlookFixture()
-{
-    // The last made is the first to be put back: they share keys.
-    while (!m_languages.empty())
-    {
-        m_languages.pop_back();
-    }
-}
+OutlookFixture::OutlookFixture() : m_proxy(m_server.Port()) {}
 
 void OutlookFixture::StartOutlook(const std::vector<std::wstring>& options)
 {
@@ -258,14 +223,7 @@ HWND OutlookFixture::MainWindow() const
 
 std::vector<std::string> OutlookFixture::Trace() const
 {
-    static const std::regex time("^ *[0-9]+\\.[0-9]{3} ");
-    static const std::regex duration(", [0-9]+ ms");
-    std::vector<std::string> lines = SplitLines(ReadFileBytes(m_tracePath).value_or(""));
-    for (std::string& line : lines)
-    {
-        line = std::regex_replace(std::regex_replace(line, time, ""), duration, "");
-    }
-    return lines;
+    return ReadHostTrace(m_tracePath);
 }
 
 bool OutlookFixture::WaitForTrace(const std::string& part, int count) const

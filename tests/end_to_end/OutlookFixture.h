@@ -2,12 +2,15 @@
 // server as the user's proxy and the user on a second thread.
 #pragma once
 
+#include "fixture/UpdateInfo.h"
 #include "harness/LogFile.h"
 #include "harness/LoopbackServer.h"
+#include "harness/OfficeLanguage.h"
 #include "harness/ProcessRunner.h"
 #include "harness/ProxySetting.h"
 #include "harness/TempFolder.h"
 #include "harness/UserScript.h"
+#include "outlook/AddInRegistration.h"
 
 #include <gmock/gmock.h>
 
@@ -43,7 +46,7 @@ public:
     void TearDown() override;
 
 private:
-    std::vector<std::unique_ptr<CRegistryTreeGuard>> m_guards;
+    std::optional<CRegistrationGuard> m_guard;
 };
 
 /// One test with one stand-in Outlook. The language is English, the log is on and empty, the temporary folder
@@ -52,7 +55,6 @@ class OutlookFixture : public testing::Test
 {
 protected:
     OutlookFixture();
-    ~OutlookFixture() override;
 
     /// Starts Outlook with further options of the stand-in; the steps added to m_user are played in it.
     void StartOutlook(const std::vector<std::wstring>& options = {});
@@ -84,7 +86,7 @@ protected:
     bool WaitForTrace(const std::string& part, int count = 1) const;
 
     /// Publishes the file's text as the reply to the update check.
-    void Publish(const std::string& text) { m_server.On(kPublished, CHttpReply(200, text)); }
+    void Publish(const std::string& text) { m_server.On(kUpdateInfoPath, CHttpReply(200, text)); }
     /// Publishes a newer build with this link, and has the user choose "Install".
     void OfferAndInstall(const std::string& link);
     /// Has the user look at the progress dialog and go on.
@@ -93,10 +95,8 @@ protected:
     std::vector<std::wstring> TempFiles() const;
 
 private:
-    static constexpr const char* kPublished = "/downloads/outlook/UpdateInfo.txt";
-
     CDebugLogOn m_log;
-    std::vector<std::unique_ptr<CRegistryValue>> m_languages;
+    COfficeLanguageSetting m_language;
     /// Made before the private temporary folder, so that it lies outside.
     CTempFolder m_folder;
     std::wstring m_tracePath;

@@ -209,10 +209,7 @@ TEST_F(OutlookVersionsTest, TheOfferSpeaksTheLanguageOfOffice)
     for (const CLanguage& language : languages)
     {
         SCOPED_TRACE(language.id);
-        CRegistryValue setting(HKEY_CURRENT_USER,
-                               L"SOFTWARE\\Microsoft\\Office\\14.0\\Common\\LanguageResources",
-                               L"UILanguage");
-        setting.SetDword(language.id);
+        const COfficeLanguageSetting setting(language.id);
         m_user.OnDialogWith(kInstallButton,
                             [](HWND dialog) { EXPECT_TRUE(ClickButton(dialog, kLaterButton)); });
         RunToTheEnd();

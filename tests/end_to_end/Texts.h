@@ -2,6 +2,7 @@
 #pragma once
 
 #include "OrvaWebHost.h"
+#include "fixture/UpdateInfo.h"
 #include "fixture/UserTexts.h"
 
 namespace orva::test
@@ -11,7 +12,6 @@ inline constexpr wchar_t kModule[] = L"OrvaOscAddin.dll";
 inline constexpr wchar_t kHost[] = L"OutlookHost.exe";
 inline constexpr wchar_t kInstaller[] = L"DemoInstaller.exe";
 
-inline constexpr char kUpdateInfoPath[] = "/downloads/outlook/UpdateInfo.txt";
 inline constexpr char kUpdateInfoUrl[] = "http://" ORVA_WEB_HOST "/downloads/outlook/UpdateInfo.txt";
 inline constexpr char kInstallerPath[] = "/files/setup.exe";
 inline constexpr char kInstallerUrl[] = "http://files.orva.example/files/setup.exe";

@@ -25,7 +25,7 @@ timeval Slice()
 struct CInterruptibleWinInet::Hooks
 {
     explicit Hooks(HMODULE module);
-    ~Hooks() { the = nullptr; }
+    ~Hooks() { s_current = nullptr; }
 
     static HINTERNET WINAPI Open(LPCWSTR agent, DWORD access, LPCWSTR proxy, LPCWSTR bypass, DWORD flags);
     static HINTERNET WINAPI ConnectTo(HINTERNET session, LPCWSTR server, INTERNET_PORT port, LPCWSTR user,
@@ -45,7 +45,7 @@ struct CInterruptibleWinInet::Hooks
     static int WINAPI Receive(SOCKET socket, char* buffer, int size, int flags);
     static int WINAPI Connect(SOCKET socket, const sockaddr* address, int size);
 
-    static Hooks* the;
+    static Hooks* s_current;
 
     HMODULE winInet;
     CImportHook control;
@@ -61,11 +61,11 @@ struct CInterruptibleWinInet::Hooks
     CImportHook close;
 };
 
-CInterruptibleWinInet::Hooks* CInterruptibleWinInet::Hooks::the = nullptr;
+CInterruptibleWinInet::Hooks* CInterruptibleWinInet::Hooks::s_current = nullptr;
 
 CInterruptibleWinInet::Hooks::Hooks(HMODULE module)
     // Known before the first hook can be called.
-    : winInet((the = this, GetModuleHandleW(L"wininet.dll"))),
+    : winInet((s_current = this, GetModuleHandleW(L"wininet.dll"))),
       control(winInet, "ws2_32.dll", "ioctlsocket", &Control),
       receive(winInet, "ws2_32.dll", "recv", &Receive), connect(winInet, "ws2_32.dll", "connect", &Connect),
       open(module, "wininet.dll", "InternetOpenW", &Open),
@@ -82,7 +82,8 @@ CInterruptibleWinInet::Hooks::Hooks(HMODULE module)
 HINTERNET WINAPI CInterruptibleWinInet::Hooks::Open(LPCWSTR agent, DWORD access, LPCWSTR proxy,
                                                     LPCWSTR bypass, DWORD flags)
 {
-    return GiveHandle(the->open.Original<decltype(Open)>()(agent, access, proxy, bypass, flags), nullptr);
+    return GiveHandle(s_current->open.Original<decltype(Open)>()(agent, access, proxy, bypass, flags),
+                      nullptr);
 }
 
 HINTERNET CInterruptibleWinInet::Hooks::Give(const CPendingCall& call, HINTERNET real)
@@ -90,7 +91,7 @@ HINTERNET CInterruptibleWinInet::Hooks::Give(const CPendingCall& call, HINTERNET
     const HINTERNET given = call.Give(real);
     if (given == nullptr && real != nullptr)
     {
-        the->close.Original<decltype(CloseInternetHandle)>()(real);
+        s_current->close.Original<decltype(CloseInternetHandle)>()(real);
         SetLastError(ERROR_INTERNET_OPERATION_CANCELLED);
     }
     return given;
@@ -101,8 +102,8 @@ HINTERNET WINAPI CInterruptibleWinInet::Hooks::ConnectTo(HINTERNET session, LPCW
                                                          DWORD service, DWORD flags, DWORD_PTR context)
 {
     const CPendingCall call(session);
-    return Give(call, the->connectTo.Original<decltype(ConnectTo)>()(call.Real(), server, port, user,
-                                                                     password, service, flags, context));
+    return Give(call, s_current->connectTo.Original<decltype(ConnectTo)>()(
+                          call.Real(), server, port, user, password, service, flags, context));
 }
 
 HINTERNET WINAPI CInterruptibleWinInet::Hooks::OpenRequest(HINTERNET connection, LPCWSTR verb, LPCWSTR object,
@@ -110,36 +111,36 @@ HINTERNET WINAPI CInterruptibleWinInet::Hooks::OpenRequest(HINTERNET connection,
                                                            DWORD flags, DWORD_PTR context)
 {
     const CPendingCall call(connection);
-    return Give(call, the->openRequest.Original<decltype(OpenRequest)>()(call.Real(), verb, object, version,
-                                                                         referrer, types, flags, context));
+    return Give(call, s_current->openRequest.Original<decltype(OpenRequest)>()(
+                          call.Real(), verb, object, version, referrer, types, flags, context));
 }
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::AddHeaders(HINTERNET request, LPCWSTR headers, DWORD length,
                                                      DWORD modifiers)
 {
     const CPendingCall call(request);
-    return the->addHeaders.Original<decltype(AddHeaders)>()(call.Real(), headers, length, modifiers);
+    return s_current->addHeaders.Original<decltype(AddHeaders)>()(call.Real(), headers, length, modifiers);
 }
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::QueryInfo(HINTERNET request, DWORD level, LPVOID buffer,
                                                     LPDWORD size, LPDWORD index)
 {
     const CPendingCall call(request);
-    return the->queryInfo.Original<decltype(QueryInfo)>()(call.Real(), level, buffer, size, index);
+    return s_current->queryInfo.Original<decltype(QueryInfo)>()(call.Real(), level, buffer, size, index);
 }
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::SendRequest(HINTERNET request, LPCWSTR headers, DWORD headersLength,
                                                       LPVOID optional, DWORD optionalLength)
 {
     const CPendingCall call(request);
-    return call.Result(the->send.Original<decltype(SendRequest)>()(call.Real(), headers, headersLength,
-                                                                   optional, optionalLength));
+    return call.Result(s_current->send.Original<decltype(SendRequest)>()(call.Real(), headers, headersLength,
+                                                                         optional, optionalLength));
 }
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::ReadFile(HINTERNET file, LPVOID buffer, DWORD size, LPDWORD read)
 {
     const CPendingCall call(file);
-    return call.Result(the->read.Original<decltype(ReadFile)>()(call.Real(), buffer, size, read));
+    return call.Result(s_current->read.Original<decltype(ReadFile)>()(call.Real(), buffer, size, read));
 }
 
 BOOL WINAPI CInterruptibleWinInet::Hooks::CloseInternetHandle(HINTERNET handle)
@@ -158,7 +159,7 @@ BOOL WINAPI CInterruptibleWinInet::Hooks::CloseInternetHandle(HINTERNET handle)
     BOOL closed = FALSE;
     for (const HINTERNET each : taken.real)
     {
-        closed = the->close.Original<decltype(CloseInternetHandle)>()(each);
+        closed = s_current->close.Original<decltype(CloseInternetHandle)>()(each);
     }
     return closed;
 }
@@ -169,12 +170,12 @@ int WINAPI CInterruptibleWinInet::Hooks::Control(SOCKET socket, long command, u_
     {
         t_notWaiting = *argument != 0 ? socket : INVALID_SOCKET;
     }
-    return the->control.Original<decltype(Control)>()(socket, command, argument);
+    return s_current->control.Original<decltype(Control)>()(socket, command, argument);
 }
 
 int WINAPI CInterruptibleWinInet::Hooks::Receive(SOCKET socket, char* buffer, int size, int flags)
 {
-    const auto original = the->receive.Original<decltype(Receive)>();
+    const auto original = s_current->receive.Original<decltype(Receive)>();
     const PendingCall* const call = OwnCall();
     if (call == nullptr || socket == t_notWaiting)
     {
@@ -218,7 +219,7 @@ int WINAPI CInterruptibleWinInet::Hooks::Receive(SOCKET socket, char* buffer, in
 
 int WINAPI CInterruptibleWinInet::Hooks::Connect(SOCKET socket, const sockaddr* address, int size)
 {
-    const auto original = the->connect.Original<decltype(Connect)>();
+    const auto original = s_current->connect.Original<decltype(Connect)>();
     const PendingCall* const call = OwnCall();
     u_long notWaiting = 1;
     if (call == nullptr || ioctlsocket(socket, static_cast<long>(FIONBIO), &notWaiting) != 0)

@@ -1,10 +1,9 @@
 #include "HostFixture.h"
 
 #include "harness/Files.h"
-#include "harness/Text.h"
+#include "harness/HostTrace.h"
 
 #include <algorithm>
-#include <regex>
 
 namespace orva::test
 {
@@ -93,14 +92,7 @@ int HostFixture::WaitForHost()
 
 std::vector<std::string> HostFixture::Trace() const
 {
-    static const std::regex time("^ *[0-9]+\\.[0-9]{3} ");
-    static const std::regex duration(", [0-9]+ ms");
-    std::vector<std::string> lines = SplitLines(ReadFileBytes(m_tracePath).value_or(""));
-    for (std::string& line : lines)
-    {
-        line = std::regex_replace(std::regex_replace(line, time, ""), duration, "");
-    }
-    return lines;
+    return ReadHostTrace(m_tracePath);
 }
 
 bool HostFixture::HasTrace(const std::string& line) const

@@ -15,19 +15,19 @@ long long CountExisting(const std::vector<HGDIOBJ>& objects)
 
 } // namespace
 
-CKeptObjects* CKeptObjects::the = nullptr;
+CKeptObjects* CKeptObjects::s_current = nullptr;
 
 CKeptObjects::CKeptObjects(HMODULE module)
     : m_createBrush(module, "gdi32.dll", "CreateSolidBrush", &OnCreateSolidBrush),
       m_createFont(module, "gdi32.dll", "CreateFontIndirectW", &OnCreateFontIndirect),
       m_delete(module, "gdi32.dll", "DeleteObject", &OnDeleteObject)
 {
-    the = this;
+    s_current = this;
 }
 
 CKeptObjects::~CKeptObjects()
 {
-    the = nullptr;
+    s_current = nullptr;
 }
 
 long long CKeptObjects::Brushes() const
@@ -54,23 +54,23 @@ void CKeptObjects::Discard()
 
 HBRUSH WINAPI CKeptObjects::OnCreateSolidBrush(COLORREF colour)
 {
-    const HBRUSH brush = the->m_createBrush.Original<decltype(OnCreateSolidBrush)>()(colour);
-    the->m_brushes.push_back(brush);
+    const HBRUSH brush = s_current->m_createBrush.Original<decltype(OnCreateSolidBrush)>()(colour);
+    s_current->m_brushes.push_back(brush);
     return brush;
 }
 
 HFONT WINAPI CKeptObjects::OnCreateFontIndirect(const LOGFONTW* description)
 {
-    const HFONT font = the->m_createFont.Original<decltype(OnCreateFontIndirect)>()(description);
-    the->m_fonts.push_back(font);
+    const HFONT font = s_current->m_createFont.Original<decltype(OnCreateFontIndirect)>()(description);
+    s_current->m_fonts.push_back(font);
     return font;
 }
 
 BOOL WINAPI CKeptObjects::OnDeleteObject(HGDIOBJ object)
 {
-    std::erase(the->m_brushes, object);
-    std::erase(the->m_fonts, object);
-    return the->m_delete.Original<decltype(OnDeleteObject)>()(object);
+    std::erase(s_current->m_brushes, object);
+    std::erase(s_current->m_fonts, object);
+    return s_current->m_delete.Original<decltype(OnDeleteObject)>()(object);
 }
 
 } // namespace orva::test

@@ -31,7 +31,7 @@ private:
     static HFONT WINAPI OnCreateFontIndirect(const LOGFONTW* description);
     static BOOL WINAPI OnDeleteObject(HGDIOBJ object);
 
-    static CKeptObjects* the;
+    static CKeptObjects* s_current;
 
     std::vector<HGDIOBJ> m_brushes;
     std::vector<HGDIOBJ> m_fonts;

@@ -22,8 +22,6 @@ using Microsoft::WRL::ComPtr;
 constexpr char kInstaller[] = "/setup.exe";
 constexpr DISPID kClick = 1;
 constexpr WORD kOfferTemplate = 9;
-constexpr int kInstall = 204;
-constexpr int kLater = 205;
 constexpr DWORD kThoroughDeadline = 12 * 60'000;
 constexpr DWORD kShortDeadline = 120'000;
 
@@ -39,42 +37,19 @@ INT_PTR CALLBACK BareDialog(HWND dialog, UINT message, WPARAM, LPARAM)
 class LongRunTest : public testing::Test
 {
 protected:
-    LongRunTest()
-    {
-        SetTestDeadline(IsThorough() ? kThoroughDeadline : kShortDeadline);
-        for (const wchar_t* const version : {L"12", L"14"})
-        {
-            m_languages.push_back(std::make_unique<CRegistryValue>(
-                HKEY_CURRENT_USER,
-                std::wstring(L"SOFTWARE\\Microsoft\\Office\\") + version + L".0\\Common\\LanguageResources",
-                L"UILanguage"));
-            m_languages.back()->SetDword(1033);
-        }
-    }
+    LongRunTest() { SetTestDeadline(IsThorough() ? kThoroughDeadline : kShortDeadline); }
 
     // Loads the DLL and makes and connects an object.
     void Load(int mode = ext_cm_AfterStartup)
     {
         m_module = std::make_unique<CAddInModule>();
-        ComPtr<IClassFactory> factory;
-        ASSERT_EQ(m_module->GetClassObject(kAddInClass, IID_IClassFactory,
-                                           reinterpret_cast<void**>(factory.GetAddressOf())),
-                  S_OK);
-        ASSERT_EQ(factory->CreateInstance(nullptr, IID_IUnknown,
-                                          reinterpret_cast<void**>(m_object.ReleaseAndGetAddressOf())),
-                  S_OK);
+        m_object = m_module->Create();
         Connect(mode);
     }
 
     void Connect(int mode)
     {
-        ComPtr<_IDTExtensibility2> addIn;
-        ASSERT_EQ(m_object.As(&addIn), S_OK);
-        SAFEARRAY* custom = SafeArrayCreateVector(VT_VARIANT, 1, 0);
-        EXPECT_EQ(addIn->OnConnection(m_outlook.application.Get(), static_cast<ext_ConnectMode>(mode),
-                                      nullptr, &custom),
-                  S_OK);
-        SafeArrayDestroy(custom);
+        EXPECT_EQ(ConnectAddIn(m_object.Get(), m_outlook.application.Get(), mode), S_OK);
         m_outlook.record.clear();
     }
 
@@ -195,7 +170,7 @@ protected:
 
     CHostWindow m_host;
     CFakeOutlook m_outlook{kOutlook2010};
-    std::vector<std::unique_ptr<CRegistryValue>> m_languages;
+    COfficeLanguageSetting m_language;
     std::unique_ptr<CAddInModule> m_module;
     ComPtr<IUnknown> m_object;
     std::optional<CKeptObjects> m_kept;
@@ -278,7 +253,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     const int offers = Repetitions(6, 300);
     const Left offering = Repeat("offers", offers, [&](int count) {
         const CPublisher publisher(kNewer);
-        CPersistentUser user(kLater);
+        CPersistentUser user(kLaterButton);
         for (int i = 0; i < count; ++i)
         {
             ButtonClicked();
@@ -319,7 +294,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     const Left downloading = Repeat("downloads", downloads, [&](int count) {
         const CPrivateTemp temp;
         const CPublisher publisher(kNewer);
-        const CPersistentUser user(kInstall);
+        const CPersistentUser user(kInstallButton);
         const int before = CInstallerCounter::Count();
         for (int i = 0; i < count; ++i)
         {

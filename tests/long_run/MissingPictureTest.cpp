@@ -1,7 +1,7 @@
 // A picture that is missing from the DLL, asked for again and again: the one path that leaves something on
 // purpose.
 #include "addin/AddInFixture.h"
-#include "harness/ImportHook.h"
+#include "harness/GdiPlusCounter.h"
 #include "harness/Report.h"
 #include "long_run/ProcessFigures.h"
 
@@ -14,43 +14,6 @@ using Microsoft::WRL::ComPtr;
 
 // What the system may keep for itself, however often something is done.
 constexpr long long kSlack = 4;
-
-// Counts the starts and ends of GDI+ that a module asks for, for its lifetime.
-class CGdiPlusCounter
-{
-public:
-    explicit CGdiPlusCounter(HMODULE module)
-        : m_startup(module, "gdiplus.dll", "GdiplusStartup", &Startup),
-          m_shutdown(module, "gdiplus.dll", "GdiplusShutdown", &Shutdown)
-    {
-        the = this;
-    }
-    ~CGdiPlusCounter() { the = nullptr; }
-    CGdiPlusCounter(const CGdiPlusCounter&) = delete;
-    CGdiPlusCounter& operator=(const CGdiPlusCounter&) = delete;
-
-    int starts = 0;
-    int ends = 0;
-
-private:
-    static int WINAPI Startup(ULONG_PTR* token, const void* input, void* output)
-    {
-        ++the->starts;
-        return the->m_startup.Original<decltype(Startup)>()(token, input, output);
-    }
-    static void WINAPI Shutdown(ULONG_PTR token)
-    {
-        ++the->ends;
-        the->m_shutdown.Original<decltype(Shutdown)>()(token);
-    }
-
-    static CGdiPlusCounter* the;
-
-    CImportHook m_startup;
-    CImportHook m_shutdown;
-};
-
-CGdiPlusCounter* CGdiPlusCounter::the = nullptr;
 
 class MissingPictureTest : public CAddInTest
 {

@@ -11,10 +11,10 @@ constexpr char kRunTime[] = "msvcrt.dll";
 
 } // namespace
 
-CModuleBlocks* CModuleBlocks::the = nullptr;
+CModuleBlocks* CModuleBlocks::s_current = nullptr;
 
 CModuleBlocks::CModuleBlocks(HMODULE module)
-    : m_malloc((the = this, module), kRunTime, "malloc", &Allocate),
+    : m_malloc((s_current = this, module), kRunTime, "malloc", &Allocate),
       m_calloc(module, kRunTime, "calloc", &AllocateZeroed),
       m_realloc(module, kRunTime, "realloc", &Reallocate), m_free(module, kRunTime, "free", &Free)
 {
@@ -47,31 +47,31 @@ void CModuleBlocks::Forget(const void* block)
 
 void* CModuleBlocks::Allocate(std::size_t size)
 {
-    void* const block = the->m_malloc.Original<decltype(Allocate)>()(size);
-    the->Note(block, size);
+    void* const block = s_current->m_malloc.Original<decltype(Allocate)>()(size);
+    s_current->Note(block, size);
     return block;
 }
 
 void* CModuleBlocks::AllocateZeroed(std::size_t count, std::size_t size)
 {
-    void* const block = the->m_calloc.Original<decltype(AllocateZeroed)>()(count, size);
-    the->Note(block, count * size);
+    void* const block = s_current->m_calloc.Original<decltype(AllocateZeroed)>()(count, size);
+    s_current->Note(block, count * size);
     return block;
 }
 
 void* CModuleBlocks::Reallocate(void* block, std::size_t size)
 {
     // Forgotten before another thread can be given the same address.
-    the->Forget(block);
-    void* const moved = the->m_realloc.Original<decltype(Reallocate)>()(block, size);
-    the->Note(moved, size);
+    s_current->Forget(block);
+    void* const moved = s_current->m_realloc.Original<decltype(Reallocate)>()(block, size);
+    s_current->Note(moved, size);
     return moved;
 }
 
 void CModuleBlocks::Free(void* block)
 {
-    the->Forget(block);
-    the->m_free.Original<decltype(Free)>()(block);
+    s_current->Forget(block);
+    s_current->m_free.Original<decltype(Free)>()(block);
 }
 
 } // namespace orva::test

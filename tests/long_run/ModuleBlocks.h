@@ -32,7 +32,7 @@ private:
     void Note(void* block, std::size_t size);
     void Forget(const void* block);
 
-    static CModuleBlocks* the;
+    static CModuleBlocks* s_current;
 
     mutable std::mutex m_mutex;
     std::map<const void*, std::size_t> m_blocks;

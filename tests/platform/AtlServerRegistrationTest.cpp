@@ -2,6 +2,7 @@
 // registration.
 #include "AtlServer.h"
 #include "harness/Waiting.h"
+#include "harness/Wine.h"
 #include "platform/AtlTestServer.h"
 
 #include <algorithm>
@@ -12,6 +13,7 @@ namespace
 
 using orva::test::CAtlServerRegistryGuard;
 using orva::test::CAtlTestServer;
+using orva::test::IsWine;
 using orva::test::PumpUntil;
 using orva::test::RegistryDword;
 using orva::test::RegistryKeyExists;
@@ -112,10 +114,9 @@ TEST_F(AtlServerRegistration, PerUserTypeLibrariesGoThroughThePerUserFunctions)
 {
     // Wine's RegisterTypeLibForUser registers for the whole machine; on Windows the user's classes get the
     // library.
-    const bool isWine = ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
     ASSERT_EQ(m_server.Install(TRUE, L"user"), S_OK);
-    EXPECT_EQ(RegistryKeyExists(HKEY_CURRENT_USER, kLibrary), !isWine);
-    EXPECT_EQ(RegistryKeyExists(HKEY_LOCAL_MACHINE, kLibrary), isWine);
+    EXPECT_EQ(RegistryKeyExists(HKEY_CURRENT_USER, kLibrary), !IsWine());
+    EXPECT_EQ(RegistryKeyExists(HKEY_LOCAL_MACHINE, kLibrary), IsWine());
     ASSERT_EQ(m_server.Install(FALSE, L"user"), S_OK);
     EXPECT_FALSE(RegistryKeyExists(HKEY_CURRENT_USER, kLibrary));
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kLibrary));

@@ -2,6 +2,7 @@
 #include "ui/AboutDlg.h"
 
 #include "fixture/ProductFixture.h"
+#include "fixture/UpdateInfo.h"
 #include "fixture/UserTexts.h"
 #include "harness/Files.h"
 #include "harness/HttpReply.h"
@@ -30,8 +31,6 @@ constexpr int kTitle = 216;
 constexpr int kVersionLine1 = 221;
 constexpr int kUpdate = 223;
 constexpr int kClose = 224;
-constexpr char kUpdateInfoPath[] = "/downloads/outlook/UpdateInfo.txt";
-constexpr char kEqualVersion[] = R"({"x64": {"majorVersion": 1, "minorVersion": 2, "buildNumber": 0}})";
 
 void Close(HWND dialog)
 {
@@ -219,7 +218,7 @@ TEST_F(AboutDlgTest, DefaultButtonIsClose)
 
 TEST_F(AboutDlgTest, EveryHandlerWritesItsEntry)
 {
-    Publish(CHttpReply(200, kEqualVersion));
+    Publish(CHttpReply(200, kSameVersion));
     const CLogMark log;
     OnAbout([](HWND dialog) { ClickButton(dialog, kUpdate); });
     m_user.AnswerBox(kLatest).Then("close", [] {
@@ -241,7 +240,7 @@ TEST_F(AboutDlgTest, EveryHandlerWritesItsEntry)
 TEST_F(AboutDlgTest, NeitherButtonReactsWhileTheCheckRunsAndBothWorkAfter)
 {
     CGate gate;
-    m_server.On(kUpdateInfoPath, CServerScript().WaitFor(gate).Send(CHttpReply(200, kEqualVersion).Bytes()));
+    m_server.On(kUpdateInfoPath, CServerScript().WaitFor(gate).Send(CHttpReply(200, kSameVersion).Bytes()));
     OnAbout([&](HWND dialog) {
         ClickButton(dialog, kUpdate);
         EXPECT_TRUE(gate.WaitUntilReached());
@@ -260,7 +259,7 @@ TEST_F(AboutDlgTest, NeitherButtonReactsWhileTheCheckRunsAndBothWorkAfter)
 
 TEST_F(AboutDlgTest, UpdatePressedTwiceChecksTwice)
 {
-    Publish(CHttpReply(200, kEqualVersion));
+    Publish(CHttpReply(200, kSameVersion));
     const auto press = [](int control) {
         const HWND about = FindTopLevelWindow({.childId = kTitle});
         return WaitUntilEnabled(about) && ClickButton(about, control);

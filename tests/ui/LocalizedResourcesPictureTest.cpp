@@ -1,4 +1,5 @@
 // PNG resources as picture objects for the ribbon, and what happens when that fails.
+#include "harness/GdiPlusCounter.h"
 #include "res/resource.h"
 #include "ui/LocalizedResources.h"
 
@@ -16,72 +17,8 @@
 
 using Microsoft::WRL::ComPtr;
 
-// The slots through which this program calls the two functions.
-using GdiplusStartupFunction = int(ULONG_PTR*, const void*, void*);
-using GdiplusShutdownFunction = void(ULONG_PTR);
-extern GdiplusStartupFunction* gdiplusStartupSlot asm("__imp_GdiplusStartup");
-extern GdiplusShutdownFunction* gdiplusShutdownSlot asm("__imp_GdiplusShutdown");
-
 namespace
 {
-int startups = 0;
-int shutdowns = 0;
-GdiplusStartupFunction* realStartup = nullptr;
-GdiplusShutdownFunction* realShutdown = nullptr;
-
-// What the startup input says: version, debug callback, and the two things that may be suppressed.
-struct StartupInput
-{
-    UINT32 version;
-    void* debugCallback;
-    BOOL suppressBackgroundThread;
-    BOOL suppressExternalCodecs;
-};
-StartupInput lastInput = {};
-
-int CountStartup(ULONG_PTR* token, const void* input, void* output)
-{
-    ++startups;
-    std::memcpy(&lastInput, input, sizeof(lastInput));
-    return realStartup(token, input, output);
-}
-
-void CountShutdown(ULONG_PTR token)
-{
-    ++shutdowns;
-    realShutdown(token);
-}
-
-template <typename T> void WriteSlot(T*& slot, T* value)
-{
-    DWORD before = 0;
-    VirtualProtect(&slot, sizeof(slot), PAGE_READWRITE, &before);
-    slot = value;
-    VirtualProtect(&slot, sizeof(slot), before, &before);
-}
-
-// Counts GDI+ startups and shutdowns for its lifetime.
-class CGdiplusCounter
-{
-public:
-    CGdiplusCounter()
-    {
-        startups = 0;
-        shutdowns = 0;
-        realStartup = gdiplusStartupSlot;
-        realShutdown = gdiplusShutdownSlot;
-        WriteSlot(gdiplusStartupSlot, CountStartup);
-        WriteSlot(gdiplusShutdownSlot, CountShutdown);
-    }
-    ~CGdiplusCounter()
-    {
-        WriteSlot(gdiplusStartupSlot, realStartup);
-        WriteSlot(gdiplusShutdownSlot, realShutdown);
-    }
-    CGdiplusCounter(const CGdiplusCounter&) = delete;
-    CGdiplusCounter& operator=(const CGdiplusCounter&) = delete;
-};
-
 // Overwrites the beginning of a resource in memory for its lifetime.
 class CDamagedResource
 {
@@ -207,7 +144,7 @@ Pixels PixelsOf(IPictureDisp* picture)
 class LocalizedResourcesPictureTest : public testing::Test
 {
 protected:
-    CGdiplusCounter m_counter;
+    orva::test::CGdiPlusCounter m_counter{GetModuleHandleW(nullptr)};
     CLocalizedResources m_resources;
     CFakeControl m_control;
 };
@@ -271,12 +208,12 @@ TEST_F(LocalizedResourcesPictureTest, EachCallStartsAndStopsGdiplusAndDecodesAne
     m_resources.LoadPngPicture(&m_control, &first, IDR_ICON_PNG);
     m_resources.LoadPngPicture(&m_control, &second, IDR_ICON_PNG);
     EXPECT_NE(first.Get(), second.Get());
-    EXPECT_EQ(startups, 2);
-    EXPECT_EQ(shutdowns, 2);
-    EXPECT_EQ(lastInput.version, 1u);
-    EXPECT_EQ(lastInput.debugCallback, nullptr);
-    EXPECT_FALSE(lastInput.suppressBackgroundThread);
-    EXPECT_FALSE(lastInput.suppressExternalCodecs);
+    EXPECT_EQ(m_counter.starts, 2);
+    EXPECT_EQ(m_counter.ends, 2);
+    EXPECT_EQ(m_counter.lastInput.version, 1u);
+    EXPECT_EQ(m_counter.lastInput.debugCallback, nullptr);
+    EXPECT_FALSE(m_counter.lastInput.suppressBackgroundThread);
+    EXPECT_FALSE(m_counter.lastInput.suppressExternalCodecs);
 }
 
 TEST_F(LocalizedResourcesPictureTest, TheControlsIdIsReadAndTheControlLetGo)
@@ -293,8 +230,8 @@ TEST_F(LocalizedResourcesPictureTest, AMissingResourceLeavesThePictureAsItWasAnd
     IPictureDisp* picture = untouched;
     EXPECT_EQ(m_resources.LoadPngPicture(&m_control, &picture, 209), S_OK);
     EXPECT_EQ(picture, untouched);
-    EXPECT_EQ(startups, 1);
-    EXPECT_EQ(shutdowns, 0);
+    EXPECT_EQ(m_counter.starts, 1);
+    EXPECT_EQ(m_counter.ends, 0);
     EXPECT_EQ(m_control.References(), 1);
 }
 
@@ -305,8 +242,8 @@ TEST_F(LocalizedResourcesPictureTest, BytesThatAreNoImageGiveNoPictureAndStopGdi
     IPictureDisp* picture = untouched;
     EXPECT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
     EXPECT_EQ(picture, untouched);
-    EXPECT_EQ(startups, 1);
-    EXPECT_EQ(shutdowns, 1);
+    EXPECT_EQ(m_counter.starts, 1);
+    EXPECT_EQ(m_counter.ends, 1);
 }
 
 TEST_F(LocalizedResourcesPictureTest, AControlThatIsNoRibbonControlGetsItsPictureAllTheSame)
@@ -324,5 +261,5 @@ TEST_F(LocalizedResourcesPictureTest, WithoutAControlOrAPlaceForThePictureNothin
     EXPECT_EQ(m_resources.LoadPngPicture(nullptr, &picture, IDR_ICON_PNG), E_POINTER);
     EXPECT_EQ(picture.Get(), nullptr);
     EXPECT_EQ(m_resources.LoadPngPicture(&m_control, nullptr, IDR_ICON_PNG), E_POINTER);
-    EXPECT_EQ(startups, 0);
+    EXPECT_EQ(m_counter.starts, 0);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "fixture/ProductFixture.h"
+#include "fixture/UpdateInfo.h"
 #include "fixture/UserTexts.h"
 #include "harness/HttpReply.h"
 #include "harness/LoopbackServer.h"
@@ -16,8 +17,6 @@
 
 namespace orva::test
 {
-
-inline constexpr char kUpdateInfoPath[] = "/downloads/outlook/UpdateInfo.txt";
 
 /// An entry for "x64" with this version and these further members (JSON text that starts with a comma).
 std::string UpdateInfo(const std::string& version, const std::string& more);

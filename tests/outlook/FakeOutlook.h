@@ -1,7 +1,7 @@
 // An Outlook of fakes: application, explorer and menu bar down to the button that an add-in may add.
 #pragma once
 
-#include "addin/FakeObject.h"
+#include "outlook/FakeObject.h"
 
 #include <ocidl.h>
 

@@ -1,4 +1,4 @@
-#include "addin/FakeOutlook.h"
+#include "outlook/FakeOutlook.h"
 
 #include <Office.h>
 #include <OfficeObjects.h>

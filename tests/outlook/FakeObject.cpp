@@ -1,4 +1,4 @@
-#include "addin/FakeObject.h"
+#include "outlook/FakeObject.h"
 
 #include "harness/Text.h"
 
