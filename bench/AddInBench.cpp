@@ -1,6 +1,8 @@
 // Plays Outlook for one case: AddInBench.exe CASE [ARGUMENTS]. See bench/run for what is called how.
 #include "bench/AddInCases.h"
 #include "bench/Samples.h"
+#include "harness/Files.h"
+#include "outlook/AddInModule.h"
 
 #include <objbase.h>
 
@@ -15,30 +17,20 @@ namespace orva::bench
 namespace
 {
 
-std::wstring Beside(const wchar_t* name)
-{
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring folder(path);
-    folder.erase(folder.rfind(L'\\') + 1);
-    return folder + name;
-}
-
 void Run(const std::string& name, const std::string& argument)
 {
-    const AddInPaths paths{Beside(L"OrvaOscAddin.dll"), Beside(L"EmptyAddIn.dll"),
-                           Beside(L"ManifestAddIn.dll")};
-    if (name != "start-cold")
+    const AddInPaths paths{test::BuiltFile(test::kAddInModule), test::BuiltFile(L"EmptyAddIn.dll")};
+    if (name == "start-cold")
+    {
+        DemandThatOutlooksLibrariesAreMissing();
+    }
+    else
     {
         LoadWhatOutlookLoads();
     }
     if (name == "start" || name == "start-cold")
     {
         MeasureStart(name, paths);
-    }
-    else if (name == "start-steps")
-    {
-        MeasureStartSteps(paths);
     }
     else if (name == "memory")
     {

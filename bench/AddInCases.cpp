@@ -1,11 +1,16 @@
 #include "bench/AddInCases.h"
 
-#include "bench/LoadedAddIn.h"
+#include "bench/DebuggerLines.h"
 #include "bench/Samples.h"
 #include "bench/Turns.h"
+#include "harness/LogFile.h"
+#include "outlook/AddInModule.h"
+#include "outlook/FakeOutlook.h"
 
+#include <AddInDesignerObjects.h>
 #include <Office.h>
 
+#include <optional>
 #include <stdexcept>
 
 namespace orva::bench
@@ -14,51 +19,85 @@ namespace orva::bench
 namespace
 {
 
-constexpr wchar_t kLogKey[] = L"SOFTWARE\\ORVA Connector";
-constexpr wchar_t kLogSwitch[] = L"EnableDebugLog";
+using Microsoft::WRL::ComPtr;
 
 constexpr double kMilliseconds = 1e3;
+
+// Many short rounds: what disturbs a start lasts longer than it.
+constexpr Effort kStartEffort{.rounds = 75, .roundSeconds = 0.02};
 
 // The markup has so many placeholders; a test of the markup counts them.
 constexpr int kPlaceholders = 18;
 
-// Seconds of each step of a connection after Outlook's start.
-struct Steps
+void Check(bool isGood, const char* step)
 {
-    double load;
-    double create;
-    double connect;
-    double unload;
+    if (!isGood)
+    {
+        throw std::runtime_error(step);
+    }
+}
 
-    double Sum() const { return load + create + connect + unload; }
+test::CFakeOutlook& Outlook()
+{
+    static test::CFakeOutlook outlook(test::kOutlook2010);
+    outlook.record.clear();
+    return outlook;
+}
+
+// An add-in from the loading of its DLL, with its object, to its unloading.
+class CRunningAddIn
+{
+public:
+    explicit CRunningAddIn(const std::wstring& path)
+        : m_module(std::in_place, path), m_object(m_module->Create())
+    {
+    }
+
+    void Connect(ext_ConnectMode mode)
+    {
+        Check(SUCCEEDED(test::ConnectAddIn(m_object.Get(), Outlook().application.Get(), mode)),
+              "OnConnection");
+    }
+
+    void ShutDownAndUnload()
+    {
+        ComPtr<_IDTExtensibility2> addIn;
+        Check(SUCCEEDED(m_object.As(&addIn)), "_IDTExtensibility2");
+        Check(SUCCEEDED(addIn->OnBeginShutdown(nullptr)), "OnBeginShutdown");
+        Check(SUCCEEDED(addIn->OnDisconnection(ext_dm_HostShutdown, nullptr)), "OnDisconnection");
+        addIn.Reset();
+        m_object.Reset();
+        Check(m_module->CanUnloadNow() == S_OK, "DllCanUnloadNow");
+        m_module.reset();
+        Check(!test::CAddInModule::IsLoaded(), "unloading");
+    }
+
+    IUnknown* Object() const { return m_object.Get(); }
+
+private:
+    std::optional<test::CAddInModule> m_module;
+    ComPtr<IUnknown> m_object;
 };
 
-Steps StartAndStop(const std::wstring& path)
+void StartAndStop(const std::wstring& path)
 {
-    const double start = Now();
-    CLoadedAddIn addIn(path);
-    const double loaded = Now();
-    addIn.Create();
-    const double created = Now();
+    CRunningAddIn addIn(path);
     addIn.Connect(ext_cm_AfterStartup);
-    const double connected = Now();
-    addIn.Disconnect();
-    addIn.Unload();
-    return {loaded - start, created - loaded, connected - created, Now() - connected};
+    addIn.ShutDownAndUnload();
 }
 
 // The main window that the check at the start disables.
-class CMainWindow
+class CDesktopWindow
 {
 public:
-    CMainWindow()
+    CDesktopWindow()
         : m_window(CreateWindowExW(0, L"STATIC", L"Outlook", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 40, 40, 400,
                                    300, nullptr, nullptr, GetModuleHandleW(nullptr), nullptr))
     {
     }
-    ~CMainWindow() { DestroyWindow(m_window); }
-    CMainWindow(const CMainWindow&) = delete;
-    CMainWindow& operator=(const CMainWindow&) = delete;
+    ~CDesktopWindow() { DestroyWindow(m_window); }
+    CDesktopWindow(const CDesktopWindow&) = delete;
+    CDesktopWindow& operator=(const CDesktopWindow&) = delete;
 
 private:
     HWND m_window;
@@ -66,38 +105,21 @@ private:
 
 void SetLogSwitch(DWORD value)
 {
-    if (RegSetKeyValueW(HKEY_CURRENT_USER, kLogKey, kLogSwitch, REG_DWORD, &value, sizeof value) !=
-        ERROR_SUCCESS)
-    {
-        throw std::runtime_error("log switch");
-    }
+    Check(RegSetKeyValueW(HKEY_CURRENT_USER, test::kLogSwitchKey, test::kLogSwitchValue, REG_DWORD, &value,
+                          sizeof value) == ERROR_SUCCESS,
+          "log switch");
 }
 
-// Seconds of two steps with the log on or off: making the object, with which the log is opened, and
-// connecting it at Outlook's start, with the check.
-struct LoggedStart
-{
-    double create;
-    double connect;
-};
-
-LoggedStart TimeStart(const std::wstring& path, DWORD logSwitch)
+// Seconds of the connection at Outlook's start, with the check. The log is opened before that.
+double TimeConnection(const std::wstring& path, DWORD logSwitch)
 {
     SetLogSwitch(logSwitch);
-    CLoadedAddIn addIn(path);
+    CRunningAddIn addIn(path);
     const double start = Now();
-    addIn.Create();
-    const double created = Now();
     addIn.Connect(ext_cm_Startup);
     const double connected = Now();
-    addIn.Disconnect();
-    addIn.Unload();
-    return {created - start, connected - created};
-}
-
-void CopyText(const std::wstring& text)
-{
-    SysFreeString(SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
+    addIn.ShutDownAndUnload();
+    return connected - start;
 }
 
 } // namespace
@@ -109,108 +131,81 @@ void LoadWhatOutlookLoads()
     {
         // They stay loaded, as they do in Outlook.
         // cppcheck-suppress leakReturnValNotUsed
-        if (LoadLibraryW(name) == nullptr)
-        {
-            throw std::runtime_error("a library of Outlook's");
-        }
+        Check(LoadLibraryW(name) != nullptr, "a library of Outlook's");
+    }
+}
+
+void DemandThatOutlooksLibrariesAreMissing()
+{
+    for (const wchar_t* const name : {L"shell32", L"shlwapi", L"comctl32", L"wininet", L"gdiplus"})
+    {
+        Check(GetModuleHandleW(name) == nullptr, "a library that should not be loaded yet");
     }
 }
 
 void MeasureStart(const std::string& row, const AddInPaths& paths)
 {
-    TakeTurns(
-        row, [&] { return StartAndStop(paths.product).Sum(); },
-        [&] { return StartAndStop(paths.empty).Sum(); }, {.rounds = 75, .roundSeconds = 0.02});
-}
-
-void MeasureStartSteps(const AddInPaths& paths)
-{
-    const auto step = [&](const char* row, double Steps::*part) {
-        TakeTurns(
-            row, [&, part] { return StartAndStop(paths.product).*part; },
-            [&, part] { return StartAndStop(paths.empty).*part; });
-    };
-    step("start-load", &Steps::load);
-    step("start-create", &Steps::create);
-    step("start-connect", &Steps::connect);
-    step("start-unload", &Steps::unload);
-    TakeTurns(
-        "manifest", [&] { return StartAndStop(paths.manifestOnly).load; },
-        [&] { return StartAndStop(paths.empty).load; });
+    const std::vector<std::string> lines = DebuggerLinesOf([&] { StartAndStop(paths.product); });
+    TakeTurns(row, Timed([&] { StartAndStop(paths.product); }), Timed([&] {
+                  StartAndStop(paths.empty);
+                  WriteToDebugger(lines);
+              }),
+              kStartEffort);
 }
 
 void MeasureMemory(const std::wstring& path, const char* variant)
 {
+    Outlook();
     const double before = PrivateKib();
-    CLoadedAddIn addIn(path);
-    addIn.Create();
+    CRunningAddIn addIn(path);
     addIn.Connect(ext_cm_AfterStartup);
     AddSample("memory", variant, PrivateKib() - before);
 }
 
 void MeasureCustomUi(const AddInPaths& paths)
 {
-    CLoadedAddIn addIn(paths.product);
-    addIn.Create();
+    CRunningAddIn addIn(paths.product);
     addIn.Connect(ext_cm_AfterStartup);
-    IRibbonExtensibility* ribbon = nullptr;
-    if (FAILED(addIn.Object()->QueryInterface(IID_IRibbonExtensibility, reinterpret_cast<void**>(&ribbon))))
-    {
-        throw std::runtime_error("IRibbonExtensibility");
-    }
-    const auto getMarkup = [ribbon] {
-        BSTR markup = nullptr;
-        if (FAILED(ribbon->GetCustomUI(nullptr, &markup)) || SysStringLen(markup) == 0)
-        {
-            throw std::runtime_error("GetCustomUI");
-        }
-        std::wstring text(markup, SysStringLen(markup));
-        SysFreeString(markup);
-        return text;
-    };
-    const std::wstring text = getMarkup();
-    const auto product = [ribbon] {
-        BSTR markup = nullptr;
-        ribbon->GetCustomUI(nullptr, &markup);
-        SysFreeString(markup);
-    };
-    const auto baseline = [&text] {
-        for (int i = 0; i < kPlaceholders; ++i)
-        {
-            CopyText(text);
-        }
-    };
-    TakeTurns("custom-ui", Timed(product), Timed(baseline));
-    TakeTurns("custom-ui-line", Timed(product), Timed([&baseline] {
-                  baseline();
-                  OutputDebugStringA("CConnect::GetCustomUI");
+    ComPtr<IRibbonExtensibility> ribbon;
+    Check(SUCCEEDED(addIn.Object()->QueryInterface(IID_IRibbonExtensibility,
+                                                   reinterpret_cast<void**>(ribbon.GetAddressOf()))),
+          "IRibbonExtensibility");
+    BSTR markup = nullptr;
+    Check(SUCCEEDED(ribbon->GetCustomUI(nullptr, &markup)) && SysStringLen(markup) != 0, "GetCustomUI");
+    const std::wstring text(markup, SysStringLen(markup));
+    SysFreeString(markup);
+    TakeTurns("custom-ui", Timed([&ribbon] {
+                  BSTR copy = nullptr;
+                  ribbon->GetCustomUI(nullptr, &copy);
+                  SysFreeString(copy);
+              }),
+              Timed([&text] {
+                  for (int i = 0; i < kPlaceholders; ++i)
+                  {
+                      SysFreeString(SysAllocStringLen(text.data(), static_cast<UINT>(text.size())));
+                  }
               }));
-    ribbon->Release();
 }
 
 void MeasureLogSwitch(const AddInPaths& paths)
 {
-    const CMainWindow window;
+    const CDesktopWindow window;
     TakeTurns(
-        "check-log", [&] { return TimeStart(paths.product, 1).connect; },
-        [&] { return TimeStart(paths.product, 0).connect; }, {.rounds = 75, .roundSeconds = 0.02});
-    TakeTurns(
-        "log-open", [&] { return TimeStart(paths.product, 1).create; },
-        [&] { return TimeStart(paths.product, 0).create; });
+        "check-log", [&] { return TimeConnection(paths.product, 1); },
+        [&] { return TimeConnection(paths.product, 0); }, kStartEffort);
     SetLogSwitch(0);
 }
 
 void MeasureShare(const std::string& row, const AddInPaths& paths)
 {
-    const CMainWindow window;
+    const CDesktopWindow window;
+    Outlook();
     const double start = Now();
-    CLoadedAddIn addIn(paths.product);
-    addIn.Create();
+    CRunningAddIn addIn(paths.product);
     addIn.Connect(ext_cm_Startup);
     AddSample(row + "-start", kProduct, (Now() - start) * kMilliseconds);
     const double stop = Now();
-    addIn.Disconnect();
-    addIn.Unload();
+    addIn.ShutDownAndUnload();
     AddSample(row + "-stop", kProduct, (Now() - stop) * kMilliseconds);
 }
 

@@ -58,8 +58,8 @@ DWORD BareGet(const std::wstring& host, const std::wstring& path)
     const CInternetHandle session(InternetOpenW(L"", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
     const CInternetHandle connection(InternetConnectW(session, host.c_str(), INTERNET_DEFAULT_HTTP_PORT,
                                                       nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 1));
-    const CInternetHandle request(HttpOpenRequestW(connection, L"GET", path.c_str(), nullptr, nullptr,
-                                                   const_cast<LPCWSTR*>(kAnything), kCheckFlags, 1));
+    const CInternetHandle request(
+        HttpOpenRequestW(connection, L"GET", path.c_str(), nullptr, nullptr, nullptr, kCheckFlags, 1));
     HttpAddRequestHeadersW(request, L"Accept-Encoding: gzip", kWholeLength, HTTP_ADDREQ_FLAG_ADD_IF_NEW);
     Check(HttpSendRequestW(request, nullptr, 0, nullptr, 0) != FALSE, "HttpSendRequest");
     CheckStatus(request);

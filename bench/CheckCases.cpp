@@ -1,6 +1,7 @@
 // The update check and its debug log.
 #include "OrvaWebHost.h"
 #include "bench/BareRequest.h"
+#include "bench/DebuggerLines.h"
 #include "bench/InsideCases.h"
 #include "bench/Samples.h"
 #include "bench/Turns.h"
@@ -24,8 +25,6 @@ constexpr wchar_t kPath[] = L"/downloads/outlook/UpdateInfo.txt?";
 // Many short rounds: what disturbs a request lasts longer than it.
 constexpr int kCheckRounds = 101;
 
-// What such a check writes to the debugger; as many as it adds to the log.
-constexpr int kDebuggerLines = 23;
 constexpr double kMilliseconds = 1e3;
 
 void CheckOnce()
@@ -48,14 +47,10 @@ double Median(std::vector<double> values)
 
 void MeasureCheck()
 {
-    TakeTurns("check", Timed(CheckOnce), Timed([] { BareGet(kHost, kPath); }),
-              {.rounds = kCheckRounds, .roundSeconds = 0.02});
-    TakeTurns("check-lines", Timed(CheckOnce), Timed([] {
+    const std::vector<std::string> lines = DebuggerLinesOf(CheckOnce);
+    TakeTurns("check", Timed(CheckOnce), Timed([&lines] {
                   BareGet(kHost, kPath);
-                  for (int line = 0; line < kDebuggerLines; ++line)
-                  {
-                      OutputDebugStringA("CHttpRequest::PerformTextRequest() response httpStatus 200");
-                  }
+                  WriteToDebugger(lines);
               }),
               {.rounds = kCheckRounds, .roundSeconds = 0.02});
 }

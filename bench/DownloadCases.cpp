@@ -16,10 +16,9 @@ namespace
 {
 
 constexpr int kRounds = 9;
-constexpr DWORD kSmallChunk = 1024;
-constexpr DWORD kLargeChunk = 64 * 1024;
+constexpr DWORD kChunk = 1024;
 
-double TimeBareDownload(const std::wstring& url, const std::wstring& file, DWORD chunk)
+double TimeBareDownload(const std::wstring& url, const std::wstring& file)
 {
     DWORD service = 0;
     CString host;
@@ -30,7 +29,7 @@ double TimeBareDownload(const std::wstring& url, const std::wstring& file, DWORD
         throw std::runtime_error("the URL");
     }
     const double start = Now();
-    BareDownload(host.GetString(), port, path.GetString(), file, chunk);
+    BareDownload(host.GetString(), port, path.GetString(), file, kChunk);
     return Now() - start;
 }
 
@@ -55,16 +54,12 @@ void MeasureDownload(const std::wstring& url, const std::wstring& file, double m
     {
         const double byDialog = mebibytes / TimeDownload(url, file);
         RemoveDownload(file, mebibytes);
-        const double bySmallChunks = mebibytes / TimeBareDownload(url, file, kSmallChunk);
-        RemoveDownload(file, mebibytes);
-        const double byLargeChunks = mebibytes / TimeBareDownload(url, file, kLargeChunk);
+        const double byBareLoop = mebibytes / TimeBareDownload(url, file);
         RemoveDownload(file, mebibytes);
         if (round >= 0)
         {
             AddSample("download", kProduct, byDialog);
-            AddSample("download", kBaseline, bySmallChunks);
-            AddSample("download-64k", kProduct, byDialog);
-            AddSample("download-64k", kBaseline, byLargeChunks);
+            AddSample("download", kBaseline, byBareLoop);
         }
     }
 }

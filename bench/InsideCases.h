@@ -6,18 +6,18 @@
 namespace orva::bench
 {
 
-/// CheckForUpdate with a file that names nothing newer, against BareGet of the same file, without and with as
-/// many lines for the debugger.
+/// CheckForUpdate with a file that names nothing newer, against BareGet of the same file and the same lines
+/// for the debugger.
 void MeasureCheck();
 
 /// All texts in English by LoadString, against LoadStringW of the same table.
 void MeasureLoadString();
 
-/// Reading the update-information files `small` and `large`, each against a pass over its text and as many
-/// insertions into a map as it has members; and the large against the small one.
+/// Reading the update-information file `large` against reading the file `small`.
 void MeasureJson(const std::wstring& small, const std::wstring& large);
 
-/// The download of `url`, `mebibytes` large, into `file` by the dialog, against bare loops.
+/// The download of `url`, `mebibytes` large, into `file` by the dialog, against a bare loop with the same
+/// size of reads.
 void MeasureDownload(const std::wstring& url, const std::wstring& file, double mebibytes);
 
 /// A point of the curve "check": milliseconds for a check with a file of `kilobytes`.

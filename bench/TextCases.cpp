@@ -2,12 +2,13 @@
 #include "bench/InsideCases.h"
 #include "bench/Samples.h"
 #include "bench/Turns.h"
+#include "harness/Files.h"
+#include "harness/Text.h"
 #include "res/resource.h"
 #include "ui/LocalizedResources.h"
 
 #include <json_spirit.h>
 
-#include <map>
 #include <stdexcept>
 
 namespace orva::bench
@@ -20,15 +21,6 @@ constexpr UINT kFirstText = IDS_CANCEL;
 constexpr UINT kLastText = IDS_LINK3_HREF;
 constexpr int kLongestText = 512;
 constexpr int kOffice2010 = 14;
-
-// A character that no text holds: the pass goes to the end.
-constexpr wchar_t kNowhere = L'\xFFFF';
-
-struct UpdateInfo
-{
-    std::wstring text;
-    json_spirit::wmObject members;
-};
 
 // All texts by the product; their length together.
 int LoadByProduct()
@@ -54,62 +46,19 @@ int LoadBySystem()
 
 std::wstring ReadText(const std::wstring& path)
 {
-    const HANDLE file =
-        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
+    const std::optional<std::string> bytes = test::ReadFileBytes(path);
+    if (!bytes)
     {
         throw std::runtime_error("an update-information file");
     }
-    std::string bytes(GetFileSize(file, nullptr), '\0');
-    DWORD read = 0;
-    ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    CloseHandle(file);
-    // The files of the measurement are ASCII.
-    return std::wstring(bytes.begin(), bytes.begin() + read);
+    return test::Wide(*bytes);
 }
 
-// All members of all objects, as the keys of one map.
-void CollectMembers(const json_spirit::wmObject& object, json_spirit::wmObject& members)
+TimedWork Reading(const std::wstring& text)
 {
-    for (const auto& [name, value] : object)
-    {
-        members[name];
-        if (value.type() == json_spirit::obj_type)
-        {
-            CollectMembers(value.get_obj(), members);
-        }
-    }
-}
-
-UpdateInfo ReadUpdateInfo(const std::wstring& path)
-{
-    UpdateInfo info{ReadText(path), {}};
-    json_spirit::wmValue root;
-    json_spirit::read_or_throw(info.text, root);
-    CollectMembers(root.get_obj(), info.members);
-    return info;
-}
-
-TimedWork Reading(const UpdateInfo& info)
-{
-    return Timed([&info] {
+    return Timed([&text] {
         json_spirit::wmValue root;
-        json_spirit::read_or_throw(info.text, root);
-    });
-}
-
-TimedWork PassAndInsertions(const UpdateInfo& info)
-{
-    return Timed([&info] {
-        if (std::char_traits<wchar_t>::find(info.text.data(), info.text.size(), kNowhere) != nullptr)
-        {
-            throw std::runtime_error("the text holds a character that it must not hold");
-        }
-        json_spirit::wmObject members;
-        for (const auto& [name, value] : info.members)
-        {
-            members.emplace(name, json_spirit::wmValue());
-        }
+        json_spirit::read_or_throw(text, root);
     });
 }
 
@@ -127,11 +76,9 @@ void MeasureLoadString()
 
 void MeasureJson(const std::wstring& small, const std::wstring& large)
 {
-    const UpdateInfo smallInfo = ReadUpdateInfo(small);
-    const UpdateInfo largeInfo = ReadUpdateInfo(large);
-    TakeTurns("json-1", Reading(smallInfo), PassAndInsertions(smallInfo));
-    TakeTurns("json-250", Reading(largeInfo), PassAndInsertions(largeInfo));
-    TakeTurns("json-growth", Reading(largeInfo), Reading(smallInfo));
+    const std::wstring smallText = ReadText(small);
+    const std::wstring largeText = ReadText(large);
+    TakeTurns("json-growth", Reading(largeText), Reading(smallText));
 }
 
 } // namespace orva::bench

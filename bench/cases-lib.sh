@@ -113,7 +113,6 @@ run_bench() {
 }
 
 measure_start() { run_bench AddInBench start; }
-measure_start_steps() { run_bench AddInBench start-steps; }
 measure_start_cold() { run_bench AddInBench start-cold; }
 measure_check() { run_bench OrvaBench check; }
 measure_check_log() { run_bench AddInBench check-log; }
