@@ -26,6 +26,9 @@ public:
     bool IsVisible() const { return m_visible; }
     bool BeginsGroup() const { return m_beginsGroup; }
     void SetBeginsGroup(bool begins) { m_beginsGroup = begins; }
+    /// Whether it is to be there at the next start too.
+    bool IsLasting() const { return m_lasting; }
+    void SetLasting(bool lasting) { m_lasting = lasting; }
     unsigned Command() const { return m_command; }
     virtual long Type() const = 0;
     /// Null once the control has been deleted.
@@ -48,6 +51,7 @@ private:
     bool m_enabled = true;
     bool m_visible = true;
     bool m_beginsGroup = false;
+    bool m_lasting = false;
     unsigned m_command;
 };
 

@@ -156,8 +156,8 @@ HRESULT CCommandBarControls::GetItem(const CArguments& arguments, VARIANT& resul
     return Return(result, m_items[static_cast<size_t>(index) - 1].Get());
 }
 
-// Add(Type, Id, Parameter, Before, Temporary). Nothing is ever stored, so a control that is not temporary
-// ends with the program like any other; Id and Parameter matter for copies of Office's own commands only.
+// Add(Type, Id, Parameter, Before, Temporary). Id and Parameter matter for copies of Office's own commands
+// only.
 HRESULT CCommandBarControls::Add(const CArguments& arguments, VARIANT& result)
 {
     long type = kControlButton;
@@ -200,7 +200,8 @@ HRESULT CCommandBarControls::Add(const CArguments& arguments, VARIANT& result)
     }
     if (!temporary)
     {
-        Trace().Event(L"a control that is not temporary is treated as temporary");
+        Trace().Event(L"a control that is not temporary will be there at the next start");
+        control->SetLasting(true);
     }
     Insert(static_cast<size_t>(before) - 1, control);
     return Return(result, control);

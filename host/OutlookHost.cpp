@@ -2,6 +2,7 @@
 
 #include "host/AddInRegistry.h"
 #include "host/MenuView.h"
+#include "host/StoredControls.h"
 
 namespace orva::host
 {
@@ -39,6 +40,7 @@ void COutlookHost::BuildMenuBar()
     }
     CCommandBarControls& controls = m_explorer->MenuBar().Controls();
     AddStandardMenus(controls, [this] { m_window->RequestClose(); });
+    RestoreControls(controls);
     if (m_options.lastControlNotPopup)
     {
         controls.AddButton(L"Type a question for help");
@@ -191,6 +193,7 @@ void COutlookHost::Close()
         return;
     }
     m_trace.Event(L"shutting down");
+    StoreControls(m_explorer->MenuBar().Controls());
     for (const auto& addIn : m_addIns)
     {
         addIn->OnBeginShutdown();

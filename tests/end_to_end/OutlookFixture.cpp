@@ -5,6 +5,7 @@
 #include "harness/HostTrace.h"
 #include "harness/Text.h"
 #include "harness/Watchdog.h"
+#include "host/StoredControls.h"
 
 #include <algorithm>
 #include <regex>
@@ -125,7 +126,11 @@ void CInstalledAddIn::TearDown()
     m_guard.reset();
 }
 
-OutlookFixture::OutlookFixture() : m_proxy(m_server.Port()) {}
+OutlookFixture::OutlookFixture()
+    : m_storedControls(HKEY_CURRENT_USER, host::kStoredControlsKey), m_proxy(m_server.Port())
+{
+    m_storedControls.Remove();
+}
 
 void OutlookFixture::StartOutlook(const std::vector<std::wstring>& options)
 {

@@ -97,6 +97,7 @@ protected:
 private:
     CDebugLogOn m_log;
     COfficeLanguageSetting m_language;
+    CRegistryTreeGuard m_storedControls;
     /// Made before the private temporary folder, so that it lies outside.
     CTempFolder m_folder;
     std::wstring m_tracePath;

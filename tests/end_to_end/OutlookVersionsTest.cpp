@@ -74,6 +74,17 @@ TEST_F(OutlookVersionsTest, TheCommandIsTemporaryAndStandsThereOnceAtTheNextStar
     EXPECT_EQ(HelpMenu(), first);
 }
 
+TEST_F(OutlookVersionsTest, TheCommandIsGoneAtTheNextStartWithoutTheAddIn)
+{
+    RunToTheEnd({L"--office", L"12"});
+    ASSERT_THAT(HelpMenu(), HasSubstr(kCommand));
+    CRegistryValue behavior(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior");
+    behavior.SetDword(2);
+    StartOutlook({L"--office", L"12", L"--quit-after-startup"});
+    ASSERT_EQ(m_outlook->WaitForExit(), 0u);
+    EXPECT_EQ(HelpMenu(), "Outlook: menu &Help: Stand-in Outlook &Help | &About Stand-in Outlook");
+}
+
 TEST_F(OutlookVersionsTest, TheCommandOpensTheAboutDialogAndItsUpdateButtonChecks)
 {
     m_user.OnDialogWith(kAboutUpdate, [](HWND about) { EXPECT_TRUE(ClickButton(about, kAboutUpdate)); });

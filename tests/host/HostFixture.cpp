@@ -2,6 +2,7 @@
 
 #include "harness/Files.h"
 #include "harness/HostTrace.h"
+#include "host/StoredControls.h"
 
 #include <algorithm>
 
@@ -17,8 +18,10 @@ constexpr wchar_t kMainWindowClass[] = L"OrvaOutlookHost";
 } // namespace
 
 HostFixture::HostFixture()
-    : m_userAddIns(HKEY_CURRENT_USER, kAddIns), m_machineAddIns(HKEY_LOCAL_MACHINE, kAddIns)
+    : m_userAddIns(HKEY_CURRENT_USER, kAddIns), m_machineAddIns(HKEY_LOCAL_MACHINE, kAddIns),
+      m_storedControls(HKEY_CURRENT_USER, orva::host::kStoredControlsKey)
 {
+    m_storedControls.Remove();
     m_userAddIns.Remove();
     m_machineAddIns.Remove();
     const std::wstring classes = L"Software\\Classes\\";

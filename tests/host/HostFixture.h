@@ -59,6 +59,7 @@ private:
     CTempFolder m_folder;
     CRegistryTreeGuard m_userAddIns;
     CRegistryTreeGuard m_machineAddIns;
+    CRegistryTreeGuard m_storedControls;
     std::vector<std::unique_ptr<CRegistryValue>> m_values;
     std::unique_ptr<CChildProcess> m_host;
     std::wstring m_tracePath;

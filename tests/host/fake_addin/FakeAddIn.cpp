@@ -2,8 +2,8 @@
 //
 // It reads from the environment: ORVA_FAKE_ADDIN_MARKUP names a file whose UTF-16 text it hands out as custom
 // UI; ORVA_FAKE_ADDIN_FAULT is "fail" or "throw" or "crash" (in OnConnection), "box" (shows a message box
-// when its command or button is used) or "cancel" (sets CancelDefault in Click). Below version 14 it adds a
-// command to the last menu.
+// when its command or button is used), "cancel" (sets CancelDefault in Click) or "last" (its command is not
+// temporary). Below version 14 it adds a command to the last menu.
 #include "LateBound.h"
 
 #include <AddInDesignerObjects.h>
@@ -240,10 +240,10 @@ private:
         }
         const ComPtr<IDispatch> controls = ObjectByName(menu.pdispVal, L"Controls");
         _variant_t button;
-        if (!controls ||
-            FAILED(CallByName(controls.Get(), L"Add", DISPATCH_METHOD,
-                              {_variant_t(1L), Missing(), Missing(), Missing(), _variant_t(short{-1})},
-                              button)))
+        if (!controls || FAILED(CallByName(controls.Get(), L"Add", DISPATCH_METHOD,
+                                           {_variant_t(1L), Missing(), Missing(), Missing(),
+                                            HasFault(L"last") ? Missing() : _variant_t(short{-1})},
+                                           button)))
         {
             return;
         }
