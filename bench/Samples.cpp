@@ -26,7 +26,7 @@ PROCESS_MEMORY_COUNTERS Memory()
     return counters;
 }
 
-// A sample that nobody gets to see must not go unnoticed.
+// A sample that cannot be written ends the run.
 void Flush()
 {
     if (std::fflush(stdout) != 0)

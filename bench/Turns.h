@@ -1,4 +1,4 @@
-// Measures two ways of doing the same by turns, so that whatever else the machine does meets both alike.
+// Measures two ways of doing the same by turns, so that other load on the machine slows both alike.
 #pragma once
 
 #include <functional>

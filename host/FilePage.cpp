@@ -48,80 +48,80 @@ CFilePage::CFilePage(HWND view, const RibbonTab& tab, const PictureLoader& loadP
 
 CFilePage::~CFilePage()
 {
-    for (const Piece& piece : m_pieces)
+    for (const PageControl& control : m_controls)
     {
-        DestroyWindow(piece.window);
+        DestroyWindow(control.window);
     }
     DestroyWindow(m_tips);
     DeleteObject(m_white);
 }
 
-CFilePage::GroupPieces CFilePage::MakeGroup(const RibbonGroup& group, const PictureLoader& loadPicture)
+CFilePage::GroupControls CFilePage::MakeGroup(const RibbonGroup& group, const PictureLoader& loadPicture)
 {
-    GroupPieces pieces;
-    pieces.heading = MakeText(group.label, Role::Heading);
+    GroupControls controls;
+    controls.heading = MakeText(group.label, Role::Heading);
     if (!group.helperText.empty())
     {
-        pieces.helper = MakeText(group.helperText, Role::Helper);
+        controls.helper = MakeText(group.helperText, Role::Helper);
     }
     if (group.primary)
     {
-        pieces.primary = MakeItem(*group.primary, loadPicture);
+        controls.primary = MakeItem(*group.primary, loadPicture);
     }
     for (const RibbonItem& item : group.top)
     {
-        pieces.rest.push_back(MakeItem(item, loadPicture));
+        controls.rest.push_back(MakeItem(item, loadPicture));
     }
     for (const RibbonItem& item : group.bottom)
     {
-        pieces.rest.push_back(MakeItem(item, loadPicture));
+        controls.rest.push_back(MakeItem(item, loadPicture));
     }
-    return pieces;
+    return controls;
 }
 
 int CFilePage::MakeText(const std::wstring& text, Role role)
 {
-    Piece piece;
-    piece.role = role;
-    piece.item.label = text;
-    return Add(piece);
+    PageControl control;
+    control.role = role;
+    control.item.label = text;
+    return Add(control);
 }
 
 int CFilePage::MakeItem(const RibbonItem& item, const PictureLoader& loadPicture)
 {
-    Piece piece;
-    piece.item = item;
+    PageControl control;
+    control.item = item;
     if (!item.getImage.empty())
     {
-        piece.picture = loadPicture(item);
+        control.picture = loadPicture(item);
     }
-    return Add(piece);
+    return Add(control);
 }
 
-int CFilePage::Add(Piece piece)
+int CFilePage::Add(PageControl control)
 {
-    const int index = static_cast<int>(m_pieces.size());
+    const int index = static_cast<int>(m_controls.size());
     const int id = kFirstPageItem + index;
-    const RibbonItem& item = piece.item;
+    const RibbonItem& item = control.item;
     switch (item.kind)
     {
     case RibbonItemKind::Image:
-        piece.window = MakeChild(m_view, WC_STATICW, item.id, SS_OWNERDRAW, id);
+        control.window = MakeChild(m_view, WC_STATICW, item.id, SS_OWNERDRAW, id);
         break;
     case RibbonItemKind::Label:
-        piece.window = MakeChild(m_view, WC_STATICW, item.label, SS_LEFT | SS_NOPREFIX, id);
+        control.window = MakeChild(m_view, WC_STATICW, item.label, SS_LEFT | SS_NOPREFIX, id);
         break;
     case RibbonItemKind::Link:
-        piece.window = CreateLink(m_view, id, item.label);
-        AddTip(piece.window, item.target);
+        control.window = CreateLink(m_view, id, item.label);
+        AddTip(control.window, item.target);
         break;
     case RibbonItemKind::Button:
-        piece.window = MakeChild(m_view, WC_BUTTONW, item.label, BS_OWNERDRAW | WS_TABSTOP, id);
-        AddTip(piece.window, item.screentip);
+        control.window = MakeChild(m_view, WC_BUTTONW, item.label, BS_OWNERDRAW | WS_TABSTOP, id);
+        AddTip(control.window, item.screentip);
         break;
     }
-    SendMessageW(piece.window, WM_SETFONT, reinterpret_cast<WPARAM>(FontOf(piece)), FALSE);
-    m_pieces.push_back(piece);
+    SendMessageW(control.window, WM_SETFONT, reinterpret_cast<WPARAM>(FontOf(control)), FALSE);
+    m_controls.push_back(control);
     return index;
 }
 
@@ -145,21 +145,21 @@ void CFilePage::AddTip(HWND control, const std::wstring& text) const
 const RibbonItem* CFilePage::FindItem(int id) const
 {
     const int index = id - kFirstPageItem;
-    if (index < 0 || index >= static_cast<int>(m_pieces.size()))
+    if (index < 0 || index >= static_cast<int>(m_controls.size()))
     {
         return nullptr;
     }
-    const Piece& piece = m_pieces[static_cast<size_t>(index)];
-    return piece.role == Role::Item ? &piece.item : nullptr;
+    const PageControl& control = m_controls[static_cast<size_t>(index)];
+    return control.role == Role::Item ? &control.item : nullptr;
 }
 
-HFONT CFilePage::FontOf(const Piece& piece) const
+HFONT CFilePage::FontOf(const PageControl& control) const
 {
-    if (piece.role == Role::Heading)
+    if (control.role == Role::Heading)
     {
         return m_headingFont.Get();
     }
-    return piece.item.kind == RibbonItemKind::Link ? m_linkFont.Get() : m_textFont.Get();
+    return control.item.kind == RibbonItemKind::Link ? m_linkFont.Get() : m_textFont.Get();
 }
 
 void CFilePage::Layout(const RECT& area) const
@@ -172,21 +172,21 @@ void CFilePage::Layout(const RECT& area) const
     LayoutColumn(m_columns[1], left + width + kColumnGap, top, width);
 }
 
-void CFilePage::LayoutColumn(const std::vector<GroupPieces>& groups, int x, int y, int width) const
+void CFilePage::LayoutColumn(const std::vector<GroupControls>& groups, int x, int y, int width) const
 {
-    for (const GroupPieces& group : groups)
+    for (const GroupControls& group : groups)
     {
         y = LayoutGroup(group, x, y, width) + kGroupGap;
     }
 }
 
-int CFilePage::LayoutGroup(const GroupPieces& group, int x, int y, int width) const
+int CFilePage::LayoutGroup(const GroupControls& group, int x, int y, int width) const
 {
     int bottom = y;
     if (group.primary >= 0)
     {
         // The primary button stands to the left of all the rest.
-        const Piece& primary = m_pieces[static_cast<size_t>(group.primary)];
+        const PageControl& primary = m_controls[static_cast<size_t>(group.primary)];
         const SIZE size = ButtonSize(primary);
         MoveWindow(primary.window, x, y, size.cx, size.cy, TRUE);
         bottom = y + size.cy;
@@ -199,41 +199,41 @@ int CFilePage::LayoutGroup(const GroupPieces& group, int x, int y, int width) co
         y = Place(group.helper, x, y, width);
     }
     y += kItemGap;
-    for (const int piece : group.rest)
+    for (const int control : group.rest)
     {
-        y = Place(piece, x, y, width);
+        y = Place(control, x, y, width);
     }
     return std::max(bottom, y);
 }
 
 int CFilePage::Place(int index, int x, int y, int width) const
 {
-    const Piece& piece = m_pieces[static_cast<size_t>(index)];
+    const PageControl& control = m_controls[static_cast<size_t>(index)];
     SIZE size{width, 0};
-    switch (piece.item.kind)
+    switch (control.item.kind)
     {
     case RibbonItemKind::Image:
-        size = piece.picture.Size();
+        size = control.picture.Size();
         break;
     case RibbonItemKind::Label:
-        size.cy = WrappedHeight(m_view, piece.item.label, FontOf(piece), width);
+        size.cy = WrappedHeight(m_view, control.item.label, FontOf(control), width);
         break;
     case RibbonItemKind::Link:
-        size = TextSize(m_view, piece.item.label, FontOf(piece));
+        size = TextSize(m_view, control.item.label, FontOf(control));
         break;
     case RibbonItemKind::Button:
-        size = ButtonSize(piece);
+        size = ButtonSize(control);
         break;
     }
-    MoveWindow(piece.window, x, y, size.cx, size.cy, TRUE);
+    MoveWindow(control.window, x, y, size.cx, size.cy, TRUE);
     return y + size.cy + kItemGap;
 }
 
-SIZE CFilePage::ButtonSize(const Piece& piece) const
+SIZE CFilePage::ButtonSize(const PageControl& control) const
 {
-    const SIZE text = TextSize(m_view, piece.item.label, m_textFont.Get());
+    const SIZE text = TextSize(m_view, control.item.label, m_textFont.Get());
     const LONG width = text.cx + 2 * kItemGap;
-    if (piece.picture.IsEmpty())
+    if (control.picture.IsEmpty())
     {
         return {width, kSmallButtonHeight};
     }
@@ -254,36 +254,36 @@ void CFilePage::Paint(HDC dc, const RECT& area) const
 void CFilePage::DrawItem(const DRAWITEMSTRUCT& draw) const
 {
     const size_t index = draw.CtlID - static_cast<UINT>(kFirstPageItem);
-    if (index >= m_pieces.size())
+    if (index >= m_controls.size())
     {
         return;
     }
-    const Piece& piece = m_pieces[index];
+    const PageControl& control = m_controls[index];
     FillBox(draw.hDC, draw.rcItem, kWhite);
-    if (piece.item.kind == RibbonItemKind::Image)
+    if (control.item.kind == RibbonItemKind::Image)
     {
-        piece.picture.Draw(draw.hDC, 0, 0);
+        control.picture.Draw(draw.hDC, 0, 0);
     }
     else
     {
-        DrawButton(draw, piece);
+        DrawButton(draw, control);
     }
 }
 
-void CFilePage::DrawButton(const DRAWITEMSTRUCT& draw, const Piece& piece) const
+void CFilePage::DrawButton(const DRAWITEMSTRUCT& draw, const PageControl& control) const
 {
     RECT box = draw.rcItem;
     FillBox(draw.hDC, box, kLine);
     InflateRect(&box, -1, -1);
     FillBox(draw.hDC, box, (draw.itemState & ODS_SELECTED) != 0 ? kLine : kPane);
     RECT text = box;
-    if (!piece.picture.IsEmpty())
+    if (!control.picture.IsEmpty())
     {
-        const SIZE size = piece.picture.Size();
-        piece.picture.Draw(draw.hDC, (box.left + box.right - size.cx) / 2, box.top + kPictureTop);
+        const SIZE size = control.picture.Size();
+        control.picture.Draw(draw.hDC, (box.left + box.right - size.cx) / 2, box.top + kPictureTop);
         text.top = box.top + kPictureTop + size.cy;
     }
-    DrawLine(draw.hDC, piece.item.label, text, m_textFont.Get(), kText, DT_CENTER);
+    DrawLine(draw.hDC, control.item.label, text, m_textFont.Get(), kText, DT_CENTER);
     if ((draw.itemState & ODS_FOCUS) != 0)
     {
         InflateRect(&box, -2, -2);
@@ -294,13 +294,13 @@ void CFilePage::DrawButton(const DRAWITEMSTRUCT& draw, const Piece& piece) const
 LRESULT CFilePage::StaticColour(HDC dc, HWND control) const
 {
     COLORREF colour = kText;
-    for (const Piece& piece : m_pieces)
+    for (const PageControl& each : m_controls)
     {
-        if (piece.window == control && piece.role == Role::Heading)
+        if (each.window == control && each.role == Role::Heading)
         {
             colour = kHeading;
         }
-        else if (piece.window == control && piece.role == Role::Helper)
+        else if (each.window == control && each.role == Role::Helper)
         {
             colour = kQuietText;
         }

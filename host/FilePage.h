@@ -45,15 +45,15 @@ private:
         Helper,
         Item
     };
-    struct Piece
+    struct PageControl
     {
         HWND window = nullptr;
         Role role = Role::Item;
         RibbonItem item;
         CPicture picture;
     };
-    /// Indices into m_pieces; -1 for none.
-    struct GroupPieces
+    /// Indices into m_controls; -1 for none.
+    struct GroupControls
     {
         int heading = -1;
         int helper = -1;
@@ -61,22 +61,22 @@ private:
         std::vector<int> rest;
     };
 
-    GroupPieces MakeGroup(const RibbonGroup& group, const PictureLoader& loadPicture);
+    GroupControls MakeGroup(const RibbonGroup& group, const PictureLoader& loadPicture);
     int MakeText(const std::wstring& text, Role role);
     int MakeItem(const RibbonItem& item, const PictureLoader& loadPicture);
-    int Add(Piece piece);
+    int Add(PageControl control);
     void AddTip(HWND control, const std::wstring& text) const;
-    void LayoutColumn(const std::vector<GroupPieces>& groups, int x, int y, int width) const;
-    int LayoutGroup(const GroupPieces& group, int x, int y, int width) const;
-    int Place(int piece, int x, int y, int width) const;
-    SIZE ButtonSize(const Piece& piece) const;
-    HFONT FontOf(const Piece& piece) const;
-    void DrawButton(const DRAWITEMSTRUCT& draw, const Piece& piece) const;
+    void LayoutColumn(const std::vector<GroupControls>& groups, int x, int y, int width) const;
+    int LayoutGroup(const GroupControls& group, int x, int y, int width) const;
+    int Place(int control, int x, int y, int width) const;
+    SIZE ButtonSize(const PageControl& control) const;
+    HFONT FontOf(const PageControl& control) const;
+    void DrawButton(const DRAWITEMSTRUCT& draw, const PageControl& control) const;
 
     HWND m_view;
     HWND m_tips;
-    std::vector<Piece> m_pieces;
-    std::vector<GroupPieces> m_columns[2];
+    std::vector<PageControl> m_controls;
+    std::vector<GroupControls> m_columns[2];
     CFont m_textFont;
     CFont m_headingFont;
     CFont m_linkFont;

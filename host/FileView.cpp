@@ -210,7 +210,7 @@ void CFileView::OnItem(const RibbonItem& item)
     {
         const auto result = reinterpret_cast<INT_PTR>(
             ShellExecuteW(m_window, L"open", item.target.c_str(), nullptr, nullptr, SW_SHOWNORMAL));
-        // Above 32 is success; what the number is beyond that is each system's own.
+        // Above 32 is success; the number itself means nothing.
         const bool isOpened = result > 32;
         m_trace.Event(L"link " + item.id + (isOpened ? L" opened " : L" could not open ") + item.target +
                       (isOpened ? L"" : L": " + std::to_wstring(result)));

@@ -46,7 +46,7 @@ LRESULT CALLBACK LinkProcedure(HWND window, UINT message, WPARAM wParam, LPARAM 
         SetCursor(LoadCursorW(nullptr, reinterpret_cast<const wchar_t*>(IDC_HAND)));
         return TRUE;
     case WM_GETDLGCODE:
-        // Enter is ours too, not the dialog's default button's.
+        // Enter follows the link instead of pressing the default button.
         return wParam == VK_RETURN ? DLGC_WANTALLKEYS : DLGC_BUTTON;
     case WM_LBUTTONDOWN:
         SetFocus(window);
@@ -92,7 +92,7 @@ HWND CreateLink(HWND parent, int id, const std::wstring& caption)
     windowClass.lpfnWndProc = LinkProcedure;
     windowClass.hInstance = instance;
     windowClass.lpszClassName = kLinkClass;
-    // The font.
+    // Room for the font's handle.
     windowClass.cbWndExtra = sizeof(LONG_PTR);
     RegisterClassExW(&windowClass);
     return CreateWindowExW(0, kLinkClass, caption.c_str(), WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, 0, 0, 0,

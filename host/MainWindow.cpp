@@ -224,8 +224,8 @@ void CMainWindow::OnCommand(unsigned id)
 
 void CMainWindow::OnClose()
 {
-    // A dialog of an add-in is a message loop inside one of our calls: ending here would pull the floor from
-    // under it. When the dialog is gone the window is enabled, and asks again.
+    // An add-in's dialog runs its message loop inside one of our calls, so the window must not end before
+    // that call has returned. When the dialog is gone the window is enabled, and asks again.
     if (!m_mayClose || !IsWindowEnabled(m_window))
     {
         return;

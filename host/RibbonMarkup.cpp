@@ -77,7 +77,7 @@ std::vector<ComPtr<IXMLDOMElement>> Children(IXMLDOMNode* node)
     return children;
 }
 
-// Walks the document; what it does not know it notes.
+// Walks the document and lists the elements that it does not know.
 class CMarkupReader
 {
 public:

@@ -50,7 +50,7 @@ HRESULT Register(const Library& library, const std::wstring& program)
     {
         return result;
     }
-    // A user may register for herself; where that is not found again, the machine's registration is the way.
+    // For the current user where the system finds that again, otherwise for the machine.
     const auto registerForUser = FindFunction<HRESULT(STDAPICALLTYPE*)(ITypeLib*, OLECHAR*, OLECHAR*)>(
         GetModuleHandleW(L"oleaut32.dll"), "RegisterTypeLibForUser");
     result = registerForUser != nullptr ? registerForUser(loaded.Get(), path.data(), nullptr) : E_NOTIMPL;

@@ -28,7 +28,7 @@ CMenuModel& Model()
     return model;
 }
 
-// The last words of a process that an add-in has brought down.
+// Notes in the trace that an add-in has crashed the process.
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception)
 {
     Trace().Event(L"crashed with exception " +

@@ -53,14 +53,6 @@ testing::Environment* const g_machine = testing::AddGlobalTestEnvironment(new CM
 
 } // namespace
 
-std::vector<std::string> CLogReader::NewLines()
-{
-    std::vector<std::string> lines = ReadLogTexts();
-    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(m_read));
-    m_read += lines.size();
-    return lines;
-}
-
 CAddInCopy::CAddInCopy(const std::string& before, const std::string& after)
 {
     std::string bytes = ReadFileBytes(BuiltFile(kAddInModule)).value_or("");

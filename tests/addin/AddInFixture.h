@@ -33,21 +33,6 @@ namespace orva::test
 inline constexpr IID kConnectInterface = {
     0x3C3B6E0B, 0x6A0F, 0x4C0B, {0x9C, 0x0E, 0x5D, 0x2D, 0x1F, 0x0B, 0x7A, 0x41}};
 
-/// A control that only the About dialog has: its close button.
-inline constexpr int kAboutClose = 224;
-
-/// Reads the log as it grows.
-class CLogReader
-{
-public:
-    CLogReader() : m_read(ReadLogTexts().size()) {}
-    /// The lines since the last call, or since construction.
-    std::vector<std::string> NewLines();
-
-private:
-    size_t m_read;
-};
-
 /// A copy of the DLL under its own name, in a folder of its own, with some of its bytes changed.
 class CAddInCopy
 {
@@ -139,7 +124,7 @@ protected:
     Microsoft::WRL::ComPtr<IUnknown> m_object;
 
 private:
-    CLogReader m_log;
+    CLogMark m_log;
 };
 
 } // namespace orva::test

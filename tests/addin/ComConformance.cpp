@@ -91,7 +91,7 @@ private:
         Same(Ask(first.Get(), from, from.name), first, std::string(from.name) + " asked for itself");
         if (m_place == Place::InProcess && first.Get()->QueryInterface(IID_IUnknown, nullptr) != E_POINTER)
         {
-            Broken(std::string(from.name) + " takes a null place for the answer");
+            Broken(std::string(from.name) + " takes a null pointer for the result");
         }
         for (const CInterface& other : m_foreign)
         {

@@ -40,20 +40,19 @@ struct CConformance
 
 enum class Place
 {
-    /// The object itself: its counts can be read, and a null place for the answer is refused.
+    /// The object itself: its counts can be read, and a null pointer for the result is refused.
     InProcess,
     /// A proxy, which counts for itself.
     Proxy,
 };
 
 /// Asks `object` for everything that QueryInterface promises:
-/// - each of `offered` is given (reflexive, from itself too), by every other (symmetric), and by what every
-/// other
+/// - each of `offered` is given by itself (reflexive), by every other (symmetric) and by what every other
 ///   gives (transitive), each time with the same pointer;
-/// - whatever is held, IUnknown is the same pointer;
+/// - every interface gives the same pointer for IUnknown;
 /// - each of `foreign` is refused with E_NOINTERFACE and a null pointer;
-/// - no place for the answer is E_POINTER;
-/// - what is given back leaves the count as it was.
+/// - a null pointer for the result gives E_POINTER;
+/// - when all is released the reference count is as before.
 /// Fails no test by itself, so that it can run on any thread.
 CConformance CheckQueryInterface(IUnknown* object, std::span<const CInterface> offered,
                                  std::span<const CInterface> foreign, Place place = Place::InProcess);

@@ -121,7 +121,7 @@ TEST(ComConformanceMultithreadedTest, CreatesTheClassBehindAProxyAndLastReleases
     }
 
     auto module = std::make_unique<CAddInModule>();
-    CLogReader log;
+    CLogMark log;
     ComPtr<IClassFactory> factory;
     ASSERT_EQ(module->GetClassObject(kAddInClass, IID_IClassFactory, Out(factory)), S_OK);
     const ULONG before = CountOf(factory.Get());

@@ -120,12 +120,6 @@ std::vector<std::string> ClassLines(const std::string& hive)
             key + "\\Version : @ = REG_SZ \"1.0\""};
 }
 
-std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second)
-{
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
-
 DWORD RegSvr32(std::vector<std::wstring> options)
 {
     options.push_back(BuiltFile(kAddInModule));

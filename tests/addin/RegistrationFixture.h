@@ -2,6 +2,7 @@
 #pragma once
 
 #include "addin/AddInFixture.h"
+#include "harness/Text.h"
 
 #include <memory>
 #include <set>
@@ -32,7 +33,6 @@ std::vector<std::string> Missing(const CRegistryLines& from, const CRegistryLine
 std::vector<std::string> AddInLines();
 /// The class and its names in this hive, HKLM or HKCU.
 std::vector<std::string> ClassLines(const std::string& hive);
-std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second);
 
 /// Runs regsvr32 on the built DLL and returns its exit code.
 DWORD RegSvr32(std::vector<std::wstring> options);
@@ -58,7 +58,7 @@ protected:
 
     CRegistrationGuard m_guard;
     std::unique_ptr<CAddInModule> m_module;
-    CLogReader m_log;
+    CLogMark m_log;
 
 private:
     Extent m_extent = Extent::Known;

@@ -1,5 +1,4 @@
-// The Backstage tab as its user has it in Outlook 2010: what stands there, where its links lead, what
-// "Update" says.
+// The Backstage tab in Outlook 2010: its texts and pictures, its links, and "Update".
 #include "end_to_end/OutlookFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"

@@ -106,7 +106,7 @@ TEST_P(InstallerFaultsTest, ClosedWithoutAReply)
 
 TEST_P(InstallerFaultsTest, ResetWithoutAReply)
 {
-    // As an error or as the orderly end: a matter of luck under Wine.
+    // Under Wine it is either an error or the orderly end, and varies.
     Offer(CServerScript().Reset());
     ExpectDownloadDialog();
     m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
@@ -116,7 +116,7 @@ TEST_P(InstallerFaultsTest, ResetWithoutAReply)
 
 TEST_P(InstallerFaultsTest, GarbageInsteadOfAReply)
 {
-    // Wine takes a line that is none of HTTP's for a good status, and the end of the connection for that of
+    // Wine takes a line that is not HTTP for a good status, and the end of the connection for that of
     // an empty file. Windows reports an error.
     Offer(CServerScript().Send("220 mail.example ESMTP\r\n").Close());
     ExpectDownloadedFile(6, "GarbageInsteadOfAReply", "");
@@ -162,7 +162,7 @@ TEST_P(InstallerFaultsTest, ResetInTheBody)
         EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download started"), L"Download started");
         gate.Open();
     });
-    // An error, or the end of a file that is then taken as it came: a matter of luck under Wine.
+    // Under Wine it is either an error or the end of a file that is then started, and varies.
     AnswerWhateverComes();
     Run(12, "ResetInTheBody");
     ASSERT_FALSE(Observed().shown.empty());

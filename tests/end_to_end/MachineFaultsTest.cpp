@@ -102,8 +102,8 @@ protected:
         EXPECT_THAT(Observed().shown, ElementsAre(kOfferCaption));
     }
 
-    // Takes the fault away with the object that makes it.
-    template <typename Fault> void MendBy(std::optional<Fault>& fault)
+    // Has the fault end before the second check: with the object that makes it.
+    template <typename Fault> void EndFaultWith(std::optional<Fault>& fault)
     {
         m_mend = [this, &fault] {
             fault.reset();
@@ -205,7 +205,7 @@ TEST_F(MachineStartFaultsTest, WithoutItsTypeLibraryTheButtonDoesNothing)
 {
     // Office asks for the number of the button's operation, which stands in the library.
     std::optional<CMissingKey> missing(kTypeLibraryKeys[0]);
-    MendBy(missing);
+    EndFaultWith(missing);
     Publish(NewerBuild(kInstallerUrl));
     m_meetFault = [this] {
         ClickUpdate();
@@ -219,7 +219,7 @@ TEST_F(MachineStartFaultsTest, LanguageSettingsMissing)
 {
     // Without a language all texts are empty: the box about an unreadable file too.
     std::optional<CMissingKey> missing(OfficeLanguageKey(14));
-    MendBy(missing);
+    EndFaultWith(missing);
     Publish("<html>");
     AnswerWhateverComes();
     RunFaultyStart(kTable, FaultLabel(21, "OfficeLanguageMissing"), true);
@@ -231,7 +231,7 @@ TEST_F(MachineStartFaultsTest, LanguageOfNoUse)
     std::optional<CRegistryValue> value;
     value.emplace(HKEY_CURRENT_USER, OfficeLanguageKey(14), kOfficeLanguageValue);
     value->SetString(L"en");
-    MendBy(value);
+    EndFaultWith(value);
     Publish("<html>");
     AnswerWhateverComes();
     RunFaultyStart(kTable, FaultLabel(22, "OfficeLanguageThatIsAText"), true);
@@ -241,21 +241,21 @@ TEST_F(MachineStartFaultsTest, LanguageOfNoUse)
 TEST_F(MachineStartFaultsTest, ClassNotRegistered)
 {
     std::optional<CMissingKey> missing(kClassKey);
-    MendBy(missing);
+    EndFaultWith(missing);
     RunWithoutAddIn(31, "ClassNotRegistered");
 }
 
 TEST_F(MachineStartFaultsTest, ClassNameOfItsVersionMissing)
 {
     std::optional<CMissingKey> missing(L"Software\\Classes\\OrvaOscAddin.Connect.1");
-    MendBy(missing);
+    EndFaultWith(missing);
     RunWithoutAddIn(32, "ClassNameOfItsVersionMissing");
 }
 
 TEST_F(MachineStartFaultsTest, AddInKeyMissing)
 {
     std::optional<CMissingKey> missing(L"Software\\Microsoft\\Office\\Outlook\\Addins\\OrvaOscAddin.Connect");
-    MendBy(missing);
+    EndFaultWith(missing);
     RunWithoutAddIn(33, "OutlooksKeyOfTheAddInMissing");
 }
 
@@ -265,7 +265,7 @@ TEST_F(MachineStartFaultsTest, ModuleMissing)
     std::optional<CRegistryValue> path(std::in_place, HKEY_LOCAL_MACHINE,
                                        std::wstring(kClassKey) + L"\\InprocServer32", L"");
     path->SetString(L"C:\\no\\such.dll");
-    MendBy(path);
+    EndFaultWith(path);
     RunWithoutAddIn(34, "AddInsFileMissing");
 }
 
@@ -277,7 +277,7 @@ TEST_F(MachineStartFaultsTest, PictureLibraryMissing)
     }
     // Windows has it since Vista. Without it the add-in's file cannot be loaded, as without any other.
     std::optional<CMissingLibrary> missing(L"gdiplus");
-    MendBy(missing);
+    EndFaultWith(missing);
     RunWithoutAddIn(35, "GdiPlusMissing");
 }
 
@@ -288,7 +288,7 @@ TEST_F(MachineStartFaultsTest, InternetLibraryMissing)
         GTEST_SKIP() << "takes the library away by Wine's settings";
     }
     std::optional<CMissingLibrary> missing(L"wininet");
-    MendBy(missing);
+    EndFaultWith(missing);
     RunWithoutAddIn(36, "WinInetMissing");
 }
 

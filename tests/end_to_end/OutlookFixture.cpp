@@ -5,7 +5,9 @@
 #include "harness/HostTrace.h"
 #include "harness/Text.h"
 #include "harness/Watchdog.h"
+#include "host/MainWindow.h"
 #include "host/StoredControls.h"
+#include "outlook/AddInModule.h"
 
 #include <algorithm>
 #include <regex>
@@ -18,7 +20,6 @@ namespace
 
 using testing::Contains;
 
-constexpr wchar_t kHostWindowClass[] = L"OrvaOutlookHost";
 constexpr char kAddIn[] = "Outlook -> OrvaOscAddin.Connect: ";
 
 testing::Environment* const g_installed = testing::AddGlobalTestEnvironment(new CInstalledAddIn);
@@ -60,12 +61,6 @@ std::string UpdateInfo(const std::string& major, const std::string& minor, const
 std::string NewerBuild(const std::string& link)
 {
     return UpdateInfo("1", "3", "0", link);
-}
-
-std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second)
-{
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
 }
 
 std::vector<std::string> RequestLog(const std::vector<std::string>& response, const std::string& text)
@@ -116,13 +111,13 @@ void CInstalledAddIn::SetUp()
 {
     m_guard.emplace();
     m_guard->Remove();
-    const CProcessResult result = RunProcess(L"regsvr32.exe", {L"/s", BuiltFile(kModule)});
+    const CProcessResult result = RunProcess(L"regsvr32.exe", {L"/s", BuiltFile(kAddInModule)});
     ASSERT_EQ(result.exitCode, 0u) << result.output;
 }
 
 void CInstalledAddIn::TearDown()
 {
-    RunProcess(L"regsvr32.exe", {L"/s", L"/u", BuiltFile(kModule)});
+    RunProcess(L"regsvr32.exe", {L"/s", L"/u", BuiltFile(kAddInModule)});
     m_guard.reset();
 }
 
@@ -223,7 +218,7 @@ std::vector<std::string> OutlookFixture::ExplicitCheckLog() const
 
 HWND OutlookFixture::MainWindow() const
 {
-    return WaitForWindow({.process = m_outlook->Id(), .className = kHostWindowClass});
+    return WaitForWindow({.process = m_outlook->Id(), .className = host::kMainWindowClass});
 }
 
 std::vector<std::string> OutlookFixture::Trace() const

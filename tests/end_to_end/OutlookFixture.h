@@ -9,6 +9,7 @@
 #include "harness/ProcessRunner.h"
 #include "harness/ProxySetting.h"
 #include "harness/TempFolder.h"
+#include "harness/Text.h"
 #include "harness/UserScript.h"
 #include "outlook/AddInRegistration.h"
 
@@ -36,7 +37,6 @@ std::vector<std::string> TextLog(const std::string& text, int status = 200);
 std::vector<std::string> StatusLog(int status);
 /// No reply: what WinINet said is the text.
 std::vector<std::string> NoReplyLog(const std::string& error);
-std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second);
 
 /// Registers the DLL once for a whole test program, and restores the registry at its end.
 class CInstalledAddIn : public testing::Environment

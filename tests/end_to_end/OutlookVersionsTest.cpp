@@ -20,8 +20,6 @@ using testing::IsEmpty;
 using testing::Not;
 
 constexpr char kCommand[] = "About the ORVA Connector...";
-constexpr int kAboutUpdate = 223;
-constexpr int kAboutClose = 224;
 
 class OutlookVersionsTest : public OutlookFixture
 {
@@ -42,18 +40,7 @@ protected:
         return menu;
     }
 
-    // Chooses the last item of the Help menu by posted keys.
-    void ChooseLastHelpItem()
-    {
-        const HWND window = MainWindow();
-        PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, L'h');
-        ASSERT_NE(WaitForWindow({.process = m_outlook->Id(), .className = L"#32768"}), nullptr);
-        for (const WORD key : {WORD{VK_UP}, WORD{VK_RETURN}})
-        {
-            PostMessageW(window, WM_KEYDOWN, key, 0);
-            PostMessageW(window, WM_KEYUP, key, 0);
-        }
-    }
+    void ChooseLastHelpItem() { ASSERT_TRUE(ChooseLastMenuItem(MainWindow(), L'h')); }
 };
 
 } // namespace
@@ -97,7 +84,7 @@ TEST_F(OutlookVersionsTest, TheCommandOpensTheAboutDialogAndItsUpdateButtonCheck
     StartOutlook({L"--office", L"12"});
     WaitForStart();
     ChooseLastHelpItem();
-    // What comes of a click that the life-cycle's dispatcher refuses; Outlook does not care.
+    // The life-cycle's dispatcher refuses such a click; Outlook ignores the result.
     ASSERT_TRUE(WaitForTrace("CommandBarButton.Click = "));
     ExpectOutlookGoesOn();
     EXPECT_FALSE(IsWindow(about));

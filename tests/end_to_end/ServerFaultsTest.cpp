@@ -78,8 +78,8 @@ protected:
     }
 };
 
-// The connection is reset. Whether WinINet meets a reset as an error or as the connection's end is a matter
-// of luck under Wine.
+// The connection is reset. Under Wine, WinINet takes a reset either for an error or for the connection's end,
+// and varies.
 class ServerResetTest : public FaultFixture,
                         public testing::WithParamInterface<std::tuple<CResetFault, CheckMode>>
 {

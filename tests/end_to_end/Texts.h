@@ -8,7 +8,6 @@
 namespace orva::test
 {
 
-inline constexpr wchar_t kModule[] = L"OrvaOscAddin.dll";
 inline constexpr wchar_t kHost[] = L"OutlookHost.exe";
 inline constexpr wchar_t kInstaller[] = L"DemoInstaller.exe";
 

@@ -9,10 +9,10 @@ namespace orva::test
 namespace
 {
 
-// A call that is no longer waiting for its socket leaves within this time, in milliseconds.
+// A cancelled call returns within this time, in milliseconds.
 constexpr ULONGLONG kLeaveTime = 2000;
 
-// The socket that this thread has told not to wait; WinINet looks that way whether there is more.
+// The socket that WinINet has made non-blocking on this thread, to see whether there is more.
 thread_local SOCKET t_notWaiting = INVALID_SOCKET;
 
 timeval Slice()
@@ -38,8 +38,8 @@ struct CInterruptibleWinInet::Hooks
                                    DWORD optionalLength);
     static BOOL WINAPI ReadFile(HINTERNET file, LPVOID buffer, DWORD size, LPDWORD read);
     static BOOL WINAPI CloseInternetHandle(HINTERNET handle);
-    // What the module gets for a handle made in this call. One that came too late is closed at once, before
-    // its parent is: WinINet would give its number to somebody else's.
+    // What the module gets for a handle made in this call. If the parent has been closed meanwhile, the new
+    // handle is closed at once, before WinINet can reuse the parent's number.
     static HINTERNET Give(const CPendingCall& call, HINTERNET real);
     static int WINAPI Control(SOCKET socket, long command, u_long* argument);
     static int WINAPI Receive(SOCKET socket, char* buffer, int size, int flags);
@@ -206,7 +206,7 @@ int WINAPI CInterruptibleWinInet::Hooks::Receive(SOCKET socket, char* buffer, in
             FD_SET(socket, &ready);
             timeval slice = Slice();
             ::select(0, &ready, nullptr, nullptr, &slice);
-            // Whatever select says: a broken connection that it does not see shows here.
+            // Tried whatever select says, which does not see every broken connection.
             received = original(socket, buffer, size, flags);
             error = received < 0 ? WSAGetLastError() : 0;
         }

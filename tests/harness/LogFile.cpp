@@ -95,6 +95,26 @@ bool WaitForLogText(const std::string& text, DWORD timeout)
         timeout);
 }
 
+std::vector<std::string> CLogMark::TextsFrom(size_t first)
+{
+    std::vector<std::string> texts = ReadLogTexts();
+    texts.erase(texts.begin(), texts.begin() + static_cast<std::ptrdiff_t>(std::min(first, texts.size())));
+    return texts;
+}
+
+bool CLogMark::Has(const std::string& text) const
+{
+    const std::vector<std::string> texts = Texts();
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+std::vector<std::string> CLogMark::NewLines()
+{
+    std::vector<std::string> texts = TextsFrom(m_read);
+    m_read += texts.size();
+    return texts;
+}
+
 CDebugLogOn::CDebugLogOn() : m_switch(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue)
 {
     DeleteLog();

@@ -38,6 +38,25 @@ std::vector<std::string> ReadLogTexts();
 /// Waits until an entry with exactly this text is in the log.
 bool WaitForLogText(const std::string& text, DWORD timeout = kPatience);
 
+/// The log's texts since construction.
+class CLogMark
+{
+public:
+    CLogMark() : m_before(ReadLogTexts().size()), m_read(m_before) {}
+
+    std::vector<std::string> Texts() const { return TextsFrom(m_before); }
+    /// Whether `text` is among them.
+    bool Has(const std::string& text) const;
+    /// Those since the last call of this, or since construction.
+    std::vector<std::string> NewLines();
+
+private:
+    static std::vector<std::string> TextsFrom(size_t first);
+
+    size_t m_before;
+    size_t m_read;
+};
+
 /// For its lifetime the log is switched on for the current user, and starts from nothing: an existing log is
 /// removed at construction, the new one at the end. It takes effect in programs started afterwards.
 class CDebugLogOn

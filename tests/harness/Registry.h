@@ -76,9 +76,8 @@ private:
 std::optional<CRegistrySnapshot> TakeRegistrySnapshot(HKEY root, const std::wstring& key);
 
 /// The tree as text, one line a key or value, sorted, names as they are stored: "[key]", "name = REG_SZ
-/// "text"", "name = REG_DWORD 0x00000003", "name = hex(3) 01 02"; the default value's name is "@". A missing
-/// key gives
-/// "(no key)".
+/// "text"", "name = REG_DWORD 0x00000003", "name = hex(3) 01 02"; the default value's name is "@". "(no key)"
+/// if the key is missing.
 std::string ExportRegistryKey(HKEY root, const std::wstring& key);
 
 bool RegistryKeyExists(HKEY root, const std::wstring& key);

@@ -17,7 +17,7 @@ namespace
 {
 
 constexpr wchar_t kNumberVariable[] = L"ORVA_TEST_PROCESS";
-// What a told line starts with, among all that a test program writes.
+// Marks the lines for the parent among all that a test program writes.
 constexpr std::string_view kToldMark = "ORVA_TOLD ";
 
 // What GoogleTest writes at the end of a program whose one test has passed.
@@ -37,7 +37,7 @@ void AddTold(const std::string& output, std::vector<std::string>& told)
     {
         if (line.starts_with(kToldMark))
         {
-            // What a program writes as text ends its lines with a carriage return, too.
+            // Lines end with CR LF.
             told.push_back(line.substr(kToldMark.size(), line.find('\r') - kToldMark.size()));
         }
     }
@@ -81,7 +81,7 @@ std::vector<std::string> RunInProcesses(const std::vector<int>& numbers, DWORD t
         const ULONGLONG now = GetTickCount64();
         const auto code = processes[index]->WaitForExit(now < end ? static_cast<DWORD>(end - now) : 0);
         const std::string output = processes[index]->Output();
-        // The code alone proves nothing: Wine also ends a program with 0 whose server goes away.
+        // The exit code alone proves nothing: it is also 0 when Wine's server goes away under the program.
         if (code != 0u || output.find(kPassed) == std::string::npos)
         {
             ADD_FAILURE() << "process " << numbers[index]

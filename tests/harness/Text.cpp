@@ -50,4 +50,10 @@ std::vector<std::string> SplitLines(std::string_view text)
     return lines;
 }
 
+std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
 } // namespace orva::test

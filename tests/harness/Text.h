@@ -17,4 +17,7 @@ std::wstring Wide(std::string_view text);
 /// The lines of a text, without their ends (CR LF or LF); a last line without an end counts as one.
 std::vector<std::string> SplitLines(std::string_view text);
 
+/// The lines of both, one after the other.
+std::vector<std::string> Joined(std::vector<std::string> first, const std::vector<std::string>& second);
+
 } // namespace orva::test

@@ -20,8 +20,7 @@ namespace
 // Milliseconds between two looks at the screen.
 constexpr DWORD kLookInterval = 5;
 
-// Presses a button of a message box. The only one of a box may have another id than it reports: Windows
-// gives the "OK" of a box without "Cancel" the id of that.
+// Presses a button of a message box. Windows gives the "OK" of a box without "Cancel" the id IDCANCEL.
 bool PressButton(HWND window, int id)
 {
     if (ClickButton(window, id))

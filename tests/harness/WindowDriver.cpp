@@ -10,6 +10,8 @@ namespace orva::test
 namespace
 {
 
+constexpr wchar_t kMenuClass[] = L"#32768";
+
 // How long a window may take to answer a question, in milliseconds.
 constexpr UINT kAnswerTime = 2'000;
 
@@ -208,6 +210,24 @@ bool PostKey(HWND window, WORD virtualKey)
     }
     // The window may be gone already: the press alone can end a dialog.
     PostMessageW(target, WM_KEYUP, virtualKey, up);
+    return true;
+}
+
+bool ChooseLastMenuItem(HWND window, wchar_t letter)
+{
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, letter);
+    if (WaitForWindow({.process = process, .className = kMenuClass}) == nullptr)
+    {
+        return false;
+    }
+    // Up goes from the top to the end.
+    for (const WORD key : {WORD{VK_UP}, WORD{VK_RETURN}})
+    {
+        PostMessageW(window, WM_KEYDOWN, key, 0);
+        PostMessageW(window, WM_KEYUP, key, 0);
+    }
     return true;
 }
 

@@ -58,6 +58,9 @@ bool ClickButton(HWND window, int id);
 bool TypeKey(HWND window, WORD virtualKey, bool shift = false);
 /// Posts the key's down and up messages to the window that has the focus in the given window's thread.
 bool PostKey(HWND window, WORD virtualKey);
+/// Opens the menu with this letter and chooses its last item, by posted keys: it does not matter which window
+/// the desktop has in front. False if the menu did not open in time.
+bool ChooseLastMenuItem(HWND window, wchar_t letter);
 /// The control that has the keyboard focus in the thread of the given window, or null.
 HWND FocusOf(HWND window);
 

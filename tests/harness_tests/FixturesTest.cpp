@@ -1,4 +1,4 @@
-// The fixtures for registry, folders, processes, debugger output and log leave no trace and tell the truth.
+// The fixtures for registry, folders, processes, debugger output and log: what they report and put back.
 #include "harness/CommandLine.h"
 #include "harness/DebugOutput.h"
 #include "harness/Files.h"

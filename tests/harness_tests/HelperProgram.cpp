@@ -64,7 +64,7 @@ TEST(HelperProgram, Crashes)
 {
     if (IsAsked())
     {
-        // Where nothing ever lies; not null, which the checked build would notice before the processor does.
+        // Never mapped; not null, which the checked build would catch before the processor does.
         constexpr uintptr_t kNothing = 16;
         volatile int* volatile nowhere = reinterpret_cast<volatile int*>(kNothing);
         *nowhere = 1;

@@ -2,6 +2,7 @@
 
 #include "harness/Files.h"
 #include "harness/HostTrace.h"
+#include "host/MainWindow.h"
 #include "host/StoredControls.h"
 
 #include <algorithm>
@@ -13,7 +14,6 @@ namespace
 
 constexpr wchar_t kAddIns[] = L"Software\\Microsoft\\Office\\Outlook\\Addins";
 constexpr wchar_t kFakeClass[] = L"{5C0F3E5E-3B7B-4C64-8E4C-6A0B7C1D2E3F}";
-constexpr wchar_t kMainWindowClass[] = L"OrvaOutlookHost";
 
 } // namespace
 
@@ -77,7 +77,7 @@ HWND HostFixture::MainWindow()
 {
     CWindowQuery query;
     query.process = m_host->Id();
-    query.className = kMainWindowClass;
+    query.className = orva::host::kMainWindowClass;
     return WaitForWindow(query);
 }
 

@@ -51,20 +51,9 @@ protected:
                 help};
     }
 
-    // Chooses the last item of a menu by the keyboard: opens the menu by its letter, goes up to the end,
-    // presses Enter. The keys are posted, so it does not matter which window the desktop has in front.
     void ChooseLastItem(wchar_t letter)
     {
-        const HWND window = MainWindow();
-        PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, letter);
-        CWindowQuery menu;
-        menu.process = HostProcess();
-        menu.className = L"#32768";
-        ASSERT_NE(WaitForWindow(menu), nullptr) << "the menu did not open";
-        PostMessageW(window, WM_KEYDOWN, VK_UP, 0);
-        PostMessageW(window, WM_KEYUP, VK_UP, 0);
-        PostMessageW(window, WM_KEYDOWN, VK_RETURN, 0);
-        PostMessageW(window, WM_KEYUP, VK_RETURN, 0);
+        ASSERT_TRUE(ChooseLastMenuItem(MainWindow(), letter)) << "the menu did not open";
     }
 };
 

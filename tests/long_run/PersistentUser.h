@@ -16,8 +16,8 @@ public:
     CPersistentUser(const CPersistentUser&) = delete;
     CPersistentUser& operator=(const CPersistentUser&) = delete;
 
-    /// Ends the user's work and says how often he has pressed the button. A dialog may end before the user
-    /// has come back from pressing it, so the number is not known sooner.
+    /// Ends the thread and returns how often the button was pressed. Not known sooner: a dialog may end
+    /// before the thread has counted its press.
     int Leave();
 
 private:

@@ -1,4 +1,4 @@
-// What this process holds of the system: the figures of which a leak would raise one.
+// What this process holds of the system: handles, GDI and USER objects, memory, threads.
 #pragma once
 
 #include <windows.h>

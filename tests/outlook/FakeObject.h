@@ -42,8 +42,8 @@ using CCallRecord = std::vector<CMemberCall>;
 /// The members called, in order.
 std::vector<std::string> MemberNames(const CCallRecord& record);
 
-/// A late-bound object with the members that it was given. Starts without a
-/// reference. The record must outlive it.
+/// A late-bound object with the members that it was given. Starts without a reference. The record must
+/// outlive it.
 class CFakeObject : public IDispatch
 {
 public:
