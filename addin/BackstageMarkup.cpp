@@ -1,7 +1,7 @@
 #include "addin/BackstageMarkup.h"
 
 #include "res/resource.h"
-#include "support/TextUtilitiesMfc.h"
+#include "support/TextUtilities.h"
 #include "ui/LocalizedResources.h"
 #include "ui/VersionLine.h"
 

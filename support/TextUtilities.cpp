@@ -19,10 +19,9 @@ std::wstring NarrowToWide(std::string text)
 {
     std::wstring wide;
     wide.reserve(text.size());
-    for (const char byte : text)
+    for (const char character : text)
     {
-        // By way of 16 bits, so that the result is the same where wchar_t is wider.
-        wide += static_cast<wchar_t>(static_cast<char16_t>(static_cast<signed char>(byte)));
+        wide += static_cast<wchar_t>(static_cast<signed char>(character));
     }
     return wide;
 }
@@ -39,13 +38,19 @@ void ReplaceAll(std::wstring& text, const std::wstring& what, const std::wstring
     }
 }
 
+void ReplaceAll(std::wstring& text, const std::wstring& what, const CString& with)
+{
+    ReplaceAll(text, what, std::wstring(with.GetString()));
+}
+
 std::wstring EscapeXml(std::wstring text)
 {
+    using namespace std::string_literals;
     // Removing the reference's tail turns an escaped ampersand into a bare one, which the next pass escapes
     // once.
-    ReplaceAll(text, L"#x26;", L"");
-    ReplaceAll(text, L"&", L"&#x26;");
-    ReplaceAll(text, L"<", L"&#x3c;");
-    ReplaceAll(text, L">", L"&#x3e;");
+    ReplaceAll(text, L"#x26;", L""s);
+    ReplaceAll(text, L"&", L"&#x26;"s);
+    ReplaceAll(text, L"<", L"&#x3c;"s);
+    ReplaceAll(text, L">", L"&#x3e;"s);
     return text;
 }

@@ -1,5 +1,7 @@
-// Text conversions and replacements shared by all parts of the add-in, free of Windows headers.
+// Text conversions and replacements shared by all parts of the add-in.
 #pragma once
+
+#include <afxwin.h>
 
 #include <string>
 
@@ -15,6 +17,7 @@ std::wstring NarrowToWide(std::string text);
 /// Replaces every `what` in `text` by `with`, from left to right; inserted text is not searched again.
 /// An empty `what` changes nothing: it would match for ever.
 void ReplaceAll(std::wstring& text, const std::wstring& what, const std::wstring& with);
+void ReplaceAll(std::wstring& text, const std::wstring& what, const CString& with);
 
 /// Escapes "&", "<" and ">" as hexadecimal character references; quotes and apostrophes stay.
 ///

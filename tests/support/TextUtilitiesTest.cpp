@@ -1,8 +1,6 @@
 // Text conversions, replacements and XML escaping.
 #include "support/TextUtilities.h"
 
-#include "support/TextUtilitiesMfc.h"
-
 #include <gtest/gtest.h>
 
 TEST(WideToNarrow, KeepsTheLowByteOfEveryUnit)
@@ -83,13 +81,6 @@ TEST(ReplaceAll, TakesTheReplacementFromACString)
 {
     EXPECT_EQ(Replaced(L"<a> <a>", L"<a>", CString(L"\x00E4\x0416")), L"\x00E4\x0416 \x00E4\x0416");
     EXPECT_EQ(Replaced(L"aaa", L"a", CString(L"aa")), L"aaaaaa");
-}
-
-TEST(ReplaceAll, TakesALiteral)
-{
-    std::wstring text = L"a-b";
-    ReplaceAll(text, L"-", L"+");
-    EXPECT_EQ(text, L"a+b");
 }
 
 TEST(EscapeXml, EscapesAmpersandsAndAngleBracketsOnly)
