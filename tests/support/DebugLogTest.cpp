@@ -57,13 +57,19 @@ int __cdecl WriteNothing(int, const void*, unsigned)
     return -1;
 }
 
-bool g_hasFailed = false;
+// Where the next block of memory is refused; 0: nowhere.
+DWORD g_threadWithoutMemory = 0;
 
-// In the place of malloc, which it cannot call itself. Fails for the line alone: what is thrown for want of
-// memory needs some.
+// In the place of malloc, which it cannot call itself. Fails once, for the line alone: what is thrown for
+// want of memory needs some. The test program's other threads go on.
 void* __cdecl FailOnce(size_t size)
 {
-    return std::exchange(g_hasFailed, true) ? std::calloc(1, size) : nullptr;
+    if (g_threadWithoutMemory != GetCurrentThreadId())
+    {
+        return std::calloc(1, size);
+    }
+    g_threadWithoutMemory = 0;
+    return nullptr;
 }
 
 // Starts without the switch in either hive and without a log.
@@ -426,12 +432,12 @@ TEST_F(DebugLog, WithoutMemoryALineIsLostAndNobodyIsTold)
     std::string message = "a message that needs a block of memory of its own";
     {
         const CImportHook noMemory(GetModuleHandleW(nullptr), "msvcrt.dll", "malloc", &FailOnce);
-        g_hasFailed = false;
+        g_threadWithoutMemory = GetCurrentThreadId();
         LogEntry("CHttpRequest::PerformTextRequest");
-        EXPECT_TRUE(g_hasFailed);
-        g_hasFailed = false;
+        EXPECT_EQ(g_threadWithoutMemory, 0U);
+        g_threadWithoutMemory = GetCurrentThreadId();
         LogMessage("CHttpRequest::PerformTextRequest", std::move(message));
-        EXPECT_TRUE(g_hasFailed);
+        EXPECT_EQ(g_threadWithoutMemory, 0U);
     }
     LogEntry("after");
     EXPECT_THAT(output.Lines(), ElementsAre("after"));
