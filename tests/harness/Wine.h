@@ -1,9 +1,14 @@
 // Whether the tests run under Wine, which does some things otherwise than Windows.
 #pragma once
 
+#include <windows.h>
+
 namespace orva::test
 {
 
-bool IsWine();
+inline bool IsWine()
+{
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
 
 } // namespace orva::test

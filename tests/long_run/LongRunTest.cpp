@@ -159,8 +159,6 @@ protected:
     }
 
     static constexpr int kWarmUps = 3;
-    // What the system may keep for itself, however often something is done.
-    static constexpr long long kSlack = 4;
     static constexpr long long kHeapSlack = 64LL * 1024;
     static constexpr long long kPrivateSlack = 4LL * 1024;
     // What the system's own libraries take in passing and keep. Measured under Wine: 0 for markup and

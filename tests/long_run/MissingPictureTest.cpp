@@ -12,9 +12,6 @@ namespace
 
 using Microsoft::WRL::ComPtr;
 
-// What the system may keep for itself, however often something is done.
-constexpr long long kSlack = 4;
-
 class MissingPictureTest : public CAddInTest
 {
 protected:

@@ -25,6 +25,9 @@ struct CProcessFigures
     CProcessFigures operator-(const CProcessFigures& before) const;
 };
 
+/// How many handles or threads the system may keep for itself, however often something is done.
+inline constexpr long long kSlack = 4;
+
 /// "before -> after"
 std::string FromTo(long long before, long long after);
 
