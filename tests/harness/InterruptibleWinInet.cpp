@@ -45,6 +45,13 @@ struct CInterruptibleWinInet::Hooks
     static int WINAPI Receive(SOCKET socket, char* buffer, int size, int flags);
     static int WINAPI Connect(SOCKET socket, const sockaddr* address, int size);
 
+    // Returns `module`: the first hook may be called as soon as it is made, and needs the object.
+    HMODULE BecomeCurrent(HMODULE module)
+    {
+        s_current = this;
+        return module;
+    }
+
     static Hooks* s_current;
 
     HMODULE winInet;
@@ -64,8 +71,7 @@ struct CInterruptibleWinInet::Hooks
 CInterruptibleWinInet::Hooks* CInterruptibleWinInet::Hooks::s_current = nullptr;
 
 CInterruptibleWinInet::Hooks::Hooks(HMODULE module)
-    // Known before the first hook can be called.
-    : winInet((s_current = this, GetModuleHandleW(L"wininet.dll"))),
+    : winInet(BecomeCurrent(GetModuleHandleW(L"wininet.dll"))),
       control(winInet, "ws2_32.dll", "ioctlsocket", &Control),
       receive(winInet, "ws2_32.dll", "recv", &Receive), connect(winInet, "ws2_32.dll", "connect", &Connect),
       open(module, "wininet.dll", "InternetOpenW", &Open),

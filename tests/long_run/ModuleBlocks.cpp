@@ -14,13 +14,19 @@ constexpr char kRunTime[] = "msvcrt.dll";
 CModuleBlocks* CModuleBlocks::s_current = nullptr;
 
 CModuleBlocks::CModuleBlocks(HMODULE module)
-    : m_malloc((s_current = this, module), kRunTime, "malloc", &Allocate),
+    : m_malloc(BecomeCurrent(module), kRunTime, "malloc", &Allocate),
       m_calloc(module, kRunTime, "calloc", &AllocateZeroed),
       m_realloc(module, kRunTime, "realloc", &Reallocate), m_free(module, kRunTime, "free", &Free)
 {
 }
 
 CModuleBlocks::~CModuleBlocks() = default;
+
+HMODULE CModuleBlocks::BecomeCurrent(HMODULE module)
+{
+    s_current = this;
+    return module;
+}
 
 long long CModuleBlocks::Bytes() const
 {

@@ -32,6 +32,9 @@ private:
     void Note(void* block, std::size_t size);
     void Forget(const void* block);
 
+    // Returns `module`: the first hook may be called as soon as it is made, and needs the object.
+    HMODULE BecomeCurrent(HMODULE module);
+
     static CModuleBlocks* s_current;
 
     mutable std::mutex m_mutex;
