@@ -137,11 +137,6 @@ BOOL CHttpFile::AddRequestHeaders(LPCWSTR headers, DWORD flags, int length)
     return HttpAddRequestHeadersW(m_hFile, headers, static_cast<DWORD>(length), flags);
 }
 
-BOOL CHttpFile::AddRequestHeaders(const CString& headers, DWORD flags)
-{
-    return AddRequestHeaders(headers.GetString(), flags, headers.GetLength());
-}
-
 BOOL CHttpFile::SendRequest(LPCWSTR headers, DWORD headersLength, LPVOID optional, DWORD optionalLength)
 {
     if (!HttpSendRequestW(m_hFile, headers, headersLength, optional, optionalLength))
@@ -149,12 +144,6 @@ BOOL CHttpFile::SendRequest(LPCWSTR headers, DWORD headersLength, LPVOID optiona
         AfxThrowInternetException(m_dwContext);
     }
     return TRUE;
-}
-
-BOOL CHttpFile::SendRequest(const CString& headers, LPVOID optional, DWORD optionalLength)
-{
-    return SendRequest(headers.GetString(), static_cast<DWORD>(headers.GetLength()), optional,
-                       optionalLength);
 }
 
 BOOL CHttpFile::QueryInfo(DWORD infoLevel, CString& text, LPDWORD index) const
@@ -175,11 +164,6 @@ BOOL CHttpFile::QueryInfo(DWORD infoLevel, CString& text, LPDWORD index) const
     const BOOL isFound = HttpQueryInfoW(m_hFile, infoLevel, buffer, &size, index);
     text.ReleaseBuffer(isFound ? static_cast<int>(size / sizeof(wchar_t)) : 0);
     return isFound;
-}
-
-BOOL CHttpFile::QueryInfo(DWORD infoLevel, LPVOID buffer, LPDWORD bufferLength, LPDWORD index) const
-{
-    return HttpQueryInfoW(m_hFile, infoLevel, buffer, bufferLength, index);
 }
 
 BOOL CHttpFile::QueryInfoStatusCode(DWORD& statusCode) const

@@ -115,7 +115,8 @@ class CHttpConnection : public CInternetConnection
     };
 
     /// A new request object, to be deleted by the caller; nothing is sent yet. `verb` null: GET.
-    /// `acceptTypes` is a list that ends with a null pointer; null: "*/*". Throws CInternetException*.
+    /// `acceptTypes` is a list that ends with a null pointer; null: no Accept header is sent. Throws
+    /// CInternetException*.
     CHttpFile* OpenRequest(LPCWSTR verb, LPCWSTR objectName, LPCWSTR referer = nullptr, DWORD_PTR context = 1,
                            LPCWSTR* acceptTypes = nullptr, LPCWSTR version = nullptr,
                            DWORD flags = INTERNET_FLAG_EXISTING_CONNECT);
@@ -161,21 +162,17 @@ class CHttpFile : public CInternetFile
     /// Adds `headers` ("Name: value", several separated by line breaks) as `flags` say. `length` -1:
     /// terminated text. FALSE on failure, with the cause in GetLastError().
     BOOL AddRequestHeaders(LPCWSTR headers, DWORD flags = HTTP_ADDREQ_FLAG_ADD_IF_NEW, int length = -1);
-    BOOL AddRequestHeaders(const CString& headers, DWORD flags = HTTP_ADDREQ_FLAG_ADD_IF_NEW);
 
     /// Sends the request with additional headers (length in characters) and a body (`optionalLength` bytes),
     /// and waits for the response's headers. TRUE; throws CInternetException* on failure. A status like 404
     /// is no failure.
     BOOL SendRequest(LPCWSTR headers = nullptr, DWORD headersLength = 0, LPVOID optional = nullptr,
                      DWORD optionalLength = 0);
-    BOOL SendRequest(const CString& headers, LPVOID optional = nullptr, DWORD optionalLength = 0);
 
     /// Text of the response header (or other information) `infoLevel`, a HTTP_QUERY_ constant. FALSE, an
     /// empty text and the cause in GetLastError() when there is none. `index` counts headers of the same
     /// name.
     BOOL QueryInfo(DWORD infoLevel, CString& text, LPDWORD index = nullptr) const;
-    /// As above into a buffer of `*bufferLength` bytes, which becomes the number of bytes stored or needed.
-    BOOL QueryInfo(DWORD infoLevel, LPVOID buffer, LPDWORD bufferLength, LPDWORD index = nullptr) const;
     /// The response's status, for example 200. FALSE, and `statusCode` unchanged, when there is no response.
     BOOL QueryInfoStatusCode(DWORD& statusCode) const;
 
