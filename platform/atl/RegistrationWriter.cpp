@@ -59,9 +59,16 @@ struct OpenKey
     const CRegistrationStep* step = nullptr;
 };
 
+// Opens the parent anew, with the rights that RegDeleteTreeW asks for.
 LONG DeleteTree(HKEY parent, const std::wstring& name)
 {
-    const LONG result = RegDeleteTreeW(parent, name.c_str());
+    CRegKey opened;
+    LONG result =
+        opened.Open(parent, nullptr, DELETE | KEY_ENUMERATE_SUB_KEYS | KEY_QUERY_VALUE | KEY_SET_VALUE);
+    if (result == ERROR_SUCCESS)
+    {
+        result = RegDeleteTreeW(opened, name.c_str());
+    }
     return result == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : result;
 }
 
