@@ -2,11 +2,6 @@
 
 namespace json_spirit
 {
-void read_or_throw(const std::string& text, mValue& value)
-{
-    Reader<mValue>(text, value).read_or_throw();
-}
-
 void read_or_throw(const std::wstring& text, wmValue& value)
 {
     Reader<wmValue>(text, value).read_or_throw();

@@ -15,6 +15,5 @@ constexpr int kMaximumDepth = 64;
 /// The value is filled while the text is read. On a syntax error it throws Error_position and leaves
 /// everything read so far in `value`: an array or object is in place from its opening bracket on, any other
 /// value once it is complete. `value` is not touched if the text starts with no value.
-void read_or_throw(const std::string& text, mValue& value);
 void read_or_throw(const std::wstring& text, wmValue& value);
 } // namespace json_spirit

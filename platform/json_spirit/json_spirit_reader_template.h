@@ -1,4 +1,4 @@
-// The grammar that fills a value tree while it reads, for the narrow and the wide kind of value alike.
+// The grammar that fills a value tree while it reads.
 #pragma once
 
 #include "json_spirit_error_position.h"
@@ -32,9 +32,8 @@ template <class Char> int hex_digit(Char c) noexcept
     return -1;
 }
 
-/// The text between a string's quotes with its escapes resolved. \u gives one UTF-16 unit (its low byte in
-/// the narrow kind). An escaped character without a meaning is dropped, also a "u" or "x" without all of its
-/// digits.
+/// The text between a string's quotes with its escapes resolved. \u gives one UTF-16 unit. An
+/// escaped character without a meaning is dropped, also a "u" or "x" without all of its digits.
 template <class String, class Iterator> String unescape(Iterator first, Iterator last)
 {
     using Char = typename String::value_type;

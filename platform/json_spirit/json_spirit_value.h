@@ -1,4 +1,4 @@
-// The value tree: narrow (mValue) and wide (wmValue), with objects that are maps.
+// The value tree of wide texts (wmValue), with objects that are maps.
 #pragma once
 
 #include <cstdint>
@@ -132,11 +132,6 @@ template <class String> struct Config_map
     using Object_type = std::map<String, Value_type>;
     using Array_type = std::vector<Value_type>;
 };
-
-using mConfig = Config_map<std::string>;
-using mValue = mConfig::Value_type;
-using mObject = mConfig::Object_type;
-using mArray = mConfig::Array_type;
 
 using wmConfig = Config_map<std::wstring>;
 using wmValue = wmConfig::Value_type;

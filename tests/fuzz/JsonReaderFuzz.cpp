@@ -16,7 +16,6 @@ namespace
 
 using json_spirit::Error_position;
 using json_spirit::kMaximumDepth;
-using json_spirit::mValue;
 using json_spirit::wmObject;
 using json_spirit::wmValue;
 
@@ -145,9 +144,8 @@ template <class Value> bool IsSame(const Value& left, const Value& right)
     }
 }
 
-// Reads `text` into the fresh `value`, checks what holds for every text, and returns the error, if there was
-// one, as a text.
-template <class Value> std::string CheckReading(const typename Value::String_type& text, Value& value)
+// Reads `text` into the fresh `value` and checks what holds for every text.
+void CheckReading(const std::wstring& text, wmValue& value)
 {
     try
     {
@@ -160,14 +158,13 @@ template <class Value> std::string CheckReading(const typename Value::String_typ
         ORVA_PROPERTY(error.column_ >= 1 && error.column_ <= 4 * text.size() + 1);
         ORVA_PROPERTY(!error.reason_.empty());
         ORVA_PROPERTY(Depth(value) <= kMaximumDepth);
-        return error.reason_ + " " + std::to_string(error.line_) + ":" + std::to_string(error.column_);
+        return;
     }
     ORVA_PROPERTY(Depth(value) <= kMaximumDepth);
 
-    Value again;
+    wmValue again;
     json_spirit::read_or_throw(Print(value), again);
     ORVA_PROPERTY(IsSame(value, again));
-    return {};
 }
 
 // The lookups of the update check: a type error is the only exception that may come of them.
@@ -191,19 +188,8 @@ void LookUp(const wmValue& root)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const std::string text = orva::fuzz::Bytes(data, size);
-    mValue narrow;
-    const std::string narrowError = CheckReading(text, narrow);
-
-    wmValue wide;
-    const std::string wideError = CheckReading(orva::fuzz::Units(text), wide);
-    LookUp(wide);
-
-    // Both kinds read the same, but for \u above 00FF, which is cut in the narrow kind.
-    const bool isAscii = std::ranges::all_of(text, [](char c) { return static_cast<signed char>(c) >= 0; });
-    if (isAscii && text.find("\\u") == std::string::npos)
-    {
-        ORVA_PROPERTY(narrowError == wideError);
-        ORVA_PROPERTY(orva::test::Dump(narrow) == orva::test::Dump(wide));
-    }
+    wmValue value;
+    CheckReading(orva::fuzz::Units(text), value);
+    LookUp(value);
     return 0;
 }

@@ -64,9 +64,9 @@ template <class Value> std::string Dump(const Value& value)
 }
 
 /// Reads and dumps: "TREE", or "TREE !REASON LINE:COLUMN" after a syntax error.
-template <class Value> std::string ReadAndDump(const typename Value::String_type& text)
+inline std::string ReadAndDump(const std::wstring& text)
 {
-    Value value;
+    json_spirit::wmValue value;
     std::string error;
     try
     {

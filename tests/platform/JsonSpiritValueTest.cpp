@@ -95,8 +95,8 @@ TEST(JsonSpiritValue, AWrongAccessorSaysFoundAndExpectedType)
 
 TEST(JsonSpiritValue, TheNarrowKindHasTheSameErrors)
 {
-    EXPECT_EQ(ErrorOf([] { mValue("1").get_int(); }), "value type is 2 not 4");
-    EXPECT_EQ(ErrorOf([] { mValue().get_obj(); }), "value type is 6 not 0");
+    EXPECT_EQ(ErrorOf([] { wmValue(L"1").get_int(); }), "value type is 2 not 4");
+    EXPECT_EQ(ErrorOf([] { wmValue().get_obj(); }), "value type is 6 not 0");
 }
 
 TEST(JsonSpiritValue, CopiesAreDeep)
