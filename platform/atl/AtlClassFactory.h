@@ -72,15 +72,12 @@ private:
     _ATL_CREATORFUNC* m_pfnCreateInstance = nullptr;
 };
 
-/// How the objects of a class are made: alone or aggregated, and never aggregated.
+/// How the objects of a class are made: alone or aggregated.
 template <class T>
 using CComAggregatableCreator = CComCreator2<CComCreator<CComObject<T>>, CComCreator<CComAggObject<T>>>;
-template <class T>
-using CComNotAggregatableCreator =
-    CComCreator2<CComCreator<CComObject<T>>, CComFailCreator<CLASS_E_NOAGGREGATION>>;
 template <class Factory> using CComClassFactoryCreator = CComCreator<CComObjectCached<Factory>>;
 
-/// The base of every creatable class: class object and class id. Both macros may be given again in the class.
+/// The base of every creatable class: class object and class id.
 template <class T, const CLSID* pclsid = &CLSID_NULL> class CComCoClass
 {
 public:
@@ -88,45 +85,15 @@ public:
     typedef CComAggregatableCreator<T> _CreatorClass;
 
     static const CLSID& WINAPI GetObjectCLSID() { return *pclsid; }
-    static LPCTSTR WINAPI GetObjectDescription() { return nullptr; }
-    template <class Q> static HRESULT CreateInstance(Q** pp)
-    {
-        return T::_CreatorClass::CreateInstance(nullptr, __uuidof(Q), reinterpret_cast<void**>(pp));
-    }
-    template <class Q> static HRESULT CreateInstance(IUnknown* punkOuter, Q** pp)
-    {
-        return T::_CreatorClass::CreateInstance(punkOuter, __uuidof(Q), reinterpret_cast<void**>(pp));
-    }
 };
 
 } // namespace ATL
-
-#define DECLARE_CLASSFACTORY_EX(cf) typedef ATL::CComClassFactoryCreator<cf> _ClassFactoryCreatorClass;
-
-#define DECLARE_CLASSFACTORY() DECLARE_CLASSFACTORY_EX(ATL::CComClassFactory)
-
-// Objects of the class may be aggregated.
-#define DECLARE_AGGREGATABLE(x)                                                                              \
-public:                                                                                                      \
-    typedef ATL::CComAggregatableCreator<x> _CreatorClass;
-
-// Aggregating an object of the class fails with CLASS_E_NOAGGREGATION.
-#define DECLARE_NOT_AGGREGATABLE(x)                                                                          \
-public:                                                                                                      \
-    typedef ATL::CComNotAggregatableCreator<x> _CreatorClass;
 
 // The registration script of the class: resource x of type "REGISTRY".
 #define DECLARE_REGISTRY_RESOURCEID(x)                                                                       \
     static HRESULT WINAPI UpdateRegistry(BOOL bRegister) noexcept                                            \
     {                                                                                                        \
         return ATL::_pAtlModule->UpdateRegistryFromResource((x), bRegister);                                 \
-    }
-
-// A class that writes nothing to the registry.
-#define DECLARE_NO_REGISTRY()                                                                                \
-    static HRESULT WINAPI UpdateRegistry(BOOL /*bRegister*/) noexcept                                        \
-    {                                                                                                        \
-        return S_OK;                                                                                         \
     }
 
 // At namespace scope, without a semicolon: makes className creatable under clsid.

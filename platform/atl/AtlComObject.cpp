@@ -59,12 +59,6 @@ HRESULT WINAPI AtlInternalQueryInterface(void* pThis, const _ATL_INTMAP_ENTRY* p
     return E_NOINTERFACE;
 }
 
-HRESULT WINAPI CComObjectRootBase::_Delegate(void* pv, REFIID iid, void** ppvObject, DWORD_PTR dw)
-{
-    IUnknown* inner = *AtOffset<IUnknown*>(pv, dw);
-    return inner == nullptr ? E_NOINTERFACE : inner->QueryInterface(iid, ppvObject);
-}
-
 HRESULT STDMETHODCALLTYPE CComClassFactory::CreateInstance(LPUNKNOWN pUnkOuter, REFIID riid, void** ppvObj)
 {
     if (ppvObj == nullptr)

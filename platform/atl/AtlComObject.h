@@ -59,9 +59,6 @@ public:
         return m_pOuterUnknown->QueryInterface(iid, ppvObject);
     }
 
-    /// The answer of COM_INTERFACE_ENTRY_AGGREGATE: dw is the offset of the inner object's IUnknown pointer.
-    static HRESULT WINAPI _Delegate(void* pv, REFIID iid, void** ppvObject, DWORD_PTR dw);
-
     union {
         LONG m_dwRef;              // an object on its own
         IUnknown* m_pOuterUnknown; // the inner part of an aggregate
@@ -121,13 +118,6 @@ public:
     {
         return this->_InternalQueryInterface(iid, ppvObject);
     }
-    template <class Q> HRESULT QueryInterface(Q** pp)
-    {
-        return QueryInterface(__uuidof(Q), reinterpret_cast<void**>(pp));
-    }
-
-    /// Makes an object without a reference in *pp. The caller adds the first one.
-    static HRESULT WINAPI CreateInstance(CComObject<Base>** pp) noexcept;
 };
 
 /// The inner part of an aggregate: its interfaces count and ask through the outer object.
@@ -145,20 +135,6 @@ public:
     {
         return this->OuterQueryInterface(iid, ppvObject);
     }
-    template <class Q> HRESULT QueryInterface(Q** pp)
-    {
-        return QueryInterface(__uuidof(Q), reinterpret_cast<void**>(pp));
-    }
-
-    // Overrides what DECLARE_GET_CONTROLLING_UNKNOWN gives an object on its own. A class without that macro
-    // has nothing to override, so "override" cannot be said.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wsuggest-override"
-#ifdef __clang__
-#pragma GCC diagnostic ignored "-Winconsistent-missing-override"
-#endif
-    IUnknown* GetControllingUnknown() { return this->m_pOuterUnknown; }
-#pragma GCC diagnostic pop
 };
 
 /// Completes a COM class to an aggregated object; its own IUnknown is the one that the outer object holds.
@@ -206,10 +182,6 @@ public:
             return S_OK;
         }
         return m_contained._InternalQueryInterface(iid, ppvObject);
-    }
-    template <class Q> HRESULT QueryInterface(Q** pp)
-    {
-        return QueryInterface(__uuidof(Q), reinterpret_cast<void**>(pp));
     }
 
     CComContainedObject<contained> m_contained;
@@ -277,12 +249,6 @@ public:
     }
 };
 
-template <class Base> HRESULT WINAPI CComObject<Base>::CreateInstance(CComObject<Base>** pp) noexcept
-{
-    ATLENSURE_RETURN_HR(pp != nullptr, E_POINTER);
-    return CComCreator<CComObject<Base>>::CreateUnreferenced(nullptr, pp);
-}
-
 /// Chooses between an object on its own (T1) and an aggregated one (T2).
 template <class T1, class T2> class CComCreator2
 {
@@ -293,36 +259,12 @@ public:
     }
 };
 
-/// Refuses the creation with one result.
-template <HRESULT hr> class CComFailCreator
-{
-public:
-    static HRESULT WINAPI CreateInstance(void* /*pv*/, REFIID /*riid*/, LPVOID* ppv) noexcept
-    {
-        if (ppv == nullptr)
-        {
-            return E_POINTER;
-        }
-        *ppv = nullptr;
-        return hr;
-    }
-};
-
 } // namespace ATL
 
 // The interface map. Its first line must be a plain COM_INTERFACE_ENTRY: it gives the object's identity.
 #define BEGIN_COM_MAP(x)                                                                                     \
 public:                                                                                                      \
     typedef x _ComMapClass;                                                                                  \
-    IUnknown* _GetRawUnknown() noexcept                                                                      \
-    {                                                                                                        \
-        return reinterpret_cast<IUnknown*>(reinterpret_cast<INT_PTR>(this) +                                 \
-                                           static_cast<INT_PTR>(_GetEntries()->dw));                         \
-    }                                                                                                        \
-    IUnknown* GetUnknown() noexcept                                                                          \
-    {                                                                                                        \
-        return _GetRawUnknown();                                                                             \
-    }                                                                                                        \
     HRESULT _InternalQueryInterface(REFIID iid, void** ppvObject) noexcept                                   \
     {                                                                                                        \
         return InternalQueryInterface(this, _GetEntries(), iid, ppvObject);                                  \
@@ -342,20 +284,6 @@ public:                                                                         
          static_cast<typename std::add_pointer<x2>::type>(reinterpret_cast<_ComMapClass*>(_ATL_PACKING)))) - \
          _ATL_PACKING,                                                                                       \
      _ATL_SIMPLEMAPENTRY},
-
-#define COM_INTERFACE_ENTRY2_IID(iid, x, x2)                                                                 \
-    {&(iid),                                                                                                 \
-     reinterpret_cast<DWORD_PTR>(static_cast<typename std::add_pointer<x>::type>(                            \
-         static_cast<typename std::add_pointer<x2>::type>(reinterpret_cast<_ComMapClass*>(_ATL_PACKING)))) - \
-         _ATL_PACKING,                                                                                       \
-     _ATL_SIMPLEMAPENTRY},
-
-// The interface iid of the aggregated object whose IUnknown is in the member punk.
-#define COM_INTERFACE_ENTRY_AGGREGATE(iid, punk)                                                             \
-    {&(iid),                                                                                                 \
-     reinterpret_cast<DWORD_PTR>(std::addressof(reinterpret_cast<_ComMapClass*>(_ATL_PACKING)->punk)) -      \
-         _ATL_PACKING,                                                                                       \
-     _ComMapClass::_Delegate},
 
 #define END_COM_MAP()                                                                                        \
     {                                                                                                        \
@@ -378,12 +306,4 @@ public:                                                                         
     void InternalFinalConstructRelease()                                                                     \
     {                                                                                                        \
         InternalRelease();                                                                                   \
-    }
-
-// The outer object's IUnknown when aggregated, else the object's own.
-#define DECLARE_GET_CONTROLLING_UNKNOWN()                                                                    \
-public:                                                                                                      \
-    virtual LPUNKNOWN GetControllingUnknown()                                                                \
-    {                                                                                                        \
-        return GetUnknown();                                                                                 \
     }

@@ -9,12 +9,6 @@
 namespace ATL
 {
 
-/// Copies an interface pointer into *pp with a reference of its own, releasing what stood there. Returns lp.
-IUnknown* AtlComPtrAssign(IUnknown** pp, IUnknown* lp);
-
-/// As AtlComPtrAssign, with lp's interface riid; *pp becomes null when lp has no such interface.
-IUnknown* AtlComQIPtrAssign(IUnknown** pp, IUnknown* lp, REFIID riid);
-
 /// Subscribes pUnk to the connection point iid of pUnkCP. pdw receives the cookie for AtlUnadvise.
 HRESULT AtlAdvise(IUnknown* pUnkCP, IUnknown* pUnk, const IID& iid, LPDWORD pdw);
 
@@ -53,7 +47,6 @@ public:
         return p;
     }
     bool operator!() const noexcept { return p == nullptr; }
-    bool operator<(T* pT) const noexcept { return p < pT; }
     bool operator==(T* pT) const noexcept { return p == pT; }
     bool operator!=(T* pT) const noexcept { return p != pT; }
 
@@ -65,29 +58,6 @@ public:
             p = nullptr;
             pTemp->Release();
         }
-    }
-
-    /// Whether both pointers lead to the same COM object.
-    bool IsEqualObject(IUnknown* pOther) const noexcept
-    {
-        if (p == nullptr || pOther == nullptr)
-        {
-            return p == nullptr && pOther == nullptr;
-        }
-        IUnknown* own = nullptr;
-        IUnknown* other = nullptr;
-        p->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&own));
-        pOther->QueryInterface(IID_IUnknown, reinterpret_cast<void**>(&other));
-        const bool same = own == other;
-        if (own)
-        {
-            own->Release();
-        }
-        if (other)
-        {
-            other->Release();
-        }
-        return same;
     }
 
     /// Takes over the caller's reference.
@@ -106,42 +76,6 @@ public:
         p = nullptr;
         return pt;
     }
-    /// Gives *ppT a reference of its own. E_POINTER when ppT is null.
-    HRESULT CopyTo(T** ppT) const noexcept
-    {
-        if (ppT == nullptr)
-        {
-            return E_POINTER;
-        }
-        *ppT = p;
-        if (p)
-        {
-            p->AddRef();
-        }
-        return S_OK;
-    }
-
-    HRESULT Advise(IUnknown* pUnk, const IID& iid, LPDWORD pdw) { return AtlAdvise(p, pUnk, iid, pdw); }
-
-    HRESULT CoCreateInstance(REFCLSID rclsid, LPUNKNOWN pUnkOuter = nullptr, DWORD dwClsContext = CLSCTX_ALL)
-    {
-        ATLASSERT(p == nullptr);
-        return ::CoCreateInstance(rclsid, pUnkOuter, dwClsContext, __uuidof(T), reinterpret_cast<void**>(&p));
-    }
-    HRESULT CoCreateInstance(LPCOLESTR szProgID, LPUNKNOWN pUnkOuter = nullptr,
-                             DWORD dwClsContext = CLSCTX_ALL)
-    {
-        CLSID clsid;
-        const HRESULT hr = CLSIDFromProgID(szProgID, &clsid);
-        return FAILED(hr) ? hr : CoCreateInstance(clsid, pUnkOuter, dwClsContext);
-    }
-
-    template <class Q> HRESULT QueryInterface(Q** pp) const
-    {
-        ATLASSERT(pp != nullptr);
-        return p->QueryInterface(__uuidof(Q), reinterpret_cast<void**>(pp));
-    }
-
     T* p;
 
 protected:
@@ -202,14 +136,9 @@ public:
         CComPtr(static_cast<CComPtr&&>(lp)).Swap(*this);
         return this->p;
     }
-    /// Asks another interface of an object; null when it has none of this type.
-    template <class Q> T* operator=(const CComPtr<Q>& lp) noexcept
-    {
-        return CComPtr::AssignQuery(lp.p, __uuidof(T));
-    }
 };
 
-/// A counted IDispatch with calls by name. The locale of every call is the user's default.
+/// A counted IDispatch with properties by name, read in the user's default locale.
 template <> class CComPtr<IDispatch> : public CComPtrBase<IDispatch>
 {
 public:
@@ -228,26 +157,6 @@ public:
 
     /// Reads a property; the caller clears *pVar. E_POINTER without an object.
     HRESULT GetPropertyByName(LPCOLESTR lpsz, VARIANT* pVar);
-    HRESULT GetProperty(DISPID dwDispID, VARIANT* pVar);
-    static HRESULT GetProperty(IDispatch* pDisp, DISPID dwDispID, VARIANT* pVar);
-
-    /// Writes a property; an object is put by reference first, by value when the object refuses that.
-    HRESULT PutPropertyByName(LPCOLESTR lpsz, VARIANT* pVar);
-    HRESULT PutProperty(DISPID dwDispID, VARIANT* pVar);
-    static HRESULT PutProperty(IDispatch* pDisp, DISPID dwDispID, VARIANT* pVar);
-
-    HRESULT GetIDOfName(LPCOLESTR lpsz, DISPID* pdispid);
-
-    /// Calls a method. Invoke1 and Invoke2 take their arguments in the order of the method's declaration,
-    /// InvokeN in the reverse order, as DISPPARAMS wants them.
-    HRESULT Invoke0(DISPID dispid, VARIANT* pvarRet = nullptr);
-    HRESULT Invoke0(LPCOLESTR lpszName, VARIANT* pvarRet = nullptr);
-    HRESULT Invoke1(DISPID dispid, VARIANT* pvarParam1, VARIANT* pvarRet = nullptr);
-    HRESULT Invoke1(LPCOLESTR lpszName, VARIANT* pvarParam1, VARIANT* pvarRet = nullptr);
-    HRESULT Invoke2(DISPID dispid, VARIANT* pvarParam1, VARIANT* pvarParam2, VARIANT* pvarRet = nullptr);
-    HRESULT Invoke2(LPCOLESTR lpszName, VARIANT* pvarParam1, VARIANT* pvarParam2, VARIANT* pvarRet = nullptr);
-    HRESULT InvokeN(DISPID dispid, VARIANT* pvarParams, int nParams, VARIANT* pvarRet = nullptr);
-    HRESULT InvokeN(LPCOLESTR lpszName, VARIANT* pvarParams, int nParams, VARIANT* pvarRet = nullptr);
 };
 
 /// A counted pointer that asks every object assigned to it for its own interface.
@@ -263,19 +172,5 @@ public:
     T* operator=(const CComQIPtr& lp) noexcept { return this == &lp ? this->p : CComQIPtr::Assign(lp.p); }
     T* operator=(IUnknown* lp) noexcept { return CComQIPtr::AssignQuery(lp, *piid); }
 };
-
-/// CComQIPtr<IUnknown> would have two constructors of one signature; this one always finds the identity.
-template <> class CComQIPtr<IUnknown> : public CComPtr<IUnknown>
-{
-public:
-    CComQIPtr() noexcept = default;
-    CComQIPtr(IUnknown* lp) noexcept { AssignQuery(lp, IID_IUnknown); }
-    CComQIPtr(const CComQIPtr& lp) noexcept : CComPtr<IUnknown>(lp.p) {}
-
-    IUnknown* operator=(IUnknown* lp) noexcept { return AssignQuery(lp, IID_IUnknown); }
-    IUnknown* operator=(const CComQIPtr& lp) noexcept { return this == &lp ? p : Assign(lp.p); }
-};
-
-typedef CComQIPtr<IDispatch> CComDispatchDriver;
 
 } // namespace ATL

@@ -20,18 +20,6 @@ HINSTANCE CAtlBaseModule::GetModuleInstance() const noexcept
     return reinterpret_cast<HINSTANCE>(&__ImageBase);
 }
 
-HINSTANCE CAtlBaseModule::GetResourceInstance() const noexcept
-{
-    return m_hInstResource ? m_hInstResource : GetModuleInstance();
-}
-
-HINSTANCE CAtlBaseModule::SetResourceInstance(HINSTANCE hInst) noexcept
-{
-    HINSTANCE former = GetResourceInstance();
-    m_hInstResource = hInst;
-    return former;
-}
-
 void CAtlComModule::AddObjectEntry(_ATL_OBJMAP_ENTRY_EX& entry) noexcept
 {
     // At the end, so that classes are registered in the order of their files' initialisation.
@@ -234,18 +222,6 @@ HRESULT CAtlModule::UpdateRegistryFromResourceS(UINT nResID, BOOL bRegister,
                                                 _ATL_REGMAP_ENTRY* pMapEntries) noexcept
 {
     return UpdateRegistryFromResourceS(MAKEINTRESOURCEW(nResID), bRegister, pMapEntries);
-}
-
-HRESULT CAtlModule::UpdateRegistryFromResourceD(LPCTSTR lpszRes, BOOL bRegister,
-                                                _ATL_REGMAP_ENTRY* pMapEntries) noexcept
-{
-    return UpdateRegistryFromResourceS(lpszRes, bRegister, pMapEntries);
-}
-
-HRESULT CAtlModule::UpdateRegistryFromResourceD(UINT nResID, BOOL bRegister,
-                                                _ATL_REGMAP_ENTRY* pMapEntries) noexcept
-{
-    return UpdateRegistryFromResourceS(nResID, bRegister, pMapEntries);
 }
 
 } // namespace ATL

@@ -43,65 +43,6 @@ LONG CRegKey::Close() noexcept
     return result;
 }
 
-LONG CRegKey::QueryDWORDValue(LPCTSTR pszValueName, DWORD& dwValue) noexcept
-{
-    DWORD type = 0;
-    DWORD value = 0;
-    DWORD size = sizeof(value);
-    const LONG result =
-        RegQueryValueExW(m_hKey, pszValueName, nullptr, &type, reinterpret_cast<BYTE*>(&value), &size);
-    // A value of another type may be longer; that it is of another type is what matters.
-    if (result == ERROR_MORE_DATA ||
-        (result == ERROR_SUCCESS && (type != REG_DWORD || size != sizeof(value))))
-    {
-        return ERROR_INVALID_DATA;
-    }
-    if (result == ERROR_SUCCESS)
-    {
-        dwValue = value;
-    }
-    return result;
-}
-
-LONG CRegKey::QueryStringValue(LPCTSTR pszValueName, LPTSTR pszValue, ULONG* pnChars) noexcept
-{
-    if (pnChars == nullptr)
-    {
-        return ERROR_INVALID_PARAMETER;
-    }
-    DWORD type = 0;
-    DWORD size = *pnChars * sizeof(WCHAR);
-    const LONG result =
-        RegQueryValueExW(m_hKey, pszValueName, nullptr, &type, reinterpret_cast<BYTE*>(pszValue), &size);
-    if (result != ERROR_SUCCESS && result != ERROR_MORE_DATA)
-    {
-        *pnChars = 0;
-        return result;
-    }
-    if (type != REG_SZ && type != REG_EXPAND_SZ && type != REG_MULTI_SZ)
-    {
-        *pnChars = 0;
-        return ERROR_INVALID_DATA;
-    }
-    const ULONG capacity = *pnChars;
-    ULONG characters = size / ULONG{sizeof(WCHAR)};
-    if (pszValue != nullptr && result == ERROR_SUCCESS)
-    {
-        // The registry does not promise a terminating zero.
-        if (characters == 0 || pszValue[characters - 1] != L'\0')
-        {
-            if (characters >= capacity)
-            {
-                *pnChars = characters + 1;
-                return ERROR_MORE_DATA;
-            }
-            pszValue[characters++] = L'\0';
-        }
-    }
-    *pnChars = characters;
-    return result;
-}
-
 LONG CRegKey::SetDWORDValue(LPCTSTR pszValueName, DWORD dwValue) noexcept
 {
     return SetBytes(pszValueName, REG_DWORD, &dwValue, sizeof(dwValue));
@@ -138,21 +79,6 @@ LONG CRegKey::SetMultiStringValue(LPCTSTR pszValueName, LPCTSTR pszValue) noexce
 LONG CRegKey::DeleteValue(LPCTSTR lpszValue) noexcept
 {
     return RegDeleteValueW(m_hKey, lpszValue);
-}
-
-LONG CRegKey::DeleteSubKey(LPCTSTR lpszSubKey) noexcept
-{
-    return RegDeleteKeyW(m_hKey, lpszSubKey);
-}
-
-LONG CRegKey::RecurseDeleteKey(LPCTSTR lpszKey) noexcept
-{
-    // An empty name would mean the contents of this key itself.
-    if (lpszKey == nullptr || *lpszKey == L'\0')
-    {
-        return ERROR_INVALID_PARAMETER;
-    }
-    return RegDeleteTreeW(m_hKey, lpszKey);
 }
 
 LONG CRegKey::SetBytes(LPCTSTR pszValueName, DWORD dwType, const void* pValue, std::size_t nBytes) noexcept

@@ -1,4 +1,4 @@
-// Registry keys and kernel handles that close themselves (part of <atlbase.h>, which says what differs).
+// Registry keys that close themselves (part of <atlbase.h>, which says what differs).
 #pragma once
 
 #include "platform/atl/atlexcept.h"
@@ -7,54 +7,6 @@
 
 namespace ATL
 {
-
-/// Owns a kernel handle; none is null.
-class CHandle
-{
-public:
-    CHandle() noexcept = default;
-    explicit CHandle(HANDLE h) noexcept : m_h(h) {}
-    // NOLINTNEXTLINE(cert-oop58-cpp): the original, too, takes the handle over from what it copies
-    CHandle(CHandle& h) noexcept : m_h(h.Detach()) {}
-    CHandle(CHandle&& h) noexcept : m_h(h.Detach()) {}
-    ~CHandle()
-    {
-        if (m_h)
-        {
-            Close();
-        }
-    }
-    /// Takes the handle over, as the copying constructor does.
-    CHandle& operator=(CHandle& h) noexcept
-    {
-        if (this != &h)
-        {
-            Close();
-            // NOLINTNEXTLINE(cert-oop58-cpp): the original, too, takes the handle over from what it copies
-            Attach(h.Detach());
-        }
-        return *this;
-    }
-
-    operator HANDLE() const noexcept { return m_h; }
-    void Attach(HANDLE h) noexcept { m_h = h; }
-    HANDLE Detach() noexcept
-    {
-        HANDLE h = m_h;
-        m_h = nullptr;
-        return h;
-    }
-    void Close() noexcept
-    {
-        if (m_h)
-        {
-            CloseHandle(m_h);
-            m_h = nullptr;
-        }
-    }
-
-    HANDLE m_h = nullptr;
-};
 
 /// Owns an open registry key. Every member returns a Win32 error code.
 class CRegKey
@@ -92,21 +44,12 @@ public:
     LONG Open(HKEY hKeyParent, LPCTSTR lpszKeyName, REGSAM samDesired = KEY_READ | KEY_WRITE) noexcept;
     LONG Close() noexcept;
 
-    /// ERROR_INVALID_DATA when the value has another type.
-    LONG QueryDWORDValue(LPCTSTR pszValueName, DWORD& dwValue) noexcept;
-    /// *pnChars is the size of pszValue in characters and receives the number needed, terminating zero
-    /// included; pszValue may be null to ask for that. ERROR_INVALID_DATA when the value is no string.
-    LONG QueryStringValue(LPCTSTR pszValueName, LPTSTR pszValue, ULONG* pnChars) noexcept;
     LONG SetDWORDValue(LPCTSTR pszValueName, DWORD dwValue) noexcept;
     LONG SetStringValue(LPCTSTR pszValueName, LPCTSTR pszValue, DWORD dwType = REG_SZ) noexcept;
     LONG SetBinaryValue(LPCTSTR pszValueName, const void* pValue, ULONG nBytes) noexcept;
     /// pszValue ends with two zero characters.
     LONG SetMultiStringValue(LPCTSTR pszValueName, LPCTSTR pszValue) noexcept;
     LONG DeleteValue(LPCTSTR lpszValue) noexcept;
-    /// Deletes a key that has no subkeys.
-    LONG DeleteSubKey(LPCTSTR lpszSubKey) noexcept;
-    /// Deletes a key with everything in it.
-    LONG RecurseDeleteKey(LPCTSTR lpszKey) noexcept;
 
     HKEY m_hKey = nullptr;
 

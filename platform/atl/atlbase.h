@@ -6,8 +6,8 @@
 // - classes enter the object map through static objects that link themselves into a list when the module's
 //   constructors run (no linker section), so the file with OBJECT_ENTRY_AUTO has to be linked into the module
 //   itself;
-// - UpdateRegistryFromResourceD and ...S are the same: the script interpreter is always linked in;
-// - CRegKey and CHandle have the members that are used, and CRegKey's take no transaction.
+// - of UpdateRegistryFromResourceD and ...S there is the second: the script interpreter is always linked in;
+// - CRegKey has the members that are used, and they take no transaction.
 #pragma once
 
 #include "platform/atl/AtlRegKey.h"
@@ -114,10 +114,6 @@ public:
                                         _ATL_REGMAP_ENTRY* pMapEntries = nullptr) noexcept;
     HRESULT UpdateRegistryFromResourceS(LPCTSTR lpszRes, BOOL bRegister,
                                         _ATL_REGMAP_ENTRY* pMapEntries = nullptr) noexcept;
-    HRESULT UpdateRegistryFromResourceD(UINT nResID, BOOL bRegister,
-                                        _ATL_REGMAP_ENTRY* pMapEntries = nullptr) noexcept;
-    HRESULT UpdateRegistryFromResourceD(LPCTSTR lpszRes, BOOL bRegister,
-                                        _ATL_REGMAP_ENTRY* pMapEntries = nullptr) noexcept;
 #define UpdateRegistryFromResource UpdateRegistryFromResourceS
 
     /// Guards what is made once for the whole module, such as type informations.
@@ -165,12 +161,6 @@ public:
     {
         return pRegistrar->AddReplacement(L"APPID", T::GetAppId());
     }
-
-    /// Registers the module's type library; lpszIndex ("\\2") names another resource than the first.
-    HRESULT RegisterTypeLib() noexcept;
-    HRESULT RegisterTypeLib(LPCTSTR lpszIndex) noexcept;
-    HRESULT UnRegisterTypeLib() noexcept;
-    HRESULT UnRegisterTypeLib(LPCTSTR lpszIndex) noexcept;
 };
 
 /// Sets the thread's locale to the system's default for the length of a scope: type libraries and scripts are
@@ -191,8 +181,6 @@ private:
 template <class T> class CAtlDllModuleT : public CAtlModuleT<T>
 {
 public:
-    BOOL WINAPI DllMain(DWORD /*dwReason*/, LPVOID /*lpReserved*/) noexcept { return TRUE; }
-
     /// S_OK when nothing of the module is in use, else S_FALSE.
     HRESULT DllCanUnloadNow() noexcept { return static_cast<T*>(this)->GetLockCount() == 0 ? S_OK : S_FALSE; }
 
@@ -230,8 +218,9 @@ public:
 /// The full path of a module's file. Throws CAtlException when the system does not give it.
 std::wstring AtlGetModulePath(HINSTANCE hInst);
 
-/// Loads the type library that is part of hInstTypeLib; lpszIndex as in RegisterTypeLib. *pbstrPath receives
-/// the path that was loaded. When the module has none, a .tlb file of the module's name beside it is tried.
+/// Loads the type library that is part of hInstTypeLib; lpszIndex ("\\2") names another resource than the
+/// first. *pbstrPath receives the path that was loaded. When the module has none, a .tlb file of the module's
+/// name beside it is tried.
 HRESULT AtlLoadTypeLib(HINSTANCE hInstTypeLib, LPCOLESTR lpszIndex, BSTR* pbstrPath,
                        ITypeLib** ppTypeLib) noexcept;
 
@@ -248,26 +237,6 @@ HRESULT AtlSetPerUserRegistration(bool bEnable) noexcept;
 
 /// Tells whether per-user registration is switched on. E_POINTER when pbEnabled is null.
 HRESULT AtlGetPerUserRegistration(bool* pbEnabled) noexcept;
-
-template <class T> HRESULT CAtlModuleT<T>::RegisterTypeLib() noexcept
-{
-    return AtlRegisterTypeLib(_AtlBaseModule.GetModuleInstance(), nullptr);
-}
-
-template <class T> HRESULT CAtlModuleT<T>::RegisterTypeLib(LPCTSTR lpszIndex) noexcept
-{
-    return AtlRegisterTypeLib(_AtlBaseModule.GetModuleInstance(), lpszIndex);
-}
-
-template <class T> HRESULT CAtlModuleT<T>::UnRegisterTypeLib() noexcept
-{
-    return AtlUnRegisterTypeLib(_AtlBaseModule.GetModuleInstance(), nullptr);
-}
-
-template <class T> HRESULT CAtlModuleT<T>::UnRegisterTypeLib(LPCTSTR lpszIndex) noexcept
-{
-    return AtlUnRegisterTypeLib(_AtlBaseModule.GetModuleInstance(), lpszIndex);
-}
 
 } // namespace ATL
 

@@ -1,6 +1,6 @@
 // Critical sections and the object that knows which module this code was linked into.
 //
-// Left out: the list of further resource modules, string loading, the debug CRT hooks.
+// Left out: resource modules, string loading, the debug CRT hooks.
 // Otherwise than the original: CAtlBaseModule needs no initialisation at load time (it asks the linker where
 // the module stands) and CComCriticalSection::Init cannot fail, as InitializeCriticalSection cannot since
 // Vista.
@@ -84,15 +84,6 @@ public:
 
     /// The instance handle of this module, also inside a DLL.
     HINSTANCE GetModuleInstance() const noexcept;
-
-    /// Where resources are looked for: this module unless SetResourceInstance chose another.
-    HINSTANCE GetResourceInstance() const noexcept;
-
-    /// Chooses where resources are looked for and returns the former choice.
-    HINSTANCE SetResourceInstance(HINSTANCE hInst) noexcept;
-
-private:
-    HINSTANCE m_hInstResource = nullptr;
 };
 
 extern CAtlBaseModule _AtlBaseModule;

@@ -119,34 +119,14 @@ HRESULT STDMETHODCALLTYPE CRegObject::ClearReplacements()
     return S_OK;
 }
 
-HRESULT CRegObject::ResourceRegister(LPCOLESTR resFileName, UINT nID, LPCOLESTR szType) noexcept
-{
-    return RunResource(resFileName, MAKEINTRESOURCEW(nID), szType, true);
-}
-
 HRESULT CRegObject::ResourceRegisterSz(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR szType) noexcept
 {
     return RunResource(resFileName, szID, szType, true);
 }
 
-HRESULT CRegObject::ResourceUnregister(LPCOLESTR resFileName, UINT nID, LPCOLESTR szType) noexcept
-{
-    return RunResource(resFileName, MAKEINTRESOURCEW(nID), szType, false);
-}
-
 HRESULT CRegObject::ResourceUnregisterSz(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR szType) noexcept
 {
     return RunResource(resFileName, szID, szType, false);
-}
-
-HRESULT CRegObject::StringRegister(LPCOLESTR bstrData) noexcept
-{
-    return bstrData == nullptr ? E_POINTER : RunText(bstrData, true);
-}
-
-HRESULT CRegObject::StringUnregister(LPCOLESTR bstrData) noexcept
-{
-    return bstrData == nullptr ? E_POINTER : RunText(bstrData, false);
 }
 
 HRESULT CRegObject::RunResource(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR szType,
@@ -170,8 +150,9 @@ HRESULT CRegObject::RunResource(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR
         {
             return AtlHresultFromLastError();
         }
-        return RunText(DecodeScript({static_cast<const char*>(bytes), SizeofResource(module, resource)}),
-                       bRegister);
+        return RunRegistrationScript(
+            DecodeScript({static_cast<const char*>(bytes), SizeofResource(module, resource)}), m_replacements,
+            bRegister);
     }
     catch (const CAtlException& e)
     {
@@ -183,11 +164,12 @@ HRESULT CRegObject::RunResource(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR
     }
 }
 
-HRESULT CRegObject::RunText(std::wstring_view text, bool bRegister) noexcept
+HRESULT RunRegistrationScript(std::wstring_view text, const CRegistrationReplacements& replacements,
+                              bool bRegister) noexcept
 {
     try
     {
-        const CRegistrationScript script = ParseRegistrationScript(text, m_replacements);
+        const CRegistrationScript script = ParseRegistrationScript(text, replacements);
         if (script.error)
         {
             return DISP_E_EXCEPTION;

@@ -1,8 +1,8 @@
 // The interpreter of registration scripts (.rgs): what a script says is written to or removed from the
 // registry.
 //
-// Left out: IRegistrar as a creatable object, scripts in files, the value type "e" (expandable string).
-// Otherwise than the original:
+// Left out: IRegistrar as a creatable object, scripts in files or texts, the value type "e" (expandable
+// string). Otherwise than the original:
 // - a script is read to its end before anything is written, so that a syntax error changes nothing;
 // - a replacement stands for its text only: it never brings quotes, braces or further words into the script,
 // and
@@ -18,6 +18,11 @@
 namespace ATL
 {
 
+/// Reads a script and writes or removes what it says. DISP_E_EXCEPTION for a syntax error or an unknown
+/// replacement. Not part of the original's interface.
+HRESULT RunRegistrationScript(std::wstring_view text, const CRegistrationReplacements& replacements,
+                              bool bRegister) noexcept;
+
 /// Runs registration scripts. Not a counted object: it lives where it is declared.
 class CRegObject : public IRegistrarBase
 {
@@ -29,22 +34,15 @@ public:
     STDMETHOD(AddReplacement)(LPCOLESTR lpszKey, LPCOLESTR lpszItem) override;
     STDMETHOD(ClearReplacements)() override;
 
-    /// Runs the script in resource nID (or lpszName) of type szType in the module file resFileName. The text
+    /// Runs the script in resource szID of type szType in the module file resFileName. The text
     /// is UTF-16 or UTF-8 if it starts with their byte-order marks, else in the system's code page.
     /// DISP_E_EXCEPTION for a syntax error or an unknown replacement. A registration that fails half-way
     /// removes again what it wrote.
-    HRESULT ResourceRegister(LPCOLESTR resFileName, UINT nID, LPCOLESTR szType) noexcept;
     HRESULT ResourceRegisterSz(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR szType) noexcept;
-    HRESULT ResourceUnregister(LPCOLESTR resFileName, UINT nID, LPCOLESTR szType) noexcept;
     HRESULT ResourceUnregisterSz(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR szType) noexcept;
-
-    /// Runs the script bstrData itself.
-    HRESULT StringRegister(LPCOLESTR bstrData) noexcept;
-    HRESULT StringUnregister(LPCOLESTR bstrData) noexcept;
 
 private:
     HRESULT RunResource(LPCOLESTR resFileName, LPCOLESTR szID, LPCOLESTR szType, bool bRegister) noexcept;
-    HRESULT RunText(std::wstring_view text, bool bRegister) noexcept;
 
     CRegistrationReplacements m_replacements;
 };

@@ -1,10 +1,14 @@
 // Tests of running registration scripts against the real registry: writing, removing, rolling back,
 // redirecting.
+#include "harness/ImportHook.h"
 #include "harness/Registry.h"
 
 #include <gtest/gtest.h>
 
 #include <statreg.h>
+#include <winternl.h>
+
+#include <bit>
 
 namespace
 {
@@ -16,6 +20,42 @@ using orva::test::RegistryKeyExists;
 using orva::test::RegistryString;
 
 constexpr const wchar_t* kRoot = L"Software\\OrvaRegistrarTest";
+
+constexpr ACCESS_MASK kDeleteTreeRights = DELETE | KEY_ENUMERATE_SUB_KEYS | KEY_QUERY_VALUE | KEY_SET_VALUE;
+
+// What the system granted whoever opened the key.
+ACCESS_MASK RightsOf(HKEY key)
+{
+    using Query = NTSTATUS(NTAPI*)(HANDLE, OBJECT_INFORMATION_CLASS, void*, ULONG, ULONG*);
+    const auto query = std::bit_cast<Query>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryObject"));
+    PUBLIC_OBJECT_BASIC_INFORMATION information = {};
+    EXPECT_EQ(query(key, ObjectBasicInformation, &information, sizeof information, nullptr), 0);
+    return information.GrantedAccess;
+}
+
+// Sees the keys from which a tree is deleted.
+class CDeletedTrees
+{
+public:
+    CDeletedTrees() : m_hook(GetModuleHandleW(nullptr), "advapi32.dll", "RegDeleteTreeW", &OnDelete)
+    {
+        s_hook = &m_hook;
+        s_rights.clear();
+    }
+
+    static const std::vector<ACCESS_MASK>& Rights() { return s_rights; }
+
+private:
+    static LSTATUS WINAPI OnDelete(HKEY key, LPCWSTR name)
+    {
+        s_rights.push_back(RightsOf(key));
+        return s_hook->Original<decltype(RegDeleteTreeW)>()(key, name);
+    }
+
+    static inline const orva::test::CImportHook* s_hook = nullptr;
+    static inline std::vector<ACCESS_MASK> s_rights;
+    orva::test::CImportHook m_hook;
+};
 
 // Gives each test an empty place of its own below HKEY_CURRENT_USER and switches per-user registration off
 // again.
@@ -30,13 +70,13 @@ protected:
     {
         return L"HKCU { NoRemove Software { NoRemove OrvaRegistrarTest { " + contents + L" } } }";
     }
-    HRESULT Register(const std::wstring& contents)
+    static HRESULT Register(const std::wstring& contents)
     {
-        return m_registrar.StringRegister(InRoot(contents).c_str());
+        return RunRegistrationScript(InRoot(contents), {}, true);
     }
-    HRESULT Unregister(const std::wstring& contents)
+    static HRESULT Unregister(const std::wstring& contents)
     {
-        return m_registrar.StringUnregister(InRoot(contents).c_str());
+        return RunRegistrationScript(InRoot(contents), {}, false);
     }
     static void MakeKey(const std::wstring& path, DWORD options = REG_OPTION_NON_VOLATILE)
     {
@@ -74,16 +114,13 @@ TEST_F(AtlRegistrar, WritesEveryTypeOfValue)
 
 TEST_F(AtlRegistrar, ReplacesNames)
 {
-    ASSERT_EQ(m_registrar.AddReplacement(L"NAME", L"it's"), S_OK);
-    ASSERT_EQ(Register(L"k = s '<%name%>'"), S_OK);
+    CRegistrationReplacements replacements;
+    replacements.Set(L"NAME", L"it's");
+    const std::wstring script = InRoot(L"k = s '<%name%>'");
+    ASSERT_EQ(RunRegistrationScript(script, replacements, true), S_OK);
     EXPECT_EQ(RegistryString(HKEY_CURRENT_USER, L"Software\\OrvaRegistrarTest\\k", L""), L"<it's>");
-}
-
-TEST_F(AtlRegistrar, ForgetsReplacements)
-{
-    ASSERT_EQ(m_registrar.AddReplacement(L"NAME", L"x"), S_OK);
-    ASSERT_EQ(m_registrar.ClearReplacements(), S_OK);
-    EXPECT_EQ(Register(L"k = s '%NAME%'"), DISP_E_EXCEPTION);
+    replacements.Clear();
+    EXPECT_EQ(RunRegistrationScript(script, replacements, true), DISP_E_EXCEPTION);
 }
 
 TEST_F(AtlRegistrar, RefusesReplacementsWithoutNameOrText)
@@ -133,6 +170,20 @@ TEST_F(AtlRegistrar, UnregisteringAForcedKeyTakesWhatOthersPutThere)
     MakeKey(L"Software\\OrvaRegistrarTest\\a\\foreign\\deep");
     ASSERT_EQ(Unregister(L"ForceRemove a"), S_OK);
     EXPECT_FALSE(Exists(L"a"));
+}
+
+TEST_F(AtlRegistrar, TreesAreDeletedFromKeysOpenedWithTheRightsForIt)
+{
+    MakeKey(L"Software\\OrvaRegistrarTest\\a\\foreign");
+    MakeKey(L"Software\\OrvaRegistrarTest\\b\\foreign");
+    const CDeletedTrees trees;
+    ASSERT_EQ(Register(L"ForceRemove a Delete b"), S_OK);
+    ASSERT_EQ(Unregister(L"ForceRemove a"), S_OK);
+    ASSERT_EQ(trees.Rights().size(), 3u);
+    for (const ACCESS_MASK rights : trees.Rights())
+    {
+        EXPECT_EQ(rights & kDeleteTreeRights, kDeleteTreeRights) << std::hex << rights;
+    }
 }
 
 TEST_F(AtlRegistrar, UnregisteringKeepsAValueMarkedNoRemove)
@@ -220,21 +271,15 @@ TEST_F(AtlRegistrar, AFailureDeepInsideTakesBackTheKeysAroundIt)
                           "[Software\\OrvaRegistrarTest\\a\\fleeting]\n");
 }
 
-TEST_F(AtlRegistrar, NullScriptsAreRefused)
-{
-    EXPECT_EQ(m_registrar.StringRegister(nullptr), E_POINTER);
-    EXPECT_EQ(m_registrar.StringUnregister(nullptr), E_POINTER);
-}
-
 TEST_F(AtlRegistrar, AMissingResourceFileIsReported)
 {
-    EXPECT_EQ(m_registrar.ResourceRegister(L"C:\\no such file.dll", 101, L"REGISTRY"),
+    EXPECT_EQ(m_registrar.ResourceRegisterSz(L"C:\\no such file.dll", MAKEINTRESOURCEW(101), L"REGISTRY"),
               HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND));
 }
 
 TEST_F(AtlRegistrar, AMissingResourceIsReported)
 {
-    EXPECT_EQ(m_registrar.ResourceRegister(L"kernel32.dll", 101, L"REGISTRY"),
+    EXPECT_EQ(m_registrar.ResourceRegisterSz(L"kernel32.dll", MAKEINTRESOURCEW(101), L"REGISTRY"),
               HRESULT_FROM_WIN32(ERROR_RESOURCE_TYPE_NOT_FOUND));
     EXPECT_EQ(m_registrar.ResourceUnregisterSz(L"kernel32.dll", L"NONE", L"REGISTRY"),
               HRESULT_FROM_WIN32(ERROR_RESOURCE_TYPE_NOT_FOUND));
@@ -260,28 +305,28 @@ private:
 
 TEST_F(AtlRegistrarClasses, ClassesAreTheMachinesByDefault)
 {
-    ASSERT_EQ(m_registrar.StringRegister(kScript), S_OK);
+    ASSERT_EQ(RunRegistrationScript(kScript, {}, true), S_OK);
     EXPECT_TRUE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClass));
     EXPECT_FALSE(RegistryKeyExists(HKEY_CURRENT_USER, kClass));
-    ASSERT_EQ(m_registrar.StringUnregister(kScript), S_OK);
+    ASSERT_EQ(RunRegistrationScript(kScript, {}, false), S_OK);
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClass));
 }
 
 TEST_F(AtlRegistrarClasses, ClassesAreTheUsersWhenRegisteredPerUser)
 {
     ASSERT_EQ(AtlSetPerUserRegistration(true), S_OK);
-    ASSERT_EQ(m_registrar.StringRegister(kScript), S_OK);
+    ASSERT_EQ(RunRegistrationScript(kScript, {}, true), S_OK);
     EXPECT_EQ(RegistryString(HKEY_CURRENT_USER, kClass, L""), L"x");
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClass));
-    ASSERT_EQ(m_registrar.StringUnregister(kScript), S_OK);
+    ASSERT_EQ(RunRegistrationScript(kScript, {}, false), S_OK);
     EXPECT_FALSE(RegistryKeyExists(HKEY_CURRENT_USER, kClass));
 }
 
 TEST_F(AtlRegistrarClasses, UnregisteringPerUserLeavesTheMachinesClasses)
 {
-    ASSERT_EQ(m_registrar.StringRegister(kScript), S_OK);
+    ASSERT_EQ(RunRegistrationScript(kScript, {}, true), S_OK);
     ASSERT_EQ(AtlSetPerUserRegistration(true), S_OK);
-    ASSERT_EQ(m_registrar.StringUnregister(kScript), S_OK);
+    ASSERT_EQ(RunRegistrationScript(kScript, {}, false), S_OK);
     EXPECT_TRUE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClass));
 }
 
@@ -290,10 +335,10 @@ TEST_F(AtlRegistrarClasses, OtherRootKeysAreNotRedirected)
     const CRegistryTreeGuard guard(HKEY_LOCAL_MACHINE, kRoot);
     const wchar_t* script = L"HKLM { NoRemove Software { OrvaRegistrarTest } }";
     ASSERT_EQ(AtlSetPerUserRegistration(true), S_OK);
-    ASSERT_EQ(m_registrar.StringRegister(script), S_OK);
+    ASSERT_EQ(RunRegistrationScript(script, {}, true), S_OK);
     EXPECT_TRUE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kRoot));
     EXPECT_FALSE(RegistryKeyExists(HKEY_CURRENT_USER, kRoot));
-    ASSERT_EQ(m_registrar.StringUnregister(script), S_OK);
+    ASSERT_EQ(RunRegistrationScript(script, {}, false), S_OK);
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kRoot));
 }
 

@@ -158,20 +158,6 @@ TEST(AtlServer, IDispatchIsTheOneThatTheMapNames)
     EXPECT_EQ(dispatch.p, static_cast<IDispatch*>(named.p));
 }
 
-TEST(AtlServer, AnAggregatedPartAnswersForItself)
-{
-    const CAtlTestServer server;
-    CComPtr<IMarshal> marshal;
-    CComPtr<INamed> lonely;
-    ASSERT_EQ(server.Create(CLSID_Lonely, nullptr, IID_INamed, reinterpret_cast<void**>(&lonely.p)), S_OK);
-    ASSERT_EQ(lonely->QueryInterface(IID_IMarshal, reinterpret_cast<void**>(&marshal.p)), S_OK);
-    EXPECT_TRUE(marshal.IsEqualObject(lonely));
-    lonely.Release();
-    EXPECT_EQ(server.CanUnloadNow(), S_FALSE);
-    marshal.Release();
-    EXPECT_EQ(server.CanUnloadNow(), S_OK);
-}
-
 // An outer object that holds a counter inside and shows its interfaces as its own.
 class COuter : public IUnknown
 {
@@ -258,17 +244,6 @@ TEST(AtlServer, AnAggregateIsAskedForIUnknownOnly)
     EXPECT_EQ(server.CanUnloadNow(), S_OK);
 }
 
-TEST(AtlServer, AClassMayRefuseAggregation)
-{
-    const CAtlTestServer server;
-    COuter outer;
-    void* object = &object;
-    EXPECT_EQ(server.Create(CLSID_Lonely, &outer, IID_IUnknown, &object), CLASS_E_NOAGGREGATION);
-    EXPECT_EQ(object, nullptr);
-    EXPECT_EQ(outer.references, 1u);
-    EXPECT_EQ(server.CanUnloadNow(), S_OK);
-}
-
 TEST(AtlServer, LoadsAndUnloadsAHundredTimes)
 {
     for (int i = 0; i < 100; ++i)
@@ -282,7 +257,7 @@ TEST(AtlServer, LoadsAndUnloadsAHundredTimes)
             counter.Release();
             ASSERT_EQ(server.CanUnloadNow(), S_OK);
         }
-        ASSERT_EQ(::GetModuleHandleW(L"AtlTestServer.dll"), nullptr);
+        ASSERT_EQ(GetModuleHandleW(L"AtlTestServer.dll"), nullptr);
     }
 }
 

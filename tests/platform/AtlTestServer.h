@@ -17,15 +17,15 @@ namespace orva::test
 class CAtlTestServer
 {
 public:
-    CAtlTestServer() : m_module(::LoadLibraryW(Path().c_str()))
+    CAtlTestServer() : m_module(LoadLibraryW(Path().c_str()))
     {
-        EXPECT_NE(m_module, nullptr) << ::GetLastError();
+        EXPECT_NE(m_module, nullptr) << GetLastError();
     }
     ~CAtlTestServer()
     {
         if (m_module)
         {
-            ::FreeLibrary(m_module);
+            FreeLibrary(m_module);
         }
     }
     CAtlTestServer(const CAtlTestServer&) = delete;
@@ -34,7 +34,7 @@ public:
     static std::wstring Folder()
     {
         std::wstring path(MAX_PATH, L'\0');
-        path.resize(::GetModuleFileNameW(nullptr, path.data(), MAX_PATH));
+        path.resize(GetModuleFileNameW(nullptr, path.data(), MAX_PATH));
         return path.substr(0, path.find_last_of(L'\\') + 1);
     }
     static std::wstring Path() { return Folder() + L"AtlTestServer.dll"; }
@@ -61,7 +61,7 @@ public:
 private:
     template <class... TArguments> HRESULT Call(const char* name, TArguments... arguments) const
     {
-        FARPROC address = ::GetProcAddress(m_module, name);
+        FARPROC address = GetProcAddress(m_module, name);
         if (address == nullptr)
         {
             ADD_FAILURE() << "the server does not export " << name;

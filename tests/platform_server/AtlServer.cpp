@@ -20,7 +20,7 @@ public:
     // As DECLARE_REGISTRY_APPID_RESOURCEID, and the script also notes the locale that it is run under.
     static HRESULT WINAPI UpdateRegistryAppId(BOOL bRegister) noexcept
     {
-        const std::wstring locale = std::to_wstring(::GetThreadLocale());
+        const std::wstring locale = std::to_wstring(GetThreadLocale());
         _ATL_REGMAP_ENTRY entries[] = {{L"LOCALE", locale.c_str()}, {nullptr, nullptr}};
         return _pAtlModule->UpdateRegistryFromResource(101, bRegister, entries);
     }
@@ -39,7 +39,6 @@ class ATL_NO_VTABLE CCounter
 public:
     DECLARE_REGISTRY_RESOURCEID(102)
     DECLARE_PROTECT_FINAL_CONSTRUCT()
-    DECLARE_GET_CONTROLLING_UNKNOWN()
 
     BEGIN_COM_MAP(CCounter)
         COM_INTERFACE_ENTRY(ICounter)
@@ -52,10 +51,8 @@ public:
     HRESULT FinalConstruct()
     {
         CComPtr<IDispatch> self;
-        return GetControllingUnknown()->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&self.p)) ==
-                       E_POINTER
-                   ? E_UNEXPECTED
-                   : S_OK;
+        return QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&self.p)) == E_POINTER ? E_UNEXPECTED
+                                                                                             : S_OK;
     }
 
     STDMETHOD(get_Count)(long* value) override
@@ -86,46 +83,24 @@ private:
     long m_count = 0;
 };
 
-// Every thread may use it: the free-threaded marshaler inside passes it on as it is.
-class ATL_NO_VTABLE CLonely : public CComObjectRootEx<CComSingleThreadModel>,
-                              public CComCoClass<CLonely, &CLSID_Lonely>,
-                              public IDispatchImpl<INamed, &IID_INamed, &LIBID_AtlServerLib, 1, 0>
+// Cannot be created, and writes nothing to the registry.
+class ATL_NO_VTABLE CStillborn : public CComObjectRootEx<CComSingleThreadModel>,
+                                 public CComCoClass<CStillborn, &CLSID_Stillborn>,
+                                 public IDispatchImpl<INamed, &IID_INamed, &LIBID_AtlServerLib, 1, 0>
 {
 public:
-    DECLARE_NO_REGISTRY()
-    DECLARE_NOT_AGGREGATABLE(CLonely)
-    DECLARE_PROTECT_FINAL_CONSTRUCT()
-    DECLARE_GET_CONTROLLING_UNKNOWN()
+    static HRESULT WINAPI UpdateRegistry(BOOL) noexcept { return S_OK; }
 
-    BEGIN_COM_MAP(CLonely)
+    BEGIN_COM_MAP(CStillborn)
         COM_INTERFACE_ENTRY(INamed)
-        COM_INTERFACE_ENTRY(IDispatch)
-        COM_INTERFACE_ENTRY_AGGREGATE(IID_IMarshal, m_marshaler.p)
     END_COM_MAP()
 
-    HRESULT FinalConstruct() { return CoCreateFreeThreadedMarshaler(GetControllingUnknown(), &m_marshaler); }
-    void FinalRelease() { m_marshaler.Release(); }
-
-    STDMETHOD(get_Name)(BSTR* name) override
-    {
-        *name = CComBSTR(L"lonely").Detach();
-        return S_OK;
-    }
-
-private:
-    CComPtr<IUnknown> m_marshaler;
-};
-
-class ATL_NO_VTABLE CStillborn : public CLonely
-{
-public:
-    DECLARE_AGGREGATABLE(CStillborn)
-
     HRESULT FinalConstruct() { AtlThrow(E_ACCESSDENIED); }
+
+    STDMETHOD(get_Name)(BSTR*) override { return E_NOTIMPL; }
 };
 
 OBJECT_ENTRY_AUTO(CLSID_Counter, CCounter)
-OBJECT_ENTRY_AUTO(CLSID_Lonely, CLonely)
 OBJECT_ENTRY_AUTO(CLSID_Stillborn, CStillborn)
 
 } // namespace
