@@ -1,4 +1,4 @@
-// The DLL's five exports and its module object.
+// The DLL's five exports, its module object and its application object.
 #include "addin/OrvaOscAddinModule.h"
 #include "support/DebugLog.h"
 #include "support/ExceptionGuard.h"
@@ -8,6 +8,9 @@
 #include <iterator>
 
 COrvaOscAddinModule _AtlModule;
+
+// The class library's object of this module. Dialogs find their owner and requests their agent through it.
+CWinApp g_application(L"OrvaOscAddin");
 
 namespace
 {

@@ -9,7 +9,7 @@ CDataExchange::CDataExchange(CWnd* pDlgWnd, BOOL bSaveAndValidate)
 
 HWND CDataExchange::PrepareCtrl(int nIDC)
 {
-    const HWND control = ::GetDlgItem(m_pDlgWnd->m_hWnd, nIDC);
+    const HWND control = GetDlgItem(m_pDlgWnd->m_hWnd, nIDC);
     if (!control)
     {
         AfxThrowInvalidArgException();

@@ -4,7 +4,6 @@
 
 #include <commctrl.h>
 
-#include <bit>
 #include <utility>
 
 IMPLEMENT_DYNAMIC(CDialog, CWnd)
@@ -67,19 +66,13 @@ private:
 };
 
 // Registers the classes of the controls that dialogs use. The active context decides which common controls
-// are meant. They are loaded here and not with the module: the module's start would have to find the DLL by
-// its manifest, which takes longer than everything else in it. They stay loaded, as their classes do.
+// are meant.
 void RegisterControlClasses()
 {
-    INITCOMMONCONTROLSEX classes = {sizeof classes,
-                                    ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS | ICC_LINK_CLASS};
-    static const HMODULE library = LoadLibraryW(L"comctl32.dll");
-    const FARPROC found = library ? GetProcAddress(library, "InitCommonControlsEx") : nullptr;
+    const INITCOMMONCONTROLSEX classes = {sizeof classes,
+                                          ICC_STANDARD_CLASSES | ICC_PROGRESS_CLASS | ICC_LINK_CLASS};
     // The result does not count: a control whose class is missing makes the dialog's creation fail.
-    if (found)
-    {
-        std::bit_cast<decltype(&InitCommonControlsEx)>(found)(&classes);
-    }
+    InitCommonControlsEx(&classes);
 }
 
 bool DisableWindow(HWND window)
@@ -96,11 +89,6 @@ bool DisableWindow(HWND window)
 
 CDialog::CDialog(UINT nIDTemplate, CWnd* pParentWnd)
     : m_lpszTemplateName(MAKEINTRESOURCE(nIDTemplate)), m_pParentWnd(pParentWnd)
-{
-}
-
-CDialog::CDialog(LPCTSTR lpszTemplateName, CWnd* pParentWnd)
-    : m_lpszTemplateName(lpszTemplateName), m_pParentWnd(pParentWnd)
 {
 }
 
@@ -133,7 +121,7 @@ INT_PTR CDialog::DoModal()
     disabledOwner.Enable();
     if (owner && m_hWnd && ::GetActiveWindow() == m_hWnd)
     {
-        ::SetActiveWindow(owner);
+        SetActiveWindow(owner);
     }
     DestroyWindow();
     return m_nModalResult;

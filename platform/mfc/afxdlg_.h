@@ -15,12 +15,11 @@ class CDialog : public CWnd
     DECLARE_DYNAMIC(CDialog)
 public:
     explicit CDialog(UINT nIDTemplate, CWnd* pParentWnd = nullptr);
-    explicit CDialog(LPCTSTR lpszTemplateName, CWnd* pParentWnd = nullptr);
 
     /// Shows the dialog and returns what EndDialog was called with. -1 when it could not be created, IDABORT
     /// when OnInitDialog failed by an exception.
     ///
-    /// The owner is that of CWnd::GetSafeOwner for the constructor's parent. It and the top-level window
+    /// The owner is that of CWnd::GetSafeOwner_ for the constructor's parent. It and the top-level window
     /// above it are disabled around the dialog, unless they were already, and the owner is activated at the
     /// end.
     virtual INT_PTR DoModal();

@@ -5,16 +5,11 @@
 IMPLEMENT_DYNAMIC(CException, CObject)
 IMPLEMENT_DYNAMIC(CInvalidArgException, CException)
 
-CException::CException() : m_autoDelete(TRUE) {}
-
-CException::CException(BOOL autoDelete) : m_autoDelete(autoDelete) {}
+CException::CException() = default;
 
 void CException::Delete()
 {
-    if (m_autoDelete)
-    {
-        delete this;
-    }
+    delete this;
 }
 
 BOOL CException::GetErrorMessage(LPWSTR errorText, UINT maxError, PUINT helpContext) const

@@ -15,8 +15,6 @@ class CException : public CObject
 
     /// An exception on the heap, which Delete() deletes.
     CException();
-    /// `autoDelete` FALSE: Delete() does nothing, for exceptions on the stack or in static storage.
-    explicit CException(BOOL autoDelete);
 
     /// Ends the exception's life; to be called once by whoever caught the pointer.
     void Delete();
@@ -24,9 +22,6 @@ class CException : public CObject
     /// Puts a text for the user into `errorText` (`maxError` characters with the terminator) and 0 into
     /// `*helpContext` when given. FALSE, and an empty text, when there is none: this base class has none.
     virtual BOOL GetErrorMessage(LPWSTR errorText, UINT maxError, PUINT helpContext = nullptr) const;
-
-private:
-    BOOL m_autoDelete;
 };
 
 /// An argument outside its range, for example a CString index behind the text.

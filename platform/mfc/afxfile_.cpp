@@ -106,20 +106,6 @@ BOOL CFile::Open(LPCWSTR fileName, UINT openFlags, CFileException* exception)
     return TRUE;
 }
 
-UINT CFile::Read(void* buffer, UINT count)
-{
-    if (count == 0)
-    {
-        return 0;
-    }
-    DWORD read = 0;
-    if (!ReadFile(m_hFile, buffer, count, &read, nullptr))
-    {
-        CFileException::ThrowOsError(static_cast<LONG>(GetLastError()), m_strFileName);
-    }
-    return read;
-}
-
 void CFile::Write(const void* buffer, UINT count)
 {
     if (count == 0)
@@ -134,37 +120,6 @@ void CFile::Write(const void* buffer, UINT count)
     if (written != count)
     {
         AfxThrowFileException(CFileException::diskFull, ERROR_DISK_FULL, m_strFileName);
-    }
-}
-
-ULONGLONG CFile::Seek(LONGLONG offset, UINT from)
-{
-    static_assert(begin == FILE_BEGIN && current == FILE_CURRENT && end == FILE_END);
-    LARGE_INTEGER distance = {};
-    distance.QuadPart = offset;
-    LARGE_INTEGER position = {};
-    if (!SetFilePointerEx(m_hFile, distance, &position, from))
-    {
-        CFileException::ThrowOsError(static_cast<LONG>(GetLastError()), m_strFileName);
-    }
-    return static_cast<ULONGLONG>(position.QuadPart);
-}
-
-ULONGLONG CFile::GetLength() const
-{
-    LARGE_INTEGER size = {};
-    if (!GetFileSizeEx(m_hFile, &size))
-    {
-        CFileException::ThrowOsError(static_cast<LONG>(GetLastError()), m_strFileName);
-    }
-    return static_cast<ULONGLONG>(size.QuadPart);
-}
-
-void CFile::Flush()
-{
-    if (m_hFile != hFileNull && !FlushFileBuffers(m_hFile))
-    {
-        CFileException::ThrowOsError(static_cast<LONG>(GetLastError()), m_strFileName);
     }
 }
 

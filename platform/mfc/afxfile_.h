@@ -1,7 +1,7 @@
 // CFile, an unbuffered file, and CFileException, what it throws.
 //
-// Left out of the original: constructors that open, Duplicate, Rename, Remove, locks, GetStatus/SetStatus,
-// SetLength, SetFilePath, transactions, text mode. Otherwise than the original:
+// Left out of the original: reading, seeking, flushing, constructors that open, Duplicate, Rename, Remove,
+// locks, GetStatus/SetStatus, SetLength, SetFilePath, transactions, text mode. Otherwise than the original:
 //  - Open on an open file closes that file first instead of losing its handle.
 //  - File names are not limited to 260 characters by the class; the system decides.
 //  - Opening with neither an exception nor a share flag, Close on a closed file and the like assert nothing.
@@ -52,7 +52,7 @@ class CFileException : public CException
 /// Throws a CFileException* made from the arguments.
 [[noreturn]] void AFXAPI AfxThrowFileException(int cause, LONG osError = -1, LPCWSTR fileName = nullptr);
 
-/// A file opened for unbuffered binary reading and writing; closed by its destructor. Operations throw
+/// A file opened for unbuffered binary writing; closed by its destructor. Operations throw
 /// CFileException* on failure, except Open, which returns FALSE. Not for use by two threads at a time.
 class CFile : public CObject
 {
@@ -75,13 +75,6 @@ class CFile : public CObject
         typeBinary = 0x8000,     ///< without effect: a CFile is always binary
     };
 
-    enum SeekPosition
-    {
-        begin = 0,
-        current = 1,
-        end = 2
-    };
-
     /// Value of m_hFile while no file is open.
     static const HANDLE hFileNull;
 
@@ -94,25 +87,13 @@ class CFile : public CObject
     /// the full path.
     virtual BOOL Open(LPCWSTR fileName, UINT openFlags, CFileException* exception = nullptr);
 
-    /// Reads up to `count` bytes; returns how many, fewer only at the end of the file.
-    virtual UINT Read(void* buffer, UINT count);
     /// Writes all of the `count` bytes. Fewer written by the system without an error of its own is the cause
     /// diskFull with ERROR_DISK_FULL.
     virtual void Write(const void* buffer, UINT count);
-    /// Moves the position by `offset` bytes from `from` (a SeekPosition); returns it, counted from the begin.
-    virtual ULONGLONG Seek(LONGLONG offset, UINT from);
-    /// Size in bytes.
-    virtual ULONGLONG GetLength() const;
-    /// Hands everything written to the disk. Nothing happens when no file is open.
-    virtual void Flush();
     /// Closes the file. Nothing happens when none is open. The object is closed also when this throws.
     virtual void Close();
     /// Closes the file and ignores failures. Never throws.
     virtual void Abort();
-
-    /// Full path of the open file; empty when none is open.
-    virtual CString GetFilePath() const { return m_strFileName; }
-    operator HANDLE() const { return m_hFile; }
 
     HANDLE m_hFile;
 

@@ -30,60 +30,15 @@ CGdiObject::~CGdiObject()
     DeleteObject();
 }
 
-CGdiObject* CGdiObject::FromHandle(HGDIOBJ hObject)
-{
-    return TemporaryGdiObject<CGdiObject>(hObject);
-}
-
-HGDIOBJ CGdiObject::GetSafeHandle() const
-{
-    return m_hObject;
-}
-
-BOOL CGdiObject::Attach(HGDIOBJ hObject)
-{
-    if (!hObject)
-    {
-        return FALSE;
-    }
-    m_hObject = hObject;
-    return TRUE;
-}
-
-HGDIOBJ CGdiObject::Detach()
-{
-    return std::exchange(m_hObject, nullptr);
-}
-
 BOOL CGdiObject::DeleteObject()
 {
-    const HGDIOBJ object = Detach();
+    const HGDIOBJ object = std::exchange(m_hObject, nullptr);
     return object ? ::DeleteObject(object) : FALSE;
-}
-
-int CGdiObject::GetObject(int nCount, LPVOID lpObject) const
-{
-    return ::GetObject(m_hObject, nCount, lpObject);
 }
 
 CFont* CFont::FromHandle(HFONT hFont)
 {
     return TemporaryGdiObject<CFont>(hFont);
-}
-
-CFont::operator HFONT() const
-{
-    return static_cast<HFONT>(m_hObject);
-}
-
-BOOL CFont::CreateFontIndirect(const LOGFONT* lpLogFont)
-{
-    return Attach(::CreateFontIndirect(lpLogFont));
-}
-
-int CFont::GetLogFont(LOGFONT* pLogFont)
-{
-    return GetObject(sizeof *pLogFont, pLogFont);
 }
 
 CBrush::CBrush(COLORREF crColor)
@@ -99,14 +54,10 @@ CBrush* CBrush::FromHandle(HBRUSH hBrush)
     return TemporaryGdiObject<CBrush>(hBrush);
 }
 
-CBrush::operator HBRUSH() const
-{
-    return static_cast<HBRUSH>(m_hObject);
-}
-
 BOOL CBrush::CreateSolidBrush(COLORREF crColor)
 {
-    return Attach(::CreateSolidBrush(crColor));
+    m_hObject = ::CreateSolidBrush(crColor);
+    return m_hObject != nullptr;
 }
 
 CDC::~CDC()
@@ -119,45 +70,10 @@ CDC* CDC::FromHandle(HDC hDC)
     return hDC ? AfxGetThreadState().Temporary<CDC, &CDC::m_hDC>(hDC) : nullptr;
 }
 
-CDC::operator HDC() const
-{
-    return m_hDC;
-}
-
-HDC CDC::GetSafeHdc() const
-{
-    return m_hDC;
-}
-
-BOOL CDC::Attach(HDC hDC)
-{
-    if (!hDC)
-    {
-        return FALSE;
-    }
-    m_hDC = hDC;
-    return TRUE;
-}
-
-HDC CDC::Detach()
-{
-    return std::exchange(m_hDC, nullptr);
-}
-
-BOOL CDC::CreateCompatibleDC(CDC* pDC)
-{
-    return Attach(::CreateCompatibleDC(pDC ? pDC->m_hDC : nullptr));
-}
-
 BOOL CDC::DeleteDC()
 {
-    const HDC dc = Detach();
+    const HDC dc = std::exchange(m_hDC, nullptr);
     return dc ? ::DeleteDC(dc) : FALSE;
-}
-
-CGdiObject* CDC::SelectObject(CGdiObject* pObject)
-{
-    return CGdiObject::FromHandle(::SelectObject(m_hDC, HandleOf(pObject)));
 }
 
 CBrush* CDC::SelectObject(CBrush* pBrush)

@@ -20,15 +20,8 @@ public:
     CGdiObject() = default;
     ~CGdiObject() override;
 
-    static CGdiObject* FromHandle(HGDIOBJ hObject);
-    HGDIOBJ GetSafeHandle() const;
-    /// Takes a handle over; FALSE when it is null.
-    BOOL Attach(HGDIOBJ hObject);
-    HGDIOBJ Detach();
     /// Deletes the GDI object; FALSE when there is none or it is selected into a device context.
     BOOL DeleteObject();
-    /// Describes the object as GetObjectW does; returns the number of bytes stored.
-    int GetObject(int nCount, LPVOID lpObject) const;
 };
 
 class CFont : public CGdiObject
@@ -36,10 +29,6 @@ class CFont : public CGdiObject
     DECLARE_DYNAMIC(CFont)
 public:
     static CFont* FromHandle(HFONT hFont);
-    operator HFONT() const;
-    BOOL CreateFontIndirect(const LOGFONT* lpLogFont);
-    /// The font's description; 0 on failure.
-    int GetLogFont(LOGFONT* pLogFont);
 };
 
 class CBrush : public CGdiObject
@@ -50,7 +39,6 @@ public:
     /// A solid brush; throws std::bad_alloc when it cannot be made.
     explicit CBrush(COLORREF crColor);
     static CBrush* FromHandle(HBRUSH hBrush);
-    operator HBRUSH() const;
     BOOL CreateSolidBrush(COLORREF crColor);
 };
 
@@ -65,16 +53,9 @@ public:
     ~CDC() override;
 
     static CDC* FromHandle(HDC hDC);
-    operator HDC() const;
-    HDC GetSafeHdc() const;
-    BOOL Attach(HDC hDC);
-    HDC Detach();
-    /// A memory device context compatible with pDC, or with the screen when that is null.
-    BOOL CreateCompatibleDC(CDC* pDC);
     BOOL DeleteDC();
 
     /// Select an object and return the one it replaces (temporary); null on failure.
-    CGdiObject* SelectObject(CGdiObject* pObject);
     CBrush* SelectObject(CBrush* pBrush);
     virtual CFont* SelectObject(CFont* pFont);
 

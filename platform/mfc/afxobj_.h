@@ -1,9 +1,9 @@
 // Run-time class information: CObject, CRuntimeClass and the DYNAMIC macros.
 //
 // Left out of the original: creation by name (DYNCREATE), serialization (SERIAL, schema numbers), the list of
-// all classes of a module, AssertValid and Dump. Otherwise than the original: CObject has no slots for
-// Serialize, AssertValid and Dump, and IMPLEMENT_DYNAMIC yields a constant that needs no code to run at load
-// time.
+// all classes of a module, IsKindOf, AssertValid and Dump. Otherwise than the original: CObject has no slots
+// for Serialize, AssertValid and Dump, and IMPLEMENT_DYNAMIC yields a constant that needs no code to run at
+// load time.
 #pragma once
 
 #include <afxver_.h>
@@ -17,9 +17,6 @@ struct CRuntimeClass
     LPCSTR m_lpszClassName;            ///< the class's name as written in the source, for example "CDialog"
     int m_nObjectSize;                 ///< sizeof the class, in bytes
     const CRuntimeClass* m_pBaseClass; ///< null for CObject
-
-    /// TRUE when this class is `baseClass` or derives from it. Cannot fail; any thread.
-    BOOL IsDerivedFrom(const CRuntimeClass* baseClass) const;
 };
 
 /// Base of every class with run-time class information. Not copyable.
@@ -29,14 +26,11 @@ public:
     static const CRuntimeClass classCObject;
 
     /// The run-time class of the object's own (most derived) class that names itself with DECLARE_DYNAMIC.
-    virtual CRuntimeClass* GetRuntimeClass() const;
-    virtual ~CObject();
+    virtual CRuntimeClass* GetRuntimeClass() const = 0;
+    virtual ~CObject() = default;
 
     CObject(const CObject&) = delete;
     CObject& operator=(const CObject&) = delete;
-
-    /// TRUE when the object's class is `runtimeClass` or derives from it. Cannot fail; any thread.
-    BOOL IsKindOf(const CRuntimeClass* runtimeClass) const;
 
 protected:
     CObject() = default;

@@ -90,8 +90,8 @@ BOOL AFXAPI AfxParseURL(LPCWSTR url, DWORD& serviceType, CString& server, CStrin
     {
         return FALSE;
     }
-    server.SetString(parts.lpszHostName, static_cast<int>(parts.dwHostNameLength));
-    object.SetString(parts.lpszUrlPath, static_cast<int>(parts.dwUrlPathLength));
+    server = CString(parts.lpszHostName, static_cast<int>(parts.dwHostNameLength));
+    object = CString(parts.lpszUrlPath, static_cast<int>(parts.dwUrlPathLength));
     object += CString(parts.lpszExtraInfo, static_cast<int>(parts.dwExtraInfoLength));
     port = parts.nPort != INTERNET_INVALID_PORT_NUMBER ? parts.nPort : DefaultPortOf(parts.nScheme);
     serviceType = ServiceTypeOf(parts.nScheme);

@@ -2,7 +2,6 @@
 
 #include "afxthreadstate.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -56,13 +55,8 @@ HANDLE MakeContext(HINSTANCE module)
 } // namespace
 
 AFX_MODULE_STATE::AFX_MODULE_STATE(HINSTANCE hInstance)
-    : m_hCurrentInstanceHandle(hInstance), m_hCurrentResourceHandle(hInstance),
-      m_lpszCurrentAppName(m_szDefaultAppName)
+    : m_hCurrentInstanceHandle(hInstance), m_hCurrentResourceHandle(hInstance)
 {
-    std::wstring name = ModulePath(hInstance);
-    name.erase(0, name.find_last_of(L"\\/") + 1);
-    name.erase(std::min(name.size(), name.rfind(L'.')));
-    lstrcpynW(m_szDefaultAppName, name.c_str(), ARRAYSIZE(m_szDefaultAppName));
 }
 
 AFX_MODULE_STATE::~AFX_MODULE_STATE()

@@ -18,8 +18,7 @@ class CWinApp;
 class AFX_MODULE_STATE
 {
 public:
-    /// A state for `hInstance`: resources come from there, and the application name is the module's file name
-    /// without folder and extension.
+    /// A state for `hInstance`, from where resources come.
     explicit AFX_MODULE_STATE(HINSTANCE hInstance);
     ~AFX_MODULE_STATE();
     AFX_MODULE_STATE(const AFX_MODULE_STATE&) = delete;
@@ -28,7 +27,7 @@ public:
     CWinApp* m_pCurrentWinApp = nullptr;
     HINSTANCE m_hCurrentInstanceHandle;
     HINSTANCE m_hCurrentResourceHandle;
-    LPCTSTR m_lpszCurrentAppName;
+    LPCTSTR m_lpszCurrentAppName = nullptr; ///< set by the application object
 
     /// Of the module's manifest with resource id 2 (ISOLATIONAWARE_MANIFEST_RESOURCE_ID); taken from the
     /// loader, or else made, when a thread first switches to this state. Null before, INVALID_HANDLE_VALUE
@@ -38,9 +37,6 @@ public:
     /// Sets m_hActCtx unless that was done before; any thread may call it. Never while the DLL is being
     /// loaded.
     void CreateActivationContext();
-
-private:
-    WCHAR m_szDefaultAppName[MAX_PATH];
 };
 
 /// The thread's current module state; the module's own when the thread never switched.

@@ -4,147 +4,36 @@
 #include <algorithm>
 #include <cwchar>
 
-namespace
-{
-
-// The original takes a null pointer for an empty text wherever a text is expected.
-LPCWSTR OrEmpty(LPCWSTR text)
-{
-    return text != nullptr ? text : L"";
-}
-
-int ToIndex(std::size_t position)
-{
-    return position == std::wstring_view::npos ? -1 : static_cast<int>(position);
-}
-
-} // namespace
-
-CString::CString(LPCWSTR text) : m_text(OrEmpty(text)) {}
-
 CString::CString(LPCWSTR text, int length)
 {
-    SetString(text, length);
-}
-
-CString::CString(WCHAR ch, int repeat)
-{
-    m_text.Resize(static_cast<std::size_t>(std::max(repeat, 0)));
-    std::fill_n(m_text.Units(), m_text.Length(), ch);
-}
-
-CString& CString::operator=(LPCWSTR text)
-{
-    SetString(text);
-    return *this;
-}
-
-CString& CString::operator=(WCHAR ch)
-{
-    m_text.Assign({&ch, 1});
-    return *this;
-}
-
-void CString::SetString(LPCWSTR text, int length)
-{
-    if (length < 0)
+    if (length < 0 || (text == nullptr && length != 0))
     {
         AfxThrowInvalidArgException();
     }
-    if (text == nullptr && length != 0)
-    {
-        AfxThrowInvalidArgException();
-    }
-    m_text.Assign({OrEmpty(text), static_cast<std::size_t>(length)});
-}
-
-void CString::SetString(LPCWSTR text)
-{
-    m_text.Assign(OrEmpty(text));
-}
-
-WCHAR CString::GetAt(int index) const
-{
-    if (index < 0 || index > GetLength())
-    {
-        AfxThrowInvalidArgException();
-    }
-    return m_text.Units()[index];
-}
-
-CString CString::Left(int count) const
-{
-    return Mid(0, count);
+    m_text.assign(TextOrEmpty(text), static_cast<std::size_t>(length));
 }
 
 CString CString::Mid(int first) const
 {
-    return Mid(first, GetLength());
-}
-
-CString CString::Mid(int first, int count) const
-{
-    const int length = GetLength();
-    const int start = std::clamp(first, 0, length);
     CString part;
-    part.m_text.Assign(m_text.Text().substr(static_cast<std::size_t>(start),
-                                            static_cast<std::size_t>(std::clamp(count, 0, length - start))));
+    part.m_text = m_text.substr(static_cast<std::size_t>(std::clamp(first, 0, GetLength())));
     return part;
-}
-
-CString CString::Right(int count) const
-{
-    return Mid(GetLength() - std::clamp(count, 0, GetLength()));
-}
-
-int CString::Find(LPCWSTR what, int start) const
-{
-    if (what == nullptr || start < 0 || start > GetLength())
-    {
-        return -1;
-    }
-    return ToIndex(m_text.Text().find(what, static_cast<std::size_t>(start)));
-}
-
-int CString::Find(WCHAR ch, int start) const
-{
-    if (start < 0 || start >= GetLength())
-    {
-        return -1;
-    }
-    return ToIndex(m_text.Text().find(ch, static_cast<std::size_t>(start)));
 }
 
 int CString::ReverseFind(WCHAR ch) const
 {
-    return ToIndex(m_text.Text().rfind(ch));
-}
-
-int CString::Compare(LPCWSTR other) const
-{
-    return std::wcscmp(m_text.Units(), OrEmpty(other));
+    const std::size_t found = m_text.rfind(ch);
+    return found == std::wstring::npos ? -1 : static_cast<int>(found);
 }
 
 int CString::CompareNoCase(LPCWSTR other) const
 {
-    return _wcsicmp(m_text.Units(), OrEmpty(other));
+    return _wcsicmp(m_text.c_str(), TextOrEmpty(other));
 }
 
 CString& CString::operator+=(const CString& text)
 {
-    m_text.Append(text.m_text.Text());
-    return *this;
-}
-
-CString& CString::operator+=(LPCWSTR text)
-{
-    m_text.Append(OrEmpty(text));
-    return *this;
-}
-
-CString& CString::operator+=(WCHAR ch)
-{
-    m_text.Append({&ch, 1});
+    m_text += text.m_text;
     return *this;
 }
 
@@ -152,9 +41,9 @@ LPWSTR CString::GetBuffer(int minLength)
 {
     if (minLength > GetLength())
     {
-        m_text.Resize(static_cast<std::size_t>(minLength));
+        m_text.resize(static_cast<std::size_t>(minLength));
     }
-    return m_text.Units();
+    return m_text.data();
 }
 
 void CString::ReleaseBuffer(int newLength)
@@ -163,7 +52,47 @@ void CString::ReleaseBuffer(int newLength)
     {
         AfxThrowInvalidArgException();
     }
-    m_text.Resize(newLength == -1 ? std::wcslen(m_text.Units()) : static_cast<std::size_t>(newLength));
+    m_text.resize(newLength == -1 ? std::wcslen(m_text.c_str()) : static_cast<std::size_t>(newLength));
+}
+
+void CString::FormatArguments(LPCWSTR format, std::initializer_list<CFormatArgument> arguments)
+{
+    // Made aside first: the text itself may be the format or among the arguments.
+    std::wstring result;
+    const CFormatArgument* argument = arguments.begin();
+    for (LPCWSTR next = TextOrEmpty(format); *next != L'\0'; ++next)
+    {
+        const WCHAR type = *next == L'%' ? next[1] : L'\0';
+        if (type != L'%' && type != L'd' && type != L's')
+        {
+            result += *next;
+            continue;
+        }
+        ++next;
+        const bool isFilled =
+            type != L'%' && argument != arguments.end() && argument->IsText() == (type == L's');
+        if (type == L'%')
+        {
+            result += L'%';
+        }
+        else if (!isFilled)
+        {
+            result.append(next - 1, 2);
+        }
+        else if (type == L'd')
+        {
+            result += std::to_wstring(argument->GetInteger());
+        }
+        else
+        {
+            result += argument->GetText() != nullptr ? argument->GetText() : L"(null)";
+        }
+        if (type != L'%' && argument != arguments.end())
+        {
+            ++argument;
+        }
+    }
+    m_text = std::move(result);
 }
 
 CString operator+(const CString& left, const CString& right)
@@ -175,28 +104,5 @@ CString operator+(const CString& left, const CString& right)
 
 CString operator+(const CString& left, LPCWSTR right)
 {
-    CString sum = left;
-    sum += right;
-    return sum;
-}
-
-CString operator+(LPCWSTR left, const CString& right)
-{
-    CString sum = left;
-    sum += right;
-    return sum;
-}
-
-CString operator+(const CString& left, WCHAR right)
-{
-    CString sum = left;
-    sum += right;
-    return sum;
-}
-
-CString operator+(WCHAR left, const CString& right)
-{
-    CString sum(left);
-    sum += right;
-    return sum;
+    return left + CString(right);
 }

@@ -20,11 +20,6 @@ CWinThread::~CWinThread()
     }
 }
 
-CWinThread::operator HANDLE() const
-{
-    return m_hThread;
-}
-
 BOOL CWinThread::CreateThread(DWORD dwCreateFlags, UINT nStackSize, LPSECURITY_ATTRIBUTES lpSecurityAttrs)
 {
     m_pCreatorState = AfxGetModuleState();
@@ -43,11 +38,6 @@ BOOL CWinThread::CreateThread(DWORD dwCreateFlags, UINT nStackSize, LPSECURITY_A
         ResumeThread();
     }
     return TRUE;
-}
-
-DWORD CWinThread::SuspendThread()
-{
-    return ::SuspendThread(m_hThread);
 }
 
 DWORD CWinThread::ResumeThread()
@@ -111,7 +101,7 @@ CWinThread* AFXAPI AfxBeginThread(AFX_THREADPROC pfnThreadProc, LPVOID pParam, i
 }
 
 CWinApp::CWinApp(LPCTSTR lpszAppName)
-    : m_hInstance(AfxGetInstanceHandle()), m_pszAppName(lpszAppName ? lpszAppName : AfxGetAppName())
+    : m_hInstance(AfxGetModuleState()->m_hCurrentInstanceHandle), m_pszAppName(lpszAppName)
 {
     AFX_MODULE_STATE* state = AfxGetModuleState();
     state->m_pCurrentWinApp = this;
@@ -124,6 +114,7 @@ CWinApp::~CWinApp()
     if (state->m_pCurrentWinApp == this)
     {
         state->m_pCurrentWinApp = nullptr;
+        state->m_lpszCurrentAppName = nullptr;
     }
 }
 
@@ -136,7 +127,7 @@ CWinThread* AFXAPI AfxGetThread()
 CWnd* AFXAPI AfxGetMainWnd()
 {
     CWinThread* thread = AfxGetThread();
-    return thread ? thread->GetMainWnd() : CWnd::GetActiveWindow();
+    return thread ? thread->GetMainWnd() : nullptr;
 }
 
 CWinApp* AFXAPI AfxGetApp()
@@ -147,11 +138,6 @@ CWinApp* AFXAPI AfxGetApp()
 LPCTSTR AFXAPI AfxGetAppName()
 {
     return AfxGetModuleState()->m_lpszCurrentAppName;
-}
-
-HINSTANCE AFXAPI AfxGetInstanceHandle()
-{
-    return AfxGetModuleState()->m_hCurrentInstanceHandle;
 }
 
 HINSTANCE AFXAPI AfxGetResourceHandle()

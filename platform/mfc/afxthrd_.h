@@ -34,14 +34,11 @@ public:
     CWinThread(AFX_THREADPROC pfnThreadProc, LPVOID pParam);
     ~CWinThread() override;
 
-    operator HANDLE() const;
-
     /// Starts the thread; FALSE when that failed (GetLastError says why).
     BOOL CreateThread(DWORD dwCreateFlags = 0, UINT nStackSize = 0,
                       LPSECURITY_ATTRIBUTES lpSecurityAttrs = nullptr);
 
-    /// As the functions of the same name of the system: previous suspend count, or 0xFFFFFFFF.
-    DWORD SuspendThread();
+    /// As the function of the same name of the system: previous suspend count, or 0xFFFFFFFF.
     DWORD ResumeThread();
     BOOL SetThreadPriority(int nPriority);
 
@@ -62,7 +59,7 @@ CWinThread* AFXAPI AfxBeginThread(AFX_THREADPROC pfnThreadProc, LPVOID pParam,
                                   int nPriority = THREAD_PRIORITY_NORMAL, UINT nStackSize = 0,
                                   DWORD dwCreateFlags = 0, LPSECURITY_ATTRIBUTES lpSecurityAttrs = nullptr);
 
-/// The program's one application object, where a program has one; an add-in has none.
+/// The module's one application object, defined by the module itself.
 class CWinApp : public CWinThread
 {
     DECLARE_DYNAMIC(CWinApp)
@@ -70,24 +67,22 @@ public:
     HINSTANCE m_hInstance;
     LPCTSTR m_pszAppName;
 
-    /// Makes itself its module's application, under `lpszAppName` or, without one, the module's default name.
-    explicit CWinApp(LPCTSTR lpszAppName = nullptr);
+    /// Makes itself the application of its module, under `lpszAppName`, which must live as long.
+    explicit CWinApp(LPCTSTR lpszAppName);
     ~CWinApp() override;
 };
 
 /// The calling thread's object: its worker's, else the application's, else null.
 CWinThread* AFXAPI AfxGetThread();
 
-/// The main window of AfxGetThread, and the thread's active window where there is no thread object.
+/// The main window of AfxGetThread; null where there is no thread object.
 CWnd* AFXAPI AfxGetMainWnd();
 
 /// The current module's application object; null in a module that has none.
 CWinApp* AFXAPI AfxGetApp();
 
-/// The current module's application name.
+/// The current module's application name; null in a module without an application object.
 LPCTSTR AFXAPI AfxGetAppName();
-
-HINSTANCE AFXAPI AfxGetInstanceHandle();
 
 /// Where the current module's resources are loaded from.
 HINSTANCE AFXAPI AfxGetResourceHandle();

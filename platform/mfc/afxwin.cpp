@@ -3,13 +3,6 @@
 #include <string>
 
 IMPLEMENT_DYNAMIC(CStatic, CWnd)
-IMPLEMENT_DYNAMIC(CButton, CWnd)
-IMPLEMENT_DYNAMIC(CEdit, CWnd)
-
-BOOL CEdit::SetReadOnly(BOOL bReadOnly)
-{
-    return BOOL(SendMessage(EM_SETREADONLY, WPARAM(bReadOnly)));
-}
 
 BOOL AFXAPI AfxInitRichEdit2()
 {

@@ -25,17 +25,5 @@ class CStatic : public CWnd
     DECLARE_DYNAMIC(CStatic)
 };
 
-class CButton : public CWnd
-{
-    DECLARE_DYNAMIC(CButton)
-};
-
-class CEdit : public CWnd
-{
-    DECLARE_DYNAMIC(CEdit)
-public:
-    BOOL SetReadOnly(BOOL bReadOnly = TRUE);
-};
-
 /// Loads the library that registers the window class "RichEdit20W", once; FALSE when it cannot be loaded.
 BOOL AFXAPI AfxInitRichEdit2();

@@ -27,7 +27,6 @@ public:
     /// Destroys the window if it is still there.
     ~CWnd() override;
 
-    operator HWND() const;
     /// Null without a window. Not for null pointers, which the original lets pass here.
     HWND GetSafeHwnd() const;
 
@@ -42,59 +41,31 @@ public:
 
     /// Attaches the window and puts the message map before its window procedure.
     BOOL SubclassWindow(HWND hWnd);
-    BOOL SubclassDlgItem(UINT nID, CWnd* pParent);
-    /// Gives the window its procedure back and detaches it.
-    HWND UnsubclassWindow();
 
     DWORD GetStyle() const;
-    DWORD GetExStyle() const;
-    int GetDlgCtrlID() const;
     CWnd* GetDlgItem(int nID) const;
-    CWnd* GetParent() const;
-    CWnd* GetTopLevelParent() const;
-    CWnd* GetLastActivePopup() const;
-    /// The window set by SetOwner, else the parent.
-    CWnd* GetOwner() const;
-    void SetOwner(CWnd* pOwnerWnd);
-    /// The window that a modal dialog is to be owned by: the first window from `pParent` upwards that is no
-    /// child; without `pParent`, the last active popup of the main window. With `pTopLevel`, the top-level
+    /// The window that a modal dialog is to be owned by: the first window from `hWnd` upwards that is no
+    /// child; without `hWnd`, the last active popup of the main window. With `pWndTopLevel`, the top-level
     /// window above it is disabled, unless it is the owner itself or is disabled already, and its handle left
     /// there for the caller to enable; null otherwise.
-    static CWnd* GetSafeOwner(CWnd* pParent = nullptr, HWND* pTopLevel = nullptr);
     static HWND GetSafeOwner_(HWND hWnd, HWND* pWndTopLevel);
 
     static CWnd* GetActiveWindow();
-    static CWnd* GetFocus();
-    static CWnd* GetForegroundWindow();
-    static CWnd* GetDesktopWindow();
-    CWnd* SetActiveWindow();
-    CWnd* SetFocus();
-    BOOL SetForegroundWindow();
 
     LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
     BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
-    LRESULT SendDlgItemMessage(int nID, UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const;
 
     void SetWindowText(LPCTSTR lpszString);
-    int GetWindowText(LPTSTR lpszStringBuf, int nMaxCount) const;
-    void GetWindowText(CString& rString) const;
-    int GetWindowTextLength() const;
     void SetDlgItemText(int nID, LPCTSTR lpszString);
-    int GetDlgItemText(int nID, CString& rString) const;
-    void SetFont(CFont* pFont, BOOL bRedraw = TRUE);
-    CFont* GetFont() const;
 
     BOOL EnableWindow(BOOL bEnable = TRUE);
-    BOOL IsWindowEnabled() const;
     BOOL ShowWindow(int nCmdShow);
     BOOL IsWindowVisible() const;
     void GetClientRect(LPRECT lpRect) const;
     void GetWindowRect(LPRECT lpRect) const;
-    BOOL SetWindowPos(const CWnd* pWndInsertAfter, int x, int y, int cx, int cy, UINT nFlags);
     /// Centres the window over `pAlternateOwner`, else its owner (a child: its parent), else the work area of
     /// its monitor, and keeps it inside that work area.
     void CenterWindow(CWnd* pAlternateOwner = nullptr);
-    void Invalidate(BOOL bErase = TRUE);
     void UpdateWindow();
     virtual BOOL DestroyWindow();
 
@@ -125,13 +96,11 @@ protected:
     virtual LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam);
     /// DefWindowProc for the message that is being handled, with its original parameters.
     LRESULT Default();
-    static const MSG* GetCurrentMessage();
     /// The last call for a window: the object may delete itself here.
     virtual void PostNcDestroy();
     /// TRUE when the window is to be centred after it was initialised.
     virtual BOOL CheckAutoCenter();
 
-    afx_msg BOOL OnEraseBkgnd(CDC* pDC);
     afx_msg HBRUSH OnCtlColor(CDC* pDC, CWnd* pWnd, UINT nCtlColor);
     afx_msg void OnClose();
     afx_msg void OnDestroy();
@@ -147,7 +116,6 @@ private:
     friend class CDialog;
 
     WNDPROC m_pfnSuper = nullptr;
-    HWND m_hWndOwner = nullptr;
     bool m_bInModalLoop = false;
     bool m_bContinueModal = false;
 };

@@ -4,11 +4,6 @@
 
 #include <algorithm>
 
-CWnd* CWnd::GetSafeOwner(CWnd* pParent, HWND* pTopLevel)
-{
-    return FromHandle(GetSafeOwner_(pParent ? pParent->m_hWnd : nullptr, pTopLevel));
-}
-
 HWND CWnd::GetSafeOwner_(HWND hWnd, HWND* pWndTopLevel)
 {
     HWND start = hWnd;
@@ -21,21 +16,21 @@ HWND CWnd::GetSafeOwner_(HWND hWnd, HWND* pWndTopLevel)
     HWND owner = start;
     while (owner && (GetWindowLongPtr(owner, GWL_STYLE) & WS_CHILD))
     {
-        owner = ::GetParent(owner);
+        owner = GetParent(owner);
     }
     HWND top = start;
-    while (const HWND above = top ? ::GetParent(top) : nullptr)
+    while (const HWND above = top ? GetParent(top) : nullptr)
     {
         top = above;
     }
     if (!hWnd && owner)
     {
-        owner = ::GetLastActivePopup(owner);
+        owner = GetLastActivePopup(owner);
     }
 
     if (pWndTopLevel)
     {
-        const bool isOther = top && top != owner && ::IsWindowEnabled(top);
+        const bool isOther = top && top != owner && IsWindowEnabled(top);
         *pWndTopLevel = isOther ? top : nullptr;
         if (isOther)
         {
@@ -48,7 +43,7 @@ HWND CWnd::GetSafeOwner_(HWND hWnd, HWND* pWndTopLevel)
 void CWnd::CenterWindow(CWnd* pAlternateOwner)
 {
     const bool isChild = (GetStyle() & WS_CHILD) != 0;
-    HWND over = isChild ? ::GetParent(m_hWnd) : ::GetWindow(m_hWnd, GW_OWNER);
+    HWND over = isChild ? GetParent(m_hWnd) : GetWindow(m_hWnd, GW_OWNER);
     if (pAlternateOwner)
     {
         over = pAlternateOwner->m_hWnd;
@@ -59,7 +54,7 @@ void CWnd::CenterWindow(CWnd* pAlternateOwner)
     if (isChild)
     {
         // A child's position counts from its parent's client area.
-        const HWND parent = ::GetParent(m_hWnd);
+        const HWND parent = GetParent(m_hWnd);
         ::GetClientRect(parent, limits);
         ::GetClientRect(over, center);
         MapWindowPoints(over, parent, reinterpret_cast<POINT*>(&center), 2);
@@ -87,9 +82,9 @@ void CWnd::CenterWindow(CWnd* pAlternateOwner)
     const auto place = [](int low, int high, int size, int lowest, int highest) {
         return std::max(lowest, std::min((low + high - size) / 2, highest - size));
     };
-    ::SetWindowPos(m_hWnd, nullptr, place(center.left, center.right, own.Width(), limits.left, limits.right),
-                   place(center.top, center.bottom, own.Height(), limits.top, limits.bottom), 0, 0,
-                   SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+    SetWindowPos(m_hWnd, nullptr, place(center.left, center.right, own.Width(), limits.left, limits.right),
+                 place(center.top, center.bottom, own.Height(), limits.top, limits.bottom), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 BOOL CWnd::CheckAutoCenter()
@@ -114,7 +109,7 @@ int CWnd::RunModalLoop(DWORD)
     while (ContinueModal())
     {
         MSG message;
-        const BOOL fetched = ::GetMessage(&message, nullptr, 0, 0);
+        const BOOL fetched = GetMessage(&message, nullptr, 0, 0);
         if (fetched <= 0)
         {
             if (fetched == 0)

@@ -18,7 +18,7 @@ LRESULT CALLBACK AfxWndProc(HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
     {
         AfxTraceCaughtException(L"AfxWndProc");
     }
-    return ::DefWindowProc(hWnd, nMsg, wParam, lParam);
+    return DefWindowProc(hWnd, nMsg, wParam, lParam);
 }
 
 LRESULT AfxCallWndProc(CWnd* pWnd, HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM lParam)
@@ -57,14 +57,9 @@ LRESULT AfxCallWndProc(CWnd* pWnd, HWND hWnd, UINT nMsg, WPARAM wParam, LPARAM l
     return nMsg == WM_CREATE ? -1 : 0;
 }
 
-const MSG* CWnd::GetCurrentMessage()
-{
-    return &AfxGetThreadState().m_lastSentMessage;
-}
-
 LRESULT CWnd::Default()
 {
-    const MSG message = *GetCurrentMessage();
+    const MSG message = AfxGetThreadState().m_lastSentMessage;
     return DefWindowProc(message.message, message.wParam, message.lParam);
 }
 

@@ -149,7 +149,7 @@ TEST_F(MfcDialogOwner, DialogInADialogBelongsToTheOuterOne)
             m_window = m_hWnd;
             CDialog inner(IDD_PLAIN);
             m_inner = inner.DoModal();
-            EXPECT_TRUE(IsWindowEnabled());
+            EXPECT_TRUE(::IsWindowEnabled(m_hWnd));
             EXPECT_EQ(m_hWnd, ::GetActiveWindow());
             OnCancel();
         }

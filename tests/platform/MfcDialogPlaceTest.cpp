@@ -25,7 +25,7 @@ protected:
         CDialog::OnInitDialog();
         if (m_movesTo)
         {
-            SetWindowPos(nullptr, m_movesTo->x, m_movesTo->y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+            ::SetWindowPos(m_hWnd, nullptr, m_movesTo->x, m_movesTo->y, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
         }
         return TRUE;
     }

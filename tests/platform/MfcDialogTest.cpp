@@ -74,7 +74,7 @@ TEST_F(MfcDialogTest, FocusSetInOnInitDialogStaysWhenThatReturnsFalse)
 {
     CTestDialog dialog(IDD_PLAIN);
     dialog.m_initResult = FALSE;
-    dialog.m_onInit = [](CTestDialog& self) { self.GetDlgItem(IDC_ACT)->SetFocus(); };
+    dialog.m_onInit = [](CTestDialog& self) { SetFocus(self.GetDlgItem(IDC_ACT)->m_hWnd); };
     RunWith(dialog, L"Plain", [](HWND window) {
         EXPECT_EQ(ChildById(window, IDC_ACT), FocusOf(window));
         Click(window, IDCANCEL);
@@ -187,7 +187,7 @@ TEST_F(MfcDialogTest, TemplateComesFromTheResourceHandle)
     AfxSetResourceHandle(GetModuleHandleW(L"kernel32.dll"));
     CTestDialog dialog(IDD_PLAIN);
     EXPECT_EQ(-1, dialog.DoModal());
-    AfxSetResourceHandle(AfxGetInstanceHandle());
+    AfxSetResourceHandle(GetModuleHandleW(nullptr));
 }
 
 TEST_F(MfcDialogTest, ExceptionInOnInitDialogIsIdabortAndTheDialogIsNotShown)

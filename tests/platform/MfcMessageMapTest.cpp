@@ -67,7 +67,7 @@ protected:
     }
     afx_msg BOOL OnEraseBkgnd(CDC* dc)
     {
-        m_erased = dc->GetSafeHdc();
+        m_erased = dc->m_hDC;
         return m_eraseResult;
     }
     afx_msg HBRUSH OnCtlColor(CDC*, CWnd* control, UINT kind)

@@ -4,6 +4,14 @@
 
 #include <utility>
 
+namespace
+{
+
+// The class library's object of the test program.
+CWinApp g_application(L"test_platform");
+
+} // namespace
+
 BEGIN_MESSAGE_MAP(CTestDialog, CDialog)
     ON_BN_CLICKED(IDC_ACT, &CTestDialog::OnAct)
     ON_BN_CLICKED(IDC_PROCEED, &CTestDialog::OnProceed)

@@ -56,11 +56,11 @@ TEST(MfcThread, SuspendedThreadWaitsForItsResume)
         ran.get(), THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED));
     ASSERT_TRUE(thread);
     thread->m_bAutoDelete = FALSE;
-    EXPECT_EQ(2U, thread->SuspendThread() + 1) << "was suspended once";
+    EXPECT_EQ(2U, SuspendThread(thread->m_hThread) + 1) << "was suspended once";
     EXPECT_EQ(2U, thread->ResumeThread());
     EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(ran.get(), 0));
     EXPECT_EQ(1U, thread->ResumeThread());
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(*thread, kPatience));
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread->m_hThread, kPatience));
     DWORD code = 0;
     GetExitCodeThread(thread->m_hThread, &code);
     EXPECT_EQ(thread->m_nThreadID, code);
@@ -164,7 +164,7 @@ TEST(MfcThread, WorkerFindsItsOwnObject)
     thread->ResumeThread();
     WaitForSingleObject(thread->m_hThread, kPatience);
     EXPECT_EQ(thread.get(), seen);
-    EXPECT_EQ(nullptr, AfxGetThread());
+    EXPECT_EQ(AfxGetApp(), AfxGetThread());
 }
 
 } // namespace

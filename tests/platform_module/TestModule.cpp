@@ -6,6 +6,8 @@
 namespace
 {
 
+CWinApp g_application(L"orva_test_module");
+
 // Ends itself as soon as it is filled, and leaves what it was filled with.
 class CBriefDialog : public CDialog
 {
@@ -17,7 +19,7 @@ protected:
     BOOL OnInitDialog() override
     {
         CDialog::OnInitDialog();
-        GetDlgItem(IDC_TEXT)->GetWindowText(m_text, ARRAYSIZE(m_text));
+        ::GetWindowText(GetDlgItem(IDC_TEXT)->m_hWnd, m_text, ARRAYSIZE(m_text));
         EndDialog(IDYES);
         return TRUE;
     }
@@ -31,7 +33,7 @@ extern "C"
     __declspec(dllexport) HINSTANCE ModuleInstance()
     {
         AFX_MANAGE_STATE(AfxGetStaticModuleState())
-        return AfxGetInstanceHandle();
+        return AfxGetApp()->m_hInstance;
     }
 
     __declspec(dllexport) const wchar_t* ModuleName()

@@ -36,10 +36,10 @@ TEST(GetTempDirectoryTest, IsTheTemporaryFolderWithABackslash)
 
 TEST(MakeTempNameTest, IsOscAndSixCharacters)
 {
-    const CString name = MakeTempName();
-    EXPECT_EQ(name.GetLength(), 9);
-    EXPECT_STREQ(name.Left(3), L"osc");
-    EXPECT_EQ(name.Find(L'X'), -1);
+    const std::wstring name = MakeTempName().GetString();
+    EXPECT_EQ(name.size(), 9u);
+    EXPECT_TRUE(name.starts_with(L"osc"));
+    EXPECT_EQ(name.find(L'X'), std::wstring::npos);
 }
 
 class CreateTempDownloadDirectoryTest : public ::testing::Test
