@@ -1,7 +1,7 @@
 // Frees what g++'s static run-time library would leave behind in the host when the DLL is unloaded.
 //
-// Microsoft's run-time needs nothing of the kind; a build with that leaves this folder out. Three things would
-// stay otherwise, at each unloading anew:
+// Microsoft's run-time needs nothing of the kind; a build with that leaves this folder out. Three things
+// would stay otherwise, at each unloading anew:
 //
 // - the memory that is kept for throwing exceptions when there is no other (some 70 KiB);
 // - the unloading thread's exception state. The run-time frees it when the thread ends, which a host's thread
@@ -26,7 +26,8 @@ extern "C"
     extern const IMAGE_TLS_DIRECTORY64 _tls_used;
     extern IMAGE_DOS_HEADER __ImageBase;
 
-    // The linker's --wrap gives the first name to the import of TlsAlloc and lets calls go through the second.
+    // The linker's --wrap gives the first name to the import of TlsAlloc and lets calls go through the
+    // second.
     extern DWORD(WINAPI* __real___imp_TlsAlloc)();
     extern DWORD(WINAPI* __wrap___imp_TlsAlloc)();
 }
