@@ -16,7 +16,7 @@ struct Placeholder
     UINT stringId;
 };
 
-// In the order of replacement, which decides what becomes of a string that holds another placeholder.
+// In the order of replacement: a string that holds a later placeholder is expanded.
 constexpr Placeholder kPlaceholders[] = {
     {L"__IDS_APPTITLE__", IDS_APPTITLE},
     {L"__IDS_DESCRIPTION1__", IDS_DESCRIPTION1},

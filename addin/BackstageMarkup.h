@@ -3,10 +3,10 @@
 
 #include <string>
 
-/// Replaces every placeholder ("__IDS_...__") of `markup` by its localized string, one after the other in a
-/// fixed order, each in all of the text that the earlier ones left.
+/// Replaces the placeholders ("__IDS_...__") of `markup` by their localized strings, one placeholder after
+/// the other in a fixed order. A string that holds a later placeholder is therefore expanded, one that holds
+/// its own is not.
 ///
-/// A string that holds a later placeholder is therefore expanded, one that holds its own is not. The strings
-/// go in as they are, without XML escaping; one that holds a double quote ends its attribute, and Office then
-/// refuses the markup.
+/// The strings are inserted without XML escaping: a double quote ends its attribute, and Office then rejects
+/// the markup.
 void FillBackstageMarkup(std::wstring& markup);

@@ -22,7 +22,7 @@ using RibbonCallbackDispatch =
 
 constexpr char kOnConnection[] = "CConnect::OnConnection";
 
-// The dispatch ids of the ribbon's callbacks, the second one beyond their range.
+// The range of the ribbon callbacks' dispatch ids; the end is not part of it.
 constexpr DISPID kFirstRibbonCallback = 42000;
 constexpr DISPID kRibbonCallbacksEnd = 42010;
 
@@ -62,7 +62,7 @@ int ReadOfficeVersion(IDispatch* application)
     {
         return 0;
     }
-    // The conversion alone would also take blanks and a sign.
+    // _wtoi alone would also accept leading blanks and a sign.
     const wchar_t first = version.bstrVal[0];
     return first >= L'0' && first <= L'9' ? _wtoi(version.bstrVal) : 0;
 }
@@ -87,8 +87,8 @@ STDMETHODIMP CConnect::Invoke(DISPID dispIdMember, REFIID riid, LCID lcid, WORD 
         }
         if (hr == DISP_E_MEMBERNOTFOUND)
         {
-            // The click ends here as well. The dispatcher refuses it, because it knows the id as OnConnection
-            // with four arguments, and Office does not look at an event's result.
+            // Also for the click. The dispatcher rejects it, because this id is OnConnection, which takes
+            // four arguments. Office ignores an event's result.
             hr = ExtensibilityDispatch::Invoke(dispIdMember, riid, lcid, wFlags, pDispParams, pVarResult,
                                                pExcepInfo, puArgErr);
         }
@@ -99,7 +99,7 @@ STDMETHODIMP CConnect::Invoke(DISPID dispIdMember, REFIID riid, LCID lcid, WORD 
 STDMETHODIMP CConnect::OnConnection(IDispatch* Application, ext_ConnectMode ConnectMode, IDispatch*,
                                     SAFEARRAY**)
 {
-    // A number from here on: a host may say a mode that the enumeration does not have.
+    // An int, because a host may pass a value that the enumeration does not have.
     const int connectMode = ConnectMode;
     return RunGuarded<HRESULT>(kOnConnection, S_OK, [&] {
         LogEntry(kOnConnection);
@@ -119,7 +119,7 @@ STDMETHODIMP CConnect::OnConnection(IDispatch* Application, ext_ConnectMode Conn
     });
 }
 
-// Keeps the application and its active explorer; either stays null when the host does not give it.
+// Keeps the application and its active explorer; either stays null if the host has none.
 void CConnect::AttachToHost(IDispatch* application)
 {
     m_spApplication = QueryDispatch(application, __uuidof(Outlook::_Application));
@@ -127,8 +127,7 @@ void CConnect::AttachToHost(IDispatch* application)
     m_spExplorer = GetObjectByName(m_spApplication, L"ActiveExplorer", __uuidof(Outlook::_Explorer));
 }
 
-// Versions after the one with the Backstage tab get neither tab nor menu command: no one has seen them there
-// yet.
+// Versions after the one with the Backstage tab get neither the tab nor the menu command, on purpose.
 void CConnect::InsertMenuForOldOffice(int officeVersion)
 {
     if (officeVersion >= kFirstBackstageOffice)
@@ -138,7 +137,7 @@ void CConnect::InsertMenuForOldOffice(int officeVersion)
     else if (m_spExplorer != nullptr)
     {
         LogMessage(kOnConnection, "m_spExplorer is not NULL");
-        // Whatever goes wrong with the menu, the check for updates still runs.
+        // The result is ignored: the update check runs without the menu command too.
         InsertMenuCommands();
     }
     else
@@ -155,7 +154,7 @@ void CConnect::CheckForUpdateAtStart()
     CheckForUpdate(host, true);
 }
 
-// Leaves the button to Office, which drops a temporary one, and the host's objects to the destructor.
+// Does not delete the button: it is temporary, so Office does. The destructor releases the host's objects.
 STDMETHODIMP CConnect::OnDisconnection(ext_DisconnectMode, SAFEARRAY**)
 {
     return RunGuarded<HRESULT>("CConnect::OnDisconnection", E_UNEXPECTED, [this] {

@@ -12,11 +12,11 @@
 MIDL_INTERFACE("3C3B6E0B-6A0F-4C0B-9C0E-5D2D1F0B7A41") IConnect : public IDispatch{};
 extern const IID IID_IConnect;
 
-/// At once the Office add-in (_IDTExtensibility2), the ribbon provider, the target of the ribbon's callbacks
-/// and the sink of the menu button's click. Created by Outlook through the class object, plainly or
-/// aggregated, and called on Outlook's UI thread only (apartment model).
+/// The Office add-in (_IDTExtensibility2), the ribbon provider, the target of the ribbon's callbacks and the
+/// event sink of the menu button. Outlook creates it through the class object, plainly or aggregated, and
+/// calls it on its UI thread only (apartment model).
 ///
-/// No operation lets a C++ exception out; what is caught goes to the debug log.
+/// No C++ exception leaves an operation; it is caught and logged.
 class CConnect
     : public CComObjectRootEx<CComSingleThreadModel>,
       public CComCoClass<CConnect, &CLSID_Connect>,
@@ -30,7 +30,7 @@ public:
     DECLARE_REGISTRY_RESOURCEID(IDR_CONNECT)
     DECLARE_PROTECT_FINAL_CONSTRUCT()
 
-    /// IDispatch leads to the ribbon callbacks: Office looks their names up on the object.
+    /// IDispatch is IRibbonCallback's: Office looks the callbacks' names up on the object.
     BEGIN_COM_MAP(CConnect)
         COM_INTERFACE_ENTRY2(IDispatch, IRibbonCallback)
         COM_INTERFACE_ENTRY_IID(IID_IConnect, IConnect)
@@ -39,15 +39,15 @@ public:
         COM_INTERFACE_ENTRY(IRibbonCallback)
     END_COM_MAP()
 
-    /// Empty: Invoke takes the click before a sink map would be asked.
+    /// Empty: Invoke handles the click itself.
     BEGIN_SINK_MAP(CConnect)
     END_SINK_MAP()
 
-    /// The one way in for every dispatch interface above and for the click event.
+    /// Serves every dispatch interface above and the click event.
     ///
     /// Ribbon callbacks (42000 to 42009) go to IRibbonCallback's dispatcher. The click (1) shows the About
-    /// dialog. What is not a ribbon callback, the click included, then goes to _IDTExtensibility2's
-    /// dispatcher, whose result is returned.
+    /// dialog. Every other id, the click's too, and a callback that does not exist go to
+    /// _IDTExtensibility2's dispatcher, whose result is returned.
     STDMETHOD(Invoke)
     (DISPID dispIdMember, REFIID riid, LCID lcid, WORD wFlags, DISPPARAMS* pDispParams, VARIANT* pVarResult,
      EXCEPINFO* pExcepInfo, UINT* puArgErr) override;
@@ -62,7 +62,7 @@ public:
     STDMETHOD(OnBeginShutdown)(SAFEARRAY** custom) override;
 
     /// IRibbonExtensibility. E_POINTER without RibbonXml; an empty string for any Office but version 14, else
-    /// the Backstage markup in the user's language. The ribbon's id does not matter.
+    /// the Backstage markup in the user's language. The ribbon's id is ignored.
     STDMETHOD(GetCustomUI)(BSTR RibbonID, BSTR* RibbonXml) override;
 
     /// IRibbonCallback: the explicit update check, and the two pictures (see LoadPngPicture for the results).

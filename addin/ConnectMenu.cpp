@@ -48,7 +48,7 @@ VARIANT ByteTrue()
     return value;
 }
 
-// The new control at the end of the last top-level menu; null if there is no such menu or it refuses the
+// Adds a control at the end of the last top-level menu; null if there is no such menu or it refuses the
 // control. Temporary: Office discards it when the host closes, and nothing is written to the user's menu
 // customisation.
 CComPtr<IDispatch> AddControlToLastMenu(IDispatch* commandBars)

@@ -9,10 +9,10 @@
 namespace
 {
 
-// The only Office that gets the tab: earlier ones have no Backstage view, and of later ones nothing is known.
+// The only Office that gets the tab: earlier ones have no Backstage view, later ones get none on purpose.
 constexpr int kBackstageOffice = 14;
 
-// A BSTR of its own with the text's length; a zero character in the text does not end it.
+// A new BSTR of the whole text; a zero character does not end it.
 BSTR CopyToBstr(const std::wstring& text)
 {
     const BSTR copy = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));

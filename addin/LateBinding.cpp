@@ -26,7 +26,7 @@ HRESULT GetByName(IDispatch* object, LPCOLESTR name, CComVariant& result, std::s
         return hr;
     }
 
-    // IDispatch takes the last argument first.
+    // DISPPARAMS holds the arguments in reverse order.
     std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());
     DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
     // A collection's Item is a property with an argument in one Office version and a method in another.

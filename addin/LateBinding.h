@@ -24,6 +24,6 @@ CComPtr<IDispatch> GetObjectByName(IDispatch* object, LPCOLESTR name, REFIID iid
 /// Sets the property `name` of `object` to a bitwise copy of `value`; the caller keeps what `value` points
 /// to. Returns E_POINTER when `object` is null, else the failure of the look-up or the result of the call.
 ///
-/// The name is looked up in the user's default locale and set in the system's: Office takes member names in
-/// either, and values have to be read the way a program, not its user, writes them.
+/// The name is looked up in the user's default locale, the value set in the system's. The two differ on
+/// purpose.
 HRESULT PutDispatchProperty(IDispatch* object, LPOLESTR name, VARIANT value);

@@ -15,7 +15,7 @@ CWinApp g_application(L"OrvaOscAddin");
 namespace
 {
 
-// Compared over its terminator too, so that only the whole word counts.
+// Compared with its terminator, so that only the whole word matches.
 constexpr wchar_t kPerUserSwitch[] = L"user";
 
 bool IsPerUserSwitch(LPCWSTR commandLine)
@@ -61,7 +61,7 @@ STDAPI DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* ppv)
     });
 }
 
-// Registers ("user": for the current user) or unregisters; a registration that fails is taken back.
+// Registers ("user": for the current user) or unregisters; a registration that fails is rolled back.
 STDAPI DllInstall(BOOL bInstall, LPCWSTR pszCmdLine)
 {
     return RunGuarded<HRESULT>("DllInstall", E_FAIL, [&] {
@@ -79,7 +79,7 @@ STDAPI DllRegisterServer()
     });
 }
 
-// Takes out of the registry what DllRegisterServer put there.
+// Removes what DllRegisterServer added to the registry.
 STDAPI DllUnregisterServer()
 {
     return RunGuarded<HRESULT>("DllUnregisterServer", E_FAIL, [] {

@@ -7,8 +7,8 @@
 #include <afxwin.h>
 #include <atlbase.h>
 
-/// One instance for the process, made when the DLL is loaded. Its own registration script is the add-in entry
-/// that makes Outlook load the class.
+/// One instance for the process, created when the DLL is loaded. Its own registration script is Outlook's
+/// add-in entry.
 class COrvaOscAddinModule : public CAtlDllModuleT<COrvaOscAddinModule>
 {
 public:

@@ -17,7 +17,7 @@ HRESULT BytesToSafeArray(const void* bytes, std::uint32_t count, SAFEARRAY** out
     SAFEARRAYBOUND bound = {count, 0};
     *out = SafeArrayCreate(VT_UI1, 1, &bound);
 
-    // A missing array fails here.
+    // Fails for a null array too.
     void* data = nullptr;
     if (FAILED(SafeArrayAccessData(*out, &data)))
     {

@@ -9,7 +9,7 @@
 
 namespace
 {
-// The local time as "2011-01-20 14:03:07"; empty if the system cannot tell it.
+// The local time as "2011-01-20 14:03:07"; empty on failure.
 std::string FormatLocalTime()
 {
     char text[20] = {};
@@ -22,8 +22,8 @@ std::string FormatLocalTime()
     return text;
 }
 
-// Runs `write`. A line for which there is no memory is lost: no failure of the log reaches its caller.
-template <class TWrite> void WriteOrLose(TWrite write) noexcept
+// Runs `write` and drops the line if there is no memory for it: no failure of the log reaches the caller.
+template <class TWrite> void WriteOrDrop(TWrite write) noexcept
 {
     try
     {
@@ -31,7 +31,7 @@ template <class TWrite> void WriteOrLose(TWrite write) noexcept
     }
     catch (...)
     {
-        // There is nobody to tell.
+        // There is no other place to report to.
     }
 }
 } // namespace
@@ -48,33 +48,33 @@ void WriteDebugLog(CLogFile& log, std::string text) noexcept
     OutputDebugStringA(text.c_str());
     if (log.IsOpen())
     {
-        WriteOrLose([&] { log.Write("[" + FormatLocalTime() + "] " + text + "\n"); });
+        WriteOrDrop([&] { log.Write("[" + FormatLocalTime() + "] " + text + "\n"); });
     }
 }
 
 void WriteDebugLog(CLogFile& log, std::string function, std::string label, std::int32_t value) noexcept
 {
-    WriteOrLose([&] { WriteDebugLog(log, std::move(function), std::move(label), std::to_string(value)); });
+    WriteOrDrop([&] { WriteDebugLog(log, std::move(function), std::move(label), std::to_string(value)); });
 }
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): every form of the writer takes its texts by value
 void WriteDebugLog(CLogFile& log, std::string function, std::string label, std::string value) noexcept
 {
-    WriteOrLose([&] { WriteDebugLog(log, function + "() " + label + " " + value); });
+    WriteOrDrop([&] { WriteDebugLog(log, function + "() " + label + " " + value); });
 }
 
 void WriteDebugLog(CLogFile& log, std::string function, std::string label, std::wstring value) noexcept
 {
-    WriteOrLose(
+    WriteOrDrop(
         [&] { WriteDebugLog(log, std::move(function), std::move(label), WideToNarrow(std::move(value))); });
 }
 
 void LogEntry(const char* function) noexcept
 {
-    WriteOrLose([&] { WriteDebugLog(GetDebugLog(), function); });
+    WriteOrDrop([&] { WriteDebugLog(GetDebugLog(), function); });
 }
 
 void LogMessage(const char* function, std::string message) noexcept
 {
-    WriteOrLose([&] { WriteDebugLog(GetDebugLog(), function, std::move(message), ""); });
+    WriteOrDrop([&] { WriteDebugLog(GetDebugLog(), function, std::move(message), ""); });
 }

@@ -12,8 +12,8 @@
 /// unloaded.
 ///
 /// It is open only if the registry value "EnableDebugLog" under "SOFTWARE\ORVA Connector" was exactly
-/// 1 at the first call and the file could be opened; otherwise it stays closed until the process ends. Ask
-/// for it afresh for every line and keep no reference.
+/// 1 at the first call and the file could be opened; otherwise it stays closed until the process ends.
+/// Call this for every line and keep no reference.
 CLogFile& GetDebugLog() noexcept;
 
 /// Writes one entry: the bare text to the debugger output and, while the log is open, the text with a

@@ -1,10 +1,10 @@
-// Keeps a window disabled for as long as work on its behalf is going on.
+// Keeps a window disabled during a block.
 #pragma once
 
 #include <windows.h>
 
-/// Disables a window and enables it again when destroyed, so that no way out of a block (an exception, an
-/// early return) leaves the host's window dead. A null window is accepted and left alone.
+/// Disables a window and enables it again when destroyed, also after an exception or an early return. A null
+/// window is ignored.
 class CDisabledWindow
 {
 public:

@@ -84,6 +84,6 @@ void LogCaughtException(const char* function) noexcept
     }
     catch (...)
     {
-        // Not even the line's text could be made: nothing is left to be said.
+        // There is no memory even for the line.
     }
 }

@@ -1,4 +1,4 @@
-// Contains every C++ exception at an edge of the DLL: COM methods, window procedures, thread entries.
+// Catches every C++ exception at the boundary of the DLL: COM methods, window procedures, thread entries.
 #pragma once
 
 #include <utility>

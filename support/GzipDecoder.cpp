@@ -12,8 +12,7 @@ constexpr int kWindowBits = 47;
 int DecodeGzip(const char* body, std::uint32_t length, std::unique_ptr<char[]>& output,
                std::uint32_t& decodedLength)
 {
-    // Not cleared as a whole, which would take longer than decoding most bodies: only the byte behind the
-    // body counts.
+    // Not zero-filled: only the byte after the body has to be zero.
     output = std::make_unique_for_overwrite<char[]>(kMaximumDecodedLength + 1);
     output[0] = '\0';
     decodedLength = 0;

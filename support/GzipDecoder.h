@@ -8,7 +8,7 @@
 constexpr std::uint32_t kMaximumDecodedLength = 256000;
 
 /// Decodes `length` bytes of a zlib or gzip stream into a new buffer of kMaximumDecodedLength + 1 bytes, and
-/// puts a zero byte behind what was decoded.
+/// puts a zero byte after what was decoded.
 ///
 /// Returns 0 if the whole stream was decoded, else zlib's code. The buffer is set in every case. If the
 /// stream ends early or does not fit, the result is Z_DATA_ERROR, and what was decoded until then stays with

@@ -22,7 +22,7 @@ constexpr char kPerformTextRequest[] = "CHttpRequest::PerformTextRequest";
 constexpr std::uint32_t kMaximumBodyLength = 256000;
 constexpr UINT kLongestErrorText = 1024;
 
-// What the system is told of the buffers for a URL's host and path; they have one character more.
+// The capacity passed for a URL's host and path; the buffers have one character more.
 constexpr DWORD kUrlPartCapacity = 255;
 
 constexpr DWORD kRequestFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_EXISTING_CONNECT |
@@ -52,7 +52,7 @@ struct ExceptionDeleter
     void operator()(CException* exception) const { exception->Delete(); }
 };
 
-// An empty application name gives an empty user agent, which is what the server has always seen.
+// An empty application name gives an empty user agent, which the server expects.
 void ClearApplicationName()
 {
     AfxGetModuleState()->m_lpszCurrentAppName = L"";
@@ -68,8 +68,7 @@ std::wstring WidenAnsi(const std::string& text)
     return wide;
 }
 
-// Takes `url` apart, with its escape sequences turned into their characters. Nothing if it is no URL or its
-// host or path does not fit.
+// Splits `url` and decodes its escape sequences. Empty if it is no URL or if its host or path does not fit.
 std::optional<CrackedUrl> CrackUrl(const std::string& url)
 {
     wchar_t host[kUrlPartCapacity + 1] = {};
@@ -87,7 +86,7 @@ std::optional<CrackedUrl> CrackUrl(const std::string& url)
     return CrackedUrl{WideToNarrow(host), WideToNarrow(path), components.nScheme, components.nPort};
 }
 
-// The pairs in the order of their keys, as they are.
+// The pairs in the order of their keys, without percent-encoding.
 std::string EncodeParameters(const CHttpRequest::Parameters& params)
 {
     std::string text;
@@ -128,8 +127,8 @@ void SendByVerb(CHttpFile& file, int verb, const std::string& encodedParameters)
     switch (verb)
     {
     case CHttpConnection::HTTP_VERB_POST: {
-        // As many bytes as the text has characters, so the first half of its UTF-16 form: the service's form
-        // of a body, kept as it is.
+        // As many bytes as the text has characters, so only the first half of its UTF-16 form. Kept on
+        // purpose.
         std::wstring body = WidenAnsi(encodedParameters);
         file.SendRequest(kFormContentType.data(), static_cast<DWORD>(kFormContentType.size()), body.data(),
                          static_cast<DWORD>(body.size()));
@@ -144,7 +143,7 @@ void SendByVerb(CHttpFile& file, int verb, const std::string& encodedParameters)
     }
 }
 
-// Reads the body up to its bound; what is beyond it is cut off without notice.
+// Reads and decodes at most kMaximumBodyLength bytes of the body; the rest is not read.
 void ReadBody(CHttpFile& file, CHttpResponse& response)
 {
     const bool gzip = IsGzip(file);
@@ -176,7 +175,8 @@ void ReadBody(CHttpFile& file, CHttpResponse& response)
     response.m_length = length;
 }
 
-// The exchange itself. The request is closed before its connection, on every way out.
+// Sends the request and reads the response. The request is closed before its connection, also on an
+// exception.
 void Exchange(CInternetSession& session, const CrackedUrl& url, const std::string& encodedParameters,
               int verb, CHttpResponse& response)
 {
@@ -250,8 +250,8 @@ std::wstring DecodeUtf8(const CHttpResponse& response)
 // NOLINTNEXTLINE(performance-unnecessary-value-param): both forms of a request take their arguments by value
 std::unique_ptr<CHttpResponse> CHttpRequest::PerformRequest(std::string url, Parameters params, int verb)
 {
-    // A session that cannot be opened is the caller's concern. No time-outs or other options are set:
-    // WinINet's own hold, its bound on redirections among them.
+    // A session that cannot be opened throws to the caller. No time-outs or other options are set: WinINet's
+    // defaults apply, also to redirections.
     CInternetSession session(nullptr, kContext, PRE_CONFIG_INTERNET_ACCESS, nullptr, nullptr, 0);
 
     auto response = std::make_unique<CHttpResponse>();

@@ -21,7 +21,7 @@ public:
     /// The HTTP status code or kStatusFailed.
     std::uint32_t m_status = kStatusFailed;
 
-    /// The Content-Type header, each character cut to its low byte; empty unless the status was accepted.
+    /// The Content-Type header, the low byte of each character; empty unless the status was accepted.
     std::string m_contentType;
 
     /// The Date header as ParseHttpDate reads it.

@@ -30,7 +30,7 @@ CLogFile::CLogFile() noexcept
     }
     catch (...)
     {
-        // The log is never the reason for a failure: it stays closed.
+        // No failure of the log reaches its caller: the file stays closed.
     }
 }
 
@@ -44,7 +44,7 @@ CLogFile::~CLogFile()
 
 void CLogFile::Write(std::string_view text)
 {
-    // The runtime counts the bytes before it has turned line feeds into line ends.
+    // The result counts line feeds as one byte, although two are written.
     if (IsOpen() && !m_hasFailed)
     {
         m_hasFailed =

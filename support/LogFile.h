@@ -4,8 +4,7 @@
 #include <string_view>
 
 /// A text file to which lines are only ever added, each with one write to the system, so that it is complete
-/// up to the last line even if the host crashes. Not the C++ library's stream: its buffer and its locale
-/// would only be in the way.
+/// up to the last line even if the host crashes.
 class CLogFile
 {
 public:

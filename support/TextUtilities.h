@@ -1,4 +1,4 @@
-// Text conversions and replacements shared by all parts of the add-in.
+// Text conversions and replacements.
 #pragma once
 
 #include <afxwin.h>
@@ -15,7 +15,7 @@ std::string WideToNarrow(std::wstring text);
 std::wstring NarrowToWide(std::string text);
 
 /// Replaces every `what` in `text` by `with`, from left to right; inserted text is not searched again.
-/// An empty `what` changes nothing: it would match for ever.
+/// An empty `what` changes nothing: it would match without end.
 void ReplaceAll(std::wstring& text, const std::wstring& what, const std::wstring& with);
 void ReplaceAll(std::wstring& text, const std::wstring& what, const CString& with);
 

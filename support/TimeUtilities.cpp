@@ -16,7 +16,7 @@ namespace
 {
 using Parts = std::vector<std::string>;
 
-// Not vector::at: the text of its error is the library's, and this one ends up in the log.
+// Not vector::at, whose error has another text: this one appears in the log.
 const std::string& PartAt(const Parts& parts, std::size_t index)
 {
     if (index >= parts.size())
@@ -26,8 +26,8 @@ const std::string& PartAt(const Parts& parts, std::size_t index)
     return parts[index];
 }
 
-// The number that the part begins with, 0 if there is none. Headers come from outside: a number beyond the
-// range of int, which atoi leaves undefined, becomes the nearest one within.
+// Reads like atoi, but a number beyond the range of int, which atoi leaves undefined, becomes the nearest
+// int: headers come from outside.
 int ReadInteger(const std::string& text)
 {
     const long long value = std::strtoll(text.c_str(), nullptr, 10);
@@ -35,8 +35,7 @@ int ReadInteger(const std::string& text)
         std::clamp<long long>(value, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
-// Not by the string algorithms' own: that takes a locale, and all of the library's locales come along with
-// it.
+// Not boost::to_lower_copy, which would link all locales of the C++ library.
 std::string ToLower(std::string text)
 {
     using Ascii = boost::spirit::char_encoding::ascii;

@@ -14,6 +14,6 @@ int MonthFromName(const std::string& name);
 /// "invalid vector<T> subscript" for a text of fewer than seven parts.
 struct tm ParseHttpDate(std::string text);
 
-/// The seconds since 1970, cut to a signed 32-bit number, in decimal.
+/// The seconds since 1970, truncated to a signed 32-bit number, in decimal.
 std::string GetTimestampString();
 std::wstring GetTimestampStringW();
