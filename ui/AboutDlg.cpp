@@ -46,7 +46,7 @@ BOOL CAboutDlg::OnInitDialog()
     return TRUE;
 }
 
-// The font is made once per dialog and stays: the control draws with it until the very end.
+// The font is created once per dialog and not deleted.
 void CAboutDlg::MakeTitleBold()
 {
     const HWND title = ::GetDlgItem(m_hWnd, IDC_ABOUT_TITLE);
@@ -112,7 +112,7 @@ BOOL CAboutDlg::OnEraseBkgnd(CDC* pDC)
     return PaintWhiteBackground(*this, *pDC);
 }
 
-// Every control is white; the base class is not asked.
+// Every control is white; the base class is not called.
 HBRUSH CAboutDlg::OnCtlColor(CDC* pDC, CWnd*, UINT)
 {
     LogEntry("CAboutDlg::OnCtlColor");

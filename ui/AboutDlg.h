@@ -5,8 +5,8 @@
 
 #include <afxwin.h>
 
-/// Shows the product's texts, links and version, and offers an explicit update check. DoModal's result
-/// carries nothing.
+/// Shows the product's texts, links and version, and offers an explicit update check. DoModal's result has no
+/// meaning.
 class CAboutDlg : public CDialog
 {
 public:

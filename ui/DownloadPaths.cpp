@@ -16,7 +16,7 @@ constexpr wchar_t kNamePrefix[] = L"osc";
 constexpr int kRandomCharacters = 6;
 constexpr int kMaxFolderAttempts = 100;
 
-// A name like MakeTempName's, but one that nobody can predict.
+// A name like MakeTempName's, but an unpredictable one.
 CString MakeRandomName()
 {
     constexpr std::wstring_view kAlphabet = L"abcdefghijklmnopqrstuvwxyz0123456789";

@@ -16,7 +16,6 @@ CString MakeTempName();
 
 /// Creates a new folder under the temporary folder and returns its path, ending with a backslash.
 ///
-/// A name that stands there already, whoever made it, is never used: the next name is tried. Any other
-/// failure of CreateDirectoryW is not reported; creating the file in the folder then fails and says why.
-/// Empty only when no unused name was found in kMaxFolderAttempts attempts.
+/// A name that exists already is never used: the next name is tried. Any other failure of CreateDirectoryW is
+/// not reported; creating the file in the folder then fails. Empty only if too many names exist already.
 CString CreateTempDownloadDirectory();

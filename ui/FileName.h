@@ -1,4 +1,4 @@
-// Judges the file name that a download link brings, before it becomes part of a path.
+// Checks the file name of a download link before it becomes part of a path.
 #pragma once
 
 #include <string_view>
@@ -8,6 +8,5 @@
 /// The name comes from outside. Not ordinary: an empty name; one of only dots and blanks (Windows drops
 /// those, and what is left is the folder or its parent); one with a path separator, a colon (a drive or an
 /// alternate data stream) or a control character; one that Windows reserves for a device or the console.
-/// Characters that merely no file may have ('*', '?', ...) are left to CreateFileW, which refuses them with
-/// the same error.
+/// Other characters that no file name may have ('*', '?', ...) are left to CreateFileW.
 bool IsPlainFileName(std::wstring_view name);

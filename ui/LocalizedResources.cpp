@@ -39,8 +39,8 @@ CString FindString(const ResourceBytes& block, UINT index)
 {
     const auto* const units = static_cast<const wchar_t*>(block.data);
     const std::size_t end = block.size / sizeof(wchar_t);
-    // The walk has always compared its position, in units, with the size in bytes. The bytes behind the block
-    // are not ours to read, so every entry there counts as an empty one.
+    // The walk compares its position, in units, with the size in bytes; kept as it is. The bytes after the
+    // block are not ours and are not read: every entry there counts as empty.
     const auto lengthAt = [&](std::size_t position) {
         return position < end ? std::size_t{units[position]} : std::size_t{0};
     };
@@ -59,8 +59,7 @@ CString FindString(const ResourceBytes& block, UINT index)
 }
 } // namespace
 
-// In the body and not in an initializer list, which follows the order of the fields: the language is computed
-// from the version.
+// Not in an initializer list, which follows the order of the fields: the language depends on the version.
 CLocalizedResources::CLocalizedResources()
 {
     m_officeVersion = 0;

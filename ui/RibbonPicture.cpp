@@ -10,7 +10,7 @@
 #include <algorithm>
 #include <cstring>
 
-// The header uses min and max without saying where from.
+// gdiplus.h uses min and max without declaring them.
 namespace Gdiplus
 {
 using std::max;
@@ -86,7 +86,7 @@ HRESULT CLocalizedResources::LoadPngPicture(IDispatch* control, IPictureDisp** p
     {
         return E_POINTER;
     }
-    // Which control asks makes no difference; its id is read all the same, as the ribbon's callbacks do.
+    // The control's id is read but not used.
     CComBSTR controlId;
     if (const CComQIPtr<IRibbonControl> ribbonControl(control); ribbonControl)
     {

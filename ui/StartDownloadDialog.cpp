@@ -13,8 +13,8 @@ namespace
 
 constexpr char kFunction[] = "StartDownloadDialog";
 
-// Neither waits for the installer nor looks at the result: a user who refuses the elevation has seen why
-// nothing happens.
+// Neither waits for the installer nor checks the result: a user who refuses the elevation knows why nothing
+// happens.
 void StartInstaller(const CString& path)
 {
     SHELLEXECUTEINFOW info{};
@@ -37,7 +37,7 @@ void StartDownloadDialog(CString url, HWND owner)
     const CString fileName = GetFileNameFromUrl(url);
     if (fileName.IsEmpty())
     {
-        // Shown as loaded, its placeholder unfilled: a link without a file name has nothing worth showing.
+        // Shown as loaded, with its placeholder: there is no file name to show.
         resources.ShowMessage(owner, resources.LoadString(IDS_URL_NOT_PARSED));
         return;
     }

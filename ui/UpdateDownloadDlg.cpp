@@ -14,8 +14,8 @@ constexpr short kProgressMaximum = 100;
 // How long the final state stays visible before the dialog closes.
 constexpr DWORD kFinalStateMilliseconds = 1000;
 
-// The part of a URL's object after its last "/", or else after its last "\"; the whole object when that
-// leaves nothing to split.
+// The part of a URL's object after its last "/" or, if it has none, after its last "\"; the whole object if
+// it has neither or at most one character.
 CString FileNameOfObject(const CString& object)
 {
     int separator = object.ReverseFind(L'/');
@@ -90,8 +90,8 @@ bool CUpdateDownloadDlg::OpenTargetFile()
     }
     else
     {
-        // The link's name does not lead to a file in the fresh folder. It is refused with the error that
-        // Windows gives for a name that no file can have.
+        // The name would not give a file in the new folder. The error is the one of Windows for an invalid
+        // file name.
         SetLastError(ERROR_INVALID_NAME);
     }
     const int error = static_cast<int>(GetLastError());
@@ -118,14 +118,14 @@ bool CUpdateDownloadDlg::StartWorker()
     {
         return false;
     }
-    // The dialog waits for the thread and deletes it: the object must still be there when it has ended.
+    // The dialog waits for the thread and deletes its object.
     m_thread->m_bAutoDelete = FALSE;
     m_thread->ResumeThread();
     return true;
 }
 
-// Enter reaches a dialog without a default button as IDOK, which would end it as if the file were complete
-// and start a half-written installer. The download alone decides about IDOK.
+// Without a default button Enter sends IDOK, which would end the dialog as if the file were complete and
+// start a half-written installer.
 void CUpdateDownloadDlg::OnOK() {}
 
 void CUpdateDownloadDlg::OnCancel()
@@ -178,7 +178,7 @@ void CUpdateDownloadDlg::OnDestroy()
         if (!m_finished)
         {
             // The window is destroyed during the download, for instance because its owner was. Without this
-            // the wait could last as long as the server is silent.
+            // the wait could last as long as the server does not answer.
             CloseInternetHandles();
             m_cancelled = TRUE;
         }
@@ -188,9 +188,8 @@ void CUpdateDownloadDlg::OnDestroy()
     CDialog::OnDestroy();
 }
 
-// Waits for the worker without time limit. A plain WaitForSingleObject would deadlock with a worker that is
-// setting a control's text at this moment, because that is a message sent to this thread: such messages are
-// let in meanwhile.
+// Waits for the worker without time limit and handles sent messages meanwhile. WaitForSingleObject alone
+// would deadlock with a worker that is setting a control's text, because that sends a message to this thread.
 void CUpdateDownloadDlg::JoinWorker()
 {
     HANDLE thread = m_thread->m_hThread;

@@ -23,7 +23,7 @@ constexpr WPARAM kDownloadFailed = 1;
 /// Two threads take part. The UI thread runs the dialog and its message handlers. The worker (Download, and
 /// the operations below it) makes the request, writes the file and sets control texts directly; a control's
 /// text is set by a message sent to the UI thread, so that thread must go on taking sent messages as long as
-/// the worker lives. The worker's last act is to post WM_DOWNLOAD_FINISHED. To stop it, the UI thread sets
+/// the worker runs. At its end the worker posts WM_DOWNLOAD_FINISHED. To stop it, the UI thread sets
 /// m_cancelled and closes the WinINet handles, which makes a pending read fail. OnDestroy joins the worker,
 /// so it never outlives the dialog. m_errorText is written by the worker before it posts, and read by the UI
 /// thread only after that. There are no locks.

@@ -15,8 +15,7 @@ constexpr int kHttpOk = 200;
 // Rate and remaining time are drawn at most once in this many milliseconds.
 constexpr DWORD kRateInterval = 1000;
 
-// The size texts count in 1024 bytes; the rate's "kb" is 1000 bytes, because it is bytes per millisecond as
-// they are.
+// The size texts count in 1024 bytes. The rate is shown in bytes per millisecond, so its "kb" is 1000 bytes.
 constexpr int kKbShift = 10;
 
 constexpr DWORD kRequestFlags =
@@ -25,7 +24,7 @@ constexpr wchar_t kAcceptEncoding[] = L"Accept-Encoding: identity, *;q=0\r\n";
 constexpr wchar_t kUserAgent[] = L"User-Agent: ORVA OSC Outlook Add-In\r\n";
 constexpr DWORD kTerminated = static_cast<DWORD>(-1);
 
-// Truncates towards zero. A number that no int can hold, as an odd length from the server may lead to,
+// Truncates towards zero. A number beyond the range of int, as a wrong length from the server may give,
 // becomes the nearest int: its conversion would be undefined.
 int TruncateToInt(double value)
 {
@@ -38,7 +37,7 @@ int TruncateToInt(double value)
     return value < kMaximum ? static_cast<int>(value) : std::numeric_limits<int>::max();
 }
 
-// One header as text. False when the response has none, or one that is longer than a number can be.
+// One header as text. False when the response has none or it does not fit.
 bool QueryText(HINTERNET request, DWORD level, std::array<wchar_t, kInfoCharacters>& text)
 {
     text.fill(L'\0');
@@ -67,8 +66,7 @@ template <typename Operation> bool RunFileOperation(Operation operation, int& os
     }
 }
 
-// Whether `operation` ended without an exception. The debug log belongs to the UI thread, so nothing is
-// written there.
+// Whether `operation` ended without an exception. Nothing is logged: only the UI thread writes to the log.
 template <typename Operation> bool EndsWithoutException(Operation operation) noexcept
 {
     try
@@ -92,7 +90,7 @@ template <typename Operation> bool EndsWithoutException(Operation operation) noe
 UINT CUpdateDownloadDlg::WorkerThread(LPVOID dialog)
 {
     auto* const self = static_cast<CUpdateDownloadDlg*>(dialog);
-    // The dialog ends only by the worker's message, so it is posted even if saying why fails too.
+    // Only this message ends the dialog, so it is posted even if FailWithError fails too.
     if (!EndsWithoutException([self] { self->Download(); }) &&
         !EndsWithoutException([self] { self->FailWithError(ConnectError()); }))
     {
@@ -149,7 +147,7 @@ bool CUpdateDownloadDlg::OpenRequest()
     return !EndIfCancelled();
 }
 
-// Sends the request and looks at the status; any other than 200 is a failure.
+// Sends the request and checks the status; any other than 200 is a failure.
 bool CUpdateDownloadDlg::SendRequest()
 {
     HttpAddRequestHeadersW(m_hRequest, kAcceptEncoding, kTerminated, HTTP_ADDREQ_FLAG_ADD);
@@ -177,7 +175,7 @@ bool CUpdateDownloadDlg::SendRequest()
     return true;
 }
 
-// False when the server sends no length, or one that is not a number.
+// False when the server sends no length, 0, or one that is not a number.
 bool CUpdateDownloadDlg::QueryLength(DWORD& total) const
 {
     std::array<wchar_t, kInfoCharacters> text;
@@ -189,7 +187,7 @@ bool CUpdateDownloadDlg::QueryLength(DWORD& total) const
     return total != 0;
 }
 
-// Reads until the end of the data or until m_cancelled is set. False when it has failed and said so.
+// Reads until the end of the data or until m_cancelled is set. False when it has failed and reported it.
 bool CUpdateDownloadDlg::ReceiveBody(bool lengthKnown, DWORD total)
 {
     const DWORD start = GetTickCount();
@@ -246,8 +244,8 @@ void CUpdateDownloadDlg::FinishFile()
     PostFinished(kDownloadSucceeded);
 }
 
-// Cancelled before the first byte: the end is reported as a success and the empty file stays. The dialog sees
-// m_cancelled and ends with IDCANCEL all the same.
+// After a cancel before the first byte, success is posted and the empty file stays. The dialog still ends
+// with IDCANCEL, because m_cancelled is set.
 bool CUpdateDownloadDlg::EndIfCancelled()
 {
     if (!m_cancelled)
@@ -320,7 +318,7 @@ void CUpdateDownloadDlg::SetRate(double rate)
     m_rateText.SetWindowText(text);
 }
 
-// `code`, an HTTP status or a system error, is for the reader in a debugger; nothing shows it.
+// `code`, an HTTP status or a system error, is not used.
 void CUpdateDownloadDlg::FailWithError(const CString& message, int /*code*/)
 {
     m_errorText = message;

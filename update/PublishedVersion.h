@@ -12,7 +12,7 @@ struct PublishedVersion
 };
 
 /// Reads "majorVersion", "minorVersion" and "buildNumber" of the update's entry, all three and in this order,
-/// and logs them. A member that is missing or not an integer raises json_spirit's type error.
+/// and logs them. Throws json_spirit's type error for a member that is missing or not an integer.
 PublishedVersion ReadPublishedVersion(const json_spirit::wmObject& entry);
 
 /// Whether `published` is greater than the add-in's own version in lexicographic order of (major, minor,

@@ -46,14 +46,14 @@ std::wstring FetchUpdateInfo()
     LogMessage(kFunction, kUpdateInfoUrl);
     std::wstring text = CHttpRequest::PerformTextRequest(kUpdateInfoUrl, std::map<std::string, std::string>(),
                                                          CHttpConnection::HTTP_VERB_GET);
-    // Written whatever the outcome was; the log's readers know the line as the end of the request.
+    // Written whatever the result was; readers of the log take the line as the end of the request.
     LogMessage(kFunction, "TextRequest succeeded");
     LogMessage(kFunction, WideToNarrow(text));
     return text;
 }
 
-// A broken file is reported in silent mode too, unlike an unreachable one: it is the publisher's mistake and
-// has to be noticed. What was read before the error stays in the value, and the check goes on with it.
+// A broken file is reported in silent mode too, unlike an unreachable one. The check goes on with what was
+// read before the error.
 json_spirit::wmValue ParseUpdateInfo(const std::wstring& text, HWND owner)
 {
     json_spirit::wmValue value;

@@ -15,7 +15,7 @@
 /// an error. Returns false when the published build is not newer than the installed one. Keeps no state: a
 /// declined build is offered again next time.
 ///
-/// Raises: std::runtime_error of json_spirit when a member has another type than expected ("value type is F
+/// Throws std::runtime_error of json_spirit when a member has another type than expected ("value type is F
 /// not E"), std::out_of_range when the server sends no usable Date header, and CInternetException* when no
 /// Internet session can be opened.
 bool CheckForUpdate(HWND owner, bool silent);

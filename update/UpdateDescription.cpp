@@ -11,8 +11,8 @@ namespace
 
 constexpr wchar_t kDefaultKey[] = L"default";
 
-// These three ids only: another German, Spanish or Turkish variant reads the default text, although the
-// dialogs around it are in its language. Publishers rely on the key list being this short.
+// These three ids only, on purpose: another German, Spanish or Turkish variant gets the default text,
+// although the dialogs are in its language.
 std::wstring DescriptionKey(WORD language)
 {
     constexpr WORD kGermanGermany = 1031;

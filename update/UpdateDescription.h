@@ -8,6 +8,6 @@
 /// else its "default" text, else the empty string. A language's empty text is returned as it is, without
 /// falling back.
 ///
-/// Raises json_spirit's type error (std::runtime_error) when "description" is not an object or the chosen
+/// Throws json_spirit's type error (std::runtime_error) when "description" is not an object or the chosen
 /// member is not a string.
 CString DetermineUpdateDescription(const json_spirit::wmObject& entry);
