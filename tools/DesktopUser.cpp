@@ -1,14 +1,25 @@
-// Eyes and hands of a user at the Windows desktop: finds, reads and works other programs' windows, on
-// commands that a script writes to its standard input.
+// Plays a user at the Windows desktop: finds, reads and operates other programs' windows, on commands from
+// its standard input.
 //
-// One command a line, answered by lines whose fields are separated by tabs, the last of them a full stop:
-//   next MS          the next visible top-level window that was not named before, waited for MS milliseconds:
-//                    "window", handle, process id, program, class, caption; nothing if none came
-//   read WINDOW      "caption" and its text, then for each control "control", id, class, "enabled" or
-//                    "disabled", "shown" or "hidden", text
-//   press WINDOW ID  clicks the button with this control id, "button" for the first one shown: "done" or
-//   "failed" close WINDOW     asks the window to close, as its close box does: "done" state WINDOW "enabled",
-//   "disabled" or "gone" x WINDOW         "x" and the id of the X11 window that shows it, 0 if unknown
+// One command a line. The answer is lines with fields separated by tabs; its last line is a full stop.
+//
+// next MS: waits up to MS milliseconds for a visible top-level window that was not reported before. "window",
+// handle, process id, program, class, caption; nothing if there was none.
+//
+// read WINDOW: "caption" and its text, then for each control "control", id, class, "enabled" or "disabled",
+// "shown" or "hidden", text.
+//
+// press WINDOW ID: clicks the button with this control id, "button" for the first one shown. "done",
+// "failed".
+//
+// await WINDOW ID MS TEXT: waits up to MS milliseconds until the control has this text. "done", "failed".
+//
+// close WINDOW: asks the window to close, as its close box does. "done", "failed".
+//
+// state WINDOW: "enabled", "disabled" or "gone".
+//
+// x WINDOW: "x" and the id of the X11 window that shows it, 0 if unknown.
+//
 // Texts are UTF-8; backslash, tab and line ends in them are written \\ \t \r \n.
 
 #include <windows.h>
@@ -78,7 +89,7 @@ std::wstring ClassOf(HWND window)
     return {name, static_cast<size_t>(length)};
 }
 
-// GetWindowText does not reach into another process's controls; WM_GETTEXT does.
+// GetWindowText does not read another process's controls; WM_GETTEXT does.
 std::wstring TextOf(HWND window)
 {
     DWORD_PTR length = 0;
@@ -119,7 +130,7 @@ BOOL CALLBACK Collect(HWND window, LPARAM list)
     return TRUE;
 }
 
-// From the bottom of the Z order, so that of two new windows the one that came first is named first.
+// From the bottom of the Z order, so that of two new windows the older one is reported first.
 std::vector<HWND> TopLevelWindows()
 {
     std::vector<HWND> windows;
@@ -135,8 +146,8 @@ std::vector<HWND> ControlsOf(HWND window)
     return controls;
 }
 
-// Whether a person would call it a window: on the screen, of some size, and not the desktop's own furniture.
-bool IsForPeople(HWND window)
+// Whether a user would call it a window: visible, not tiny, and neither ours nor the desktop's own.
+bool IsUserWindow(HWND window)
 {
     RECT area = {};
     if (!IsWindowVisible(window) || !GetWindowRect(window, &area) || area.right - area.left < 20 ||
@@ -152,16 +163,16 @@ bool IsForPeople(HWND window)
 class CDesktopUser
 {
 public:
-    // Obeys one command; what comes before the closing full stop.
-    void Obey(std::istringstream& command)
+    // Executes one command and writes its answer up to the full stop.
+    void Execute(std::istringstream& command)
     {
         std::string verb;
         command >> verb;
         if (verb == "next")
         {
-            DWORD patience = 0;
-            command >> patience;
-            Next(patience);
+            DWORD timeout = 0;
+            command >> timeout;
+            Next(timeout);
             return;
         }
         UINT_PTR number = 0;
@@ -180,11 +191,11 @@ public:
         else if (verb == "await")
         {
             int id = 0;
-            DWORD patience = 0;
+            DWORD timeout = 0;
             std::string text;
-            command >> id >> patience >> std::ws;
+            command >> id >> timeout >> std::ws;
             std::getline(command, text);
-            std::cout << (Await(window, id, text, patience) ? "done\n" : "failed\n");
+            std::cout << (Await(window, id, text, timeout) ? "done\n" : "failed\n");
         }
         else if (verb == "close")
         {
@@ -197,7 +208,7 @@ public:
         }
         else if (verb == "x")
         {
-            // Wine's X11 driver keeps it there.
+            // Wine's X11 driver sets this property.
             const auto id = reinterpret_cast<UINT_PTR>(GetPropW(window, L"__wine_x11_whole_window"));
             std::cout << "x\t" << id << '\n';
         }
@@ -208,14 +219,14 @@ public:
     }
 
 private:
-    void Next(DWORD patience)
+    void Next(DWORD timeout)
     {
-        const ULONGLONG deadline = GetTickCount64() + patience;
+        const ULONGLONG deadline = GetTickCount64() + timeout;
         for (;;)
         {
             for (const HWND window : TopLevelWindows())
             {
-                if (IsForPeople(window) && m_named.insert(window).second)
+                if (IsUserWindow(window) && m_reported.insert(window).second)
                 {
                     DWORD process = 0;
                     GetWindowThreadProcessId(window, &process);
@@ -225,8 +236,9 @@ private:
                     return;
                 }
             }
-            // A handle may be used again for another window.
-            std::erase_if(m_named, [](HWND window) { return !IsWindow(window) || !IsWindowVisible(window); });
+            // Windows may reuse a handle for another window.
+            std::erase_if(m_reported,
+                          [](HWND window) { return !IsWindow(window) || !IsWindowVisible(window); });
             if (GetTickCount64() >= deadline)
             {
                 return;
@@ -255,16 +267,16 @@ private:
                 id == "button" ? ClassOf(control) == L"Button" : std::to_string(GetDlgCtrlID(control)) == id;
             if (meant && IsWindowVisible(control))
             {
-                // Posted: the click may open a modal window, and this program has to go on meanwhile.
+                // Posted, because the click may open a modal window and this program must not wait for it.
                 return IsWindowEnabled(control) && PostMessageW(control, BM_CLICK, 0, 0);
             }
         }
         return false;
     }
 
-    static bool Await(HWND window, int id, const std::string& text, DWORD patience)
+    static bool Await(HWND window, int id, const std::string& text, DWORD timeout)
     {
-        const ULONGLONG deadline = GetTickCount64() + patience;
+        const ULONGLONG deadline = GetTickCount64() + timeout;
         while (IsWindow(window) && GetTickCount64() < deadline)
         {
             const HWND control = GetDlgItem(window, id);
@@ -277,7 +289,7 @@ private:
         return false;
     }
 
-    std::set<HWND> m_named;
+    std::set<HWND> m_reported;
 };
 
 } // namespace
@@ -288,7 +300,7 @@ int wmain()
     for (std::string line; std::getline(std::cin, line);)
     {
         std::istringstream command(line);
-        user.Obey(command);
+        user.Execute(command);
         std::cout << ".\n" << std::flush;
     }
     return 0;

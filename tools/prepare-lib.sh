@@ -14,7 +14,7 @@ fail() {
     exit 2
 }
 
-# retry COMMAND...: a mirror that does not answer at once may answer later.
+# retry COMMAND...: up to three times, because a mirror may not answer at once.
 retry() {
     local attempt
     for attempt in 1 2 3; do

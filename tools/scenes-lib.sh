@@ -2,7 +2,7 @@
 # and the end; to be sourced by bash. Uses the other libraries and the options that ./run has read.
 # shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the other libraries
 
-# is_newer VERSION: whether the installed add-in takes it for newer than itself.
+# is_newer VERSION: whether the add-in counts it as newer than itself.
 is_newer() {
     [ "$1" != "$installed" ] && [ "$(printf '%s\n' "$1" "$installed" | sort -V | tail -n 1)" = "$1" ]
 }
@@ -49,7 +49,7 @@ prepare_prefix() {
     users_folder -name logfile_OrvaAddIn.txt -delete
 }
 
-# What the logs say.
+# Interpreting the logs.
 
 request_seen() {
     local line=$1 status size encoding target
@@ -92,7 +92,7 @@ trace_seen() {
     esac
 }
 
-# watch SECONDS CONDITION...: looks at what happens until the condition holds; fails when the time is over or Outlook
+# watch SECONDS CONDITION...: handles logs and windows until the condition holds; fails when the time is over or Outlook
 # has ended.
 watch() {
     local deadline=$((SECONDS + $1))

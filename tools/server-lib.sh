@@ -9,7 +9,7 @@
 # shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the other libraries
 
 update_info_path=/downloads/outlook/UpdateInfo.txt
-# Large enough for the progress to be seen.
+# Large enough to see the progress.
 installer_size=$((4 * 1024 * 1024))
 
 web_host() {
@@ -19,7 +19,7 @@ web_host() {
 # is_open PORT: whether somebody listens there.
 is_open() { (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null; }
 
-# installer_rate ANSWER: bytes a second. Who means to cancel gets the time for it.
+# installer_rate ANSWER: bytes a second; slow enough to cancel if that is the answer.
 installer_rate() {
     case $1 in
     cancel) echo 200k ;;
@@ -66,7 +66,7 @@ http {
 END
 }
 
-# Whether it is our server that answers there, and not another program's.
+# Whether our server answers there, and not another program.
 answers_for() {
     local dir=$1 port=$2 line
     (
@@ -142,7 +142,7 @@ publish() {
 END
 }
 
-# A copy of the demonstration installer; what is behind the end of a program's image does not matter to it.
+# A copy of the demonstration installer, padded to the size; bytes after the image do not matter.
 add_installer() {
     cp "$build_dir/DemoInstaller.exe" "$1"
     truncate -s ">$installer_size" "$1"

@@ -37,8 +37,8 @@ stop_fuzzing() {
 
 run_thoroughly() {
     local failed=0
-    # The fuzzers take five minutes each, and whatever the other tests leave of the processors. Job control gives them a
-    # process group, with which stop_fuzzing reaches them all.
+    # The fuzzers take five minutes each and run at low priority. Job control gives them a process group, which
+    # stop_fuzzing ends.
     set -m
     {
         renice -n 19 -p "$BASHPID" >/dev/null
@@ -50,7 +50,7 @@ run_thoroughly() {
     run_suite "checked" "$checked_dir" -j "$ORVA_WINE_SLOTS" || failed=1
     wait "$fuzzing" || failed=1
     fuzzing=
-    # Preparing and building counted as well: SECONDS runs since ./test was called.
+    # SECONDS also counts preparing and building, since ./test was called.
     echo
     if [ "$failed" -ne 0 ]; then
         echo "The thorough run FAILED after $((SECONDS / 60)) minutes; docs/reliability.md stays as it was."

@@ -1,10 +1,11 @@
-# The story of a demonstration, line by line as it happens, and what of it was asked for; to be sourced by bash.
+# Prints a demonstration line by line as it happens, and checks that what was asked for was seen; to be sourced by bash.
 #
 # begin_story TRACE REQUESTS   starts the clock; TRACE and REQUESTS are the logs that catch_up reads.
-# tell WHO TEXT       prints a line of the story with its time.
-# catch_up            tells what has been added to the two logs since the last call.
-# asked FACT TEXT     notes what must be seen to happen; seen FACT [TEXT] that it was, told if TEXT is given.
-# end_story           says what was asked for and not seen; fails if there is such.
+# tell WHO TEXT       prints a line with its time.
+# catch_up            handles the lines added to the two logs since the last call.
+# asked FACT TEXT     notes what must be seen to happen.
+# seen FACT [TEXT]    notes that it was seen, and prints TEXT if it is given.
+# end_story           prints what was asked for and not seen, and fails if there is any.
 # shellcheck shell=bash
 
 declare -A asked_facts=() seen_facts=()
@@ -33,7 +34,7 @@ seen() {
     [ $# -lt 2 ] || tell seen "$2"
 }
 
-# new_lines FILE COUNT: the complete lines behind the first COUNT.
+# new_lines FILE COUNT: the complete lines after the first COUNT.
 new_lines() {
     [ -e "$1" ] || return 0
     local complete
@@ -51,7 +52,7 @@ catch_up() {
     mapfile -t lines < <(new_lines "$story_trace" "$trace_lines")
     trace_lines=$((trace_lines + ${#lines[@]}))
     for line in "${lines[@]}"; do
-        # Without the trace's own clock, which starts a little later than ours.
+        # Without the trace's own times, whose clock starts a little later than ours.
         line=${line#"${line%%[![:space:]]*}"}
         line=${line%$'\r'}
         trace_seen "${line#* }"

@@ -1,7 +1,6 @@
-# What the demonstration's user does: sees windows, reads them, presses buttons, and keeps a picture of each; to be
-# sourced by bash.
+# The demonstration's user: finds and reads windows, presses buttons and takes pictures; to be sourced by bash.
 #
-# start_user          starts DesktopUser.exe, which knows the Windows side of windows, as a co-process.
+# start_user          starts DesktopUser.exe as a co-process.
 # next_window MS      waits for the next new window: sets $window, $window_program, $window_class and reads it;
 #                     fails if there was none.
 # read_window         sets $window_caption, and $control_text, $control_state and $control_class by control id.
@@ -15,7 +14,7 @@ picture_count=0
 
 start_user() {
     coproc user { exec wine "$build_dir/DesktopUser.exe" 9>&- 2>/dev/null; }
-    # Kept under names of our own: bash forgets the co-process's as soon as it has ended.
+    # Copied, because bash unsets the co-process's variables when it ends.
     # shellcheck disable=SC2154 # set by coproc
     user_in=${user[1]} user_out=${user[0]}
 }
@@ -45,7 +44,7 @@ next_window() {
     window=${fields[1]}
     window_program=${fields[3]}
     window_class=${fields[4]}
-    # A dialog is on the screen a little before its texts are.
+    # A dialog appears a little before its texts.
     sleep 0.3
     read_window
 }
@@ -98,7 +97,7 @@ x_window() {
 picture() {
     local id
     id=$(x_window)
-    # What it looks like, once it has come to the top and been drawn.
+    # Raised first, and given time to be drawn.
     xdotool windowraise "$id" 2>/dev/null || true
     sleep 0.3
     picture_of "$id" "$1"
@@ -107,7 +106,7 @@ picture() {
 # picture_of ID NAME: of an X11 window as it is now.
 picture_of() {
     local id=$1 file
-    # Without a window to look at, import would wait for somebody to click on one.
+    # Without a window, import would wait for a click on one.
     [ "$id" != 0 ] || return 0
     picture_count=$((picture_count + 1))
     printf -v file '%s/%02d-%s.png' "$pictures" "$picture_count" "$2"
@@ -119,14 +118,14 @@ keys() {
     xdotool key --clearmodifiers --delay 120 "$@"
 }
 
-# show_to_keyboard: gives $window the keyboard.
+# show_to_keyboard: gives $window the keyboard focus.
 show_to_keyboard() {
     local id
     id=$(x_window)
     timeout 10 xdotool windowactivate --sync "$id" 2>/dev/null || timeout 10 xdotool windowfocus --sync "$id"
 }
 
-# picture_of_screen NAME: of all that is on the screen; menus are windows of their own.
+# picture_of_screen NAME: of the whole screen, menus included.
 picture_of_screen() {
     local file
     picture_count=$((picture_count + 1))

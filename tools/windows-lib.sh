@@ -4,7 +4,7 @@
 # The "File" tab of the stand-in Outlook's window.
 file_button=600
 
-# kind_of_window: what the user calls $window, by its program and its controls.
+# kind_of_window: the kind of $window, by its program and its controls.
 kind_of_window() {
     if [[ $window_program == OrvaSetup* ]]; then
         echo installer
@@ -26,14 +26,14 @@ kind_of_window() {
 has() { [ -n "${control_class[$(id_of "$1")]:-}" ]; }
 text_at() { echo "${control_text[$(id_of "$1")]:-}"; }
 
-# one_line TEXT: for the story.
+# one_line TEXT: the text without line ends.
 one_line() {
     local text=${1//$'\r'/}
     text=${text//$'\n'/ }
     echo "${text//  / }"
 }
 
-# meet_window: the user looks at a new window and does with it what the scene asks for.
+# meet_window: handles a new window as the scene asks for.
 meet_window() {
     local kind
     kind=$(kind_of_window)
@@ -77,7 +77,7 @@ meet_offer() {
     fi
     tell user "presses \"$(text_at $button)\""
     press "$(id_of $button)"
-    # The download dialog may be there already; only this one matters.
+    # The download dialog may be open already; only this one matters.
     if wait_gone 20 && [ "$button" = IDC_UPDATE_LATER ]; then
         seen "$phase-later"
     fi
@@ -89,7 +89,7 @@ with() { echo "${1/\%s/$2}"; }
 meet_download() {
     local deadline=$((SECONDS + 60)) percent=0
     tell user "sees the download: $(text_at IDC_DOWNLOAD_SOURCE)"
-    # Long enough to see everything the dialog has to say.
+    # Until the dialog has shown all its texts.
     until [ -n "$(text_at IDC_DOWNLOAD_TIME)" ] && [ "$percent" -ge 10 ]; do
         if ((SECONDS >= deadline)) || [ "$(window_state)" = gone ]; then
             break
@@ -112,7 +112,7 @@ meet_download() {
     fi
 }
 
-# The dialog stays for one second after Cancel, so nothing may take long here.
+# The dialog stays open for one second after Cancel, so this must be quick.
 cancel_download() {
     local text status id
     text=$(text_of IDS_DOWNLOAD_CANCELED)

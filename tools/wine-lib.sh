@@ -5,8 +5,8 @@
 # make_slots    does so with every slot.
 # stop_slots    ends the displays and Wine servers of every slot, by the ids noted when they were started.
 #
-# Descriptor 9 holds the lock. Whatever outlives this shell is started without it (9>&-), or the slot would stay
-# taken for good.
+# Descriptor 9 holds the lock. Processes that outlive this shell are started without it (9>&-), or the slot would stay
+# locked.
 # shellcheck shell=bash
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -30,8 +30,8 @@ take_slot() {
     flock 9
 }
 
-# is_running FILE: whether the process whose id FILE holds still runs. After a reboot the id may belong to
-# somebody else's process, which then is younger than the file.
+# is_running FILE: whether the process whose id FILE holds still runs. After a reboot the id may belong to another
+# process, which then is younger than the file.
 is_running() {
     local file=$1 pid boot_time stat ticks
     [ -s "$file" ] && pid=$(<"$file") && kill -0 "$pid" 2>/dev/null || return 1
@@ -111,8 +111,8 @@ make_prefix() {
         wineserver -w
         rm -rf "$dir/prefix" "$dir/prefix.ready"
     fi
-    # Wine itself does not look where Debian puts its fonts. Without them dialogs have other sizes than on Windows,
-    # and what stands in for the System font may break lines elsewhere, which SysLink controls do not survive.
+    # Wine does not find the fonts where Debian puts them. Without them dialogs have other sizes than on Windows, and
+    # the System font's replacement may break lines elsewhere, which crashes SysLink controls.
     mkdir -p "$dir/prefix/drive_c/windows/Fonts"
     ln -s /usr/share/wine/fonts/*.{ttf,fon} "$dir/prefix/drive_c/windows/Fonts/"
     wineboot --init 9>&- >"$dir/wineboot.log" 2>&1 || { cat "$dir/wineboot.log" >&2; return 1; }
@@ -127,8 +127,8 @@ start_slot() {
     export WINEPREFIX=$dir/prefix WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
     # In another encoding than UTF-8, file names with characters beyond it could not exist.
     export LC_ALL=C.UTF-8
-    # Neither .NET nor the HTML engine is used; without them a prefix is made in seconds and asks nothing.
-    # The menu builder would write menus into the user's own home folder.
+    # Neither .NET nor the HTML engine is used; without them a prefix is made in seconds and without questions.
+    # The menu builder would write menus into the user's home folder.
     export WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
     if [ -n "${ORVA_WINE_DISPLAY:-}" ]; then
         export DISPLAY=$ORVA_WINE_DISPLAY
@@ -137,9 +137,8 @@ start_slot() {
     fi
     # Made anew when the settings have changed since.
     [ "$(cat "$dir/prefix.ready" 2>/dev/null)" = "$(prefix_settings)" ] || make_prefix "$dir"
-    # Keeps Wine's server alive between two programs, which saves a second at each start. A new server's services
-    # are started right away and not by the first program: they would hold its output open, and who reads that to its
-    # end would wait for them.
+    # Keeps Wine's server alive between two programs, which saves a second at each start. Its services are started here
+    # and not by the first program: they would hold its output open, and its reader would wait for them.
     if wineserver -p 9>&- >/dev/null 2>&1; then
         wineboot 9>&- </dev/null >/dev/null 2>&1 || true
     fi
