@@ -9,7 +9,7 @@
 
 COrvaOscAddinModule _AtlModule;
 
-// The class library's object of this module. Dialogs find their owner and requests their agent through it.
+// The module's MFC application object: dialogs get their owner from it, requests their agent.
 CWinApp g_application(L"OrvaOscAddin");
 
 namespace
