@@ -30,7 +30,7 @@ public:
     DECLARE_REGISTRY_RESOURCEID(IDR_CONNECT)
     DECLARE_PROTECT_FINAL_CONSTRUCT()
 
-    /// IDispatch is IRibbonCallback's: Office looks the callbacks' names up on the object.
+    // IDispatch is IRibbonCallback's: Office looks the callbacks' names up on the object.
     BEGIN_COM_MAP(CConnect)
         COM_INTERFACE_ENTRY2(IDispatch, IRibbonCallback)
         COM_INTERFACE_ENTRY_IID(IID_IConnect, IConnect)
@@ -39,7 +39,7 @@ public:
         COM_INTERFACE_ENTRY(IRibbonCallback)
     END_COM_MAP()
 
-    /// Empty: Invoke handles the click itself.
+    // Empty: Invoke handles the click itself.
     BEGIN_SINK_MAP(CConnect)
     END_SINK_MAP()
 

@@ -3,8 +3,8 @@
 
 #include <string_view>
 
-/// A text file to which lines are only ever added, each with one write to the system, so that it is complete
-/// up to the last line even if the host crashes.
+/// A text file that is only appended to. Each line is one write to the system, so the file is complete up to
+/// the last line even if the host crashes.
 class CLogFile
 {
 public:

@@ -83,8 +83,8 @@ WORD CLocalizedResources::GetUILanguage() const
     key.Format(L"SOFTWARE\\Microsoft\\Office\\%d.0\\Common\\LanguageResources", m_officeVersion);
 
     std::int32_t language = ReadRegistryDword(key.GetString(), L"UILanguage");
-    // 0 means "as installed". A missing value reads as -1, which does not lead to the install language: with
-    // such an Office every text is empty, and that is kept.
+    // 0 means "as installed". A missing value reads as -1, which does not lead to the install language: every
+    // text is empty then. Kept as it is.
     if (language == 0)
     {
         language = ReadRegistryDword(key.GetString(), L"InstallLanguage");

@@ -17,8 +17,8 @@ constexpr WPARAM kDownloadSucceeded = 0;
 constexpr WPARAM kDownloadFailed = 1;
 
 /// Downloads `m_url` into `m_filePath`. The caller sets both and runs DoModal, which returns IDOK only when
-/// the whole file was received and written; every failure has been shown by then, a cancelled download shows
-/// nothing.
+/// the download has run to its end. A failure of the request or the file has been shown by then; a cancel, a
+/// link that is no URL and a thread that cannot be started show nothing.
 ///
 /// Two threads take part. The UI thread runs the dialog and its message handlers. The worker (Download, and
 /// the operations below it) makes the request, writes the file and sets control texts directly; a control's
