@@ -124,7 +124,7 @@ STDMETHODIMP CButtonEvents::Advise(IUnknown* sink, DWORD* cookie)
     }
     *cookie = 0;
     IDispatch* events = nullptr;
-    // Office asks for the event interface itself; a sink that answers only to IDispatch is turned away.
+    // Office asks for the event interface itself; a sink that has only IDispatch is refused.
     const HRESULT found =
         sink->QueryInterface(DIID__CommandBarButtonEvents, reinterpret_cast<void**>(&events));
     const HRESULT result = SUCCEEDED(found) ? S_OK : CONNECT_E_CANNOTCONNECT;

@@ -26,7 +26,7 @@ public:
     bool IsVisible() const { return m_visible; }
     bool BeginsGroup() const { return m_beginsGroup; }
     void SetBeginsGroup(bool begins) { m_beginsGroup = begins; }
-    /// Whether it is to be there at the next start too.
+    /// Whether it is stored at the end and restored at the next start.
     bool IsLasting() const { return m_lasting; }
     void SetLasting(bool lasting) { m_lasting = lasting; }
     unsigned Command() const { return m_command; }
@@ -55,8 +55,8 @@ private:
     unsigned m_command;
 };
 
-/// A plain button. An add-in hears of its click through the connection point of _CommandBarButtonEvents; a
-/// button of our own menus carries what it does as `action`.
+/// A plain button. Add-ins receive its clicks through the connection point of _CommandBarButtonEvents;
+/// `action` is what a button of our own menus does.
 class CCommandBarButton : public CCommandBarControl
 {
 public:

@@ -156,8 +156,7 @@ HRESULT CCommandBarControls::GetItem(const CArguments& arguments, VARIANT& resul
     return Return(result, m_items[static_cast<size_t>(index) - 1].Get());
 }
 
-// Add(Type, Id, Parameter, Before, Temporary). Id and Parameter matter for copies of Office's own commands
-// only.
+// Add(Type, Id, Parameter, Before, Temporary). Id and Parameter are only for copies of Office's own commands.
 HRESULT CCommandBarControls::Add(const CArguments& arguments, VARIANT& result)
 {
     long type = kControlButton;

@@ -13,7 +13,7 @@
 namespace orva::host
 {
 
-/// CommandBarControls: counts from 1, and its default member is Item.
+/// CommandBarControls: indices start at 1, and the default member is Item.
 class CCommandBarControls : public CDispatchObject
 {
 public:
@@ -43,7 +43,7 @@ private:
     std::vector<Microsoft::WRL::ComPtr<CCommandBarControl>> m_items;
 };
 
-/// CommandBar: the menu bar, the only bar there is.
+/// CommandBar: the menu bar, which is the only bar.
 class CCommandBar : public CDispatchObject
 {
 public:

@@ -19,7 +19,7 @@ VARIANT MissingArgument() noexcept
 
 const VARIANT kMissing = MissingArgument();
 
-// mingw-w64 declares the source of VariantChangeType as writable; the function only reads it.
+// mingw-w64 declares the source of VariantChangeType without const.
 VARIANT* Writable(const VARIANT& value)
 {
     return const_cast<VARIANT*>(&value);
@@ -29,7 +29,7 @@ VARIANT* Writable(const VARIANT& value)
 
 const VARIANT& CArguments::operator[](UINT index) const
 {
-    // Automation hands arguments over last one first.
+    // Automation passes arguments in reverse order.
     return index < m_parameters.cArgs ? m_parameters.rgvarg[m_parameters.cArgs - 1 - index] : kMissing;
 }
 
@@ -195,7 +195,7 @@ STDMETHODIMP CDispatchObject::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT co
     {
         return E_INVALIDARG;
     }
-    // Names of parameters may follow the member's; none of our members takes its arguments by name.
+    // Further names are those of parameters; none of our members takes arguments by name.
     for (UINT index = 0; index < count; ++index)
     {
         ids[index] = DISPID_UNKNOWN;

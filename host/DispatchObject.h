@@ -33,14 +33,14 @@ public:
     explicit CArguments(const DISPPARAMS& parameters) : m_parameters(parameters) {}
 
     UINT Count() const { return m_parameters.cArgs; }
-    /// The value of argument `index`, a missing one where the caller gave fewer.
+    /// Argument `index`, from 0; VT_ERROR with DISP_E_PARAMNOTFOUND where the caller passed fewer.
     const VARIANT& operator[](UINT index) const;
     /// False when left out or passed as "missing" (VT_ERROR with DISP_E_PARAMNOTFOUND).
     bool Has(UINT index) const;
     /// The argument as an integer or a text; DISP_E_TYPEMISMATCH when it cannot be converted.
     HRESULT GetInt(UINT index, long& value) const;
     HRESULT GetText(UINT index, std::wstring& value) const;
-    /// Any value other than zero is true, whatever its width, as Office takes it.
+    /// Like Office, takes any value other than zero, of any width, as true.
     HRESULT GetBool(UINT index, bool& value) const;
     /// All arguments, for the trace: `1, missing, "text"`.
     std::wstring Text() const;
@@ -52,9 +52,9 @@ private:
 /// A value for the trace.
 std::wstring VariantText(const VARIANT& value);
 
-/// An IDispatch without type information. A derived class lists its members and answers OnCall;
-/// QueryInterface gives this IDispatch for `id` too, the interface id of the original, whose other slots
-/// nobody calls.
+/// An IDispatch without type information. A derived class lists its members and implements OnCall.
+/// QueryInterface returns this IDispatch also for `id`, the interface id of Office's object: add-ins call no
+/// other function of that interface.
 class CDispatchObject : public IDispatch
 {
 public:

@@ -13,18 +13,18 @@
 namespace orva::host
 {
 
-/// Ids of a page's controls, in the order in which the page declares them; headings and helper texts count
-/// too.
+/// Id of the page's first control. The others follow in the order of the markup, headings and helper texts
+/// included.
 inline constexpr int kFirstPageItem = 1000;
 
-/// The controls are children of the view, so that Tab reaches them after the view's own; their window text is
-/// their label (a picture's: its id). They go with the page.
+/// The controls are children of the view, so that Tab reaches them after the view's own controls. The window
+/// text of each is its label, or its id if it is a picture. The page destroys them.
 class CFilePage
 {
 public:
     using PictureLoader = std::function<CPicture(const RibbonItem&)>;
 
-    /// `loadPicture` is asked once for each control that has a picture.
+    /// Calls `loadPicture` once for each control that has a picture.
     CFilePage(HWND view, const RibbonTab& tab, const PictureLoader& loadPicture);
     ~CFilePage();
     CFilePage(const CFilePage&) = delete;
@@ -35,7 +35,7 @@ public:
     /// For the view's WM_DRAWITEM and WM_CTLCOLORSTATIC.
     void DrawItem(const DRAWITEMSTRUCT& draw) const;
     LRESULT StaticColour(HDC dc, HWND control) const;
-    /// The control with this id; null when the page has none or it is a heading.
+    /// The control with this id; null when there is none or it is a heading or helper text.
     const RibbonItem* FindItem(int id) const;
 
 private:

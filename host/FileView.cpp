@@ -181,7 +181,7 @@ void CFileView::OnCommand(int id)
     }
     else if (id == IDOK)
     {
-        // Enter reaches a button that draws itself as the dialog's default command.
+        // For an owner-drawn button, Enter arrives as the dialog's default command.
         const int focused = GetDlgCtrlID(GetFocus());
         if (focused != IDOK)
         {

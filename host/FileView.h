@@ -15,14 +15,14 @@
 namespace orva::host
 {
 
-/// Window class and fixed control ids, for those who look for them. A tab's button has kFirstTabButton plus
-/// its number. The page's own controls have the ids of CFilePage.
+/// Window class and fixed control ids, for tests that look for them. A tab's button has kFirstTabButton plus
+/// its index. The ids of the page's controls start at kFirstPageItem.
 inline constexpr wchar_t kFileViewClass[] = L"OrvaHostFileView";
 inline constexpr int kInfoButton = 700;
 inline constexpr int kBackButton = 701;
 inline constexpr int kFirstTabButton = 710;
-/// The text of the page "Info", which says among others why an add-in's tab is missing.
-inline constexpr int kInfoNote = 1001;
+/// The text of the page "Info", which also says why an add-in's tab is missing.
+inline constexpr int kInfoNote = kFirstPageItem + 1;
 
 /// Posted to the view's parent when the user leaves it.
 inline constexpr UINT kFileViewClosed = WM_APP + 10;
@@ -39,7 +39,7 @@ struct FileViewTab
 class CFileView
 {
 public:
-    /// `notes` is shown on the page "Info"; `context` is the window that ribbon controls belong to, may be
+    /// `notes` are shown on the page "Info". `context` is the explorer that ribbon controls belong to; may be
     /// null.
     CFileView(CTrace& trace, HWND parent, int top, std::vector<FileViewTab> tabs,
               const std::vector<std::wstring>& notes, IDispatch* context);

@@ -1,4 +1,4 @@
-// Looking up functions that a library may or may not have.
+// Looks up functions that a library may lack.
 #pragma once
 
 #include <windows.h>
@@ -8,7 +8,7 @@
 namespace orva::host
 {
 
-/// The exported function as the pointer type asked for; null when the library has none of that name.
+/// The exported function as a pointer of type `Function`; null when the library has none of that name.
 template <typename Function> Function FindFunction(HMODULE library, const char* name)
 {
     const FARPROC found = GetProcAddress(library, name);

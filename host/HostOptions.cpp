@@ -31,7 +31,7 @@ constexpr std::pair<const wchar_t*, ConnectMode> kModes[] = {
     {L"command-line", ConnectMode::CommandLine},
 };
 
-// First release of each product: what its own About window names.
+// The first release of each version, as shown in its About window.
 constexpr std::pair<const wchar_t*, const wchar_t*> kVersions[] = {
     {L"12", L"12.0.6423.1000"},
     {L"14", L"14.0.4760.1000"},

@@ -7,7 +7,7 @@
 namespace orva::host
 {
 
-/// How the add-in is told that it was connected; the values are those of ext_ConnectMode.
+/// The argument of OnConnection; values as in ext_ConnectMode.
 enum class ConnectMode
 {
     AfterStartup = 0,
@@ -18,12 +18,12 @@ enum class ConnectMode
 
 struct HostOptions
 {
-    /// Text of Application.Version; free, so that odd texts can be tried.
+    /// Application.Version. Any text is allowed, so that odd ones can be tried.
     std::wstring version = L"14.0.4760.1000";
     ConnectMode mode = ConnectMode::Startup;
-    /// ActiveExplorer gives nothing, as when Outlook is started without a window by another program.
+    /// ActiveExplorer returns no object, as when another program starts Outlook without a window.
     bool noExplorer = false;
-    /// Ends as Outlook 2010 does by default: add-ins hear nothing of it and are not released.
+    /// Ends as Outlook 2010 does by default: add-ins are neither notified nor released.
     bool fastShutdown = false;
     /// File to write the trace to; empty: none.
     std::wstring traceFile;

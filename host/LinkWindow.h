@@ -8,11 +8,11 @@
 namespace orva::host
 {
 
-/// Window class of links, for those who look for them.
+/// Window class of links, for tests that look for them.
 inline constexpr wchar_t kLinkClass[] = L"OrvaHostLink";
 
-/// Makes a link. It reports a click as a button does: WM_COMMAND with BN_CLICKED to its parent, and BM_CLICK
-/// clicks it. WM_SETFONT sets the font, which the caller keeps. Null on failure.
+/// Creates a link; null on failure. Like a button it sends WM_COMMAND with BN_CLICKED to its parent, and
+/// BM_CLICK clicks it. The caller owns the font that it sets with WM_SETFONT.
 HWND CreateLink(HWND parent, int id, const std::wstring& caption);
 
 } // namespace orva::host

@@ -34,8 +34,8 @@ private:
     SAFEARRAY* m_array;
 };
 
-// The class of a ProgID. A version-independent one may have no class of its own and only name the current
-// version: Windows follows that, Wine 8 does not.
+// The class of a ProgID. A version-independent ProgID may have only CurVer and no CLSID: Windows follows
+// CurVer, Wine 8 does not.
 HRESULT FindClass(const std::wstring& progId, CLSID& classId)
 {
     const HRESULT result = CLSIDFromProgID(progId.c_str(), &classId);
@@ -79,7 +79,7 @@ bool CLoadedAddIn::Load()
     {
         return false;
     }
-    NoteModule();
+    ReadModulePath();
     result = m_trace.Run(kOutlook, ProgId(), L"QueryInterface(_IDTExtensibility2)", [&] {
         return m_object->QueryInterface(IID__IDTExtensibility2,
                                         reinterpret_cast<void**>(m_addIn.ReleaseAndGetAddressOf()));
@@ -87,7 +87,7 @@ bool CLoadedAddIn::Load()
     return SUCCEEDED(result);
 }
 
-void CLoadedAddIn::NoteModule()
+void CLoadedAddIn::ReadModulePath()
 {
     wchar_t classText[40];
     StringFromGUID2(m_classId, classText, static_cast<int>(std::size(classText)));

@@ -17,8 +17,8 @@
 namespace orva::host
 {
 
-/// Everything happens on the user-interface thread. Each call is written to the trace; a failing one is
-/// passed over as Outlook does, and only Load says whether the add-in is there at all.
+/// To be used on the user-interface thread. Every call is traced. As in Outlook, failures of the add-in are
+/// ignored where the function returns nothing.
 class CLoadedAddIn
 {
 public:
@@ -29,20 +29,20 @@ public:
 
     const std::wstring& ProgId() const { return m_entry.progId; }
 
-    /// Creates the add-in's object in this process and asks for _IDTExtensibility2.
+    /// Creates the add-in's object in this process and queries _IDTExtensibility2. False when either fails.
     bool Load();
-    /// OnConnection by the interface's own slot. False when it failed.
+    /// Calls OnConnection through the vtable. False when it failed.
     bool Connect(IDispatch* application, ConnectMode mode);
     /// The custom UI for Outlook's main window; empty when there is none.
     std::wstring GetCustomUi();
     void OnAddInsUpdate();
     void OnStartupComplete();
     void OnBeginShutdown();
-    /// OnDisconnection because the host ends.
+    /// Calls OnDisconnection with ext_dm_HostShutdown.
     void Disconnect();
-    /// Gives all references back and asks the DLL whether it can be unloaded.
+    /// Releases all references and unloads the DLL if it can be unloaded.
     void Release();
-    /// Leaves every reference as it is: the process is about to end without a word to the add-in.
+    /// Keeps every reference, for a process that ends without notifying the add-in.
     void Abandon();
 
     /// Calls a ribbon callback: GetIDsOfNames, then Invoke with `control` as its only argument. `result` may
@@ -54,7 +54,7 @@ private:
     using Method = HRESULT (STDMETHODCALLTYPE _IDTExtensibility2::*)(SAFEARRAY**);
 
     void Call(const wchar_t* name, Method method);
-    void NoteModule();
+    void ReadModulePath();
 
     CTrace& m_trace;
     AddInEntry m_entry;

@@ -47,7 +47,7 @@ bool CMainWindow::Create()
     {
         return false;
     }
-    // Shown whatever the parent process asks: add-ins look for a visible window.
+    // Shown whatever STARTUPINFO says: add-ins look for a visible window.
     ShowWindow(m_window, SW_SHOWNORMAL);
     UpdateWindow(m_window);
     return true;
@@ -138,7 +138,7 @@ LRESULT CALLBACK CMainWindow::Procedure(HWND window, UINT message, WPARAM wParam
     {
         return DefWindowProcW(window, message, wParam, lParam);
     }
-    // Messages nest while an add-in shows a dialog; the window may end only at the outermost.
+    // Messages nest while an add-in shows a dialog; the window may be destroyed in the outermost only.
     ++self->m_depth;
     const LRESULT result = self->OnMessage(message, wParam, lParam);
     --self->m_depth;
@@ -224,8 +224,8 @@ void CMainWindow::OnCommand(unsigned id)
 
 void CMainWindow::OnClose()
 {
-    // An add-in's dialog runs its message loop inside one of our calls, so the window must not end before
-    // that call has returned. When the dialog is gone the window is enabled, and asks again.
+    // An add-in's dialog runs its message loop inside one of our calls, so the window must not be destroyed
+    // before that call has returned. WM_ENABLE tries again when the dialog has closed.
     if (!m_mayClose || !IsWindowEnabled(m_window))
     {
         return;

@@ -16,16 +16,16 @@
 namespace orva::host
 {
 
-/// Window class, for those who look for it, and the id of the "File" tab.
+/// Window class and the id of the "File" tab, for tests that look for them.
 inline constexpr wchar_t kMainWindowClass[] = L"OrvaOutlookHost";
 inline constexpr int kFileButton = 600;
 
-/// What the window asks of the program.
+/// What the window calls in the program.
 struct MainWindowActions
 {
-    /// The start, once the message loop runs.
+    /// Called once, when the message loop runs.
     std::function<void()> start;
-    /// The end: the window is enabled and no callback of an add-in is running.
+    /// Called once, to close: the window is enabled and no callback of an add-in is running.
     std::function<void()> close;
 };
 
@@ -37,20 +37,20 @@ public:
     CMainWindow(const CMainWindow&) = delete;
     CMainWindow& operator=(const CMainWindow&) = delete;
 
-    /// Makes and shows the window; false on failure.
+    /// Creates and shows the window; false on failure.
     bool Create();
     HWND Window() const { return m_window; }
     /// Gives the window its "File" tab.
     void AllowFileView(std::vector<FileViewTab> tabs, std::vector<std::wstring> notes, IDispatch* context);
     void OpenFileView();
-    /// Runs `start` as soon as messages are handled.
+    /// Makes the message loop call `start`.
     void PostStart();
-    /// Closes as the user does, but waits until no dialog holds the window.
+    /// Closes the window, once no dialog disables it.
     void RequestClose();
-    /// From now on the window may be closed; a request made before is carried out.
+    /// From now on the window may be closed; an earlier request is carried out.
     void AllowClose();
     void Destroy();
-    /// Whether a message was meant for the keyboard handling of the File view.
+    /// Handles a message for the File view's dialog keys; false when it is another message.
     bool TakeKey(MSG& message);
 
     void MenuChanged() override;

@@ -18,7 +18,7 @@ constexpr IID kSaxReaderId = {0xA4F96ED0, 0xF829, 0x476E, {0x81, 0xC0, 0xCD, 0xC
 constexpr IID kErrorHandlerId = {
     0xA60511C4, 0xCCF5, 0x479E, {0x98, 0xA3, 0xDC, 0x8D, 0xC5, 0x45, 0xB7, 0xD0}};
 
-// Keeps the first fatal error. Lives on the stack of its only user, so references are not counted.
+// Keeps the first fatal error. It lives on the stack, so references are not counted.
 class CFirstFault : public ISAXErrorHandler
 {
 public:

@@ -1,4 +1,4 @@
-// Where and why a text is not well-formed, as the system's SAX parser says.
+// Finds with the system's SAX parser where and why a text is not well-formed.
 #pragma once
 
 #include "host/RibbonMarkup.h"
@@ -9,8 +9,7 @@ namespace orva::host
 {
 
 /// Fills in reason, line and position of the first fatal error. Leaves `error` as it is when the parser finds
-/// none. The DOM parser of some systems reports that there is an error, but not where; its SAX sibling always
-/// does.
+/// none. The DOM parser of some systems does not report the place of an error; the SAX parser always does.
 void LocateMarkupFault(const std::wstring& text, MarkupError& error);
 
 } // namespace orva::host

@@ -6,7 +6,7 @@
 namespace orva::host
 {
 
-/// Told whenever an add-in has changed a control, so that the real menu follows.
+/// Notified of each change of a control, so that the real menu can be updated.
 class IMenuObserver
 {
 public:
@@ -16,7 +16,7 @@ protected:
     ~IMenuObserver() = default;
 };
 
-/// Outlives every control: an add-in may keep references to the end of the process.
+/// Must outlive every control: an add-in may keep references until the process ends.
 class CMenuModel
 {
 public:

@@ -49,7 +49,7 @@ struct StandardMenu
     const wchar_t* items[4];
 };
 
-// Plausible commands; none but Exit does anything.
+// Only Exit does anything.
 constexpr StandardMenu kMenus[] = {
     {L"&File", {L"&New", L"&Open", L"&Print...", L"E&xit"}},
     {L"&Edit", {L"Cu&t", L"&Copy", L"&Paste", L"&Delete"}},

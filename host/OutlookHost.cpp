@@ -9,8 +9,7 @@ namespace orva::host
 namespace
 {
 
-// Custom UI came with version 14, and so did the File view. Version 15 has one too, but the stand-in shows
-// there only that add-ins have nothing to put in it.
+// Custom UI and the File view came with version 14. The stand-in has no File view for version 15.
 constexpr int kFirstWithCustomUi = 14;
 constexpr int kWithFileView = 14;
 
@@ -88,7 +87,7 @@ void COutlookHost::Start()
     }
     if (isAtStartup)
     {
-        // An add-in that is connected later never hears of it.
+        // Add-ins that are connected later are not notified.
         for (const auto& addIn : m_addIns)
         {
             addIn->OnStartupComplete();

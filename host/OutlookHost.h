@@ -24,7 +24,8 @@ public:
     COutlookHost(const COutlookHost&) = delete;
     COutlookHost& operator=(const COutlookHost&) = delete;
 
-    /// From the main window's appearance to its end; OLE must be initialized. Returns the exit status.
+    /// Shows the main window and runs the message loop until the window is destroyed. OLE must be
+    /// initialized. Returns the exit status.
     int Run();
 
 private:

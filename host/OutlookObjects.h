@@ -1,4 +1,4 @@
-// The objects an add-in starts from: Application, its Explorer, and the COMAddIn that stands for the add-in.
+// The objects an add-in starts from: Application, its Explorer, and the add-in's own COMAddIn.
 #pragma once
 
 #include "host/CommandBars.h"
@@ -40,15 +40,15 @@ private:
     Microsoft::WRL::ComPtr<CExplorer> m_explorer;
 };
 
-/// COMAddIn: passed to the add-in as itself; its Object is a place where the add-in may leave an object for
-/// others.
+/// COMAddIn: represents the add-in in OnConnection. The add-in may store an object for other programs in
+/// Object.
 class CComAddIn : public CDispatchObject
 {
 public:
     CComAddIn(CTrace& trace, const std::wstring& progId, const std::wstring& description);
 
     void SetConnected(bool connected) { m_connected = connected; }
-    /// Lets go of what the add-in has left in Object.
+    /// Releases what the add-in has stored in Object.
     void Clear() { m_object.Reset(); }
 
 protected:

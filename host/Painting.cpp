@@ -56,7 +56,7 @@ bool HasAlpha(const BITMAP& bitmap)
         transparent = transparent || alpha != 0xFF;
         visible = visible || alpha != 0;
     }
-    // Alpha zero everywhere is a bitmap that does not use the byte.
+    // A bitmap whose alpha is zero everywhere does not use the byte.
     return transparent && visible;
 }
 
@@ -144,7 +144,7 @@ int WrappedHeight(HWND window, const std::wstring& text, HFONT font, int width)
     const HDC dc = GetDC(window);
     const HGDIOBJ previous = SelectObject(dc, font);
     RECT box{0, 0, width, 0};
-    // An empty text takes a line: it is there to make room.
+    // An empty label is a spacer one line high.
     const std::wstring measured = text.empty() ? L" " : text;
     DrawTextW(dc, measured.c_str(), -1, &box, DT_CALCRECT | DT_WORDBREAK | DT_NOPREFIX | DT_EXPANDTABS);
     SelectObject(dc, previous);

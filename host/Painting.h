@@ -20,7 +20,7 @@ inline constexpr COLORREF kAccent = RGB(33, 115, 186);
 inline constexpr COLORREF kPane = RGB(240, 243, 248);
 inline constexpr COLORREF kLine = RGB(214, 220, 228);
 
-/// A font of our own; its face is the first present of a list that starts with Segoe UI. `points` at 96 dpi.
+/// A font. Its face is the first of a list, from Segoe UI on, that is installed. `points` are at 96 dpi.
 class CFont
 {
 public:
@@ -35,19 +35,19 @@ private:
     HFONT m_font;
 };
 
-/// An OLE picture with a bitmap, as a getImage callback returns it; empty when it is none.
+/// The picture that a getImage callback returns.
 class CPicture
 {
 public:
     CPicture() = default;
-    /// Takes any value; all but an object with IPicture and a bitmap gives an empty picture.
+    /// Empty unless `value` is an object with IPicture that holds a bitmap.
     explicit CPicture(const VARIANT& value);
 
     bool IsEmpty() const { return m_bitmap == nullptr; }
     SIZE Size() const { return m_size; }
     /// Whether any pixel is not opaque.
     bool HasTransparency() const { return m_hasAlpha; }
-    /// Paints at (x, y), blending by the bitmap's own premultiplied alpha where it has one.
+    /// Paints at (x, y), with the bitmap's premultiplied alpha if it has one.
     void Draw(HDC dc, int x, int y) const;
 
 private:

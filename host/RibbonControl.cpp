@@ -107,7 +107,7 @@ STDMETHODIMP CRibbonControl::Invoke(DISPID id, REFIID iid, LCID locale, WORD fla
     return m_names->Invoke(id, iid, locale, flags, parameters, result, exception, argumentError);
 }
 
-void CRibbonControl::Note(const wchar_t* member)
+void CRibbonControl::TraceCall(const wchar_t* member)
 {
     m_trace.Call(kAddIn, kOutlook, std::wstring(L"IRibbonControl.") + member, S_OK, 0, L"\"" + m_id + L"\"");
 }
@@ -118,7 +118,7 @@ STDMETHODIMP CRibbonControl::get_Id(BSTR* id)
     {
         return E_POINTER;
     }
-    Note(L"get_Id");
+    TraceCall(L"get_Id");
     *id = SysAllocStringLen(m_id.c_str(), static_cast<UINT>(m_id.size()));
     return *id != nullptr ? S_OK : E_OUTOFMEMORY;
 }
@@ -129,7 +129,7 @@ STDMETHODIMP CRibbonControl::get_Context(IDispatch** context)
     {
         return E_POINTER;
     }
-    Note(L"get_Context");
+    TraceCall(L"get_Context");
     return m_context.CopyTo(context);
 }
 
@@ -139,7 +139,7 @@ STDMETHODIMP CRibbonControl::get_Tag(BSTR* tag)
     {
         return E_POINTER;
     }
-    Note(L"get_Tag");
+    TraceCall(L"get_Tag");
     *tag = SysAllocString(L"");
     return *tag != nullptr ? S_OK : E_OUTOFMEMORY;
 }

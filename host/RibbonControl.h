@@ -14,11 +14,11 @@
 namespace orva::host
 {
 
-/// Both ways of the dual interface: by its own slots and by name.
+/// A dual interface: callable through the vtable and by name.
 class CRibbonControl : public IRibbonControl
 {
 public:
-    /// `context` is the window the control is in, an explorer; may be null.
+    /// `context` is the explorer that shows the control; may be null.
     CRibbonControl(CTrace& trace, const std::wstring& id, IDispatch* context);
     CRibbonControl(const CRibbonControl&) = delete;
     CRibbonControl& operator=(const CRibbonControl&) = delete;
@@ -37,9 +37,9 @@ public:
 
 private:
     virtual ~CRibbonControl() = default;
-    void Note(const wchar_t* member);
+    void TraceCall(const wchar_t* member);
 
-    /// The members by name; the base keeps the lookup, this object the identity.
+    /// The IDispatch that this object forwards to. It has no identity of its own.
     class CNames;
 
     CTrace& m_trace;

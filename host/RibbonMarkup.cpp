@@ -34,7 +34,7 @@ ComPtr<IXMLDOMDocument> MakeParser()
     return nullptr;
 }
 
-std::wstring Take(BSTR text)
+std::wstring CopyAndFree(BSTR text)
 {
     std::wstring copy(text != nullptr ? text : L"", SysStringLen(text));
     SysFreeString(text);
@@ -45,7 +45,7 @@ std::wstring LocalName(IXMLDOMNode* node)
 {
     BSTR name = nullptr;
     node->get_baseName(&name);
-    return Take(name);
+    return CopyAndFree(name);
 }
 
 std::wstring Attribute(IXMLDOMElement* element, const wchar_t* name)
@@ -77,7 +77,7 @@ std::vector<ComPtr<IXMLDOMElement>> Children(IXMLDOMNode* node)
     return children;
 }
 
-// Walks the document and lists the elements that it does not know.
+// Reads the document and lists the elements that it ignores.
 class CMarkupReader
 {
 public:
@@ -244,7 +244,7 @@ void ReadError(IXMLDOMDocument* document, MarkupError& error)
         parseError->get_line(&error.line);
         parseError->get_linepos(&error.position);
     }
-    error.reason = Take(reason);
+    error.reason = CopyAndFree(reason);
     while (!error.reason.empty() && wcschr(L" \t\r\n", error.reason.back()) != nullptr)
     {
         error.reason.pop_back();
@@ -291,7 +291,7 @@ bool ParseRibbonMarkup(const std::wstring& text, RibbonMarkup& markup, MarkupErr
     {
         root->get_namespaceURI(&schema);
     }
-    const std::wstring schemaText = Take(schema);
+    const std::wstring schemaText = CopyAndFree(schema);
     if (!root || LocalName(root.Get()) != L"customUI" || schemaText != kSchema)
     {
         error.reason = L"The root element is not customUI of " + std::wstring(kSchema) + L".";

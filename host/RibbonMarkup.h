@@ -27,7 +27,7 @@ struct RibbonItem
     /// Address that a link opens.
     std::wstring target;
     std::wstring screentip;
-    /// A click on a button that is definitive closes the File view.
+    /// Whether a click on the button closes the File view.
     bool isDefinitive = false;
 };
 
@@ -52,14 +52,14 @@ struct RibbonTab
 struct RibbonMarkup
 {
     std::vector<RibbonTab> tabs;
-    /// Elements that Office knows or not, but this view does not show.
+    /// Names of the elements that the File view does not show.
     std::vector<std::wstring> ignored;
 };
 
 struct MarkupError
 {
     std::wstring reason;
-    /// Both from 1; 0 when the parser does not know.
+    /// Both from 1; 0 when unknown.
     long line = 0;
     long position = 0;
 
@@ -67,7 +67,7 @@ struct MarkupError
     std::wstring Text() const;
 };
 
-/// Reads the text as GetCustomUI has given it. Returns false with `error` filled when it is not well-formed,
+/// Reads the text that GetCustomUI returned. Returns false with `error` filled when it is not well-formed,
 /// when it is not the custom-UI schema of Office 2010, or when the machine has no XML parser. COM must be
 /// initialized.
 bool ParseRibbonMarkup(const std::wstring& text, RibbonMarkup& markup, MarkupError& error);

@@ -23,7 +23,7 @@ void StoreControls(const CCommandBarControls& menus)
         {
             if (control->IsLasting())
             {
-                // One value a button: its name is the number, its two texts are the menu and the button.
+                // One value per button: its name is a number, its texts are the captions of menu and button.
                 const std::wstring texts = menu->Caption() + L'\0' + control->Caption() + L'\0';
                 RegSetKeyValueW(HKEY_CURRENT_USER, kStoredControlsKey, std::to_wstring(count++).c_str(),
                                 REG_MULTI_SZ, texts.c_str(),

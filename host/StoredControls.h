@@ -1,5 +1,5 @@
-// The buttons that add-ins have added to the menus for good: as in Outlook, they are stored when the program
-// ends and are back at the next start, with or without the add-in. Temporary ones are not.
+// The buttons that add-ins have added to the menus without Temporary. As in Outlook, they are stored when the
+// program ends and restored at the next start, with or without the add-in.
 #pragma once
 
 #include "host/CommandBars.h"

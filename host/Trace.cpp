@@ -26,7 +26,7 @@ bool CTrace::Open(const std::wstring& path)
     {
         CloseHandle(m_file);
     }
-    // Readers look while we write, and a test may delete the folder before we are quite gone.
+    // Tests read the file while it is open, and may delete the folder before this process has ended.
     m_file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                          nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     return m_file != INVALID_HANDLE_VALUE;

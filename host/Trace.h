@@ -11,9 +11,9 @@ namespace orva::host
 /// Writes lines such as
 ///     0.152 Outlook -> Some.AddIn: OnConnection(1) = 0x00000000, 12 ms; detail
 ///     0.100 Outlook: main window shown
-/// to a UTF-8 text file, each as soon as it is known; the time is seconds since the trace was opened, the
-/// duration whole milliseconds. A call's line is written when it returns, so calls it made stand before it.
-/// Failing to write is ignored: the trace must not change what is traced. One thread only.
+/// to a UTF-8 text file, each as soon as it is known; the time is seconds since the object was made, the
+/// duration whole milliseconds. A call's line is written when it returns, after the lines of the calls that
+/// it made. Write errors are ignored: the trace must not change what is traced. One thread only.
 class CTrace
 {
 public:
@@ -28,12 +28,12 @@ public:
     /// Something that Outlook did by itself.
     void Event(const std::wstring& text);
 
-    /// A call that has returned: who made it, to whom, its name with arguments, its result and duration.
+    /// A call that has returned: caller, callee, name with arguments, result and duration.
     void Call(const std::wstring& from, const std::wstring& to, const std::wstring& name, HRESULT result,
               double milliseconds, const std::wstring& detail = {});
 
-    /// Runs `call`, which returns an HRESULT, and writes its line. An exception that leaves it is noted in
-    /// the line and becomes E_UNEXPECTED: an add-in's fault must not end the host.
+    /// Runs `call`, which returns an HRESULT, and writes its line. A C++ exception is written to the line and
+    /// becomes E_UNEXPECTED: an add-in's fault must not end the host.
     template <typename Function>
     HRESULT Run(const std::wstring& from, const std::wstring& to, const std::wstring& name, Function call)
     {
@@ -52,7 +52,7 @@ public:
         return result;
     }
 
-    /// Milliseconds since the trace was made.
+    /// Milliseconds since the object was made.
     double Now() const;
 
 private:
@@ -63,7 +63,7 @@ private:
     LARGE_INTEGER m_start{};
 };
 
-/// Names of the two sides in a trace line, where the add-in is not known by its ProgID.
+/// Names of caller and callee in a trace line, where the add-in's ProgID is not known.
 inline constexpr wchar_t kOutlook[] = L"Outlook";
 inline constexpr wchar_t kAddIn[] = L"add-in";
 

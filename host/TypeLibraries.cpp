@@ -42,7 +42,7 @@ bool IsRegistered(const Library& library)
 
 HRESULT Register(const Library& library, const std::wstring& program)
 {
-    // Not constant, since the registering functions declare the path they only read as writable.
+    // Not const: the registering functions take a writable path.
     std::wstring path = program + L"\\" + library.resource;
     ComPtr<ITypeLib> loaded;
     HRESULT result = LoadTypeLibEx(path.c_str(), REGKIND_NONE, &loaded);
@@ -50,7 +50,7 @@ HRESULT Register(const Library& library, const std::wstring& program)
     {
         return result;
     }
-    // For the current user where the system finds that again, otherwise for the machine.
+    // For the current user if LoadRegTypeLib then finds it, otherwise for the machine.
     const auto registerForUser = FindFunction<HRESULT(STDAPICALLTYPE*)(ITypeLib*, OLECHAR*, OLECHAR*)>(
         GetModuleHandleW(L"oleaut32.dll"), "RegisterTypeLibForUser");
     result = registerForUser != nullptr ? registerForUser(loaded.Get(), path.data(), nullptr) : E_NOTIMPL;

@@ -15,7 +15,8 @@ using namespace orva::host;
 
 constexpr int kBadUsage = 2;
 
-// Add-ins may keep references to Outlook's objects to the very end, and these keep the trace.
+// Static, because add-ins may keep references to Outlook's objects, which use the trace, until the process
+// ends.
 CTrace& Trace()
 {
     static CTrace trace;
@@ -28,7 +29,7 @@ CMenuModel& Model()
     return model;
 }
 
-// Notes in the trace that an add-in has crashed the process.
+// Writes a crash of the process to the trace.
 LONG WINAPI OnCrash(EXCEPTION_POINTERS* exception)
 {
     Trace().Event(L"crashed with exception " +
@@ -84,7 +85,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int)
         COutlookHost host(options, Trace(), Model());
         status = host.Run();
     }
-    // A fast end leaves the add-in loaded and connected, so OLE must not tear it down either.
+    // A fast shutdown leaves the add-in loaded and connected; OleUninitialize would unload it.
     if (!options.fastShutdown)
     {
         OleUninitialize();
