@@ -30,7 +30,7 @@ std::wstring Quoted(const std::wstring& argument)
     {
         if (character == L'"')
         {
-            // Backslashes before a quote count double, and the quote takes one.
+            // Backslashes before a quote are doubled, and the quote is escaped by one more.
             quoted.append(backslashes + 1, L'\\');
         }
         backslashes = character == L'\\' ? backslashes + 1 : 0;
@@ -59,7 +59,7 @@ std::wstring EnvironmentBlock(const std::map<std::wstring, std::wstring>& change
     for (const wchar_t* entry = strings; *entry; entry += wcslen(entry) + 1)
     {
         const std::wstring text = entry;
-        // From 1: the hidden ones of the form "=C:=..." keep their first character.
+        // From 1, because the name of a hidden variable begins with an equals sign: "=C:=...".
         const size_t equals = text.find(L'=', 1);
         variables[text.substr(0, equals)] = text.substr(equals + 1);
     }

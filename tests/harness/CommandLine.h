@@ -1,4 +1,4 @@
-// What a program is started with, as CreateProcess takes it.
+// Command lines and environment blocks for CreateProcess.
 #pragma once
 
 #include <map>
@@ -8,10 +8,10 @@
 namespace orva::test
 {
 
-/// Arguments joined into a command line as the C runtime and CommandLineToArgvW take it apart again.
+/// A command line that the C runtime and CommandLineToArgvW split into these arguments.
 std::wstring JoinCommandLine(const std::wstring& program, const std::vector<std::wstring>& arguments);
 
-/// This process's environment with changes, of which an empty value takes the variable away.
+/// This process's environment with changes; an empty value removes the variable.
 std::wstring EnvironmentBlock(const std::map<std::wstring, std::wstring>& changes);
 
 } // namespace orva::test

@@ -10,7 +10,7 @@ namespace orva::test
 namespace
 {
 
-// Window bits of a 15-bit window in zlib form; 16 more make it gzip.
+// Window bits for zlib's own format; 16 more select gzip.
 constexpr int kZlibWindow = 15;
 constexpr int kGzipWindow = kZlibWindow + 16;
 
@@ -53,7 +53,7 @@ std::string ZlibBytes(std::string_view bytes)
 std::string InflatedPart(std::string_view bytes, size_t room)
 {
     z_stream stream = {};
-    // 32 more: zlib or gzip, whichever it is.
+    // 32 more detect zlib or gzip.
     if (inflateInit2(&stream, kZlibWindow + 32) != Z_OK)
     {
         throw std::runtime_error("cannot start decompressing");

@@ -10,18 +10,18 @@ namespace orva::test
 namespace
 {
 
-// Exception codes by which OutputDebugStringA and OutputDebugStringW tell a debugger.
+// The exception by which OutputDebugStringA tells a debugger.
 constexpr DWORD kPrintNarrow = 0x40010006;
 
-struct Collected
+struct CollectedLines
 {
     std::mutex mutex;
     std::vector<std::string> lines;
 };
 
-Collected& TheCollected()
+CollectedLines& Collected()
 {
-    static Collected* const collected = new Collected;
+    static auto* const collected = new CollectedLines;
     return *collected;
 }
 
@@ -35,8 +35,8 @@ LONG CALLBACK Collect(EXCEPTION_POINTERS* pointers)
     // The parameters are the length with the terminator, and the text.
     const auto length = static_cast<size_t>(record.ExceptionInformation[0]);
     const auto* const text = reinterpret_cast<const char*>(record.ExceptionInformation[1]);
-    const std::lock_guard lock(TheCollected().mutex);
-    TheCollected().lines.emplace_back(text, length > 0 ? length - 1 : 0);
+    const std::lock_guard lock(Collected().mutex);
+    Collected().lines.emplace_back(text, length > 0 ? length - 1 : 0);
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
@@ -55,14 +55,14 @@ CDebugOutput::~CDebugOutput()
 
 std::vector<std::string> CDebugOutput::Lines() const
 {
-    const std::lock_guard lock(TheCollected().mutex);
-    return TheCollected().lines;
+    const std::lock_guard lock(Collected().mutex);
+    return Collected().lines;
 }
 
 void CDebugOutput::Clear()
 {
-    const std::lock_guard lock(TheCollected().mutex);
-    TheCollected().lines.clear();
+    const std::lock_guard lock(Collected().mutex);
+    Collected().lines.clear();
 }
 
 } // namespace orva::test

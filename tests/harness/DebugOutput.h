@@ -7,8 +7,8 @@
 namespace orva::test
 {
 
-/// Collects from construction to destruction, from every thread; one entry a call, without its terminator.
-/// One object at a time.
+/// Collects during its lifetime, from every thread, one entry per call, without the terminator. One object at
+/// a time.
 class CDebugOutput
 {
 public:

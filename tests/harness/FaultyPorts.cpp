@@ -1,5 +1,3 @@
-
-// Before anything that includes windows.h, which brings the old sockets otherwise.
 #include "harness/FaultyPorts.h"
 
 #include <winsock2.h>
@@ -27,8 +25,6 @@ struct SocketLibrary
 
 } // namespace
 
-// Keeps a socket from programs that are started meanwhile: they would hold the port, or the connection,
-// open.
 void KeepSocketToThisProcess(unsigned long long socket)
 {
     SetHandleInformation(reinterpret_cast<HANDLE>(socket), HANDLE_FLAG_INHERIT, 0);
@@ -55,7 +51,7 @@ unsigned long long BindLoopbackSocket(unsigned short& port)
 
 CRefusingPort::CRefusingPort()
 {
-    // Bound and not listening: nobody else can get the port, and the system answers with a reset.
+    // Bound and not listening: nobody else can bind the port, and the system answers with a reset.
     m_socket = BindLoopbackSocket(m_port);
 }
 
@@ -72,7 +68,7 @@ CUnansweringPort::CUnansweringPort()
     address.sin_family = AF_INET;
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     address.sin_port = htons(m_port);
-    // Non-blocking connects until the queue is full; how many it holds differs from system to system.
+    // Non-blocking connects until the backlog is full; its length differs from system to system.
     constexpr int kFillers = 16;
     for (int i = 0; i < kFillers; ++i)
     {

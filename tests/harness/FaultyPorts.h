@@ -6,12 +6,11 @@
 namespace orva::test
 {
 
-/// Makes a TCP socket bound to a free port of 127.0.0.1, which programs that are started do not inherit.
-/// Throws std::runtime_error if that fails. The caller closes it.
+/// Makes a TCP socket bound to a free port of 127.0.0.1, which child processes do not inherit. Throws
+/// std::runtime_error if that fails. The caller closes it.
 unsigned long long BindLoopbackSocket(unsigned short& port);
 
-/// Keeps a socket from programs that are started meanwhile: they would hold the port, or the connection,
-/// open.
+/// Makes a socket not inheritable: child processes would hold the port, or the connection, open.
 void KeepSocketToThisProcess(unsigned long long socket);
 
 /// A port of 127.0.0.1 that refuses connections as long as the object lives.

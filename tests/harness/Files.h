@@ -1,4 +1,4 @@
-// Files as tests see them: bytes, listings, and the programs that the build left beside the test program.
+// Reading, writing and listing files, and the paths of the programs that the build made.
 #pragma once
 
 #include "harness/Waiting.h"
@@ -11,14 +11,14 @@
 namespace orva::test
 {
 
-/// A file's bytes, read with sharing that denies nothing; absent if it cannot be opened.
+/// A file's bytes, opened with full sharing; absent if it cannot be opened.
 std::optional<std::string> ReadFileBytes(const std::wstring& path);
-/// Writes a file anew. Throws std::runtime_error if it cannot.
+/// Creates or replaces a file. Throws std::runtime_error if that fails.
 void WriteFileBytes(const std::wstring& path, std::string_view bytes);
 
 bool FileExists(const std::wstring& path);
 bool FolderExists(const std::wstring& path);
-/// Removes a file, read-only ones too, or a folder with all that it holds; nothing there is no error.
+/// Removes a file, even if it is read-only, or a folder with its content. A missing path is no error.
 void RemovePath(const std::wstring& path);
 
 /// Everything below a folder, sorted, as paths relative to it; folders end with a backslash.

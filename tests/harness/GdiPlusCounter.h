@@ -6,7 +6,7 @@
 namespace orva::test
 {
 
-/// What a start of GDI+ is asked for: version, debug callback, and the two things that may be suppressed.
+/// The layout of GdiplusStartupInput.
 struct GdiPlusInput
 {
     UINT32 version;
@@ -15,7 +15,7 @@ struct GdiPlusInput
     BOOL suppressExternalCodecs;
 };
 
-/// Counts for its lifetime; the calls go on to GDI+. One object at a time.
+/// Counts during its lifetime and passes the calls on to GDI+. One object at a time.
 class CGdiPlusCounter
 {
 public:

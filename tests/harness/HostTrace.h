@@ -1,4 +1,4 @@
-// The stand-in Outlook's record of calls and events, as tests read it while it grows.
+// The trace of the stand-in Outlook, for tests that read it while it is written.
 #pragma once
 
 #include <string>
@@ -7,7 +7,7 @@
 namespace orva::test
 {
 
-/// The lines of the trace file so far, without their times and durations. None if there is no file yet.
+/// The lines of the trace file so far, without times and durations. Empty if there is no file yet.
 std::vector<std::string> ReadHostTrace(const std::wstring& path);
 
 } // namespace orva::test

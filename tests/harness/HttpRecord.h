@@ -10,12 +10,11 @@
 namespace orva::test
 {
 
-/// One request as it came in.
 struct CHttpRecord
 {
-    /// Everything that was received for it, byte for byte.
+    /// All bytes received.
     std::string raw;
-    /// The request line without its end.
+    /// The request line without CR LF.
     std::string requestLine;
     std::string method;
     /// The request's target as sent: "/path?query", or "http://host:80/path?query" to a proxy.
@@ -33,12 +32,11 @@ struct CHttpRecord
     /// Number of the connection it came on, counted from 0.
     size_t connection = 0;
 
-    /// A header's value, looked up without case; absent if it was not sent.
+    /// The value of a header, whose name is compared without case; absent if it was not sent.
     std::optional<std::string> Header(std::string_view name) const;
 };
 
-/// Takes the head of a request (its bytes up to and with the empty line) apart. A malformed one leaves fields
-/// empty.
+/// Parses the head of a request, the empty line included. A malformed one leaves fields empty.
 CHttpRecord ParseRequestHead(const std::string& head);
 
 /// The length of the body that the request announces; 0 without one.

@@ -1,4 +1,4 @@
-// Builds the bytes of an HTTP response, well-formed by default, with every part open to change.
+// Builds the bytes of an HTTP response. It is well-formed by default, and every part can be changed.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 namespace orva::test
 {
 
-/// The date that replies carry unless told otherwise.
+/// The default Date header.
 inline constexpr char kReplyDate[] = "Thu, 20 Jan 2011 14:03:07 GMT";
 
 /// A response: by default HTTP/1.1, with Date, Content-Type text/plain, Content-Length and "Connection:
@@ -20,14 +20,14 @@ public:
 
     CHttpReply& Reason(std::string reason);
     CHttpReply& Body(std::string body);
-    /// Sets a header, in place of one of that name (compared without case).
+    /// Sets a header and replaces those of the same name (compared without case).
     CHttpReply& Header(const std::string& name, std::string value);
     /// Adds a header even if there is one of that name.
     CHttpReply& AddHeader(std::string name, std::string value);
-    /// Leaves a header out, the default ones included.
+    /// Removes a header, default ones included.
     CHttpReply& Without(const std::string& name);
     CHttpReply& WithoutDate() { return Without("Date"); }
-    /// Announces another length than the body has.
+    /// Sends a Content-Length other than the body's.
     CHttpReply& ContentLength(unsigned long long length);
     /// Sends the body in chunks of `chunkSize` bytes (and no Content-Length).
     CHttpReply& Chunked(size_t chunkSize);
@@ -35,9 +35,9 @@ public:
     CHttpReply& KeepAlive();
 
     bool IsKeepAlive() const { return m_keepAlive; }
-    /// Status line and headers, the empty line included.
+    /// Status line, headers and the empty line.
     std::string Head() const;
-    /// The body as it goes over the wire (chunked if asked for).
+    /// The body as it is sent, in chunks after Chunked.
     std::string WireBody() const;
     /// The whole response.
     std::string Bytes() const { return Head() + WireBody(); }

@@ -8,18 +8,18 @@
 namespace orva::test
 {
 
-/// Names the only handles that a new program inherits. This process's own output would be one of the others,
-/// and whoever reads that would wait for the last program that holds it.
+/// Limits inheritance to these handles. Otherwise a child could inherit this process's own output, and the
+/// reader of that output would wait until the child ends.
 class CInheritedHandles
 {
 public:
-    /// Throws std::runtime_error if the system does not take the list.
+    /// Throws std::runtime_error if the attribute list cannot be made.
     explicit CInheritedHandles(std::vector<HANDLE> handles);
     ~CInheritedHandles();
     CInheritedHandles(const CInheritedHandles&) = delete;
     CInheritedHandles& operator=(const CInheritedHandles&) = delete;
 
-    /// For STARTUPINFOEX.
+    /// For STARTUPINFOEXW::lpAttributeList.
     LPPROC_THREAD_ATTRIBUTE_LIST Get();
 
 private:

@@ -15,7 +15,7 @@ namespace
 
 constexpr wchar_t kLogName[] = L"logfile_OrvaAddIn.txt";
 
-// Whether a text has the form of a time stamp: digits where the pattern has a "0".
+// Whether a text has the form of a time stamp. A "0" in the pattern stands for any digit.
 bool IsTime(std::string_view text)
 {
     constexpr std::string_view kPattern = "0000-00-00 00:00:00";

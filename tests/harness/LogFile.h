@@ -1,4 +1,4 @@
-// The add-in's log file: where it is, what it says, and the registry switch that turns it on.
+// The add-in's log file: path, entries, and the registry switch that turns it on.
 #pragma once
 
 #include "harness/Registry.h"
@@ -14,7 +14,7 @@ namespace orva::test
 inline constexpr wchar_t kLogSwitchKey[] = L"SOFTWARE\\ORVA Connector";
 inline constexpr wchar_t kLogSwitchValue[] = L"EnableDebugLog";
 
-/// One line of the log, taken apart.
+/// One line of the log.
 struct CLogEntry
 {
     /// "2011-01-20 14:03:07"
@@ -30,10 +30,10 @@ std::wstring LogPath();
 void DeleteLog();
 /// The log's bytes; empty if there is no log.
 std::string ReadLog();
-/// The entries. A line that is not "[time] text" with a CR LF end is given with an empty time, as it stands:
-/// texts that contain line ends make such lines.
+/// The entries. A line that is not "[time] text" and CR LF has an empty time and is the whole text: texts
+/// that contain line ends make such lines.
 std::vector<CLogEntry> ReadLogEntries();
-/// Their texts alone.
+/// The texts of the entries.
 std::vector<std::string> ReadLogTexts();
 /// Waits until an entry with exactly this text is in the log.
 bool WaitForLogText(const std::string& text, DWORD timeout = kPatience);
@@ -45,7 +45,7 @@ public:
     CLogMark() : m_before(ReadLogTexts().size()), m_read(m_before) {}
 
     std::vector<std::string> Texts() const { return TextsFrom(m_before); }
-    /// Whether `text` is among them.
+    /// Whether `text` is one of them.
     bool Has(const std::string& text) const;
     /// Those since the last call of this, or since construction.
     std::vector<std::string> NewLines();
@@ -57,8 +57,8 @@ private:
     size_t m_read;
 };
 
-/// For its lifetime the log is switched on for the current user, and starts from nothing: an existing log is
-/// removed at construction, the new one at the end. It takes effect in programs started afterwards.
+/// Switches the log on for the current user during its lifetime. Removes an existing log at construction and
+/// the new one at destruction. Takes effect in programs started afterwards.
 class CDebugLogOn
 {
 public:

@@ -18,13 +18,13 @@ namespace orva::test
 namespace
 {
 
-// How long a wait relies on Wine to tell of a new connection, which it misses now and then when many sockets
-// are busy, in milliseconds.
-constexpr DWORD kLookAgain = 250;
+// Milliseconds after which a wait polls the socket: Wine sometimes misses an event when many sockets are
+// busy.
+constexpr DWORD kPollInterval = 250;
 
 } // namespace
 
-// The server's state, its accepting thread and one thread a connection.
+// The server's state, its accepting thread and one thread per connection.
 class CLoopbackServer::Impl
 {
 public:
@@ -72,8 +72,8 @@ public:
     size_t openConnections = 0;
 
 private:
-    // What a connection's thread is started with.
-    struct Start
+    // The argument of a connection's thread.
+    struct ConnectionStart
     {
         Impl* server;
         std::unique_ptr<CServerConnection> connection;
@@ -88,7 +88,7 @@ private:
 
     static unsigned __stdcall ConnectionEntry(void* argument)
     {
-        const std::unique_ptr<Start> start(static_cast<Start*>(argument));
+        const std::unique_ptr<ConnectionStart> start(static_cast<ConnectionStart*>(argument));
         Impl& server = *start->server;
         server.Serve(*start->connection, start->script);
         start->connection.reset();
@@ -99,12 +99,12 @@ private:
 
     void Accept()
     {
-        const UniqueHandle news(WSACreateEvent());
-        WSAEventSelect(m_listener, news.get(), FD_ACCEPT);
-        const HANDLE events[] = {m_refuse.get(), news.get()};
-        while (WSAWaitForMultipleEvents(2, events, FALSE, kLookAgain, FALSE) != WSA_WAIT_EVENT_0)
+        const UniqueHandle acceptEvent(WSACreateEvent());
+        WSAEventSelect(m_listener, acceptEvent.get(), FD_ACCEPT);
+        const HANDLE events[] = {m_refuse.get(), acceptEvent.get()};
+        while (WSAWaitForMultipleEvents(2, events, FALSE, kPollInterval, FALSE) != WSA_WAIT_EVENT_0)
         {
-            WSAResetEvent(news.get());
+            WSAResetEvent(acceptEvent.get());
             SOCKET socket;
             while ((socket = accept(m_listener, nullptr, nullptr)) != INVALID_SOCKET)
             {
@@ -117,7 +117,7 @@ private:
     void StartConnection(SOCKET socket)
     {
         KeepSocketToThisProcess(socket);
-        auto start = std::make_unique<Start>();
+        auto start = std::make_unique<ConnectionStart>();
         start->server = this;
         const std::lock_guard lock(mutex);
         start->connection = std::make_unique<CServerConnection>(socket, m_stop.get(), connections++);

@@ -1,4 +1,4 @@
-// A scripted HTTP server on 127.0.0.1 inside the test process; it also plays the proxy of WinINet.
+// A scripted HTTP server on 127.0.0.1 inside the test process, which can also be WinINet's proxy.
 #pragma once
 
 #include "harness/FaultyPorts.h"
@@ -13,14 +13,14 @@
 namespace orva::test
 {
 
-/// Listens from construction to destruction. Every connection has a thread of its own. A request is answered
-/// by the script of its path; scripts may be changed at any time from any thread.
+/// Listens during its lifetime. Every connection has a thread of its own. The script of a request's path
+/// answers it; scripts may be changed at any time from any thread.
 class CLoopbackServer
 {
 public:
     /// Listens on a free port of 127.0.0.1. Throws std::runtime_error if that fails.
     CLoopbackServer();
-    /// Breaks off what its scripts do, closes every connection and waits for its threads.
+    /// Cancels all scripts, closes all connections and waits for its threads.
     ~CLoopbackServer();
     CLoopbackServer(const CLoopbackServer&) = delete;
     CLoopbackServer& operator=(const CLoopbackServer&) = delete;
@@ -30,24 +30,24 @@ public:
     std::string Url(const std::string& path) const;
     std::wstring WideUrl(const std::string& path) const;
 
-    /// Answers every request for this path (without query; whatever the host) with the script. The initial
-    /// answer to every path is 404.
+    /// Answers every request for this path, whatever its host and query, with the script. Paths without a
+    /// script get a 404.
     void On(const std::string& path, CServerScript script);
-    /// Answers one request for this path with the script, before what On says; several queue up.
+    /// Answers one request for this path with the script, before the script of On. Several calls queue up.
     void OnNext(const std::string& path, CServerScript script);
     /// Answers requests for all other paths.
     void OnOther(CServerScript script);
     /// Runs the script on every new connection instead of reading a request from it. An empty script closes
     /// at once; std::nullopt goes back to reading requests.
     void OnConnection(std::optional<CServerScript> script);
-    /// Runs the script on the next connection only, before what OnConnection says.
+    /// Runs the script on the next connection only, before the script of OnConnection.
     void OnNextConnection(CServerScript script);
-    /// Stops listening: from now on connections are refused.
+    /// Stops listening; later connections are refused.
     void Refuse();
 
     std::vector<CHttpRecord> Requests() const;
     std::vector<CHttpRecord> RequestsFor(const std::string& path) const;
-    /// Waits until `count` requests have come in (headers and body complete).
+    /// Waits until `count` requests have been received with their bodies.
     bool WaitForRequests(size_t count, DWORD timeout = kPatience) const;
     /// Number of connections accepted so far.
     size_t Connections() const;

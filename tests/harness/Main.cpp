@@ -1,4 +1,4 @@
-// main() of every test program: COM for the test's thread, a watchdog, and no crash boxes.
+// main() of every test program: initializes COM, starts the watchdog, and turns crash dialogs off.
 #include "harness/Watchdog.h"
 
 #include <gmock/gmock.h>
@@ -8,8 +8,8 @@
 namespace
 {
 
-// Makes the file by which tools/run-test knows that the program has come as far as here.
-void NoteStart()
+// Creates the file by which tools/run-test knows that the program has reached main().
+void WriteStartedFile()
 {
     wchar_t path[MAX_PATH];
     const DWORD length = GetEnvironmentVariableW(L"ORVA_STARTED_FILE", path, MAX_PATH);
@@ -28,7 +28,7 @@ void NoteStart()
 
 int main(int argc, char** argv)
 {
-    NoteStart();
+    WriteStartedFile();
     orva::test::InstallCrashReport();
     testing::InitGoogleMock(&argc, argv);
     testing::UnitTest::GetInstance()->listeners().Append(orva::test::StartWatchdog());

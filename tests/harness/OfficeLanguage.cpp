@@ -21,7 +21,7 @@ COfficeLanguageSetting::COfficeLanguageSetting(DWORD language)
 
 COfficeLanguageSetting::~COfficeLanguageSetting()
 {
-    // The last made is the first to be put back: they share keys.
+    // Restored in reverse order, because they share keys.
     while (!m_values.empty())
     {
         m_values.erase(std::prev(m_values.end()));

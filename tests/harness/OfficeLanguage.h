@@ -1,4 +1,4 @@
-// The language that Office's own setup has chosen for its user interface.
+// The language of Office's user interface, as the registry says it.
 #pragma once
 
 #include "harness/Registry.h"
@@ -11,7 +11,7 @@ namespace orva::test
 
 inline constexpr DWORD kEnglish = 1033;
 
-/// The key under HKEY_CURRENT_USER of this version of Office (12, 14, 15), and its value with the language.
+/// The key under HKEY_CURRENT_USER, for Office 12, 14 or 15, and the value that has the language.
 std::wstring OfficeLanguageKey(int version);
 inline constexpr wchar_t kOfficeLanguageValue[] = L"UILanguage";
 
@@ -24,7 +24,7 @@ public:
     COfficeLanguageSetting(const COfficeLanguageSetting&) = delete;
     COfficeLanguageSetting& operator=(const COfficeLanguageSetting&) = delete;
 
-    /// Another language for one version, for the rest of its life.
+    /// Changes the language of one version.
     void Set(int version, DWORD language) { m_values.at(version).SetDword(language); }
 
 private:

@@ -15,16 +15,16 @@ namespace orva::test
 namespace
 {
 
-// Exit code of a program that End has ended.
+// Exit code of a program that End has terminated.
 constexpr UINT kEndedCode = 0xE0D0;
-// How often the debugger looks whether its program still runs, in milliseconds.
+// How often the debugger checks whether its program still runs, in milliseconds.
 constexpr DWORD kDebugInterval = 50;
 
 constexpr int kStartAttempts = 3;
 
-// A job that every program started here belongs to, and every program that these start. The system ends them
-// all when this process is gone, however it ended: nothing may wait for a person then.
-HANDLE TheJob()
+// The job of every program started here and of their children. The system ends them all when this process
+// ends, for whatever reason.
+HANDLE ChildrensJob()
 {
     static const HANDLE job = [] {
         const HANDLE created = CreateJobObjectW(nullptr, nullptr);
@@ -38,8 +38,8 @@ HANDLE TheJob()
 
 } // namespace
 
-// The process, a thread that reads its output and, under a debugger, a thread that started it and hears its
-// events.
+// The process, a thread that reads its output and, with `debug`, a thread that starts it and receives its
+// debug events.
 class CChildProcess::Impl
 {
 public:
@@ -57,7 +57,7 @@ public:
         SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
         if (options.debug)
         {
-            // The thread that starts a program under debugging is the one that gets its events.
+            // Only the thread that starts the program receives its debug events.
             m_debugger.reset(
                 reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, DebugEntry, this, 0, nullptr)));
             WaitForSingleObject(m_started.get(), INFINITE);
@@ -96,7 +96,8 @@ public:
             return std::nullopt;
         }
         WaitForDebugger();
-        // A grandchild may hold the pipe open; what the program itself wrote is there by then.
+        // A grandchild may hold the pipe open, so the reader may never end; by then it has read what the
+        // program itself wrote.
         constexpr DWORD kDrainTime = 1'000;
         WaitForSingleObject(m_reader.get(), kDrainTime);
         DWORD code = 0;
@@ -131,13 +132,13 @@ private:
     void Create()
     {
         SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
-        const UniqueHandle nothing(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                               &inherit, OPEN_EXISTING, 0, nullptr));
-        CInheritedHandles inherited({nothing.get(), m_writeEnd.get()});
+        const UniqueHandle nullDevice(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                                  &inherit, OPEN_EXISTING, 0, nullptr));
+        CInheritedHandles inherited({nullDevice.get(), m_writeEnd.get()});
         STARTUPINFOEXW startup = {};
         startup.StartupInfo.cb = sizeof startup;
         startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
-        startup.StartupInfo.hStdInput = nothing.get();
+        startup.StartupInfo.hStdInput = nullDevice.get();
         startup.StartupInfo.hStdOutput = m_writeEnd.get();
         startup.StartupInfo.hStdError = m_writeEnd.get();
         startup.lpAttributeList = inherited.Get();
@@ -149,7 +150,7 @@ private:
         {
             flags |= DEBUG_ONLY_THIS_PROCESS;
         }
-        // Wine 8 now and then fails to bring up a process that it starts well the next time.
+        // Wine 8 sometimes fails with ERROR_INTERNAL_ERROR and succeeds at the next attempt.
         BOOL isStarted = FALSE;
         for (int attempt = 0; attempt < kStartAttempts && !isStarted; ++attempt)
         {
@@ -165,7 +166,7 @@ private:
         if (isStarted)
         {
             m_process.reset(information.hProcess);
-            AssignProcessToJobObject(TheJob(), information.hProcess);
+            AssignProcessToJobObject(ChildrensJob(), information.hProcess);
             ResumeThread(information.hThread);
             CloseHandle(information.hThread);
             id = information.dwProcessId;
@@ -199,7 +200,8 @@ private:
                 AddDebugLine(event.u.DebugString);
                 break;
             case EXCEPTION_DEBUG_EVENT:
-                // The breakpoint at the start is the debugger's; every other exception is the program's own.
+                // The breakpoint at the start is for the debugger; every other exception is the program's
+                // own.
                 if (event.u.Exception.ExceptionRecord.ExceptionCode != EXCEPTION_BREAKPOINT)
                 {
                     answer = DBG_EXCEPTION_NOT_HANDLED;

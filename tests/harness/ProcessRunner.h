@@ -18,21 +18,21 @@ struct CProcessOptions
     /// Path of the program, or a name that the search path finds.
     std::wstring program;
     std::vector<std::wstring> arguments = {};
-    /// Set on top of this process's environment; an empty value removes the variable.
+    /// Changes to this process's environment; an empty value removes the variable.
     std::map<std::wstring, std::wstring> environment = {};
     std::wstring folder = {};
-    /// Collect what the program gives to OutputDebugString; the program then runs under a debugger.
+    /// Runs the program under a debugger that collects its OutputDebugString calls.
     bool debug = false;
 };
 
-/// A running program. It ends with this process at the latest, and so does what it starts. Standard output
-/// and standard error are captured together; standard input is empty.
+/// A running program. It and its children end with this process at the latest. Standard output and standard
+/// error are captured together; standard input is empty.
 class CChildProcess
 {
 public:
     /// Starts the program. Throws std::runtime_error if that fails.
     explicit CChildProcess(const CProcessOptions& options);
-    /// Ends the program, by its own handle, if it still runs.
+    /// Terminates the program if it still runs.
     ~CChildProcess();
     CChildProcess(const CChildProcess&) = delete;
     CChildProcess& operator=(const CChildProcess&) = delete;
@@ -41,11 +41,11 @@ public:
     bool IsRunning() const;
     /// The exit code, or nothing if the program still runs after `timeout` milliseconds.
     std::optional<DWORD> WaitForExit(DWORD timeout = kPatience);
-    /// What the program has written up to now; all of it once WaitForExit has given a code.
+    /// What the program has written so far; all of it once WaitForExit has returned a code.
     std::string Output() const;
-    /// What it has given to OutputDebugString, one entry a call.
+    /// The texts of its OutputDebugString calls.
     std::vector<std::string> DebugLines() const;
-    /// Ends the program.
+    /// Terminates the program.
     void End();
 
 private:

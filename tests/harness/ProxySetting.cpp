@@ -15,7 +15,7 @@ constexpr wchar_t kServerValue[] = L"ProxyServer";
 constexpr wchar_t kOverrideValue[] = L"ProxyOverride";
 constexpr wchar_t kAutoConfigValue[] = L"AutoConfigURL";
 
-void AnnounceChange()
+void ReadSettingAgain()
 {
     InternetSetOptionW(nullptr, INTERNET_OPTION_SETTINGS_CHANGED, nullptr, 0);
     InternetSetOptionW(nullptr, INTERNET_OPTION_REFRESH, nullptr, 0);
@@ -25,7 +25,7 @@ void AnnounceChange()
 
 CProxyChangeAnnouncer::~CProxyChangeAnnouncer()
 {
-    AnnounceChange();
+    ReadSettingAgain();
 }
 
 CProxySetting::CProxySetting(unsigned short port) : CProxySetting(L"127.0.0.1:" + std::to_wstring(port)) {}
@@ -40,7 +40,7 @@ CProxySetting::CProxySetting(const std::wstring& proxy)
     m_server.SetString(proxy);
     m_override.Remove();
     m_autoConfig.Remove();
-    AnnounceChange();
+    ReadSettingAgain();
 }
 
 CNoProxy::CNoProxy()
@@ -49,7 +49,7 @@ CNoProxy::CNoProxy()
 {
     m_enable.SetDword(0);
     m_autoConfig.Remove();
-    AnnounceChange();
+    ReadSettingAgain();
 }
 
 } // namespace orva::test

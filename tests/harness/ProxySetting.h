@@ -1,4 +1,4 @@
-// The user's proxy setting: leads every WinINet request, whatever its host, to a server on loopback.
+// The user's proxy setting: sends every WinINet request, whatever its host, to a server on loopback.
 #pragma once
 
 #include "harness/Registry.h"
@@ -8,19 +8,18 @@
 namespace orva::test
 {
 
-/// Makes this process read the proxy setting again when it is destroyed.
+/// Its destructor makes this process read the proxy setting again.
 struct CProxyChangeAnnouncer
 {
     ~CProxyChangeAnnouncer();
 };
 
-/// For its lifetime the current user's proxy is 127.0.0.1:PORT, for programs started from now on and for this
-/// one.
+/// During its lifetime the current user's proxy is 127.0.0.1:PORT, for this process and for programs started
+/// afterwards.
 ///
 /// A request then arrives in absolute form ("GET http://host:80/path HTTP/1.1"). Wine reads the setting at
-/// each InternetOpen; Windows keeps it for a process until INTERNET_OPTION_SETTINGS_CHANGED, which is sent
-/// here (it reaches this process only). Requests to 127.0.0.1 itself go through the proxy as well, since the
-/// list of exceptions is taken away.
+/// each InternetOpen; Windows keeps it until INTERNET_OPTION_SETTINGS_CHANGED is set in the process, as it is
+/// here. Requests to 127.0.0.1 itself go through the proxy too, because the list of exceptions is removed.
 class CProxySetting
 {
 public:
@@ -31,7 +30,7 @@ public:
     CProxySetting& operator=(const CProxySetting&) = delete;
 
 private:
-    /// First, so that it is destroyed last: when the values stand as before.
+    // First, so that it is destroyed last, when the values have been restored.
     CProxyChangeAnnouncer m_announcer;
     CRegistryValue m_enable;
     CRegistryValue m_server;
@@ -39,7 +38,7 @@ private:
     CRegistryValue m_autoConfig;
 };
 
-/// For its lifetime no proxy is set.
+/// During its lifetime no proxy is set.
 class CNoProxy
 {
 public:
@@ -48,7 +47,7 @@ public:
     CNoProxy& operator=(const CNoProxy&) = delete;
 
 private:
-    /// First, so that it is destroyed last: when the values stand as before.
+    // First, so that it is destroyed last, when the values have been restored.
     CProxyChangeAnnouncer m_announcer;
     CRegistryValue m_enable;
     CRegistryValue m_autoConfig;

@@ -68,7 +68,7 @@ void WriteValue(HKEY key, const std::wstring& name, DWORD type, const std::vecto
 
 CRegistrySnapshot SnapshotOf(HKEY key)
 {
-    // Longest names that the registry allows, with room for the terminator.
+    // The longest name that the registry allows, and a terminator.
     constexpr DWORD kNameSize = 16'384;
     std::vector<wchar_t> name(kNameSize);
     CRegistrySnapshot snapshot;
@@ -122,7 +122,7 @@ std::string Describe(const CRegistrySnapshot::Value& value)
     case REG_EXPAND_SZ: {
         std::wstring string(value.bytes.size() / sizeof(wchar_t), L'\0');
         std::memcpy(string.data(), value.bytes.data(), string.size() * sizeof(wchar_t));
-        // One terminator belongs to the type; a missing or a second one has to show.
+        // One terminator belongs to the type; a missing or a second one must be visible.
         if (string.ends_with(L'\0'))
         {
             string.pop_back();
@@ -169,7 +169,7 @@ void Export(std::string& out, const std::wstring& path, const CRegistrySnapshot&
     }
 }
 
-// The topmost key on the path that does not exist; empty if all exist.
+// The topmost missing key of the path; empty if none is missing.
 std::wstring FirstMissingKey(HKEY root, const std::wstring& path)
 {
     for (size_t end = path.find(L'\\');; end = path.find(L'\\', end + 1))

@@ -1,4 +1,4 @@
-// Registry fixtures: what they change they put back, and key trees can be exported as text for comparison.
+// Registry fixtures that restore what they change, and the export of key trees as text for comparison.
 #pragma once
 
 #include <windows.h>
@@ -12,12 +12,12 @@
 namespace orva::test
 {
 
-/// One value under a test's control. The destructor restores the value as it was, and removes the keys that
-/// had to be created for it. Failures throw std::runtime_error, save in the destructor.
+/// One value that a test changes. The destructor restores it and removes the keys that had to be created for
+/// it. Failures throw std::runtime_error, except in the destructor.
 class CRegistryValue
 {
 public:
-    /// `key` is the path under `root`. Nothing is changed yet; the 64-bit view is used.
+    /// `key` is the path under `root` in the 64-bit view. Changes nothing yet.
     CRegistryValue(HKEY root, std::wstring key, std::wstring name);
     ~CRegistryValue();
     CRegistryValue(const CRegistryValue&) = delete;
@@ -26,7 +26,7 @@ public:
     void SetDword(DWORD value);
     void SetString(const std::wstring& value);
     void SetBytes(const std::vector<BYTE>& bytes, DWORD type = REG_BINARY);
-    /// Makes sure that the value does not exist.
+    /// Removes the value if it exists.
     void Remove();
 
 private:
@@ -36,7 +36,7 @@ private:
     bool m_existed = false;
     DWORD m_type = REG_NONE;
     std::vector<BYTE> m_bytes;
-    /// The topmost key that did not exist before; empty if all did.
+    /// The topmost key that did not exist before; empty if all existed.
     std::wstring m_missingKey;
 };
 
@@ -53,8 +53,7 @@ struct CRegistrySnapshot
     std::map<std::wstring, CRegistrySnapshot> keys;
 };
 
-/// Keeps a whole key tree: the destructor makes it again what it was at construction (absent, if it was
-/// absent).
+/// Restores a key tree at destruction as it was at construction.
 class CRegistryTreeGuard
 {
 public:
@@ -63,7 +62,7 @@ public:
     CRegistryTreeGuard(const CRegistryTreeGuard&) = delete;
     CRegistryTreeGuard& operator=(const CRegistryTreeGuard&) = delete;
 
-    /// Removes the tree for the rest of the object's life.
+    /// Removes the tree until the destructor restores it.
     void Remove();
 
 private:
@@ -75,7 +74,7 @@ private:
 /// The tree under the key, or nothing if the key does not exist.
 std::optional<CRegistrySnapshot> TakeRegistrySnapshot(HKEY root, const std::wstring& key);
 
-/// The tree as text, one line a key or value, sorted, names as they are stored: "[key]", "name = REG_SZ
+/// The tree as text, one line for each key and value, sorted: "[key]", "name = REG_SZ
 /// "text"", "name = REG_DWORD 0x00000003", "name = hex(3) 01 02"; the default value's name is "@". "(no key)"
 /// if the key is missing.
 std::string ExportRegistryKey(HKEY root, const std::wstring& key);
@@ -84,7 +83,7 @@ bool RegistryKeyExists(HKEY root, const std::wstring& key);
 /// A string value (REG_SZ or REG_EXPAND_SZ, not expanded); absent if missing or of another type.
 std::optional<std::wstring> RegistryString(HKEY root, const std::wstring& key, const std::wstring& name);
 std::optional<DWORD> RegistryDword(HKEY root, const std::wstring& key, const std::wstring& name);
-/// Removes a key with all below it; a missing key is no error.
+/// Removes a key with its subkeys. A missing key is no error.
 void DeleteRegistryKey(HKEY root, const std::wstring& key);
 
 } // namespace orva::test

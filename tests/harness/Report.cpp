@@ -12,7 +12,7 @@ namespace orva::test
 
 bool IsThorough()
 {
-    // Counts the zero at the end of a variable that is set.
+    // The length includes the terminator.
     return GetEnvironmentVariableW(L"ORVA_THOROUGH", nullptr, 0) > 1;
 }
 
@@ -35,7 +35,7 @@ void AddReportRow(std::string_view table, const std::vector<std::string>& cells)
     line += '\n';
 
     CreateDirectoryW(L"report", nullptr);
-    // Opened for appending only, one write a row: rows of programs that run at the same time do not mix.
+    // Opened for appending and written with one call, so that rows of concurrent programs do not mix.
     const std::wstring path = L"report\\" + Wide(table) + L".tsv";
     const HANDLE file = CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                     nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -1,4 +1,4 @@
-// What a test run measures for its reader: rows of named tables, from which the reports in docs/ are made.
+// Rows of the tables from which the reports in docs/ are made.
 #pragma once
 
 #include <string>
@@ -11,13 +11,13 @@ namespace orva::test
 /// Whether this is the thorough run: the environment variable ORVA_THOROUGH is set and not empty.
 bool IsThorough();
 
-/// How often to repeat something: `few` in the everyday run, `many` in the thorough one.
+/// `few` in the normal run, `many` in the thorough one.
 int Repetitions(int few, int many);
 
 /// Adds a row to the table `table`, a file of tab-separated UTF-8 lines `report/TABLE.tsv` in the working
-/// folder, which tools/make-reliability turns into a page. Programs that run at the same time may add to one
-/// table; rows are put into the order of their first cell when the page is made. A tab or a line end in a
-/// cell becomes a blank. Throws std::runtime_error if the file cannot be written.
+/// folder, from which tools/make-reliability makes a page, sorted by the first cell. Programs that run at the
+/// same time may add to one table. A tab or a line end in a cell becomes a blank. Throws std::runtime_error
+/// if the file cannot be written.
 void AddReportRow(std::string_view table, const std::vector<std::string>& cells);
 
 } // namespace orva::test

@@ -31,8 +31,8 @@ CSeenWindow LookAt(HWND window)
     CSeenWindow seen;
     seen.window = window;
     seen.owner = GetWindow(window, GW_OWNER);
-    // What can be known without asking the window comes first: one whose thread is busy answers late, perhaps
-    // only when it has been destroyed.
+    // What needs no message to the window is read first: while its thread is busy the window answers late,
+    // and may be destroyed by then.
     const std::vector<HWND> children = ChildWindows(window);
     std::vector<std::wstring> classes;
     for (const HWND control : children)

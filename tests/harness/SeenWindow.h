@@ -1,4 +1,4 @@
-// What a user sees of a dialog.
+// The texts and controls of a dialog, as a user sees them.
 #pragma once
 
 #include <windows.h>
@@ -10,12 +10,12 @@
 namespace orva::test
 {
 
-/// A dialog or message box as the user saw it when it had come up.
+/// A dialog or message box as it was when LookAt was called.
 struct CSeenWindow
 {
     HWND window = nullptr;
     std::wstring caption;
-    /// A message box's text; for another dialog the texts of its statics, one a line.
+    /// A message box's text; for other dialogs the texts of the statics, one per line.
     std::wstring text;
     /// The captions of the visible buttons, in tab order.
     std::vector<std::wstring> buttons;
@@ -23,17 +23,17 @@ struct CSeenWindow
     std::vector<std::pair<int, std::wstring>> controls;
     HWND owner = nullptr;
     std::wstring ownerCaption;
-    /// Whether the owner could be used meanwhile; true without an owner.
+    /// Whether the owner was enabled; true without an owner.
     bool ownerEnabled = true;
 
     /// The text of the control with this id; empty if there is none.
     std::wstring Control(int id) const;
 };
 
-/// Looks at a dialog as it is now. Asks the window's thread for texts, and so waits while that is busy.
+/// Reads a dialog. Some texts come from the window's thread, so this waits while that thread is busy.
 CSeenWindow LookAt(HWND window);
 
-/// One line for a test's failure: caption, text and buttons.
+/// Caption, text and buttons in one line, for failure messages.
 std::string Describe(const CSeenWindow& seen);
 
 } // namespace orva::test

@@ -8,12 +8,12 @@ namespace orva::test
 namespace
 {
 
-// A request with a longer head than this is taken as it is.
+// A head that has no end by this size is taken as complete.
 constexpr size_t kMaxHead = 1 << 20;
-// How long a wait relies on Wine to tell of news, which it misses now and then when many sockets are busy,
-// in milliseconds.
-constexpr DWORD kLookAgain = 250;
-// How long a graceful close waits for the client's end, in milliseconds; longer than any client needs.
+// Milliseconds after which a wait polls the socket: Wine sometimes misses an event when many sockets are
+// busy.
+constexpr DWORD kPollInterval = 250;
+// Milliseconds that a graceful close waits for the client to close; longer than any client needs.
 constexpr DWORD kLinger = 2'000;
 
 } // namespace
@@ -29,16 +29,16 @@ CServerConnection::~CServerConnection()
     closesocket(m_socket);
 }
 
-// Waits until the socket has news or the server stops. Says so without news now and then, too: callers
-// ask the socket. False when the server stops or time is up.
-bool CServerConnection::WaitForNews(DWORD timeout)
+// Waits for an event of the socket. May return true without one, so callers must poll the socket. False when
+// the server stops or after `timeout` milliseconds.
+bool CServerConnection::WaitForEvent(DWORD timeout)
 {
     const HANDLE events[] = {m_stop, m_event.get()};
-    const DWORD woken = WSAWaitForMultipleEvents(2, events, FALSE, std::min(timeout, kLookAgain), FALSE);
-    return woken == WSA_WAIT_EVENT_0 + 1 || (woken == WSA_WAIT_TIMEOUT && timeout > kLookAgain);
+    const DWORD woken = WSAWaitForMultipleEvents(2, events, FALSE, std::min(timeout, kPollInterval), FALSE);
+    return woken == WSA_WAIT_EVENT_0 + 1 || (woken == WSA_WAIT_TIMEOUT && timeout > kPollInterval);
 }
 
-// Receives what there is. False once the connection has ended.
+// Receives at least one byte. False when the connection has ended or the server stops.
 bool CServerConnection::Receive()
 {
     char buffer[16'384];
@@ -53,7 +53,7 @@ bool CServerConnection::Receive()
         }
         if (count < 0 && WSAGetLastError() == WSAEWOULDBLOCK)
         {
-            if (WaitForNews())
+            if (WaitForEvent())
             {
                 continue;
             }
@@ -104,7 +104,7 @@ bool CServerConnection::SendAll(const std::string& bytes)
             sent += static_cast<size_t>(count);
             continue;
         }
-        if (WSAGetLastError() != WSAEWOULDBLOCK || !WaitForNews())
+        if (WSAGetLastError() != WSAEWOULDBLOCK || !WaitForEvent())
         {
             return false;
         }
@@ -135,8 +135,8 @@ bool CServerConnection::IsStopping(DWORD wait)
 
 void CServerConnection::CloseGracefully()
 {
-    // A close with unread data would send a reset and could take the reply's end away from the client, so
-    // the client's own end is awaited.
+    // Closing a socket with unread data sends a reset, which could cost the client the end of the reply. So
+    // the client's close is awaited.
     shutdown(m_socket, SD_SEND);
     const ULONGLONG end = GetTickCount64() + kLinger;
     char buffer[16'384];
@@ -149,14 +149,13 @@ void CServerConnection::CloseGracefully()
         {
             return;
         }
-        if (count < 0 && !WaitForNews(static_cast<DWORD>(end - now)))
+        if (count < 0 && !WaitForEvent(static_cast<DWORD>(end - now)))
         {
             return;
         }
     }
 }
 
-// Runs the actions. True if the connection goes on with the next request.
 bool CServerConnection::Play(const CServerScript& script)
 {
     for (const CServerScript::Action& action : script.Actions())

@@ -1,7 +1,6 @@
 // One connection of the scripted server: reads requests and plays scripts.
 #pragma once
 
-// Before anything that includes windows.h, which brings the old sockets otherwise.
 #include "harness/HttpRecord.h"
 #include "harness/ServerScript.h"
 #include "harness/Waiting.h"
@@ -17,8 +16,8 @@ namespace orva::test
 class CServerConnection
 {
 public:
-    /// Takes over the socket, which is told not to wait. `stop` is an event that ends every wait for good; it
-    /// must outlive the object. `number` goes into the records of the requests.
+    /// Owns the socket and makes it non-blocking. `stop` is a manual-reset event that ends every wait; it
+    /// must outlive the object. `number` is stored in the records of the requests.
     CServerConnection(SOCKET socket, HANDLE stop, size_t number);
     ~CServerConnection();
     CServerConnection(const CServerConnection&) = delete;
@@ -26,11 +25,11 @@ public:
 
     /// The next request; nothing once the client has ended the connection or the server stops.
     std::optional<CHttpRecord> ReadRequest();
-    /// Runs the script's actions. True if the connection goes on with the next request.
+    /// Runs the script. True if the next request may be read from the connection.
     bool Play(const CServerScript& script);
 
 private:
-    bool WaitForNews(DWORD timeout = INFINITE);
+    bool WaitForEvent(DWORD timeout = INFINITE);
     bool Receive();
     bool SendAll(const std::string& bytes);
     bool Send(const CServerScript::Action& action);
@@ -42,7 +41,7 @@ private:
     const size_t m_number;
     const UniqueHandle m_event;
     bool m_peerClosed = false;
-    /// Received and not yet used.
+    /// Received and not yet parsed.
     std::string m_pending;
 };
 

@@ -1,5 +1,4 @@
-// What a scripted server does with a connection: a list of actions, from a plain reply to a reset in
-// mid-byte.
+// What a scripted server does with a connection: a list of actions, such as a reply, a pause or a reset.
 #pragma once
 
 #include "harness/HttpReply.h"
@@ -13,15 +12,15 @@
 namespace orva::test
 {
 
-/// A point at which a script waits until the test lets it go on. Copies share the one gate.
+/// A point at which a script waits for the test. Copies share one gate.
 class CGate
 {
 public:
     CGate();
 
-    /// Lets the script pass, now and ever after.
+    /// Lets scripts pass, from now on.
     void Open();
-    /// Waits until a script stands at the gate. Returns whether that happened in time.
+    /// Waits until a script has reached the gate; false if that did not happen in time.
     bool WaitUntilReached(DWORD timeout = kPatience) const;
 
     HANDLE OpenedEvent() const { return m_state->opened.get(); }
@@ -38,8 +37,8 @@ private:
 
 /// A list of actions; each call appends one and returns the script, so that calls can be chained.
 ///
-/// A script that ends without Stall, Reset, Close or NextRequest closes the connection gracefully. The
-/// server's end breaks off every wait.
+/// A script that ends without Stall, Reset, Close or NextRequest closes the connection gracefully. Every wait
+/// ends when the server is destroyed.
 class CServerScript
 {
 public:
@@ -66,12 +65,12 @@ public:
     };
 
     CServerScript() = default;
-    /// The reply, then the end of the connection (or, if it keeps the connection alive, the next request).
+    /// Sends the reply, then closes the connection (or, with KeepAlive, reads the next request).
     CServerScript(const CHttpReply& reply);
 
     /// Sends these bytes.
     CServerScript& Send(std::string bytes);
-    /// Sends them `chunk` at a time with `pause` milliseconds after each: a slow server.
+    /// Sends these bytes, `chunk` at a time, with `pause` milliseconds after each: a slow server.
     CServerScript& SendSlowly(std::string bytes, size_t chunk, DWORD pause);
     /// Waits until the test opens the gate.
     CServerScript& WaitFor(const CGate& gate);
@@ -80,7 +79,7 @@ public:
     CServerScript& Stall();
     /// Ends the connection with a reset.
     CServerScript& Reset();
-    /// Ends the connection in an orderly way.
+    /// Closes the connection gracefully.
     CServerScript& Close();
     /// Reads the next request on the same connection.
     CServerScript& NextRequest();

@@ -32,7 +32,7 @@ CTempFolder::CTempFolder()
     static std::atomic<unsigned> counter = 0;
     wchar_t parent[MAX_PATH];
     GetTempPathW(MAX_PATH, parent);
-    // The time keeps a folder that a killed run left behind apart from a new process with its id.
+    // The time is there because a killed run may have left a folder of a process with the same id.
     constexpr int kAttempts = 100;
     for (int attempt = 0; attempt < kAttempts; ++attempt)
     {

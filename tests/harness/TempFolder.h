@@ -1,4 +1,4 @@
-// A folder of a test's own that goes with all it holds when the test ends.
+// A temporary folder that is removed with its content when the test ends.
 #pragma once
 
 #include <string>
@@ -17,15 +17,15 @@ public:
 
     /// Without a final backslash.
     const std::wstring& Path() const { return m_path; }
-    /// The path of something in the folder.
+    /// The path of a file in the folder.
     std::wstring File(const std::wstring& name) const { return m_path + L"\\" + name; }
 
 private:
     std::wstring m_path;
 };
 
-/// For its lifetime TEMP and TMP of this process, and of what it starts, name a fresh folder of the test's
-/// own, so that a test can list what was created "under the temporary folder" and nothing else.
+/// During its lifetime TEMP and TMP of this process and its children name a fresh folder, so that a test can
+/// list exactly what was created in the temporary folder.
 class CPrivateTemp
 {
 public:

@@ -1,4 +1,4 @@
-// Conversions between the wide texts of Windows and the UTF-8 texts that tests print and compare.
+// Conversions between UTF-16 and UTF-8, and lists of lines.
 #pragma once
 
 #include <string>

@@ -8,7 +8,7 @@
 namespace orva::test
 {
 
-/// The ids of all threads of this process that run now.
+/// The ids of all running threads of this process.
 std::set<DWORD> ThreadIds();
 
 } // namespace orva::test

@@ -17,7 +17,7 @@ namespace orva::test
 namespace
 {
 
-// Milliseconds between two looks at the screen.
+// Milliseconds between two searches for dialogs.
 constexpr DWORD kLookInterval = 5;
 
 // Presses a button of a message box. Windows gives the "OK" of a box without "Cancel" the id IDCANCEL.
@@ -32,17 +32,17 @@ bool PressButton(HWND window, int id)
 
 } // namespace
 
-// The steps, the thread that walks them, and what it has seen.
+// The steps, the thread that runs them, and the dialogs that it has seen.
 class CUserScript::Impl
 {
 public:
     struct Step
     {
-        // What is awaited, for messages.
+        // Description for failure messages.
         std::string what;
-        // Whether a window that has come up is the expected one; null for a step without a window.
+        // Whether a window is the expected one; null for a step without a window.
         std::function<bool(const CSeenWindow&)> matches;
-        // Works the window (null for a step without one). Returns what went wrong, or nothing.
+        // Does the step (with null if it has no window). Returns the failure, or an empty text.
         std::function<std::string(HWND)> act;
     };
 
@@ -52,7 +52,7 @@ public:
 
     void Start()
     {
-        // What another process shows belongs to the test even if it was faster than this call.
+        // Another process may have shown a dialog before this call; that one belongs to the test too.
         seen.clear();
         m_known = process == GetCurrentProcessId() ? Dialogs() : std::vector<HWND>();
         m_thread.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, Entry, this, 0, nullptr)));
@@ -88,7 +88,7 @@ private:
 
     std::vector<HWND> Dialogs() const { return FindWindows({.process = process, .className = kDialogClass}); }
 
-    // A dialog that has come up since the last look, the oldest first (the lowest in the Z order).
+    // A dialog that has come up since the last call, the oldest first (the lowest in the Z order).
     std::optional<CSeenWindow> NextDialog()
     {
         const std::vector<HWND> now = Dialogs();
@@ -121,10 +121,9 @@ private:
         bool good = true;
         for (size_t i = 0; i < steps.size() && good; ++i)
         {
-            good = Take(steps[i], i + 1);
+            good = RunStep(steps[i], i + 1);
         }
-        // After the steps, or after the first that went wrong, nothing may come any more; whatever does is
-        // closed. A finish that waits for the steps gets here when they are done.
+        // After the last step, or after a failure, every further dialog is unexpected and is closed.
         const HANDLE ends[] = {m_stop.get(), m_finish.get()};
         do
         {
@@ -142,7 +141,7 @@ private:
         }
         if (!failures.empty())
         {
-            // A dialog that did not take the first attempt, for instance because a box of its own was open.
+            // A dialog may not have closed at the first attempt, for instance because it had a box open.
             for (const HWND window : m_known)
             {
                 if (IsWindowEnabled(window))
@@ -165,7 +164,7 @@ private:
         PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
     }
 
-    bool Take(const Step& step, size_t number)
+    bool RunStep(const Step& step, size_t number)
     {
         const std::string name = "Step " + std::to_string(number) + " (" + step.what + "): ";
         HWND window = nullptr;
@@ -225,7 +224,7 @@ private:
     UniqueHandle m_stop;
     UniqueHandle m_finish;
     UniqueHandle m_thread;
-    // Dialogs on the screen that have been dealt with.
+    // Visible dialogs that have been handled.
     std::vector<HWND> m_known;
 };
 

@@ -8,7 +8,7 @@ namespace orva::test
 namespace
 {
 
-// Milliseconds between two questions.
+// Milliseconds between two calls of the condition.
 constexpr DWORD kInterval = 5;
 
 } // namespace

@@ -1,5 +1,4 @@
-// Waiting for what another thread or process does: always for a condition and with a deadline, never a fixed
-// time.
+// Waiting for another thread or process: for a condition and with a deadline, never for a fixed time.
 #pragma once
 
 #include <windows.h>
@@ -10,14 +9,14 @@
 namespace orva::test
 {
 
-/// Deadline of a wait that is expected to succeed: long enough for a loaded machine, in milliseconds.
+/// Default deadline of a wait in milliseconds, long enough for a busy machine.
 inline constexpr DWORD kPatience = 20'000;
 
-/// Asks `condition` every few milliseconds until it says true, and gives up after `timeout` milliseconds.
-/// Returns what it said last. Does not pump messages.
+/// Calls `condition` every few milliseconds until it is true or `timeout` milliseconds have passed. Returns
+/// its last result. Does not pump messages.
 bool WaitUntil(const std::function<bool()>& condition, DWORD timeout = kPatience);
 
-/// The same, but dispatches this thread's window messages between the questions.
+/// Like WaitUntil, but dispatches this thread's window messages between the calls.
 bool PumpUntil(const std::function<bool()>& condition, DWORD timeout = kPatience);
 
 struct HandleCloser
@@ -32,10 +31,10 @@ struct HandleCloser
     }
 };
 
-/// A kernel handle that closes itself.
+/// A kernel handle that is closed at destruction.
 using UniqueHandle = std::unique_ptr<HANDLE, HandleCloser>;
 
-/// A manual-reset event.
+/// A new manual-reset event. Throws std::runtime_error if it cannot be created.
 UniqueHandle MakeEvent(bool set = false);
 
 } // namespace orva::test

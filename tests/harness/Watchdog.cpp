@@ -15,7 +15,7 @@ namespace orva::test
 namespace
 {
 
-// How often the watchdog looks at the clock, in milliseconds.
+// Milliseconds between two checks of the deadline.
 constexpr DWORD kLookInterval = 200;
 
 struct State
@@ -23,20 +23,20 @@ struct State
     std::mutex mutex;
     std::string test = "(between two tests)";
     std::string part;
-    // Tick count at which the running test is over its time; 0 while none runs.
+    // Tick count of the running test's deadline; 0 while none runs.
     std::atomic<ULONGLONG> end = 0;
 };
 
-State& TheState()
+State& WatchdogState()
 {
-    // Never destroyed: the watchdog's thread may still look at it while the process ends.
+    // Never destroyed: the watchdog's thread may still use it while the process ends.
     static State* const state = new State;
     return *state;
 }
 
 void ReportHang()
 {
-    State& state = TheState();
+    State& state = WatchdogState();
     {
         const std::lock_guard lock(state.mutex);
         std::fprintf(stderr, "\n[   HANG   ] %s exceeded its time.\n[   HANG   ] Last part: %s\n",
@@ -44,14 +44,14 @@ void ReportHang()
     }
     std::fflush(stderr);
     std::fflush(stdout);
-    // Last, since it asks windows for their texts, one of which may be what hangs.
+    // Last, because asking a window for its text may hang too.
     std::fprintf(stderr, "Windows:\n%s", DescribeWindows().c_str());
     std::fflush(stderr);
 }
 
 unsigned __stdcall Watch(void*)
 {
-    const State& state = TheState();
+    const State& state = WatchdogState();
     for (;;)
     {
         Sleep(kLookInterval);
@@ -69,7 +69,7 @@ class CWatchdogListener : public testing::EmptyTestEventListener
 public:
     void OnTestStart(const testing::TestInfo& info) override
     {
-        State& state = TheState();
+        State& state = WatchdogState();
         {
             const std::lock_guard lock(state.mutex);
             state.test = std::string(info.test_suite_name()) + "." + info.name();
@@ -84,10 +84,10 @@ public:
                      ":" + std::to_string(result.line_number()));
     }
 
-    void OnTestEnd(const testing::TestInfo&) override { TheState().end = 0; }
+    void OnTestEnd(const testing::TestInfo&) override { WatchdogState().end = 0; }
 };
 
-// The module an address lies in, as "name+offset".
+// An address as "module+offset".
 std::string DescribeAddress(const void* address)
 {
     HMODULE module = nullptr;
@@ -112,7 +112,7 @@ LONG WINAPI ReportCrash(EXCEPTION_POINTERS* pointers)
 {
     const EXCEPTION_RECORD& record = *pointers->ExceptionRecord;
     {
-        State& state = TheState();
+        State& state = WatchdogState();
         const std::unique_lock lock(state.mutex, std::try_to_lock);
         std::fprintf(stderr,
                      "\n[  CRASH   ] %s: exception 0x%08lx at %s (thread %lu)\n[  CRASH   ] Last part: %s\n",
@@ -130,12 +130,12 @@ LONG WINAPI ReportCrash(EXCEPTION_POINTERS* pointers)
 
 void SetTestDeadline(DWORD milliseconds)
 {
-    TheState().end = GetTickCount64() + milliseconds;
+    WatchdogState().end = GetTickCount64() + milliseconds;
 }
 
 void NoteTestPart(const std::string& part)
 {
-    State& state = TheState();
+    State& state = WatchdogState();
     const std::lock_guard lock(state.mutex);
     state.part = part;
 }

@@ -1,4 +1,4 @@
-// The guard of a test program: ends it, saying which test hung and where, when a test exceeds its deadline.
+// Ends the test program when a test exceeds its deadline, and says which test hung and where.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 namespace orva::test
 {
 
-/// A test's time, in milliseconds, unless it asks for another with SetTestDeadline.
+/// Default deadline of a test in milliseconds; SetTestDeadline sets another.
 inline constexpr DWORD kTestDeadline = 60'000;
 
 /// Exit code of a test program whose watchdog ended it.
@@ -19,14 +19,13 @@ inline constexpr int kHangExitCode = 97;
 /// Exit code of a test program that ended with an unhandled exception.
 inline constexpr int kCrashExitCode = 98;
 
-/// Gives the running test `milliseconds` from now on.
+/// Sets the running test's deadline to `milliseconds` from now.
 void SetTestDeadline(DWORD milliseconds);
 
-/// Notes what the running test is about to do; the watchdog prints the last note. Callable from any thread.
+/// Sets what the running test is about to do, for the watchdog's report. Callable from any thread.
 void NoteTestPart(const std::string& part);
 
-/// Starts the watchdog's thread and returns the listener that tells it of tests; GoogleTest owns the
-/// listener.
+/// Starts the watchdog's thread and returns its listener, to be appended to GoogleTest's, which own it.
 testing::TestEventListener* StartWatchdog();
 
 /// Makes an unhandled exception print its code and address (relative to the module's base) and end the

@@ -12,10 +12,10 @@ namespace
 
 constexpr wchar_t kMenuClass[] = L"#32768";
 
-// How long a window may take to answer a question, in milliseconds.
+// How long a window may take to answer a message, in milliseconds.
 constexpr UINT kAnswerTime = 2'000;
 
-// The result of a message that a hung window does not hold up; absent if there was no answer.
+// The result of a message; absent if the window hangs or does not answer in time.
 std::optional<DWORD_PTR> Ask(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
     DWORD_PTR result = 0;
@@ -26,7 +26,7 @@ std::optional<DWORD_PTR> Ask(HWND window, UINT message, WPARAM wParam, LPARAM lP
     return result;
 }
 
-// The text that the system keeps for a window. Its thread is not asked, so it may be busy.
+// The text that the system keeps for a window, read without a message to its thread.
 std::wstring KeptText(HWND window)
 {
     std::wstring text(256, L'\0');
@@ -144,8 +144,7 @@ std::vector<HWND> ChildWindows(HWND window)
 
 HWND ChildById(HWND window, int id)
 {
-    // By enumeration and not by GetDlgItem, which does not look into another process's control ids of nested
-    // windows.
+    // GetDlgItem does not find the controls of nested windows.
     for (const HWND child : ChildWindows(window))
     {
         if (GetDlgCtrlID(child) == id)
@@ -201,7 +200,7 @@ bool PostKey(HWND window, WORD virtualKey)
     const HWND focus = FocusOf(window);
     const HWND target = focus ? focus : window;
     const LPARAM scan = static_cast<LPARAM>(MapVirtualKeyW(virtualKey, MAPVK_VK_TO_VSC)) << 16;
-    // Repeat count 1; of the release also "was down" and "is going up".
+    // Repeat count 1. WM_KEYUP also has the bits for the previous and the transition state.
     const LPARAM down = scan | 1;
     const LPARAM up = down | (LPARAM{3} << 30);
     if (!PostMessageW(target, WM_KEYDOWN, virtualKey, down))
@@ -222,7 +221,7 @@ bool ChooseLastMenuItem(HWND window, wchar_t letter)
     {
         return false;
     }
-    // Up goes from the top to the end.
+    // From the first item, VK_UP goes to the last.
     for (const WORD key : {WORD{VK_UP}, WORD{VK_RETURN}})
     {
         PostMessageW(window, WM_KEYDOWN, key, 0);

@@ -1,4 +1,4 @@
-// Whether the tests run under Wine, which does some things otherwise than Windows.
+// Whether the tests run under Wine, which differs from Windows in places.
 #pragma once
 
 #include <windows.h>
