@@ -1,5 +1,5 @@
-// The checks of the checked build are really compiled in: what they forbid ends the program, and the DLL
-// carries them.
+// The checks of the checked build are compiled in: each misuse ends the program, and the DLL contains the
+// checks.
 #include "harness/Files.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Text.h"
@@ -17,10 +17,10 @@ using testing::HasSubstr;
 
 constexpr wchar_t kProgram[] = L"test_checked_build.exe";
 
-// What the C runtime's abort() ends a program with.
+// The exit code of the C runtime's abort().
 constexpr DWORD kAborted = 3;
 
-// How a program ends that does what must not be done.
+// How a misuse ends the program.
 struct MisuseCase
 {
     const char* misuse;
@@ -39,7 +39,7 @@ class ChecksTest : public testing::TestWithParam<MisuseCase>
 {
 };
 
-// How often the illegal instruction that a failed check runs into stands in these bytes.
+// How often these bytes contain the illegal instruction (ud2) that a failed check executes.
 size_t CountTraps(const std::string& bytes)
 {
     constexpr char kTrap[] = "\x0F\x0B";

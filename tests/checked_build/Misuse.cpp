@@ -1,4 +1,4 @@
-// What the tests of the checked build start as another program: each does one forbidden thing on request.
+// The misuses that the tests of the checked build start as another program, one each.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -19,7 +19,7 @@ bool IsAsked()
     return GetEnvironmentVariableW(L"ORVA_HELPER", nullptr, 0) != 0;
 }
 
-// Volatile, so that the compiler does not know what comes of the operations below.
+// Volatile, so that the compiler cannot evaluate the operations below.
 volatile int g_result = 0;
 volatile int g_largest = INT_MAX;
 volatile int g_zero = 0;

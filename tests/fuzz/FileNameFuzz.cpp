@@ -1,8 +1,7 @@
-// Fuzzes the judging of file names that come from a download link.
+// Fuzzes the check of file names that come from a download link.
 //
-// Names that are accepted are judged once more, by rules written down in another way: by what Windows does to
-// a name on the way to a file.
-#include "Fuzz.h"
+// Checks each result again with rules that follow what Windows does with a file name.
+#include "fuzz/Fuzz.h"
 #include "ui/FileName.h"
 
 #include <algorithm>
@@ -49,7 +48,7 @@ bool IsDevice(const std::wstring& name)
 {
     static const std::vector<std::wstring> devices = Devices();
     const std::wstring upper = Upper(name);
-    // The console's, by no other name than this.
+    // The console's devices, by these names only.
     if (WithoutTail(upper) == L"CONIN$" || WithoutTail(upper) == L"CONOUT$")
     {
         return true;
@@ -59,13 +58,13 @@ bool IsDevice(const std::wstring& name)
         {
             return false;
         }
-        // Blanks and then nothing or an extension.
+        // Blanks, and then the end or an extension.
         const std::size_t after = upper.find_first_not_of(L' ', device.size());
         return after == std::wstring::npos || upper[after] == L'.';
     });
 }
 
-// Where a path leads whose last part is `name`: the parts below the folder that it is put into.
+// The parts of the path "folder\`name`", as Windows resolves it.
 std::vector<std::wstring> Resolve(const std::wstring& name)
 {
     std::vector<std::wstring> parts = {L"folder"};
@@ -102,7 +101,6 @@ void CheckAccepted(const std::wstring& name)
     ORVA_PROPERTY(parts.size() == 2 && parts[0] == L"folder" && parts[1] == WithoutTail(name));
 }
 
-// What is refused, is refused for a reason.
 void CheckRefused(const std::wstring& name)
 {
     const bool isForbidden = std::ranges::any_of(name, [](wchar_t unit) { return unit < 0x20; }) ||
@@ -113,7 +111,7 @@ void CheckRefused(const std::wstring& name)
 
 void Check(const std::wstring& name)
 {
-    // Of exactly this size, without an end: it need not be zero-terminated.
+    // A copy of exactly this size, because the text need not be zero-terminated.
     const std::vector<wchar_t> exact(name.begin(), name.end());
     if (IsPlainFileName(std::wstring_view(exact.data(), exact.size())))
     {
@@ -131,7 +129,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const std::wstring text = orva::fuzz::Units(orva::fuzz::Bytes(data, size));
     Check(text);
-    // As the name comes out of a link.
+    // The last part of a link.
     Check(text.substr(text.rfind(L'/') + 1));
     return 0;
 }

@@ -1,4 +1,4 @@
-// What the fuzz targets share: the check of a property, and inputs as UTF-16 text.
+// Common to the fuzz targets: the check of a property, and inputs as UTF-16 text.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-/// The entry point that libFuzzer calls with each input. What it returns is of no use here: always 0.
+/// The entry point that libFuzzer calls with each input. Always returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace orva::fuzz
@@ -20,19 +20,18 @@ namespace orva::fuzz
     std::abort();
 }
 
-/// The bytes of an input as a text of bytes.
+/// The bytes of an input.
 inline std::string Bytes(const std::uint8_t* data, std::size_t size)
 {
     return std::string(reinterpret_cast<const char*>(data), size);
 }
 
-/// An input as the text of 16-bit units that Windows would hand over.
+/// An input as UTF-16 text.
 ///
-/// Read as UTF-8, so that seeds and findings are readable; three bytes may also stand for a lone surrogate,
-/// and a byte that belongs to no sequence becomes U+DC00 plus its value, so that every sequence of units has
-/// an input. wchar_t has 32 bits here and 16 on Windows. The compiler's -fshort-wchar would make them alike,
-/// but not the C and C++ libraries, whose wide functions and whose std::wstring are compiled for 32 bits:
-/// hence wide characters of which only the lower 16 bits are used.
+/// Read as UTF-8, so that seeds and findings are readable. Three bytes may also encode a lone surrogate, and
+/// an invalid byte becomes U+DC00 plus its value, so that every sequence of units has an input. wchar_t has
+/// 32 bits here and 16 on Windows; only the lower 16 bits are used. -fshort-wchar is no alternative, because
+/// the C and C++ libraries are compiled for 32 bits.
 inline std::wstring Units(std::string_view bytes)
 {
     std::wstring units;
@@ -79,7 +78,7 @@ inline std::wstring Units(std::string_view bytes)
 
 } // namespace orva::fuzz
 
-// Ends the program, which libFuzzer reports together with the input, unless `property` holds.
+// Ends the program unless `property` holds; libFuzzer then reports the input.
 #define ORVA_PROPERTY(property)                                                                              \
     do                                                                                                       \
     {                                                                                                        \

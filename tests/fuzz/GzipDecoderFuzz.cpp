@@ -1,8 +1,8 @@
 // Fuzzes the inflating of response bodies.
 //
-// An input that starts with 'P' is plain: a length in its next three bytes, then what is repeated to that
+// An input that starts with 'P' is plain text: three bytes of length, then a text that is repeated up to that
 // length, compressed and decoded. Any other input is decoded as it is.
-#include "Fuzz.h"
+#include "fuzz/Fuzz.h"
 #include "support/GzipDecoder.h"
 
 #include <sanitizer/asan_interface.h>
@@ -13,10 +13,9 @@
 #include <algorithm>
 #include <vector>
 
-// zlib is the machine's own, without checks compiled in: that the buffers it is given are whole is checked
-// before each call. The linker's --wrap=inflate sends calls of inflate to the second of these names and
-// leaves the function itself under the first.
-extern "C" int InflateItself(z_streamp stream, int flush) __asm__("__real_inflate");
+// The system's zlib has no sanitizer compiled in, so its buffers are checked before each call. The linker's
+// --wrap=inflate redirects calls of inflate to __wrap_inflate and renames the function to __real_inflate.
+extern "C" int RealInflate(z_streamp stream, int flush) __asm__("__real_inflate");
 extern "C" int CheckedInflate(z_streamp stream, int flush) __asm__("__wrap_inflate");
 
 extern "C" int CheckedInflate(z_streamp stream, int flush)
@@ -24,7 +23,7 @@ extern "C" int CheckedInflate(z_streamp stream, int flush)
     ORVA_PROPERTY(__asan_region_is_poisoned(const_cast<Bytef*>(stream->next_in), stream->avail_in) ==
                   nullptr);
     ORVA_PROPERTY(__asan_region_is_poisoned(stream->next_out, stream->avail_out) == nullptr);
-    return InflateItself(stream, flush);
+    return RealInflate(stream, flush);
 }
 
 namespace
@@ -40,7 +39,7 @@ struct Decoded
 
 Decoded Decode(const std::string& body)
 {
-    // A copy of exactly this size, so that reading past its end is seen.
+    // A copy of exactly this size, so that reading past its end is detected.
     const std::vector<char> exact(body.begin(), body.end());
     std::unique_ptr<char[]> output;
     std::uint32_t length = 0;
@@ -48,13 +47,13 @@ Decoded Decode(const std::string& body)
     ORVA_PROPERTY(output != nullptr);
     ORVA_PROPERTY(length <= kMaximumDecodedLength);
     ORVA_PROPERTY(result == Z_OK || result == Z_DATA_ERROR || result == Z_MEM_ERROR);
-    // The zero byte that the caller relies on has a place of its own.
+    // There is room for the zero byte that the caller relies on.
     ORVA_PROPERTY(__asan_region_is_poisoned(output.get(), kMaximumDecodedLength + 1) == nullptr);
     ORVA_PROPERTY(length == 0 || output[length] == 0);
     return {result, std::string(output.get(), length)};
 }
 
-// What has to come of `body`, found by feeding it to zlib in small pieces.
+// The expected result for `body`, found by giving it to zlib in small pieces.
 Decoded Expected(const std::string& body)
 {
     constexpr std::size_t kPiece = 777;

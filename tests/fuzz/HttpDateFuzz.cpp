@@ -1,5 +1,5 @@
-// Fuzzes the reading of an HTTP response's Date header.
-#include "Fuzz.h"
+// Fuzzes the parser of an HTTP response's Date header.
+#include "fuzz/Fuzz.h"
 #include "support/TimeUtilities.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ constexpr int kFirstYear = 1900;
 const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
-// Without an offset, and with summer time: rules instead of names, which would need the zones' files.
+// Without an offset, and with summer time. As rules, because zone names would need the time-zone files.
 char g_utc[] = "TZ=UTC0";
 char g_summerTime[] = "TZ=CET-1CEST,M3.5.0,M10.5.0/3";
 
@@ -55,7 +55,7 @@ bool IsReadable(const std::string& text, struct tm& date)
 
 void CheckFields(const struct tm& date)
 {
-    // Still unknown: the date is beyond what can be normalised, and its fields are as they were read.
+    // Still -1: the date cannot be normalised, and its fields are as they were read.
     if (date.tm_isdst < 0)
     {
         return;
@@ -76,7 +76,7 @@ std::string Format(const struct tm& date)
            std::to_string(date.tm_min) + ":" + std::to_string(date.tm_sec) + " GMT";
 }
 
-// A date that has a text of its own is read the same from that text.
+// A date that is formatted and read again is the same.
 void CheckReadingAgain(const struct tm& date)
 {
     constexpr int kLastYear = 9999;
@@ -91,7 +91,7 @@ void CheckReadingAgain(const struct tm& date)
     ORVA_PROPERTY(again.tm_wday == date.tm_wday && again.tm_yday == date.tm_yday);
 }
 
-// A date in the form that the protocol asks for, of a day that every month has, is taken field by field.
+// The fields of a date in the preferred form, on a day that every month has, are read as they stand.
 void CheckProperDate(const std::string& text, const struct tm& date)
 {
     constexpr std::size_t kLength = sizeof("Sun, 06 Nov 1994 08:49:37 GMT") - 1;

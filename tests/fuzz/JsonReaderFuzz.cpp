@@ -1,5 +1,5 @@
-// Fuzzes the JSON reader, with the lookups that the update check makes in what it read.
-#include "Fuzz.h"
+// Fuzzes the JSON reader and the lookups that the update check makes in its result.
+#include "fuzz/Fuzz.h"
 #include "platform/JsonDump.h"
 #include "support/JsonUtilities.h"
 
@@ -19,8 +19,8 @@ using json_spirit::kMaximumDepth;
 using json_spirit::wmObject;
 using json_spirit::wmValue;
 
-// Reals are read digit by digit and not rounded to the nearest: printing one and reading it again may differ
-// in its last digits, and its range ends earlier.
+// The reader does not round reals to the nearest, so one that is printed and read again may differ in its
+// last digits. Its range is smaller, too.
 constexpr double kSmallestComparedReal = 1e-250;
 constexpr double kLargestComparedReal = 1e250;
 constexpr double kRealTolerance = 1e-9;
@@ -68,7 +68,7 @@ template <class String> String PrintText(const String& text)
 
 std::string PrintReal(double real)
 {
-    // What has no JSON text, or none that is read exactly, is printed as some other real.
+    // A real that is not compared is printed as another one.
     const double magnitude = std::fabs(real);
     if (!(magnitude >= kSmallestComparedReal && magnitude <= kLargestComparedReal))
     {
@@ -144,7 +144,7 @@ template <class Value> bool IsSame(const Value& left, const Value& right)
     }
 }
 
-// Reads `text` into the fresh `value` and checks what holds for every text.
+// Reads `text` into `value`, which is null before, and checks the properties of every result.
 void CheckReading(const std::wstring& text, wmValue& value)
 {
     try
@@ -154,7 +154,7 @@ void CheckReading(const std::wstring& text, wmValue& value)
     catch (const Error_position& error)
     {
         ORVA_PROPERTY(error.line_ >= 1 && error.line_ <= text.size() + 1);
-        // A tabulator counts for up to four columns.
+        // A tab counts for up to four columns.
         ORVA_PROPERTY(error.column_ >= 1 && error.column_ <= 4 * text.size() + 1);
         ORVA_PROPERTY(!error.reason_.empty());
         ORVA_PROPERTY(Depth(value) <= kMaximumDepth);
@@ -167,7 +167,7 @@ void CheckReading(const std::wstring& text, wmValue& value)
     ORVA_PROPERTY(IsSame(value, again));
 }
 
-// The lookups of the update check: a type error is the only exception that may come of them.
+// The lookups of the update check. They may throw type errors only.
 void LookUp(const wmValue& root)
 {
     try

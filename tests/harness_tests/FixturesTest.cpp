@@ -1,4 +1,4 @@
-// The fixtures for registry, folders, processes, debugger output and log: what they report and put back.
+// The fixtures for registry, folders, processes, debugger output and log: what they report and restore.
 #include "harness/CommandLine.h"
 #include "harness/DebugOutput.h"
 #include "harness/Files.h"

@@ -1,4 +1,5 @@
-// What the harness's own tests start as another program: it waits, speaks, hangs or crashes on request.
+// The program that the harness's own tests start: it waits, writes debugger output, hangs or crashes on
+// request.
 #include "harness/Files.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Watchdog.h"
@@ -64,7 +65,7 @@ TEST(HelperProgram, Crashes)
 {
     if (IsAsked())
     {
-        // Never mapped; not null, which the checked build would catch before the processor does.
+        // An address that is never mapped. Not null, which the checked build's checks would catch first.
         constexpr uintptr_t kNothing = 16;
         volatile int* volatile nowhere = reinterpret_cast<volatile int*>(kNothing);
         *nowhere = 1;

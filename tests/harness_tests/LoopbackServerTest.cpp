@@ -42,7 +42,7 @@ public:
 
     void Send(const std::string& bytes) { send(m_socket, bytes.data(), static_cast<int>(bytes.size()), 0); }
 
-    // Everything up to the server's end; `error` gets the error that ended it, 0 for an orderly end.
+    // Everything until the server closes; `error` is 0 for a graceful close, otherwise the socket error.
     std::string ReadAll(int& error)
     {
         std::string bytes;
@@ -363,7 +363,7 @@ TEST(LoopbackServerTest, PlaysTheProxyOfEveryHostInProcess)
         EXPECT_EQ(Fetch(L"http://nowhere.invalid/p?").body, "one");
     }
     {
-        // The setting of a running process changes with the fixture.
+        // A running process uses the new setting.
         const CProxySetting proxy(second.Port());
         EXPECT_EQ(Fetch(L"http://nowhere.invalid/p?").body, "two");
     }

@@ -1,4 +1,4 @@
-// The user on a second thread, against real message boxes.
+// The user on a second thread and the window driver, with real message boxes.
 #include "harness/UserScript.h"
 
 #include "harness/Watchdog.h"
@@ -16,7 +16,7 @@ namespace
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-// A window of the test's own that boxes can belong to.
+// A window that can own message boxes.
 class COwner
 {
 public:
@@ -180,7 +180,7 @@ TEST(WindowDriverTest, SaysWhichWindowDoesNotAnswer)
     std::thread busy([&] {
         const COwner owner;
         SetEvent(shown.get());
-        // Not looking for messages meanwhile.
+        // Handles no messages meanwhile.
         WaitForSingleObject(looked.get(), INFINITE);
     });
     EXPECT_EQ(WaitForSingleObject(shown.get(), kTestDeadline), WAIT_OBJECT_0);

@@ -1,4 +1,4 @@
-// Raising Click on those who have subscribed.
+// The connection point of a button and its Click event.
 #include "host/CommandBarControl.h"
 
 #include <Office.h>
@@ -14,7 +14,7 @@ namespace
 using namespace orva::host;
 using Microsoft::WRL::ComPtr;
 
-// A subscriber that notes its calls.
+// A subscriber that records its calls.
 class CSink : public IDispatch
 {
 public:

@@ -1,8 +1,8 @@
 // The File view of version 14: what an add-in declares is shown, its callbacks are called, its links are
 // followed.
-#include "HostFixture.h"
 #include "harness/Files.h"
 #include "harness/Text.h"
+#include "host/HostFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ constexpr int kInfoButton = 700;
 constexpr int kBackButton = 701;
 constexpr int kTabButton = 710;
 constexpr int kInfoNote = 1001;
-// Ids of what the markup below declares, in its order: headings and helper texts count too.
+// Ids of the controls that the markup below declares, in its order, headings and helper texts included.
 constexpr int kHeading = 1000;
 constexpr int kLogo = 1001;
 constexpr int kText = 1002;
@@ -54,7 +54,7 @@ protected:
         ASSERT_TRUE(WaitForTrace("Outlook: start-up complete")) << TraceText();
     }
 
-    // Waits for a control of the File view; null when it does not come.
+    // Waits for a control of the File view; null when there is none in time.
     HWND Control(int id)
     {
         HWND found = nullptr;
@@ -125,7 +125,7 @@ TEST_F(FileViewTest, DefinitiveButtonClosesTheView)
 
 TEST_F(FileViewTest, LinkOpensItsTargetWithTheSystemsHandler)
 {
-    // Started for the address, the handler writes it into a file.
+    // The handler writes the address into a file.
     const std::wstring record = Folder().File(L"opened.txt");
     const std::wstring key = L"Software\\Classes\\orvahosttest";
     CRegistryValue protocol(HKEY_LOCAL_MACHINE, key, L"URL Protocol");

@@ -1,4 +1,4 @@
-#include "HostFixture.h"
+#include "host/HostFixture.h"
 
 #include "harness/Files.h"
 #include "harness/HostTrace.h"

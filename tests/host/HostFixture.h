@@ -21,34 +21,34 @@ namespace orva::test
 /// ProgID of the fake add-in.
 inline constexpr wchar_t kFakeAddIn[] = L"OrvaHostTest.FakeAddIn";
 
-/// The fake add-in is the only one registered while a test runs; what was registered before is put back.
+/// The fake add-in is the only one registered while a test runs. Earlier registrations are restored.
 class HostFixture : public testing::Test
 {
 protected:
     HostFixture();
     ~HostFixture() override;
 
-    /// Starts the host; `fault` and `markup` are what the fake add-in is to do and to hand out.
+    /// Starts the host. `fault` is what the fake add-in does wrong, `markup` its custom UI.
     void StartHost(const std::vector<std::wstring>& options, const std::wstring& fault = {},
                    const std::wstring& markup = {});
-    /// The main window, waited for; null when there is none in time.
+    /// Waits for the main window; null when there is none in time.
     HWND MainWindow();
-    /// Posts WM_CLOSE and waits for the end; the exit code, or -1 when the program does not end.
+    /// Posts WM_CLOSE and waits for the exit code; -1 when the program does not end in time.
     int CloseHost();
-    /// Waits for the end without doing anything for it.
+    /// Like CloseHost, but without WM_CLOSE.
     int WaitForHost();
     DWORD HostProcess() const { return m_host->Id(); }
-    /// What it has written to its standard output and error.
+    /// What the host has written to standard output and error.
     std::string Output() const { return m_host->Output(); }
 
-    /// The trace so far: each line without its time, and with " N ms" cut out.
+    /// The lines of the trace so far, without times and durations.
     std::vector<std::string> Trace() const;
     /// Waits for a line with exactly this text.
     bool WaitForTrace(const std::string& line) const;
     bool HasTrace(const std::string& line) const;
-    /// Position of a line; fails the test when it is not there.
+    /// Index of a line; fails the test when there is none.
     size_t TraceIndex(const std::string& line) const;
-    /// The trace in one text, for failure messages.
+    /// The trace as one text, for failure messages.
     std::string TraceText() const;
 
     /// LoadBehavior of the fake add-in under HKEY_CURRENT_USER.

@@ -1,5 +1,5 @@
 // Start and end of the stand-in Outlook with an add-in: which calls it makes, in which order.
-#include "HostFixture.h"
+#include "host/HostFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Calls by name, as an add-in makes them: look the name up, then Invoke.
+// Calls by name, as add-ins make them: GetIDsOfNames, then Invoke.
 #pragma once
 
 #include <wrl/client.h>
@@ -14,7 +14,8 @@
 namespace orva::test
 {
 
-/// Calls a member. `arguments` first one first. The failure of the lookup or of the call.
+/// Calls a member; `arguments` are in their natural order. Returns the result of GetIDsOfNames if that fails,
+/// otherwise that of Invoke.
 inline HRESULT CallByName(IDispatch* object, const wchar_t* name, WORD flags,
                           std::initializer_list<_variant_t> arguments, _variant_t& result)
 {
@@ -48,7 +49,7 @@ inline HRESULT PutByName(IDispatch* object, const wchar_t* name, const _variant_
     return CallByName(object, name, DISPATCH_PROPERTYPUT, {value}, result);
 }
 
-/// The object that a property or method without arguments gives; null when there is none.
+/// The object that a property or method without arguments returns; null when there is none.
 inline Microsoft::WRL::ComPtr<IDispatch> ObjectByName(IDispatch* object, const wchar_t* name,
                                                       WORD flags = DISPATCH_PROPERTYGET)
 {
@@ -60,7 +61,7 @@ inline Microsoft::WRL::ComPtr<IDispatch> ObjectByName(IDispatch* object, const w
     return result.pdispVal;
 }
 
-/// An argument that is left out.
+/// The value of an omitted argument.
 inline _variant_t Missing()
 {
     return _variant_t(DISP_E_PARAMNOTFOUND, VT_ERROR);

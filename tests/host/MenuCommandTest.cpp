@@ -1,6 +1,6 @@
-// A command that an add-in puts into the menu: shown, chosen, answered and gone at the next start.
-#include "HostFixture.h"
+// A command that an add-in adds to the menu: shown, chosen, and gone at the next start.
 #include "harness/Text.h"
+#include "host/HostFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -29,7 +29,7 @@ protected:
         ASSERT_TRUE(WaitForTrace("Outlook: start-up complete")) << TraceText();
     }
 
-    // Starts and closes Outlook; the trace's lines about its menus.
+    // Starts and closes Outlook. Returns the trace's lines about its menus.
     std::vector<std::string> MenuOfOneRun(const std::wstring& fault = {})
     {
         Start({}, fault);
@@ -39,7 +39,7 @@ protected:
         return lines;
     }
 
-    // All menus, the last being this one.
+    // The lines of all menus, of which `help` is the last.
     static std::vector<std::string> WithHelp(const char* help)
     {
         return {"Outlook: menu &File: &New | &Open | &Print... | --- | E&xit",
@@ -84,7 +84,7 @@ TEST_F(MenuCommandTest, ChoosingItRaisesClickWithItsTwoArguments)
 {
     Start();
     ChooseLastItem(L'h');
-    // The fake add-in answers with a failure to anything but a button and a by-reference Boolean.
+    // With other arguments than a button and a by-reference Boolean, the fake add-in returns a failure.
     EXPECT_TRUE(WaitForTrace(kClicked)) << TraceText();
     EXPECT_EQ(CloseHost(), 0);
 }
@@ -104,7 +104,7 @@ TEST_F(MenuCommandTest, IsGoneAtTheNextStartWithoutTheAddIn)
     EXPECT_EQ(MenuOfOneRun(), WithHelp(kHelpAlone));
 }
 
-// What shows that the test before can fail: the stand-in keeps what an add-in makes for good.
+// Shows that the previous test can fail: a control that is not temporary is restored.
 TEST_F(MenuCommandTest, ThatIsNotTemporaryIsStillThereAtTheNextStartWithoutTheAddIn)
 {
     EXPECT_EQ(MenuOfOneRun(L"last"), WithHelp(kHelpWithCommand));

@@ -1,7 +1,7 @@
-// The real menu that follows the command-bar objects.
+// The real menu that shows the command-bar objects.
 #include "host/MenuView.h"
 
-#include "LateBound.h"
+#include "host/LateBound.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

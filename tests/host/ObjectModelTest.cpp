@@ -1,5 +1,5 @@
 // Outlook's objects as an add-in calls them: by interface id, then by name.
-#include "LateBound.h"
+#include "host/LateBound.h"
 #include "host/MenuView.h"
 #include "host/OutlookObjects.h"
 

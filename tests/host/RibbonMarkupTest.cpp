@@ -1,4 +1,4 @@
-// Reading custom UI as an add-in hands it out.
+// Reading the custom UI that an add-in returns.
 #include "host/RibbonMarkup.h"
 
 #include <gmock/gmock.h>
@@ -99,8 +99,7 @@ TEST_F(RibbonMarkupTest, QuoteInsideAnAttributeIsRefusedWithReasonAndPlace)
     EXPECT_FALSE(Parse(std::wstring(kHead) + L"<backstage>\r\n<tab id=\"t\" label=\"say \"this\" now\"/>\r\n"
                                              L"</backstage></customUI>"));
     EXPECT_NE(m_error.reason, L"");
-    // The fault is in line 4. Windows says so; Wine's parser gives the end of the last element that it has
-    // accepted.
+    // The fault is in line 4, as Windows says. Wine's parser reports the end of the last valid element.
     EXPECT_GE(m_error.line, 3);
     EXPECT_LE(m_error.line, 4);
     EXPECT_GT(m_error.position, 0);

@@ -1,6 +1,6 @@
 // Office's type libraries on a machine without Office.
-#include "HostFixture.h"
 #include "harness/Files.h"
+#include "host/HostFixture.h"
 
 #include <AddInDesignerObjects.h>
 #include <Office.h>
@@ -42,7 +42,7 @@ protected:
     CRegistryTreeGuard m_userOffice{HKEY_CURRENT_USER, kOffice};
 };
 
-// The dispatch id that a library gives to a method of one of its interfaces, or DISPID_UNKNOWN.
+// The dispatch id of a member of an interface in a library; DISPID_UNKNOWN if there is none.
 MEMBERID FindMember(const GUID& library, WORD major, WORD minor, const IID& id, const wchar_t* name)
 {
     ComPtr<ITypeLib> loaded;
@@ -87,7 +87,7 @@ TEST_F(TypeLibrariesTest, GiveTheMembersTheirDispatchIds)
 
 TEST_F(TypeLibrariesTest, ARegistrationThatIsThereIsNotReplaced)
 {
-    // Office's own library, as far as the stand-in can tell: another file under the same id.
+    // Another file registered under Office's id stands for a real Office.
     const std::wstring own = Folder().File(L"mso.exe");
     WriteFileBytes(own, ReadFileBytes(BuiltFile(L"OutlookHost.exe")).value());
     CRegistryValue path(HKEY_LOCAL_MACHINE, std::wstring(kOffice) + L"\\2.4\\0\\win64", L"");

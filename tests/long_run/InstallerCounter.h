@@ -1,4 +1,4 @@
-// Counts a module's starts of programs instead of letting them happen.
+// Counts the programs that a module starts, and does not start them.
 #pragma once
 
 #include "harness/ImportHook.h"
@@ -10,13 +10,13 @@
 namespace orva::test
 {
 
-/// Counts the installers instead of starting them: a few hundred processes are not what is measured here. For
-/// its lifetime, one at a time.
+/// Counts the module's calls of ShellExecuteExW during its lifetime, and starts no installer. One object at a
+/// time.
 class CInstallerCounter
 {
 public:
     explicit CInstallerCounter(HMODULE module);
-    /// How many the last of these has counted.
+    /// The count of the latest object.
     static int Count() { return s_count; }
 
 private:

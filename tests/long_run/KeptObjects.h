@@ -1,4 +1,4 @@
-// The GDI objects that a module makes and does not delete.
+// Counts the GDI objects that a module creates and does not delete.
 #pragma once
 
 #include "harness/ImportHook.h"
@@ -8,8 +8,8 @@
 namespace orva::test
 {
 
-/// What the add-in leaves on purpose: the brushes that its dialogs colour their controls with, and the bold
-/// font of the About dialog. Counts what the DLL makes and does not delete, for its lifetime. One at a time.
+/// Counts brushes and fonts during its lifetime: the add-in leaves its dialogs' brushes and the bold font of
+/// the About dialog on purpose. One object at a time.
 class CKeptObjects
 {
 public:
@@ -18,12 +18,12 @@ public:
     CKeptObjects(const CKeptObjects&) = delete;
     CKeptObjects& operator=(const CKeptObjects&) = delete;
 
-    /// Those that still exist: some controls of Wine's delete the brush that they were given.
+    /// Those that still exist: some of Wine's controls delete the brush that they were given.
     long long Brushes() const;
     long long Fonts() const;
-    /// All that were made and not deleted by the DLL.
+    /// All brushes that the DLL created and did not delete.
     long long BrushesMade() const { return static_cast<long long>(m_brushes.size()); }
-    /// Deletes them all, for the test's next part.
+    /// Deletes them all.
     void Discard();
 
 private:

@@ -1,5 +1,5 @@
-// A host that lives long: the add-in loaded, asked, shown and unloaded again and again in one process, and
-// what of it the process still holds afterwards.
+// The add-in loaded, used and unloaded many times in one process, and what the process still holds
+// afterwards.
 #include "addin/AddInFixture.h"
 #include "harness/Report.h"
 #include "harness/Watchdog.h"
@@ -68,21 +68,21 @@ protected:
         EXPECT_EQ(callback->ButtonClicked(nullptr), S_OK);
     }
 
-    // What a part of the test has left.
-    struct Left
+    // What a part of the test has left in the process.
+    struct Remains
     {
         CProcessFigures before;
         CProcessFigures after;
         long long brushes = 0;
         long long brushesMade = 0;
         long long fonts = 0;
-        // What the DLL itself has taken of the heap and not given back, once it is watched.
+        // Bytes that the DLL itself has allocated and not freed, once m_blocks is set.
         long long ownBytes = 0;
         CProcessFigures Growth() const { return after - before; }
     };
 
-    // Runs `part` with the number of repetitions, after a few that do not count.
-    template <typename Part> Left Repeat(const std::string& name, int count, Part part)
+    // Runs `part` with the number of repetitions, after a few to warm up.
+    template <typename Part> Remains Repeat(const std::string& name, int count, Part part)
     {
         NoteTestPart(name);
         part(kWarmUps);
@@ -90,7 +90,7 @@ protected:
         {
             m_kept->Discard();
         }
-        Left left;
+        Remains left;
         left.before = CProcessFigures::Take();
         const long long ownBefore = m_blocks ? m_blocks->Bytes() : 0;
         const ULONGLONG start = GetTickCount64();
@@ -116,8 +116,8 @@ protected:
         return left;
     }
 
-    // Checks what is left and reports it. `bitmaps`: what Wine's dialogs have left of their pictures.
-    static void Check(const std::string& name, int count, const Left& left, long long heapPerCall,
+    // Checks what is left and reports it. `bitmaps` is how many bitmaps Wine's dialogs have left.
+    static void Check(const std::string& name, int count, const Remains& left, long long heapPerCall,
                       long long bitmaps = 0)
     {
         const CProcessFigures growth = left.Growth();
@@ -161,9 +161,9 @@ protected:
     static constexpr int kWarmUps = 3;
     static constexpr long long kHeapSlack = 64LL * 1024;
     static constexpr long long kPrivateSlack = 4LL * 1024;
-    // What the system's own libraries take in passing and keep. Measured under Wine: 0 for markup and
-    // pictures, some 150 a check, 250 an offer, 370 an About dialog, 520 a download, none of it taken by the
-    // DLL.
+    // Heap bytes that the system's own libraries keep for each call. Measured under Wine: 0 for markup and
+    // pictures, some 150 a check, 250 an offer, 370 an About dialog, 520 a download, none of it allocated by
+    // the DLL.
     static constexpr long long kHeapPerCall = 512;
 
     CHostWindow m_host;
@@ -175,7 +175,7 @@ protected:
     std::optional<CModuleBlocks> m_blocks;
 };
 
-// Publishes a file to the add-in for its lifetime; gone, it has left nothing in the process.
+// Publishes an update-information file during its lifetime, and leaves nothing in the process.
 class CPublisher
 {
 public:
@@ -199,9 +199,9 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     Load();
     Unload();
 
-    // As many as show half a kilobyte that is left each time.
+    // Enough to notice half a kilobyte that is left each time.
     const int loads = Repetitions(150, 1000);
-    const Left loading = Repeat("loading", loads, [this](int count) {
+    const Remains loading = Repeat("loading", loads, [this](int count) {
         for (int i = 0; i < count; ++i)
         {
             Load();
@@ -217,7 +217,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     const CInstallerCounter installers(module);
 
     const int checks = Repetitions(20, 1000);
-    const Left checking = Repeat("checks", checks, [this](int count) {
+    const Remains checking = Repeat("checks", checks, [this](int count) {
         const CPublisher publisher(kSameVersion);
         for (int i = 0; i < count; ++i)
         {
@@ -228,7 +228,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
 
     const int texts = Repetitions(20, 1000);
     ComPtr<CFakeObject> control = new CFakeObject(m_outlook.record, "control", {});
-    const Left asking = Repeat("markup and pictures", texts, [&](int count) {
+    const Remains asking = Repeat("markup and pictures", texts, [&](int count) {
         ComPtr<IRibbonExtensibility> ribbon;
         ASSERT_EQ(m_object.As(&ribbon), S_OK);
         ComPtr<IRibbonCallback> callback;
@@ -249,7 +249,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     Check("03 Backstage markup and both pictures", texts, asking, kHeapPerCall);
 
     const int offers = Repetitions(6, 300);
-    const Left offering = Repeat("offers", offers, [&](int count) {
+    const Remains offering = Repeat("offers", offers, [&](int count) {
         const CPublisher publisher(kNewer);
         CPersistentUser user(kLaterButton);
         for (int i = 0; i < count; ++i)
@@ -258,8 +258,8 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
         }
         EXPECT_EQ(user.Leave(), count);
     });
-    // The same dialog template without anything of the add-in's around it.
-    const Left bare = Repeat("bare dialogs", offers, [&](int count) {
+    // The same dialog template without the add-in's code.
+    const Remains bare = Repeat("bare dialogs", offers, [&](int count) {
         for (int i = 0; i < count; ++i)
         {
             EXPECT_EQ(DialogBoxParamW(module, MAKEINTRESOURCEW(kOfferTemplate), nullptr, BareDialog, 0),
@@ -273,7 +273,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     Check("04 offers, answered Later", offers, offering, kHeapPerCall, bitmaps);
 
     const int abouts = Repetitions(6, 300);
-    const Left showing = Repeat("About", abouts, [&](int count) {
+    const Remains showing = Repeat("About", abouts, [&](int count) {
         CPersistentUser user(kAboutClose);
         ComPtr<IDispatch> dispatch;
         ASSERT_EQ(m_object.As(&dispatch), S_OK);
@@ -289,7 +289,7 @@ TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
     EXPECT_EQ(showing.fonts, abouts);
 
     const int downloads = Repetitions(6, 300);
-    const Left downloading = Repeat("downloads", downloads, [&](int count) {
+    const Remains downloading = Repeat("downloads", downloads, [&](int count) {
         const CPrivateTemp temp;
         const CPublisher publisher(kNewer);
         const CPersistentUser user(kInstallButton);

@@ -1,4 +1,4 @@
-// A picture that is missing from the DLL, asked for again and again: the one path that leaves something on
+// A picture that is missing from the DLL, requested many times: each request leaves a start of GDI+ on
 // purpose.
 #include "addin/AddInFixture.h"
 #include "harness/GdiPlusCounter.h"
@@ -34,7 +34,7 @@ private:
 
 TEST_F(MissingPictureTest, LeavesOneStartOfGdiPlusEachTimeAndNothingElse)
 {
-    // The name of the pictures' resource type, with its length before it.
+    // The name of the pictures' resource type, after its length.
     const CAddInCopy copy(std::string("\x03\0P\0N\0G\0", 8), std::string("\x03\0X\0N\0G\0", 8));
     LoadInstead(copy.Path());
     ASSERT_EQ(Connect(kOutlook2010), S_OK);

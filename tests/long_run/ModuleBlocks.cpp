@@ -36,7 +36,7 @@ long long CModuleBlocks::Bytes() const
     });
 }
 
-void CModuleBlocks::Note(void* block, std::size_t size)
+void CModuleBlocks::Add(void* block, std::size_t size)
 {
     if (block != nullptr)
     {
@@ -45,7 +45,7 @@ void CModuleBlocks::Note(void* block, std::size_t size)
     }
 }
 
-void CModuleBlocks::Forget(const void* block)
+void CModuleBlocks::Remove(const void* block)
 {
     const std::lock_guard lock(m_mutex);
     m_blocks.erase(block);
@@ -54,29 +54,29 @@ void CModuleBlocks::Forget(const void* block)
 void* CModuleBlocks::Allocate(std::size_t size)
 {
     void* const block = s_current->m_malloc.Original<decltype(Allocate)>()(size);
-    s_current->Note(block, size);
+    s_current->Add(block, size);
     return block;
 }
 
 void* CModuleBlocks::AllocateZeroed(std::size_t count, std::size_t size)
 {
     void* const block = s_current->m_calloc.Original<decltype(AllocateZeroed)>()(count, size);
-    s_current->Note(block, count * size);
+    s_current->Add(block, count * size);
     return block;
 }
 
 void* CModuleBlocks::Reallocate(void* block, std::size_t size)
 {
-    // Forgotten before another thread can be given the same address.
-    s_current->Forget(block);
+    // Removed first, because realloc may give the address to another thread.
+    s_current->Remove(block);
     void* const moved = s_current->m_realloc.Original<decltype(Reallocate)>()(block, size);
-    s_current->Note(moved, size);
+    s_current->Add(moved, size);
     return moved;
 }
 
 void CModuleBlocks::Free(void* block)
 {
-    s_current->Forget(block);
+    s_current->Remove(block);
     s_current->m_free.Original<decltype(Free)>()(block);
 }
 

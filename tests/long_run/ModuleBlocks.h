@@ -1,4 +1,4 @@
-// The memory that a module has taken from the C run-time and not given back.
+// The memory that a module has allocated with the C runtime and not freed.
 #pragma once
 
 #include "harness/ImportHook.h"
@@ -10,9 +10,9 @@
 namespace orva::test
 {
 
-/// For its lifetime notes each block that `module` takes (malloc, calloc, realloc, and with them new) and
-/// gives back, on whichever thread. One at a time. Throws std::runtime_error if the module does not import
-/// these.
+/// During its lifetime records each block that `module` allocates (malloc, calloc, realloc, and with them
+/// new) and frees, on any thread. One object at a time. Throws std::runtime_error if the module does not
+/// import these.
 class CModuleBlocks
 {
 public:
@@ -21,7 +21,7 @@ public:
     CModuleBlocks(const CModuleBlocks&) = delete;
     CModuleBlocks& operator=(const CModuleBlocks&) = delete;
 
-    /// The bytes of the blocks that were taken since construction and not given back.
+    /// The bytes that were allocated since construction and not freed.
     long long Bytes() const;
 
 private:
@@ -29,8 +29,8 @@ private:
     static void* AllocateZeroed(std::size_t count, std::size_t size);
     static void* Reallocate(void* block, std::size_t size);
     static void Free(void* block);
-    void Note(void* block, std::size_t size);
-    void Forget(const void* block);
+    void Add(void* block, std::size_t size);
+    void Remove(const void* block);
 
     // Returns `module`: the first hook may be called as soon as it is made, and needs the object.
     HMODULE BecomeCurrent(HMODULE module);

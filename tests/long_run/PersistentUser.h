@@ -1,4 +1,4 @@
-// A user who presses the same button whenever it comes up.
+// A user who presses the same button in every dialog.
 #pragma once
 
 #include <atomic>
@@ -7,7 +7,7 @@
 namespace orva::test
 {
 
-/// Presses this button in every dialog of the process that has it, on a thread of its own.
+/// Presses the button with this id in every dialog of the process, on a thread of its own.
 class CPersistentUser
 {
 public:
@@ -16,8 +16,8 @@ public:
     CPersistentUser(const CPersistentUser&) = delete;
     CPersistentUser& operator=(const CPersistentUser&) = delete;
 
-    /// Ends the thread and returns how often the button was pressed. Not known sooner: a dialog may end
-    /// before the thread has counted its press.
+    /// Ends the thread and returns how often it has pressed the button. Before that the count may lag behind
+    /// the dialogs.
     int Leave();
 
 private:

@@ -13,7 +13,7 @@ namespace orva::test
 namespace
 {
 
-// An entry of the table that gdi32 shares with the system. Free entries have no type.
+// An entry of the GDI handle table. Free entries have type 0.
 struct GdiEntry
 {
     ULONG64 object;
@@ -24,11 +24,12 @@ struct GdiEntry
     ULONG64 userPointer;
 };
 
-// Where the process environment block of 64-bit Windows has that table, and how long it is.
+// The table's offset in the process environment block of 64-bit Windows, and its length.
 constexpr size_t kGdiTableOffset = 0xF8;
 constexpr size_t kGdiEntries = 0x4000;
 
-// Window and menu handles are even numbers from here on; their upper half only guards against reuse.
+// Window and menu handles are even numbers in this range; the upper half of a handle only guards against
+// reuse.
 constexpr ULONG_PTR kFirstUserHandle = 0x20;
 constexpr ULONG_PTR kEndOfUserHandles = 0x10000;
 
@@ -69,8 +70,8 @@ long long CountUserObjects()
 // Kernel handles are multiples of four.
 constexpr ULONG_PTR kEndOfHandles = 0x4000;
 
-// Tried one by one: Wine 8 has no count (GetProcessHandleCount gives 0, the process list the size of the
-// table).
+// Tests every possible handle, because Wine 8 has no count: GetProcessHandleCount returns 0, and the process
+// list has the size of the table.
 long long CountHandles()
 {
     long long count = 0;
@@ -82,7 +83,7 @@ long long CountHandles()
     return count;
 }
 
-// The committed memory that is shared with nobody and mapped from no file.
+// The committed private memory.
 long long CountPrivateBytes()
 {
     long long bytes = 0;
@@ -118,7 +119,7 @@ long long CountHeapBytes()
     return bytes;
 }
 
-// Threads that are about to end do so first: waits until their number has not changed for a moment.
+// Waits for threads that are about to end: until the number of threads has not changed for a while.
 void Settle()
 {
     long long last = 0;

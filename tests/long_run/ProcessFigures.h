@@ -1,4 +1,4 @@
-// What this process holds of the system: handles, GDI and USER objects, memory, threads.
+// The resources of this process: handles, GDI and USER objects, memory, threads.
 #pragma once
 
 #include <windows.h>
@@ -8,19 +8,19 @@
 namespace orva::test
 {
 
-/// What is counted where the system does not count it itself (Wine 8's GetGuiResources gives 0): GDI objects
-/// are the used entries of the process's GDI handle table, USER objects are this process's windows and menus.
+/// Where GetGuiResources returns 0 (Wine 8), GDI objects are the used entries of the process's GDI handle
+/// table, and USER objects are its windows and menus.
 struct CProcessFigures
 {
     long long handles = 0;
     long long gdiObjects = 0;
     long long userObjects = 0;
     long long privateKib = 0;
-    /// Bytes in use in all heaps.
+    /// Bytes in use in all heaps of the process.
     long long heapBytes = 0;
     long long threads = 0;
 
-    /// The process as it is now, once threads that are about to end have had the time to.
+    /// Counts now, after waiting for threads that are about to end.
     static CProcessFigures Take();
     CProcessFigures operator-(const CProcessFigures& before) const;
 };

@@ -1,10 +1,10 @@
-// An add-in for the tests of the stand-in Outlook: small, and as badly behaved as a test asks it to be.
+// An add-in for the tests of the stand-in Outlook, with faults on request.
 //
-// It reads from the environment: ORVA_FAKE_ADDIN_MARKUP names a file whose UTF-16 text it hands out as custom
-// UI; ORVA_FAKE_ADDIN_FAULT is "fail" or "throw" or "crash" (in OnConnection), "box" (shows a message box
-// when its command or button is used), "cancel" (sets CancelDefault in Click) or "last" (its command is not
+// It reads from the environment: ORVA_FAKE_ADDIN_MARKUP names a file whose UTF-16 text is its custom UI;
+// ORVA_FAKE_ADDIN_FAULT is "fail" or "throw" or "crash" (in OnConnection), "box" (shows a message box when
+// its command or button is used), "cancel" (sets CancelDefault in Click) or "last" (its command is not
 // temporary). Below version 14 it adds a command to the last menu.
-#include "LateBound.h"
+#include "host/LateBound.h"
 
 #include <AddInDesignerObjects.h>
 #include <Office.h>
@@ -81,7 +81,7 @@ std::wstring ReadMarkup()
     return text;
 }
 
-// A red disc on a transparent ground, with premultiplied alpha.
+// A red disc on a transparent background, with premultiplied alpha.
 HRESULT MakePicture(IDispatch** picture)
 {
     BITMAPINFO info{};
@@ -115,7 +115,7 @@ public:
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override
     {
         *object = nullptr;
-        // One Invoke serves the callbacks and the click, so one pointer does for both.
+        // The same Invoke implements the callbacks and the click.
         if (IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) ||
             IsEqualIID(iid, IID__IDTExtensibility2) || IsEqualIID(iid, DIID__CommandBarButtonEvents))
         {
