@@ -1,4 +1,4 @@
-// Plays Outlook for one case: AddInBench.exe CASE [ARGUMENTS]. See bench/run for what is called how.
+// Measures one case with the built DLL: AddInBench.exe CASE [ARGUMENT]. bench/cases-lib.sh has the calls.
 #include "bench/AddInCases.h"
 #include "bench/Samples.h"
 #include "harness/Files.h"

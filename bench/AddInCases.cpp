@@ -23,10 +23,10 @@ using Microsoft::WRL::ComPtr;
 
 constexpr double kMilliseconds = 1e3;
 
-// Many short rounds: what disturbs a start lasts longer than it.
+// Many short rounds, because disturbances last longer than a start.
 constexpr Effort kStartEffort{.rounds = 75, .roundSeconds = 0.02};
 
-// The markup has so many placeholders; a test of the markup counts them.
+// Number of placeholders in the markup; a test of the markup counts them.
 constexpr int kPlaceholders = 18;
 
 void Check(bool isGood, const char* step)
@@ -44,7 +44,7 @@ test::CFakeOutlook& Outlook()
     return outlook;
 }
 
-// An add-in from the loading of its DLL, with its object, to its unloading.
+// An add-in from loading to unloading its DLL, and its object.
 class CRunningAddIn
 {
 public:
@@ -110,7 +110,7 @@ void SetLogSwitch(DWORD value)
           "log switch");
 }
 
-// Seconds of the connection at Outlook's start, with the check. The log is opened before that.
+// Seconds that OnConnection takes at Outlook's start, with the check. The log is opened before that.
 double TimeConnection(const std::wstring& path, DWORD logSwitch)
 {
     SetLogSwitch(logSwitch);
@@ -129,7 +129,7 @@ void LoadWhatOutlookLoads()
     for (const wchar_t* const name : {L"ole32", L"oleaut32", L"user32", L"gdi32", L"advapi32", L"shell32",
                                       L"shlwapi", L"comctl32", L"wininet", L"gdiplus"})
     {
-        // They stay loaded, as they do in Outlook.
+        // Not freed: they stay loaded in Outlook, too.
         // cppcheck-suppress leakReturnValNotUsed
         Check(LoadLibraryW(name) != nullptr, "a library of Outlook's");
     }

@@ -1,4 +1,4 @@
-// The cases that see the add-in from outside, through its exports.
+// The cases that use the built DLL through its exports.
 #pragma once
 
 #include <string>
@@ -6,35 +6,34 @@
 namespace orva::bench
 {
 
-/// The add-ins that are compared.
+/// Paths of the add-ins that are compared.
 struct AddInPaths
 {
     std::wstring product;
     std::wstring empty;
 };
 
-/// Loads what Outlook has loaded anyway before any add-in, for the rest of the program.
+/// Loads the libraries that Outlook has loaded before any add-in. They stay loaded.
 void LoadWhatOutlookLoads();
 
-/// Throws std::runtime_error if this program has loaded libraries that only an add-in should need.
+/// Throws std::runtime_error if one of these libraries is loaded already.
 void DemandThatOutlooksLibrariesAreMissing();
 
-/// From loading the DLL, with a connection after start-up, to unloading it, under the name `row`. With the
-/// empty add-in the product's lines for the debugger are written too.
+/// Loads the DLL, connects after start-up and unloads it, as the row `row`. For the empty add-in the
+/// product's debugger lines are written too.
 void MeasureStart(const std::string& row, const AddInPaths& paths);
 
-/// What the loaded and connected add-in adds to the process's private memory, in KiB: one sample of one of
-/// them, for a fresh process each.
+/// The private memory that the loaded and connected add-in adds, in KiB: one sample. Needs a fresh process.
 void MeasureMemory(const std::wstring& path, const char* variant);
 
-/// GetCustomUI, against copying its text once for each of its placeholders.
+/// GetCustomUI, compared with copying its text once for each placeholder.
 void MeasureCustomUi(const AddInPaths& paths);
 
-/// The connection at Outlook's start with the debug log on, against the same with the log off.
+/// OnConnection at Outlook's start with the debug log on, compared with the log off.
 void MeasureLogSwitch(const AddInPaths& paths);
 
-/// Milliseconds from loading the DLL to the end of the connection at Outlook's start, and from the shutdown's
-/// first call to the DLL's end: a sample of `row`-start and one of `row`-stop.
+/// Milliseconds from loading the DLL to the end of OnConnection at Outlook's start (a sample of `row`-start),
+/// and from OnBeginShutdown to the unloaded DLL (a sample of `row`-stop).
 void MeasureShare(const std::string& row, const AddInPaths& paths);
 
 } // namespace orva::bench

@@ -1,4 +1,4 @@
-// What the product's requests are compared with: the same requests with WinINet alone.
+// The baseline of the product's requests: the same requests with WinINet alone.
 #pragma once
 
 #include <windows.h>
@@ -9,7 +9,7 @@
 namespace orva::bench
 {
 
-/// A WinINet handle that closes itself.
+/// A WinINet handle that is closed at destruction.
 class CInternetHandle
 {
 public:
@@ -23,12 +23,12 @@ private:
     HINTERNET m_handle;
 };
 
-/// Fetches `path` of `host` with the flags and headers of the update check, and throws it away. Returns its
-/// size in bytes.
+/// Fetches `path` from `host` with the flags and headers of the update check. Returns the size in bytes.
+/// Throws std::runtime_error on failure.
 DWORD BareGet(const std::wstring& host, const std::wstring& path);
 
-/// Downloads `path` of `host` and `port` into `file` with the flags and headers of the download dialog, in
-/// reads of `chunk` bytes.
+/// Downloads `path` from `host` and `port` into `file` with the flags and headers of the download dialog, in
+/// reads of `chunk` bytes. Throws std::runtime_error on failure.
 void BareDownload(const std::wstring& host, INTERNET_PORT port, const std::wstring& path,
                   const std::wstring& file, DWORD chunk);
 

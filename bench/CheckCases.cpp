@@ -19,17 +19,17 @@ namespace
 {
 
 constexpr wchar_t kHost[] = L"" ORVA_WEB_HOST;
-// With the question mark that the product's requests end with.
+// The product's requests end with a question mark, too.
 constexpr wchar_t kPath[] = L"/downloads/outlook/UpdateInfo.txt?";
 
-// Many short rounds: what disturbs a request lasts longer than it.
+// Many short rounds, because disturbances last longer than a request.
 constexpr int kCheckRounds = 101;
 
 constexpr double kMilliseconds = 1e3;
 
 void CheckOnce()
 {
-    // False says that nothing newer is published; anything else would have shown a window or failed.
+    // False if nothing newer is published. With something newer a window would open.
     if (CheckForUpdate(nullptr, true))
     {
         throw std::runtime_error("the check did not find the installed version");

@@ -1,5 +1,5 @@
-// The lines for the debugger, which the baselines write too: under Wine each costs an exception and a
-// question to Wine's server, which says nothing about the product.
+// The debugger lines, which the baselines write too, because under Wine each costs an exception and a call of
+// Wine's server.
 #pragma once
 
 #include <functional>
@@ -9,10 +9,11 @@
 namespace orva::bench
 {
 
-/// What `work`, done once, writes with OutputDebugStringA. Throws std::runtime_error if it writes nothing.
+/// Runs `work` once and returns what it writes with OutputDebugStringA. Throws std::runtime_error if that is
+/// nothing.
 std::vector<std::string> DebuggerLinesOf(const std::function<void()>& work);
 
-/// Writes these lines as the product does.
+/// Writes these lines with OutputDebugStringA.
 void WriteToDebugger(const std::vector<std::string>& lines);
 
 } // namespace orva::bench

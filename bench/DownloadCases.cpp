@@ -49,7 +49,7 @@ void RemoveDownload(const std::wstring& file, double mebibytes)
 
 void MeasureDownload(const std::wstring& url, const std::wstring& file, double mebibytes)
 {
-    // One round more than counts, to warm up.
+    // The first round is a warm-up and does not count.
     for (int round = -1; round < kRounds; ++round)
     {
         const double byDialog = mebibytes / TimeDownload(url, file);

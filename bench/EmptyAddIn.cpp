@@ -1,5 +1,4 @@
-// The add-in that does nothing: the least that a DLL has to do for Outlook to connect it, with the bare Win32
-// API.
+// An add-in that does nothing: the minimum for Outlook to connect it, with the Win32 API only.
 #include <AddInDesignerObjects.h>
 #include <OrvaOscAddin.h>
 
@@ -101,7 +100,7 @@ CEmptyClass g_class;
 
 } // namespace
 
-// It answers to the product's class id, so that a host can treat both alike.
+// Has the product's class id, so that a host can treat both alike.
 STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object)
 {
     *object = nullptr;

@@ -1,4 +1,5 @@
-// Measures one case: OrvaBench.exe CASE [ARGUMENTS]. See bench/run for what is called how.
+// Measures one case with the product's classes: OrvaBench.exe CASE [ARGUMENTS]. bench/cases-lib.sh has the
+// calls.
 #include "bench/InsideCases.h"
 
 #include <windows.h>

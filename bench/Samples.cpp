@@ -14,7 +14,7 @@ namespace
 
 constexpr double kKib = 1024.0;
 
-// PagefileUsage is the private memory under another name; Wine knows this one only.
+// PagefileUsage is the private memory. Wine does not fill in PrivateUsage.
 PROCESS_MEMORY_COUNTERS Memory()
 {
     PROCESS_MEMORY_COUNTERS counters{};

@@ -1,4 +1,4 @@
-// What a measuring program hands over: one line of standard output for each sample.
+// Writes samples to standard output, one line each.
 #pragma once
 
 #include <string>
@@ -6,15 +6,15 @@
 namespace orva::bench
 {
 
-/// Which of the two of a comparison a sample is of.
+/// The two variants of a comparison.
 inline constexpr char kProduct[] = "product";
 inline constexpr char kBaseline[] = "baseline";
 
-/// Writes a sample of the comparison `row`. Its unit is the row's, in rows.tsv.
+/// Writes a sample of the comparison `row`, in the unit that rows.tsv gives.
 void AddSample(const std::string& row, const char* variant, double value);
 
-/// Writes a point of the curve `curve`: what was measured with `x` of something (kilobytes, lines), and the
-/// most private memory that the process had needed by then.
+/// Writes a point of the curve `curve`: the value measured at `x` (kilobytes, lines), and the process's peak
+/// of private memory so far.
 void AddPoint(const std::string& curve, double x, double value);
 
 /// Private memory of this process now, in KiB.

@@ -22,7 +22,7 @@ constexpr UINT kLastText = IDS_LINK3_HREF;
 constexpr int kLongestText = 512;
 constexpr int kOffice2010 = 14;
 
-// All texts by the product; their length together.
+// Loads all texts with the product. Returns their total length.
 int LoadByProduct()
 {
     int length = 0;

@@ -1,4 +1,4 @@
-// The product's download dialog with a stopwatch.
+// Measures the product's download dialog.
 #pragma once
 
 #include "ui/UpdateDownloadDlg.h"
@@ -8,9 +8,9 @@
 namespace orva::bench
 {
 
-/// Downloads `url` into `file` and returns the seconds from the opening of the dialog to the worker's last
-/// message. The second for which the dialog goes on showing its last state is not among them. Throws
-/// std::runtime_error if the download did not succeed.
+/// Downloads `url` into `file`. Returns the seconds from the opening of the dialog to the worker's last
+/// message, without the second for which the dialog then shows its last state. Throws std::runtime_error if
+/// the download failed.
 double TimeDownload(const std::wstring& url, const std::wstring& file);
 
 } // namespace orva::bench

@@ -15,7 +15,7 @@ namespace
 
 constexpr double kMicroseconds = 1e6;
 
-// How often `work` goes into a round.
+// How often a round repeats `work`.
 int Repetitions(const TimedWork& work, const Effort& effort)
 {
     int count = 0;

@@ -1,4 +1,4 @@
-// Measures two ways of doing the same by turns, so that other load on the machine slows both alike.
+// Measures product and baseline in turns, so that other load on the machine slows both alike.
 #pragma once
 
 #include <functional>
@@ -10,23 +10,23 @@ namespace orva::bench
 /// Seconds on the performance counter, from an arbitrary start.
 double Now();
 
-/// Does its work once and returns how many seconds the part to be measured took.
+/// Does its work once and returns the seconds of the measured part.
 using TimedWork = std::function<double()>;
 
-/// Work that is to be measured as a whole.
+/// Measures the whole of `work`.
 TimedWork Timed(std::function<void()> work);
 
-/// How many samples, and how long a round lasts. A round repeats its work until it is far longer than the
-/// clock's step.
+/// Number of samples and the least duration of a round. A round repeats its work until it is much longer than
+/// the clock's resolution.
 struct Effort
 {
     int rounds = 15;
     double roundSeconds = 0.03;
 };
 
-/// Takes turns, product, baseline, product, baseline, and writes for each round the mean time of one piece of
-/// work in microseconds. One more round before them warms up, finds out how often to repeat, and is thrown
-/// away.
+/// Measures product and baseline in turns, and writes a sample for each round: the mean time of one
+/// repetition in microseconds. A first round warms up, determines the number of repetitions, and is not
+/// written.
 void TakeTurns(const std::string& row, const TimedWork& product, const TimedWork& baseline,
                const Effort& effort = {});
 

@@ -6,7 +6,7 @@
 # measure_growth      measures the curves of the charts.
 # shellcheck shell=bash disable=SC2154,SC2317 # variables shared with the other libraries, functions called by name
 
-# Fresh processes a figure: as many starts as Outlook takes the median of, and the least for a comparison.
+# Fresh processes per figure. Outlook takes the median of five starts.
 share_starts=5
 memory_rounds=9
 # Seconds for a case. The longest, the download, takes some 150, and has taken more than 240 on the same machine.
@@ -16,7 +16,7 @@ settings_key='HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Intern
 
 all_cases() { awk -F '\t' '!/^#/ && !seen[$1]++ { print $1 }' "$here/rows.tsv"; }
 
-# A server that has nothing else to do: no log, no compression, connections that stay. Instead of the demonstration's.
+# Replaces the demonstration's settings: no log, no compression, persistent connections.
 server_settings() {
     local dir=$1 port=$2
     cat <<END
@@ -44,8 +44,8 @@ http {
 END
 }
 
-# update_info KB: a file that publishes the installed version and is so large to the byte. The longer it is, the more
-# languages its description has.
+# update_info KB: a file of exactly this size that publishes the installed version. Larger files have more languages in the
+# description.
 update_info() {
     awk -v size=$(($1 * 1024)) '
         function filled(n,    text) { while (length(text) < n) text = text "contacts are brought up to date "; return substr(text, 1, n) }
@@ -68,7 +68,7 @@ prepare_files() {
         update_info "$size" >"$scratch/update-$size.txt"
     done
     for size in 1 16 256 1024; do
-        # Sparse: the server's disk is not to be measured.
+        # Sparse, so that the server's disk is not measured.
         truncate -s "${size}M" "$server_dir/www/$size.bin"
     done
     publish_update_info 1
@@ -77,7 +77,7 @@ prepare_files() {
 
 publish_update_info() { cp "$scratch/update-$1.txt" "$server_dir/www$update_info_path"; }
 
-# settings PORT: the proxy that every request takes; none without PORT. Office's language is English, the log is off.
+# apply_settings [PORT [LOG]]: sets the proxy 127.0.0.1:PORT, or none; Office's language to English; and the log to LOG (0).
 apply_settings() {
     local port=${1:-}
     cat >"$scratch/settings.reg" <<END

@@ -1,5 +1,5 @@
-# Boost is used header-only. /usr/include as a whole would bring the host's C headers, so the build
-# folder gets a directory that holds only a link to Boost, given as a system include directory.
+# Boost is used header-only. /usr/include also has the build machine's C headers, so the build folder gets a
+# directory with a link to Boost only, as a system include directory.
 find_path(ORVA_BOOST_DIR boost/version.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH NO_DEFAULT_PATH REQUIRED)
 file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/boost-include")
 file(CREATE_LINK "${ORVA_BOOST_DIR}/boost" "${CMAKE_BINARY_DIR}/boost-include/boost" SYMBOLIC)

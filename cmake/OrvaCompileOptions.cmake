@@ -13,16 +13,16 @@ target_compile_definitions(orva_options INTERFACE
   UNICODE _UNICODE NOMINMAX STRICT
   _WIN32_WINNT=0x0600 WINVER=0x0600 NTDDI_VERSION=0x06000000 _WIN32_IE=0x0700)
 
-# What -Wall and -Wextra leave out, for our own C++; the generated C files get the rest only.
+# Further warnings for C++. The generated C files get only those of the list below.
 set(ORVA_CXX_WARNINGS
   -Wconversion -Wsign-conversion -Wold-style-cast -Wdouble-promotion -Wformat-signedness
   -Woverloaded-virtual -Wsuggest-override -Wdeprecated-copy-dtor -Wredundant-decls
   -Wduplicated-cond -Wduplicated-branches -Wlogical-op -Wextra-semi -Wunused-macros -Wdate-time -Wvla -Walloca
   -Werror=conditionally-supported)
 
-# -Wno-restrict: g++ 12 takes the sum of a literal and a temporary string for overlapping memory.
-# g++ passes a class object through C varargs as its address without a word unless
-# conditionally-supported is an error; CString must never end there.
+# -Wno-restrict: g++ 12 wrongly reports the sum of a literal and a temporary string.
+# -Werror=conditionally-supported: otherwise g++ silently passes a class object such as CString through C varargs as its
+# address.
 target_compile_options(orva_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wformat=2 -Wcast-qual -Wundef
   -Werror "$<$<COMPILE_LANGUAGE:CXX>:${ORVA_CXX_WARNINGS}>"
@@ -32,19 +32,18 @@ target_compile_options(orva_options INTERFACE
   -ffunction-sections -fdata-sections
   "$<$<CONFIG:Release>:-g1>")
 
-# -static: the programs need no DLL that Windows itself does not bring. The rest makes images that
-# may be loaded anywhere, whose data does not execute, that come out bit-identical from one commit and that hold no
-# function which nobody calls.
+# -static: the programs need only DLLs that Windows has. The other options allow ASLR, forbid execution of data, drop sections
+# that nothing refers to, and make builds of one commit bit-identical.
 target_link_options(orva_options INTERFACE
   -static
   LINKER:--dynamicbase,--high-entropy-va,--nxcompat
   LINKER:--gc-sections
   LINKER:--no-insert-timestamp)
 
-# The checked build: every undefined operation that the compiler can see at run time ends the program at an illegal
-# instruction, a container's broken precondition ends it in abort(), and a function whose frame was overwritten does not
-# return. It is for the tests only. Traps rather than messages, because no run-time library of the sanitizer exists for
-# Windows programs of this compiler. That is also why objects' dynamic types (vptr) go unchecked.
+# The checked build, for the tests only: undefined behaviour that the sanitizer detects ends the program at an illegal
+# instruction, a container's broken precondition ends it in abort(), and an overwritten stack frame ends it before the
+# function returns. Traps instead of messages, and no check of dynamic types (vptr), because this compiler has no
+# sanitizer library for Windows.
 option(ORVA_CHECKED "Compile checks for undefined behaviour, container misuse and overwritten stack frames into everything" OFF)
 if(ORVA_CHECKED)
   target_compile_options(orva_options INTERFACE

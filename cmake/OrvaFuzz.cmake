@@ -1,7 +1,7 @@
 # Builds the fuzz targets of tests/fuzz with everything else, and makes each a CTest test fuzz.NAME with label fuzz.
 #
-# They are programs of this machine, not of Windows: a project of its own, configured in the folder "fuzz" with neither
-# this project's toolchain nor its options, and run without Wine.
+# They are programs for Linux: a project of its own, configured in the folder "fuzz" without this project's toolchain and
+# options, and run without Wine.
 include(ExternalProject)
 
 set(ORVA_FUZZ_SOURCE_DIR "${CMAKE_SOURCE_DIR}/tests/fuzz")
@@ -10,7 +10,7 @@ ExternalProject_Add(orva_fuzz
   BINARY_DIR "${CMAKE_BINARY_DIR}/fuzz"
   PREFIX "${CMAKE_BINARY_DIR}/fuzz-steps"
   CMAKE_GENERATOR Ninja
-  # Which sources have changed is for the inner project to find out.
+  # The inner project finds out which sources have changed.
   BUILD_ALWAYS ON
   INSTALL_COMMAND "")
 
@@ -19,8 +19,8 @@ foreach(source IN LISTS fuzz_sources)
   get_filename_component(name "${source}" NAME_WE)
   string(REGEX REPLACE "Fuzz$" "" name "${name}")
   add_test(NAME fuzz.${name} COMMAND "${ORVA_TOOLS_DIR}/run-fuzz" ${name})
-  # Started first, because nothing else takes as long in a thorough run. Each ends itself in time; the time-out is for
-  # one that does not, 300 seconds being the longest it is asked for here.
+  # Started first, because nothing else takes as long in a thorough run. Each runs for 300 seconds at most; the time-out is
+  # for one that hangs.
   set_tests_properties(fuzz.${name} PROPERTIES
     LABELS fuzz
     COST 1000

@@ -3,7 +3,7 @@ set(INSTALL_GTEST OFF CACHE INTERNAL "")
 set(BUILD_GMOCK ON CACHE INTERNAL "")
 set(gtest_disable_pthreads ON CACHE INTERNAL "")
 add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
-# Its headers are a system's: our warnings are not theirs.
+# System headers, so that our warnings do not apply to them.
 foreach(library gtest gmock)
   get_target_property(directories ${library} INTERFACE_INCLUDE_DIRECTORIES)
   set_target_properties(${library} PROPERTIES INTERFACE_SYSTEM_INCLUDE_DIRECTORIES "${directories}")

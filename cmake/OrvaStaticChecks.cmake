@@ -1,8 +1,8 @@
-# The checks that read the sources without running them, as CTest tests static.NAME with label static.
+# The static checks, as CTest tests static.NAME with label static.
 #
-# Each source has a stamp, made again only when the source, a header that it includes or the settings change, so that a
-# run after a small change costs little. The tests' own sources are checked by building the target clang_tidy_tests,
-# which no CTest test does: that takes longer than all other checks together.
+# Each source has a stamp, which is renewed only when the source, a header that it includes or the settings change. The
+# target clang_tidy_tests checks the tests' own sources. It takes longer than all other checks together, so no CTest test
+# builds it.
 foreach(tool clang-tidy-14 clang++-14 clang-format-16 cppcheck shellcheck)
   string(MAKE_C_IDENTIFIER "ORVA_${tool}" variable)
   find_program(${variable} ${tool} REQUIRED)
@@ -13,7 +13,7 @@ function(orva_clang_tidy TARGET)
   set(stamps "")
   foreach(source IN LISTS ARGN)
     file(RELATIVE_PATH name "${CMAKE_SOURCE_DIR}" "${source}")
-    # A folder may have settings that differ from everyone's.
+    # A folder may have settings of its own.
     string(REGEX MATCH "^[^/]+" folder "${name}")
     set(settings "${CMAKE_SOURCE_DIR}/.clang-tidy")
     if(EXISTS "${CMAKE_SOURCE_DIR}/${folder}/.clang-tidy")
@@ -29,7 +29,7 @@ function(orva_clang_tidy TARGET)
     list(APPEND stamps "${stamp}")
   endforeach()
   add_custom_target(${TARGET} DEPENDS ${stamps})
-  # The headers that are generated.
+  # Generated headers.
   add_dependencies(${TARGET} orva_addin_idl orva_addin_designer_idl orva_office_idl orva_atl_test_server_idl)
 endfunction()
 
@@ -51,7 +51,7 @@ function(orva_static_check NAME)
 endfunction()
 
 orva_static_check(ClangTidy "${ORVA_TOOLS_DIR}/check-tidy" "${CMAKE_BINARY_DIR}")
-# Started early and with both processors, being the longest of all after a change of what everything includes.
+# Started early and with two processors, because it takes longest after a change of a common header.
 set_tests_properties(static.ClangTidy PROPERTIES PROCESSORS 2 COST 900 TIMEOUT 2400)
 orva_static_check(Cppcheck "${ORVA_TOOLS_DIR}/run-cppcheck" "${CMAKE_BINARY_DIR}")
 orva_static_check(Sources "${ORVA_TOOLS_DIR}/check-sources")

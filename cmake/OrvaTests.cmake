@@ -1,8 +1,8 @@
-# orva_add_tests(NAME SOURCES a.cpp ... [LINK lib ...]) builds one test program and registers each of its
-# source files as one CTest test, so that a failure names the file and two files run at the same time.
+# orva_add_tests(NAME SOURCES a.cpp ... [LINK lib ...] [TIMEOUT seconds] [ENVIRONMENT variable=value ...]) builds one test
+# program and registers each source file *Test.cpp as one CTest test, so that a failure names the file and files run in
+# parallel.
 #
-# A file's test is a filter over the suites that its TEST, TEST_F and TEST_P lines name. A filter that
-# selects nothing is a failure, not a success.
+# A file's test filters by the suites in its TEST, TEST_F and TEST_P lines. A file without a test is an error.
 function(orva_add_tests NAME)
   cmake_parse_arguments(ARG "" "TIMEOUT" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
   if(NOT ARG_TIMEOUT)
