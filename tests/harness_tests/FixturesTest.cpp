@@ -27,7 +27,7 @@ constexpr wchar_t kDeepKey[] = L"Software\\OrvaHarnessTest\\a\\b";
 
 } // namespace
 
-TEST(RegistryTest, AValueIsRestoredAndMadeKeysGo)
+TEST(RegistryTest, AValueIsRestoredAndCreatedKeysAreRemoved)
 {
     CRegistryTreeGuard guard(HKEY_CURRENT_USER, kKey);
     guard.Remove();
@@ -94,7 +94,7 @@ TEST(RegistryTest, TheProxySettingIsRestored)
     EXPECT_EQ(ExportRegistryKey(HKEY_CURRENT_USER, kSettings), before);
 }
 
-TEST(FilesTest, ATempFolderGoesWithAllItHolds)
+TEST(FilesTest, ATempFolderIsRemovedWithItsContent)
 {
     std::wstring path;
     {
@@ -162,7 +162,7 @@ TEST(ProcessRunnerTest, CollectsDebuggerOutputOfAnotherProcess)
     EXPECT_THAT(process.DebugLines(), testing::IsSupersetOf({"one", "two "}));
 }
 
-TEST(ProcessRunnerTest, QuotesArgumentsAsTheyAreTakenApart)
+TEST(ProcessRunnerTest, QuotesArgumentsAsTheyAreSplit)
 {
     const std::vector<std::wstring> arguments = {L"plain", L"two words", L"",      L"quo\"te",
                                                  L"end\\", L"a b\\",     L"\\\\\""};
@@ -230,7 +230,7 @@ TEST(DebugOutputTest, CollectsOwnOutput)
     EXPECT_TRUE(output.Lines().empty());
 }
 
-TEST(LogFileTest, TakesLinesApart)
+TEST(LogFileTest, ParsesLines)
 {
     const CDebugLogOn log;
     EXPECT_EQ(RegistryDword(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue), 1u);

@@ -352,7 +352,7 @@ TEST(LoopbackServerTest, AnUnansweringPortNeitherAcceptsNorRefuses)
     closesocket(client);
 }
 
-TEST(LoopbackServerTest, PlaysTheProxyOfEveryHostInProcess)
+TEST(LoopbackServerTest, IsTheProxyOfEveryHost)
 {
     CLoopbackServer first;
     CLoopbackServer second;

@@ -36,7 +36,7 @@ private:
 
 } // namespace
 
-TEST(UserScriptTest, AnswersBoxesInOrderAndTellsWhatItSaw)
+TEST(UserScriptTest, AnswersBoxesInOrderAndReportsThem)
 {
     const COwner owner;
     CUserScript user;
@@ -105,7 +105,7 @@ TEST(UserScriptTest, AWindowAfterTheLastStepIsAFailure)
     EXPECT_THAT(user.FinishQuietly(), ElementsAre(HasSubstr("Unexpected window \"c\": \"unasked\"")));
 }
 
-TEST(UserScriptTest, ADialogIsWorkedWhileItStaysOpen)
+TEST(UserScriptTest, ADialogIsOperatedWhileItStaysOpen)
 {
     const COwner owner;
     bool between = false;

@@ -121,7 +121,7 @@ TEST_F(ButtonEventsTest, NoCallAfterUnadviseAndTheReferenceIsGivenBack)
     EXPECT_EQ(m_point->Unadvise(cookie), CONNECT_E_NOCONNECTION);
 }
 
-TEST_F(ButtonEventsTest, SinkThatDoesNotAnswerToTheEventInterfaceIsTurnedAway)
+TEST_F(ButtonEventsTest, SinkWithoutTheEventInterfaceIsRefused)
 {
     CSink sink(false);
     DWORD cookie = 7;
@@ -141,7 +141,7 @@ TEST_F(ButtonEventsTest, OtherEventInterfacesHaveNoConnectionPoint)
     EXPECT_TRUE(IsEqualIID(id, DIID__CommandBarButtonEvents));
 }
 
-TEST_F(ButtonEventsTest, SubscribersLeftBehindAreReleasedWithTheButton)
+TEST_F(ButtonEventsTest, SubscribersThatRemainAreReleasedWithTheButton)
 {
     CSink sink;
     DWORD cookie = 0;

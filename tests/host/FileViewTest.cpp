@@ -174,7 +174,7 @@ TEST_F(FileViewTest, EnterOnTheFocusedButtonPressesIt)
     EXPECT_EQ(CloseHost(), 0);
 }
 
-TEST_F(FileViewTest, InfoAndTabPagesTakeTurns)
+TEST_F(FileViewTest, InfoAndTabPagesCanBeSwitched)
 {
     Start();
     Click(kInfoButton);

@@ -60,7 +60,7 @@ TEST_F(HostRunTest, VersionIsAskedOfTheApplicationByName)
         << TraceText();
 }
 
-TEST_F(HostRunTest, LaterConnectionHearsNothingOfTheStartUp)
+TEST_F(HostRunTest, LaterConnectionGetsNoOnStartupComplete)
 {
     const std::pair<const wchar_t*, const char*> modes[] = {{L"after-startup", "0"}, {L"external", "2"}};
     for (const auto& [mode, number] : modes)
@@ -100,7 +100,7 @@ TEST_F(HostRunTest, WithoutAnExplorerTheAddInGetsNone)
     EXPECT_THAT(Trace(), Not(Contains(HasSubstr("Explorer.CommandBars"))));
 }
 
-TEST_F(HostRunTest, FastShutdownSaysNothingToTheAddIn)
+TEST_F(HostRunTest, FastShutdownDoesNotNotifyTheAddIn)
 {
     StartHost({L"--fast-shutdown", L"--office", L"12"});
     ASSERT_TRUE(WaitForTrace("Outlook: start-up complete"));
@@ -122,7 +122,7 @@ TEST_F(HostRunTest, FailingConnectionIsReleasedAndOutlookGoesOn)
     EXPECT_THAT(Trace(), Not(Contains(HasSubstr("OnStartupComplete"))));
 }
 
-TEST_F(HostRunTest, ExceptionOutOfTheAddInIsNotedAndOutlookGoesOn)
+TEST_F(HostRunTest, ExceptionOutOfTheAddInIsTracedAndOutlookGoesOn)
 {
     StartHost({L"--quit-after-startup"}, L"throw");
     ASSERT_EQ(WaitForHost(), 0);

@@ -113,7 +113,7 @@ TEST_F(MenuCommandTest, ThatIsNotTemporaryIsStillThereAtTheNextStartWithoutTheAd
     EXPECT_EQ(MenuOfOneRun(), WithHelp(kHelpWithCommand));
 }
 
-TEST_F(MenuCommandTest, EmptyMenuBarHasNoItemToGive)
+TEST_F(MenuCommandTest, EmptyMenuBarHasNoItem)
 {
     Start({L"--empty-menu-bar"});
     EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarControls.Count = 0x00000000; 0")) << TraceText();

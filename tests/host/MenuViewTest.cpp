@@ -45,7 +45,7 @@ TEST_F(MenuViewTest, ShowsMenusWithTheirItemsInOrder)
     EXPECT_THAT(Show(), ElementsAre(L"&One: first", L"&Two: second | third"));
 }
 
-TEST_F(MenuViewTest, SetsApartWhatBeginsAGroup)
+TEST_F(MenuViewTest, SeparatesGroups)
 {
     CCommandBarControls& items = m_bar->Controls().AddPopup(L"&One").Controls();
     items.AddButton(L"first");
@@ -53,7 +53,7 @@ TEST_F(MenuViewTest, SetsApartWhatBeginsAGroup)
     EXPECT_THAT(Show(), ElementsAre(L"&One: first | --- | second"));
 }
 
-TEST_F(MenuViewTest, GreysWhatIsNotEnabledAndHidesWhatIsNotVisible)
+TEST_F(MenuViewTest, GreysDisabledItemsAndHidesInvisibleOnes)
 {
     CCommandBarControls& items = m_bar->Controls().AddPopup(L"&One").Controls();
     PutByName(&items.AddButton(L"first"), L"Enabled", false);

@@ -108,7 +108,7 @@ TEST_F(ObjectModelTest, ButtonIsNoPopup)
     EXPECT_EQ(GetByName(button.Get(), L"Controls", value), DISP_E_UNKNOWNNAME);
 }
 
-TEST_F(ObjectModelTest, ApplicationTellsNameVersionAndExplorer)
+TEST_F(ObjectModelTest, ApplicationHasNameVersionAndExplorer)
 {
     EXPECT_EQ(Text(m_application.Get(), L"Name"), L"Outlook");
     EXPECT_EQ(Text(m_application.Get(), L"Version"), L"12.0.6423.1000");

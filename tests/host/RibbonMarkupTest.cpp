@@ -87,7 +87,7 @@ TEST_F(RibbonMarkupTest, LettersOutsideLatin1AreKept)
     EXPECT_EQ(m_markup.tabs[0].label, L"\u015eirket \u0131 \u00e4");
 }
 
-TEST_F(RibbonMarkupTest, WhatIsNotShownIsNamed)
+TEST_F(RibbonMarkupTest, IgnoredElementsAreListed)
 {
     ASSERT_TRUE(Parse(std::wstring(kHead) + L"<ribbon/><backstage><button/></backstage></customUI>"));
     EXPECT_THAT(m_markup.ignored, ElementsAre(L"ribbon", L"button"));

@@ -69,7 +69,7 @@ TEST_F(TraceTest, RunGivesTheCallsResult)
     EXPECT_THAT(Lines(), ElementsAre(Matches(".* a -> b: c = 0x00000001, [0-9]+ ms")));
 }
 
-TEST_F(TraceTest, ExceptionThatLeavesACallIsNotedAndBecomesAFailure)
+TEST_F(TraceTest, ExceptionThatLeavesACallIsTracedAndBecomesAFailure)
 {
     const HRESULT result =
         m_trace.Run(L"a", L"b", L"c", []() -> HRESULT { throw std::runtime_error("fault of an add-in"); });
