@@ -60,7 +60,7 @@ TEST_F(MenuCommandTest, AddGetsTypeThenThreeMissingThenTemporaryAsAShort)
     EXPECT_THAT(add.named, IsEmpty());
     EXPECT_EQ(add.arguments[0].vt, VT_I4);
     EXPECT_EQ(add.arguments[0].lVal, 1);
-    for (const size_t missing : {1U, 2U, 3U})
+    for (const size_t missing : {1u, 2u, 3u})
     {
         EXPECT_EQ(add.arguments[missing].vt, VT_ERROR) << missing;
         EXPECT_EQ(add.arguments[missing].scode, static_cast<SCODE>(0x80020004)) << missing;

@@ -78,7 +78,7 @@ protected:
         const bool isUndo = step == Step::UndoMachine || step == Step::UndoUser;
         const HRESULT hr = m_module->Install(!isUndo, isUser ? L"user" : nullptr);
         char text[16];
-        std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(hr));
+        std::snprintf(text, sizeof(text), "0x%08lX", static_cast<unsigned long>(hr));
         return hr == S_OK ? "S_OK" : text;
     }
 

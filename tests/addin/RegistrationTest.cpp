@@ -58,7 +58,7 @@ TEST_F(RegistrationTest, RegisteringRepairsChangedValues)
         ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, kAddInKey, 0, KEY_SET_VALUE, &key), ERROR_SUCCESS);
         const DWORD disabled = 2;
         RegSetValueExW(key, L"LoadBehavior", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&disabled),
-                       sizeof disabled);
+                       sizeof(disabled));
         RegCloseKey(key);
         ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, kClassKey, 0, KEY_ALL_ACCESS, &key), ERROR_SUCCESS);
         HKEY stray = nullptr;

@@ -107,7 +107,7 @@ protected:
         picture->get_Handle(&handle);
         BITMAP bitmap{};
         EXPECT_NE(GetObjectW(reinterpret_cast<HBITMAP>(static_cast<LONG_PTR>(static_cast<int>(handle))),
-                             sizeof bitmap, &bitmap),
+                             sizeof(bitmap), &bitmap),
                   0);
         EXPECT_EQ(bitmap.bmBitsPixel, 32);
         return {bitmap.bmWidth, bitmap.bmHeight};

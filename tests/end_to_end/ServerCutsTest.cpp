@@ -48,7 +48,7 @@ protected:
     }
 
     // The offset from which on all that an offer needs has come.
-    size_t OfferFrom() const { return m_bytes.find("Better than ever.\"") + sizeof "Better than ever."; }
+    size_t OfferFrom() const { return m_bytes.find("Better than ever.\"") + sizeof("Better than ever."); }
 
     void Cut(size_t offset)
     {

@@ -1,7 +1,7 @@
 // The Backstage markup as the module carries it: its encoding, and every element and attribute by the
 // system's parser.
 #include "harness/Text.h"
-#include "tests/res/ModuleResources.h"
+#include "res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 #include <wrl/client.h>
@@ -118,7 +118,7 @@ TEST(BackstageMarkupTest, BeginsWithAByteOrderMarkHasCrlfLineEndsAndNoTerminator
     const std::wstring markup = Markup();
     EXPECT_EQ(markup.find(L'\0'), std::wstring::npos);
     EXPECT_EQ(markup.find(L'\uFEFF', 1), std::wstring::npos);
-    for (std::size_t position = 0; position != markup.size(); ++position)
+    for (size_t position = 0; position != markup.size(); ++position)
     {
         if (markup[position] == L'\n')
         {
@@ -188,7 +188,7 @@ TEST(BackstageMarkupTest, HasEveryElementWithItsAttributesAndNoOther)
         R"(7 labelControl id="lblVersion2" label="__IDS_VERSION_LINE2__")",
     };
     ASSERT_EQ(lines.size(), expected.size());
-    for (std::size_t index = 0; index != expected.size(); ++index)
+    for (size_t index = 0; index != expected.size(); ++index)
     {
         EXPECT_EQ(lines[index], expected[index]);
     }

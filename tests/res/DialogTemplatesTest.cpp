@@ -1,6 +1,6 @@
 // The dialog templates, field by field.
 #include "harness/Text.h"
-#include "tests/res/ModuleResources.h"
+#include "res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 
@@ -55,12 +55,12 @@ public:
                std::to_string(height);
     }
 
-    void AlignToDword() { m_position = (m_position + 3) & ~std::size_t{3}; }
-    void Skip(std::size_t bytes) { m_position += bytes; }
+    void AlignToDword() { m_position = (m_position + 3) & ~size_t{3}; }
+    void Skip(size_t bytes) { m_position += bytes; }
 
 private:
     std::vector<BYTE> m_bytes;
-    std::size_t m_position = 0;
+    size_t m_position = 0;
 };
 
 struct Control
@@ -151,7 +151,7 @@ void ExpectCommonFields(const Template& dialog)
 void ExpectControls(const Template& dialog, const std::vector<Control>& expected)
 {
     ASSERT_EQ(dialog.controls.size(), expected.size());
-    for (std::size_t index = 0; index != expected.size(); ++index)
+    for (size_t index = 0; index != expected.size(); ++index)
     {
         EXPECT_EQ(dialog.controls[index], expected[index]) << "control " << index;
     }

@@ -1,7 +1,7 @@
 // Every text that a dialog shows fits its control in every language, measured with the control's own font.
 #include "harness/Text.h"
+#include "res/ModuleResources.h"
 #include "res/resource.h"
-#include "tests/res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@ std::wstring Fill(const std::wstring& format, const std::vector<std::wstring>& a
 {
     std::wstring text;
     auto argument = arguments.begin();
-    for (std::size_t position = 0; position != format.size(); ++position)
+    for (size_t position = 0; position != format.size(); ++position)
     {
         if (format[position] != L'%')
         {

@@ -1,6 +1,6 @@
 // The version resource, the manifest and the type library of the module.
 #include "harness/Text.h"
-#include "tests/res/ModuleResources.h"
+#include "res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 #include <wrl/client.h>

@@ -1,4 +1,4 @@
-#include "tests/res/ModuleResources.h"
+#include "res/ModuleResources.h"
 
 #include <algorithm>
 #include <cstring>
@@ -67,10 +67,10 @@ std::wstring ModuleString(WORD language, UINT id)
         BytesOf(FindResourceExW(GetModuleHandleW(nullptr), RT_STRING, MAKEINTRESOURCEW(block), language));
     std::vector<wchar_t> units(bytes.size() / 2);
     std::memcpy(units.data(), bytes.data(), units.size() * 2);
-    std::size_t position = 0;
+    size_t position = 0;
     for (UINT skipped = 0; skipped != id % 16; ++skipped)
     {
-        position += 1U + units.at(position);
+        position += 1u + units.at(position);
     }
     return std::wstring(&units.at(position) + 1, units.at(position));
 }

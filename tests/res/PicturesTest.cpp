@@ -1,5 +1,5 @@
 // The pictures that the module carries: sizes, depths, and what is transparent.
-#include "tests/res/ModuleResources.h"
+#include "res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 #include <wrl/client.h>
@@ -73,7 +73,7 @@ private:
     ULONG_PTR m_token = 0;
 };
 
-DWORD BigEndian(const std::vector<BYTE>& bytes, std::size_t position)
+DWORD BigEndian(const std::vector<BYTE>& bytes, size_t position)
 {
     return static_cast<DWORD>(bytes.at(position) << 24 | bytes.at(position + 1) << 16 |
                               bytes.at(position + 2) << 8 | bytes.at(position + 3));

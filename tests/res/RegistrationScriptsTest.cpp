@@ -1,5 +1,5 @@
 // The registration scripts, token by token.
-#include "tests/res/ModuleResources.h"
+#include "res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The texts of the four languages, read out of the built module.
 #include "OrvaWebHost.h"
 #include "harness/Text.h"
-#include "tests/res/ModuleResources.h"
+#include "res/ModuleResources.h"
 
 #include <gtest/gtest.h>
 
@@ -145,7 +145,7 @@ TEST(StringsTest, TheCanceledMessageHasOneLineBreakAndInnerQuotesInEveryLanguage
     for (const WORD language : kLanguages)
     {
         const std::string text = Text(language, 132);
-        const std::size_t lineBreak = text.find('\n');
+        const size_t lineBreak = text.find('\n');
         ASSERT_NE(lineBreak, std::string::npos) << text;
         EXPECT_EQ(text.find('\n', lineBreak + 1), std::string::npos) << text;
         EXPECT_EQ(text.find('\\'), std::string::npos) << text;

@@ -35,7 +35,7 @@ TEST(BytesToSafeArray, CopiesTheBytesIntoAnArrayFromZero)
     LONG lower = -1;
     EXPECT_EQ(SafeArrayGetVartype(array, &type), S_OK);
     EXPECT_EQ(type, VT_UI1);
-    EXPECT_EQ(SafeArrayGetDim(array), 1U);
+    EXPECT_EQ(SafeArrayGetDim(array), 1u);
     EXPECT_EQ(SafeArrayGetLBound(array, 1, &lower), S_OK);
     EXPECT_EQ(lower, 0);
     EXPECT_EQ(BytesOf(array), bytes);
@@ -61,7 +61,7 @@ TEST(BytesToSafeArray, WithoutATargetThereIsNoMemory)
 TEST(GuidStrings, HaveTheRegistryFormInUpperCase)
 {
     const std::string guid = CreateGuidString();
-    ASSERT_EQ(guid.size(), 38U);
+    ASSERT_EQ(guid.size(), 38u);
     for (size_t i = 0; i < guid.size(); ++i)
     {
         const auto c = static_cast<unsigned char>(guid[i]);

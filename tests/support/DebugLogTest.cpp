@@ -46,7 +46,7 @@ std::vector<std::string> RunScript(const std::string& name, const std::wstring& 
     options.debug = true;
     CChildProcess child(options);
     const std::optional<DWORD> code = child.WaitForExit();
-    EXPECT_EQ(code, 0U) << child.Output();
+    EXPECT_EQ(code, 0u) << child.Output();
     EXPECT_THAT(child.Output(), testing::HasSubstr("[  PASSED  ] 1 test."));
     return child.DebugLines();
 }
@@ -123,7 +123,7 @@ TEST(DebugLogChild, DISABLED_WritesEveryForm)
     WriteDebugLog(GetDebugLog(), "CHttpRequest::PerformTextRequest");
     WriteDebugLog(GetDebugLog(), "CHttpRequest::PerformTextRequest", "response httpStatus", 200);
     WriteDebugLog(GetDebugLog(), "F", "negative", -2147483647 - 1);
-    WriteDebugLog(GetDebugLog(), "F", "status", static_cast<std::int32_t>(4294967295U));
+    WriteDebugLog(GetDebugLog(), "F", "status", static_cast<std::int32_t>(4294967295u));
     WriteDebugLog(GetDebugLog(), "F", "narrow", std::string("\xE4 text"));
     WriteDebugLog(GetDebugLog(), "F", "literal", "a b");
     WriteDebugLog(GetDebugLog(), "F", "wide", std::wstring(L"\x00E4\x0416\x20AC"));
@@ -211,7 +211,7 @@ TEST_F(DebugLog, WithoutTheSwitchEntriesReachTheDebuggerAndNoFileIsMade)
 
 TEST_F(DebugLog, AnythingButOneIsOff)
 {
-    for (const DWORD value : {0U, 2U, 0x01000000U, 0xFFFFFFFFU, 0x101U})
+    for (const DWORD value : {0u, 2u, 0x01000000u, 0xFFFFFFFFu, 0x101u})
     {
         SCOPED_TRACE(value);
         m_user.SetDword(value);
@@ -288,7 +288,7 @@ TEST_F(DebugLog, ALineIsTheLocalTimeInBracketsTheTextAndALineEnd)
     const std::time_t after = std::time(nullptr);
 
     const std::string log = ReadLog();
-    ASSERT_EQ(log.size(), 1 + 19 + 2 + 22 + 2U) << log;
+    ASSERT_EQ(log.size(), 1 + 19 + 2 + 22 + 2u) << log;
     EXPECT_EQ(log[0], '[');
     EXPECT_EQ(log.substr(20), "] CConnect::OnConnection\r\n");
     bool found = false;
@@ -308,7 +308,7 @@ TEST_F(DebugLog, TwoEntriesInOneSecondCarryTheSameTimeAndKeepTheirOrder)
     m_user.SetDword(1);
     RunScript("WritesTwoEntriesInOneSecond");
     const std::vector<CLogEntry> entries = ReadLogEntries();
-    ASSERT_GE(entries.size(), 2U);
+    ASSERT_GE(entries.size(), 2u);
     EXPECT_EQ(entries[entries.size() - 2].text, "early");
     EXPECT_EQ(entries.back().text, "late");
     EXPECT_EQ(entries[entries.size() - 2].time, entries.back().time);
@@ -327,7 +327,7 @@ TEST_F(DebugLog, OthersMayReadAndWriteTheFileMeanwhile)
     m_user.SetDword(1);
     RunScript("SharesTheFile");
     const std::vector<CLogEntry> entries = ReadLogEntries();
-    ASSERT_EQ(entries.size(), 3U);
+    ASSERT_EQ(entries.size(), 3u);
     EXPECT_EQ(entries[0].text, "mine");
     EXPECT_EQ(entries[1].text, "theirs\r");
     EXPECT_EQ(entries[2].text, "mine again");
@@ -373,7 +373,7 @@ TEST_F(DebugLog, AFileOfOneByteMoreIsEmptied)
     m_user.SetDword(1);
     WriteOldLog(std::string(kLargestKeptFile - sizeof(kOldLine) + 2, 'x') + kOldLine);
     RunScript("WritesOneEntry");
-    EXPECT_EQ(ReadLog().size(), 46U);
+    EXPECT_EQ(ReadLog().size(), 46u);
     EXPECT_THAT(ReadLogTexts(), ElementsAre("CConnect::OnConnection"));
 }
 
@@ -381,7 +381,7 @@ TEST_F(DebugLog, AFileMayGrowBeyondOneMebibyteWhileItIsOpen)
 {
     m_user.SetDword(1);
     RunScript("WritesTwoMebibytes");
-    EXPECT_EQ(ReadLog().size(), 512U * (4096 + 24));
+    EXPECT_EQ(ReadLog().size(), 512u * (4096 + 24));
 }
 
 TEST_F(DebugLog, WithoutALocalApplicationDataFolderTheLogIsOffAndNothingIsMade)
@@ -415,7 +415,7 @@ TEST_F(DebugLog, AFileThatCannotBeOpenedLeavesTheLogOff)
     m_user.SetDword(1);
     CreateDirectoryW(LogFolder().c_str(), nullptr);
     CreateDirectoryW(LogPath().c_str(), nullptr);
-    EXPECT_THAT(RunScript("WritesEveryForm").size(), 12U);
+    EXPECT_THAT(RunScript("WritesEveryForm").size(), 12u);
     EXPECT_TRUE(FolderExists(LogPath()));
 }
 
@@ -434,10 +434,10 @@ TEST_F(DebugLog, WithoutMemoryALineIsLostAndNobodyIsTold)
         const CImportHook noMemory(GetModuleHandleW(nullptr), "msvcrt.dll", "malloc", &FailOnce);
         g_threadWithoutMemory = GetCurrentThreadId();
         LogEntry("CHttpRequest::PerformTextRequest");
-        EXPECT_EQ(g_threadWithoutMemory, 0U);
+        EXPECT_EQ(g_threadWithoutMemory, 0u);
         g_threadWithoutMemory = GetCurrentThreadId();
         LogMessage("CHttpRequest::PerformTextRequest", std::move(message));
-        EXPECT_EQ(g_threadWithoutMemory, 0U);
+        EXPECT_EQ(g_threadWithoutMemory, 0u);
     }
     LogEntry("after");
     EXPECT_THAT(output.Lines(), ElementsAre("after"));

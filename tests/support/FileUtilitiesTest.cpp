@@ -92,7 +92,7 @@ TEST(CreateDirectoriesForPath, PathsWithoutAFolderCreateNone)
 {
     const CTempFolder temp;
     wchar_t before[MAX_PATH];
-    ASSERT_NE(GetCurrentDirectoryW(MAX_PATH, before), 0U);
+    ASSERT_NE(GetCurrentDirectoryW(MAX_PATH, before), 0u);
     ASSERT_TRUE(SetCurrentDirectoryW(temp.Path().c_str()));
     EXPECT_FALSE(CreateDirectoriesForPath(L"file", true));
     EXPECT_FALSE(CreateDirectoriesForPath(L"", true));

@@ -92,7 +92,7 @@ TEST(DecodeGzip, AStreamThatEndsEarlyIsAnErrorThatKeepsWhatWasDecoded)
     const std::string text = Noise(50'000);
     const Decoded decoded = Decode(orva::test::CutOff(orva::test::GzipBytes(text), 1'000));
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);
-    ASSERT_GT(decoded.bytes.size(), 10'000U);
+    ASSERT_GT(decoded.bytes.size(), 10'000u);
     ASSERT_LT(decoded.bytes.size(), text.size());
     EXPECT_EQ(decoded.bytes, text.substr(0, decoded.bytes.size()));
 }

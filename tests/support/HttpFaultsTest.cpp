@@ -17,7 +17,7 @@ protected:
     static void ExpectFailure(const Fetched& fetched, const std::string& reason)
     {
         EXPECT_EQ(fetched.text, L"");
-        EXPECT_EQ(fetched.status, 4294967295U);
+        EXPECT_EQ(fetched.status, 4294967295u);
         EXPECT_EQ(fetched.date.tm_year, 0);
         EXPECT_EQ(fetched.lines, FailureLines(reason));
     }
@@ -189,12 +189,12 @@ TEST_F(HttpFaults, ABodyThatStopsHalfWayGivesWhatHasCome)
 {
     const Fetched fetched = Fetch(CHttpReply(200, "{\"a\":1").ContentLength(1'000));
     EXPECT_EQ(fetched.text, L"{\"a\":1");
-    EXPECT_EQ(fetched.status, 200U);
+    EXPECT_EQ(fetched.status, 200u);
 }
 
 TEST_F(HttpFaults, AContentLengthThatIsTooSmallIsNoFailure)
 {
     const Fetched fetched = Fetch(CHttpReply(200, "{\"a\":1}").ContentLength(3));
     EXPECT_EQ(fetched.text.substr(0, 3), L"{\"a");
-    EXPECT_EQ(fetched.status, 200U);
+    EXPECT_EQ(fetched.status, 200u);
 }

@@ -153,8 +153,8 @@ TEST_F(HttpRequest, HttpsBeginsWithATlsHandshake)
     EXPECT_NE(bytes, "");
     EXPECT_EQ(bytes, std::string(bytes.size(), '\x16'));
     EXPECT_EQ(fetched.text, L"");
-    EXPECT_EQ(fetched.status, 4294967295U);
-    ASSERT_EQ(fetched.lines.size(), 8U);
+    EXPECT_EQ(fetched.status, 4294967295u);
+    ASSERT_EQ(fetched.lines.size(), 8u);
     EXPECT_THAT(fetched.lines[1],
                 testing::StartsWith("CHttpRequest::PerformRequest() Caught CInternetException "));
 }
@@ -185,7 +185,7 @@ TEST_F(HttpRequest, EveryCallAsksTheServerAgain)
     m_server.On("/a", CHttpReply(200, "{}").Header("Cache-Control", "max-age=3600").KeepAlive());
     Sent("/a", {}, kGet);
     Sent("/a", {}, kGet);
-    EXPECT_EQ(m_server.RequestsFor("/a").size(), 2U);
+    EXPECT_EQ(m_server.RequestsFor("/a").size(), 2u);
 }
 
 TEST_F(HttpRequest, LeavesNothingInTheCache)
@@ -239,9 +239,9 @@ TEST_F(HttpRequest, TheResponseHoldsBodyStatusTypeAndDate)
     const auto response = CHttpRequest::PerformRequest(m_server.Url("/a"), {}, kGet);
     EXPECT_THAT(output.Lines(), IsEmpty());
     ASSERT_NE(response->m_data, nullptr);
-    EXPECT_EQ(response->m_length, 3U);
+    EXPECT_EQ(response->m_length, 3u);
     EXPECT_EQ(std::string(response->m_data.get(), 4), std::string("a\0b\0", 4));
-    EXPECT_EQ(response->m_status, 201U);
+    EXPECT_EQ(response->m_status, 201u);
     EXPECT_EQ(response->m_contentType, "text/plain; charset=utf-8");
     EXPECT_EQ(response->m_date.tm_year, 111);
     EXPECT_EQ(response->m_date.tm_sec, 7);
@@ -252,8 +252,8 @@ TEST_F(HttpRequest, TheResponseOfAnotherStatusHoldsStatusAndDateOnly)
     m_server.On("/a", CHttpReply(404, "not found"));
     const auto response = CHttpRequest::PerformRequest(m_server.Url("/a"), {}, kGet);
     EXPECT_EQ(response->m_data, nullptr);
-    EXPECT_EQ(response->m_length, 0U);
-    EXPECT_EQ(response->m_status, 404U);
+    EXPECT_EQ(response->m_length, 0u);
+    EXPECT_EQ(response->m_status, 404u);
     EXPECT_EQ(response->m_contentType, "");
     EXPECT_EQ(response->m_date.tm_year, 111);
 }

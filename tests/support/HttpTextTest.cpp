@@ -66,7 +66,7 @@ TEST_F(HttpText, TheFormsWithOneResultMoreWriteItTwice)
         const CDebugOutput output;
         EXPECT_EQ(CHttpRequest::PerformTextRequest(m_server.Url("/a"), {}, kGet, date), L"{}");
         EXPECT_EQ(testing::Matches(testing::Contains(kEntry).Times(2))(output.Lines()), true);
-        EXPECT_EQ(output.Lines().size(), 10U);
+        EXPECT_EQ(output.Lines().size(), 10u);
     }
     EXPECT_EQ(date.tm_year, 111);
     EXPECT_EQ(date.tm_mon, 0);
@@ -79,15 +79,15 @@ TEST_F(HttpText, TheFormsWithOneResultMoreWriteItTwice)
     const CDebugOutput output;
     EXPECT_EQ(CHttpRequest::PerformTextRequest(m_server.Url("/a"), {}, kGet, status), L"{}");
     EXPECT_THAT(output.Lines(), testing::Contains(kEntry).Times(2));
-    EXPECT_EQ(output.Lines().size(), 10U);
-    EXPECT_EQ(status, 200U);
+    EXPECT_EQ(output.Lines().size(), 10u);
+    EXPECT_EQ(status, 200u);
 }
 
 TEST_F(HttpText, TheLongestFormWritesItOnceAndGivesDateAndStatus)
 {
     const Fetched fetched = Fetch(CHttpReply(201, "abc"));
     EXPECT_EQ(fetched.text, L"abc");
-    EXPECT_EQ(fetched.status, 201U);
+    EXPECT_EQ(fetched.status, 201u);
     EXPECT_EQ(fetched.date.tm_year, 111);
     EXPECT_EQ(fetched.date.tm_hour, 14);
     EXPECT_EQ(fetched.lines, Lines(3, 201,
@@ -114,7 +114,7 @@ TEST_F(HttpText, AnEmptyBodyIsAnEmptyText)
 
     const Fetched noContent = Fetch(CHttpReply(204));
     EXPECT_EQ(noContent.text, L"");
-    EXPECT_EQ(noContent.status, 204U);
+    EXPECT_EQ(noContent.status, 204u);
     EXPECT_EQ(noContent.lines, Lines(0, 204, rest));
 }
 
@@ -171,7 +171,7 @@ TEST_F(HttpText, TheLogHasTheLowByteOfEveryCharacter)
 TEST_F(HttpText, BytesThatAreNoUtf8DoNoHarm)
 {
     const std::wstring text = TextOf("a\xFF\xC3(b");
-    ASSERT_GE(text.size(), 3U);
+    ASSERT_GE(text.size(), 3u);
     EXPECT_EQ(text.front(), L'a');
     EXPECT_EQ(text.back(), L'b');
 }
@@ -193,7 +193,7 @@ TEST_F(HttpText, Utf16ResponsesGiveAnEmptyText)
     {
         const Fetched fetched = Fetch(CHttpReply(200, "{}").Header("Content-Type", type));
         EXPECT_EQ(fetched.text, L"") << type;
-        EXPECT_EQ(fetched.status, 200U);
+        EXPECT_EQ(fetched.status, 200u);
         EXPECT_EQ(fetched.lines, Lines(2, 200,
                                        {"CHttpRequest::PerformTextRequest() delete resp ",
                                         "CHttpRequest::PerformTextRequest() deleted resp "}));
@@ -213,11 +213,11 @@ TEST_F(HttpText, OtherTypesAreReadAsUtf8)
 
 TEST_F(HttpText, AtMost256000BytesAreRead)
 {
-    for (const size_t length : {255'999U, 256'000U, 256'001U, 300'000U})
+    for (const size_t length : {255'999u, 256'000u, 256'001u, 300'000u})
     {
         const Fetched fetched = Fetch(CHttpReply(200, Padded(length)));
         EXPECT_EQ(fetched.text, Widened(Padded(std::min<size_t>(length, 256'000))));
-        EXPECT_EQ(fetched.status, 200U);
+        EXPECT_EQ(fetched.status, 200u);
     }
 }
 
@@ -259,7 +259,7 @@ TEST_F(HttpText, ATruncatedGzipBodyGivesAMessageOnStandardOutputAndWhatWasDecode
     Fetched fetched;
     EXPECT_EQ(OutputOf(Coded("gzip", CutOff(GzipBytes("{\"a\":1}"), 8)), fetched), kGzipMessage);
     EXPECT_EQ(fetched.text, L"{\"a\":1}");
-    EXPECT_EQ(fetched.status, 200U);
+    EXPECT_EQ(fetched.status, 200u);
 }
 
 TEST_F(HttpText, AGzipBodyThatInflatesBeyondTheBoundIsCutThere)
@@ -278,7 +278,7 @@ TEST_F(HttpText, ABodyThatIsNoGzipGivesAMessageAndAnEmptyText)
     Fetched fetched;
     EXPECT_EQ(OutputOf(Coded("gzip", "{\"a\":1}"), fetched), kGzipMessage);
     EXPECT_EQ(fetched.text, L"");
-    EXPECT_EQ(fetched.status, 200U);
+    EXPECT_EQ(fetched.status, 200u);
     EXPECT_EQ(fetched.lines[1], "CHttpRequest::PerformTextRequest() response content lenght 0");
 
     EXPECT_EQ(OutputOf(Coded("gzip", ""), fetched), kGzipMessage);

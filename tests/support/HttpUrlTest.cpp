@@ -45,7 +45,7 @@ protected:
     {
         const Fetched fetched = FetchUrl(url);
         EXPECT_EQ(fetched.text, L"");
-        EXPECT_EQ(fetched.status, 4294967295U);
+        EXPECT_EQ(fetched.status, 4294967295u);
         EXPECT_EQ(fetched.date.tm_year, 0);
         EXPECT_EQ(fetched.lines, FailureLines("Caught exception Could not parse url"));
         EXPECT_EQ(m_server.Requests().size(), m_count);

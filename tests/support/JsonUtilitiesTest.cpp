@@ -30,7 +30,7 @@ TEST(FindValue, AnAbsentNameGivesTheSharedNullValue)
     EXPECT_TRUE(FindValue(object, L"b").is_null());
     EXPECT_TRUE(FindValue(json_spirit::wmObject(), L"a").is_null());
     EXPECT_EQ(&FindValue(object, L"b"), &FindValue(object, L"c"));
-    EXPECT_EQ(object.size(), 1U);
+    EXPECT_EQ(object.size(), 1u);
 }
 
 TEST(FindValue, NamesAreExact)

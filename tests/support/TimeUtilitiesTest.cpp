@@ -144,7 +144,7 @@ TEST(ParseHttpDate, KeepsTheHourInSummerAndWinterAndSaysWhichItIs)
     options.arguments = {L"--gtest_also_run_disabled_tests", L"--gtest_filter=ParseHttpDateChild.*"};
     options.environment = {{L"TZ", L"America/Los_Angeles"}};
     orva::test::CChildProcess child(options);
-    EXPECT_EQ(child.WaitForExit(), 0U);
+    EXPECT_EQ(child.WaitForExit(), 0u);
     EXPECT_THAT(child.Output(), testing::HasSubstr("111-6-15 12:0:0 5/195 summer time 1"));
     EXPECT_THAT(child.Output(), testing::HasSubstr("111-0-15 12:0:0 6/14 summer time 0"));
 }

@@ -37,7 +37,7 @@ void Close(HWND dialog)
     ClickButton(dialog, kClose);
 }
 
-class AboutDlgTest : public ::testing::Test
+class AboutDlgTest : public testing::Test
 {
 protected:
     void SetUp() override { EnableWindow(m_owner.Handle(), TRUE); }
@@ -304,8 +304,7 @@ TEST_F(AboutDlgTest, BackgroundIsWhite)
 }
 
 // A browser of the test's own: writes the address that it is called with into a file.
-class AboutDlgLinkTest : public AboutDlgTest,
-                         public ::testing::WithParamInterface<std::pair<int, const char*>>
+class AboutDlgLinkTest : public AboutDlgTest, public testing::WithParamInterface<std::pair<int, const char*>>
 {
 protected:
     AboutDlgLinkTest()
@@ -341,9 +340,9 @@ TEST_P(AboutDlgLinkTest, OpensItsExactAddressAndLeavesTheDialogOpen)
 }
 
 INSTANTIATE_TEST_SUITE_P(Links, AboutDlgLinkTest,
-                         ::testing::Values(std::pair{kLink1, "http://www.orva.example/outlook"},
-                                           std::pair{kLink2, "http://www.orva.example/outlook/faqs"},
-                                           std::pair{kLink3, "http://www.orva.example/app/user?op=imprint"}));
+                         testing::Values(std::pair{kLink1, "http://www.orva.example/outlook"},
+                                         std::pair{kLink2, "http://www.orva.example/outlook/faqs"},
+                                         std::pair{kLink3, "http://www.orva.example/app/user?op=imprint"}));
 
 } // namespace
 } // namespace orva::test

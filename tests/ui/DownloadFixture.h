@@ -40,7 +40,7 @@ private:
 };
 
 /// Runs StartDownloadDialog against a loopback server, in English, with a temporary folder of its own.
-class CDownloadTest : public ::testing::Test
+class CDownloadTest : public testing::Test
 {
 protected:
     /// Answers the installer's request, but not before the dialog has been seen: at its end the dialog sleeps

@@ -42,7 +42,7 @@ TEST(MakeTempNameTest, IsOscAndSixCharacters)
     EXPECT_EQ(name.find(L'X'), std::wstring::npos);
 }
 
-class CreateTempDownloadDirectoryTest : public ::testing::Test
+class CreateTempDownloadDirectoryTest : public testing::Test
 {
 protected:
     CPrivateTemp m_temp;

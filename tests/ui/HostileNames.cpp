@@ -144,7 +144,7 @@ std::string Printable(const std::wstring& text)
             continue;
         }
         char escaped[12];
-        std::snprintf(escaped, sizeof escaped, "\\u%04X", static_cast<unsigned>(character));
+        std::snprintf(escaped, sizeof(escaped), "\\u%04X", static_cast<unsigned>(character));
         printable += escaped;
     }
     return printable.empty() ? "(empty)" : printable;

@@ -66,7 +66,7 @@ protected:
 
     // Gives the block's first `size` bytes for the module's, at an even address, right in front of a page
     // that must not be touched.
-    void Give(const std::wstring& block, std::size_t size)
+    void Give(const std::wstring& block, size_t size)
     {
         BYTE* const bytes = m_pages + kPage - size - size % 2;
         std::memcpy(bytes, block.data(), size);
@@ -77,10 +77,10 @@ protected:
     std::wstring Load(UINT index) const
     {
         const CString text = m_resources.LoadString(kFirstId + index);
-        return std::wstring(text.GetString(), static_cast<std::size_t>(text.GetLength()));
+        return std::wstring(text.GetString(), static_cast<size_t>(text.GetLength()));
     }
 
-    std::wstring Load(const std::wstring& block, std::size_t size, UINT index)
+    std::wstring Load(const std::wstring& block, size_t size, UINT index)
     {
         Give(block, size);
         return Load(index);
@@ -92,7 +92,7 @@ protected:
     }
 
 private:
-    static constexpr std::size_t kPage = 4096;
+    static constexpr size_t kPage = 4096;
     LCID m_locale;
     BYTE* m_pages;
     CLocalizedResources m_resources;

@@ -103,8 +103,7 @@ struct Pixels
 
     DWORD At(LONG x, LONG y) const
     {
-        return values.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                         static_cast<std::size_t>(x));
+        return values.at(static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x));
     }
 };
 
@@ -126,7 +125,7 @@ Pixels PixelsOf(IPictureDisp* picture)
     BITMAP attributes = {};
     EXPECT_EQ(GetObjectW(bitmap, sizeof(attributes), &attributes), static_cast<int>(sizeof(attributes)));
     Pixels pixels = {attributes.bmWidth, attributes.bmHeight, attributes.bmBitsPixel, {}};
-    pixels.values.resize(static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height));
+    pixels.values.resize(static_cast<size_t>(pixels.width) * static_cast<size_t>(pixels.height));
     BITMAPINFO info = {};
     info.bmiHeader.biSize = sizeof(info.bmiHeader);
     info.bmiHeader.biWidth = pixels.width;

@@ -118,7 +118,7 @@ TEST_F(LocalizedResourcesTest, ANewObjectTakesNoVersionFromTheMemoryThatItIsMade
     m_userLanguage.SetDword(1031);
     // Memory full of the version of an Office that is in German.
     alignas(CLocalizedResources) std::array<std::byte, sizeof(CLocalizedResources)> memory;
-    for (std::size_t i = 0; i < memory.size(); i += sizeof(int))
+    for (size_t i = 0; i < memory.size(); i += sizeof(int))
     {
         constexpr int kVersion = 14;
         std::memcpy(&memory[i], &kVersion, sizeof(kVersion));
@@ -152,7 +152,7 @@ TEST_F(LocalizedResourcesTest, English)
 
 TEST_F(LocalizedResourcesTest, EverySpanishOfficeFindsTheSpanishTable)
 {
-    for (const DWORD language : {3082U, 1034U, 2058U, 11274U, 10U})
+    for (const DWORD language : {3082u, 1034u, 2058u, 11274u, 10u})
     {
         m_userLanguage.SetDword(language);
         m_resources.SetOfficeVersion(14);
@@ -163,7 +163,7 @@ TEST_F(LocalizedResourcesTest, EverySpanishOfficeFindsTheSpanishTable)
 
 TEST_F(LocalizedResourcesTest, EveryTurkishOfficeFindsTheTurkishTable)
 {
-    for (const DWORD language : {1055U, 31U})
+    for (const DWORD language : {1055u, 31u})
     {
         m_userLanguage.SetDword(language);
         m_resources.SetOfficeVersion(14);
@@ -174,7 +174,7 @@ TEST_F(LocalizedResourcesTest, EveryTurkishOfficeFindsTheTurkishTable)
 TEST_F(LocalizedResourcesTest, ALanguageWithoutATableHasEmptyTextsAndNotEnglishOnes)
 {
     // French, and the other kinds of German and English: those tables are stored under one id only.
-    for (const DWORD language : {1036U, 2055U, 3079U, 7U, 2057U, 9U})
+    for (const DWORD language : {1036u, 2055u, 3079u, 7u, 2057u, 9u})
     {
         m_userLanguage.SetDword(language);
         m_resources.SetOfficeVersion(14);

@@ -81,7 +81,7 @@ bool MakeLink(const std::wstring& link, const std::wstring& target)
     };
     std::wstring command = L"Z:\\bin\\ln -s " + pathOf(target) + L" " + pathOf(link);
     STARTUPINFOW startup = {};
-    startup.cb = sizeof startup;
+    startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
     if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
                         &process))

@@ -357,7 +357,7 @@ TEST_F(StartDownloadDialogTest, TwoDownloadsInOneRunUseTwoFolders)
     EXPECT_EQ(Left(), twice);
 }
 
-class HostileFileNameTest : public CDownloadTest, public ::testing::WithParamInterface<std::wstring>
+class HostileFileNameTest : public CDownloadTest, public testing::WithParamInterface<std::wstring>
 {
 };
 
@@ -371,10 +371,10 @@ TEST_P(HostileFileNameTest, IsAFileThatCannotBeCreatedAndNothingIsRequestedOrWri
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, HostileFileNameTest,
-                         ::testing::Values(L"..\\evil.bin", L"..\\..\\evil.bin", L"\\evil.bin", L"C:evil.bin",
-                                           L"C:\\evil.bin", L"setup.orvatest:stream", L"a\tb.bin", L"CON",
-                                           L"nul.bin", L"COM1.bin", L"..", L".", L"setup?.bin", L"a*b",
-                                           L"a<b", L"a|b"));
+                         testing::Values(L"..\\evil.bin", L"..\\..\\evil.bin", L"\\evil.bin", L"C:evil.bin",
+                                         L"C:\\evil.bin", L"setup.orvatest:stream", L"a\tb.bin", L"CON",
+                                         L"nul.bin", L"COM1.bin", L"..", L".", L"setup?.bin", L"a*b", L"a<b",
+                                         L"a|b"));
 
 } // namespace
 } // namespace orva::test

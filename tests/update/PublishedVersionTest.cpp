@@ -25,7 +25,7 @@ void PrintTo(const Case& testCase, std::ostream* stream)
     *stream << testCase.published.major << '.' << testCase.published.minor << '.' << testCase.published.build;
 }
 
-class PublishedVersionTest : public ::testing::TestWithParam<Case>
+class PublishedVersionTest : public testing::TestWithParam<Case>
 {
 };
 
@@ -35,14 +35,14 @@ TEST_P(PublishedVersionTest, ComparesInLexicographicOrder)
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, PublishedVersionTest,
-                         ::testing::Values(Case{{1, 2, 0}, false}, Case{{1, 2, 1}, true},
-                                           Case{{1, 3, 0}, true}, Case{{2, 0, 0}, true},
-                                           Case{{1, 1, 99}, false}, Case{{0, 9, 9}, false},
-                                           Case{{-1, 9, 9}, false}, Case{{1, -1, 9}, false},
-                                           Case{{1, 2, -1}, false}, Case{{2, -1, -1}, true},
-                                           Case{{1, 3, -1}, true}, Case{{kMaximum, kMinimum, kMinimum}, true},
-                                           Case{{kMinimum, kMaximum, kMaximum}, false},
-                                           Case{{1, kMaximum, 0}, true}, Case{{1, 2, kMaximum}, true}));
+                         testing::Values(Case{{1, 2, 0}, false}, Case{{1, 2, 1}, true}, Case{{1, 3, 0}, true},
+                                         Case{{2, 0, 0}, true}, Case{{1, 1, 99}, false},
+                                         Case{{0, 9, 9}, false}, Case{{-1, 9, 9}, false},
+                                         Case{{1, -1, 9}, false}, Case{{1, 2, -1}, false},
+                                         Case{{2, -1, -1}, true}, Case{{1, 3, -1}, true},
+                                         Case{{kMaximum, kMinimum, kMinimum}, true},
+                                         Case{{kMinimum, kMaximum, kMaximum}, false},
+                                         Case{{1, kMaximum, 0}, true}, Case{{1, 2, kMaximum}, true}));
 
 TEST(FormatVersionTest, JoinsTheNumbersWithDots)
 {

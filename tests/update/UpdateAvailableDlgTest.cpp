@@ -16,7 +16,7 @@ constexpr int kLater = 205;
 constexpr int kAvailable = 207;
 constexpr int kInstalled = 208;
 
-class UpdateAvailableDlgTest : public ::testing::Test
+class UpdateAvailableDlgTest : public testing::Test
 {
 protected:
     INT_PTR Run(std::function<void(HWND)> act)

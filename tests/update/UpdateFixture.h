@@ -25,7 +25,7 @@ std::string UpdateInfo(const std::string& version, const std::string& more);
 std::string OfferOf(const std::string& link);
 
 /// Publishes on a loopback server that plays the proxy; English Office 2010.
-class CUpdateTest : public ::testing::Test
+class CUpdateTest : public testing::Test
 {
 protected:
     void Publish(std::string body);
