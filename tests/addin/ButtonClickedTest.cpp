@@ -11,7 +11,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 constexpr char kEntry[] = "CConnect::ButtonClicked";
-constexpr wchar_t kNotParsed[] = L"Update information could not be parsed.";
 
 // The activation context that is active in this thread; null for the program's own.
 HANDLE ActiveContext()
@@ -91,7 +90,7 @@ TEST_F(ButtonClickedTest, OffersANewerBuild)
 {
     Publish(R"({"x64":{"majorVersion":1,"minorVersion":3,"buildNumber":0,)"
             R"("downloadLink":"http://files.orva.example/setup.exe","description":{"default":"Better."}}})");
-    m_user.OnDialog(L"New update available", [](HWND dialog) { ClickButton(dialog, 205); });
+    m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, kLaterButton); });
     Click();
     EXPECT_EQ(m_seen.size(), 1u);
 }

@@ -22,19 +22,19 @@ TEST_F(ConnectHostTest, AsksTheApplicationForExplorerAndVersionOnceInThisOrder)
                 ElementsAre("application.ActiveExplorer", "application.Version"));
 }
 
-struct VersionCase
+struct CVersionCase
 {
     const wchar_t* version;
     bool hasMenuCommand;
     bool hasBackstage;
 };
 
-void PrintTo(const VersionCase& version, std::ostream* out)
+void PrintTo(const CVersionCase& version, std::ostream* out)
 {
     *out << testing::PrintToString(version.version);
 }
 
-class ConnectVersionTest : public ConnectHostTest, public testing::WithParamInterface<VersionCase>
+class ConnectVersionTest : public ConnectHostTest, public testing::WithParamInterface<CVersionCase>
 {
 };
 
@@ -59,15 +59,14 @@ TEST_P(ConnectVersionTest, DecidesBetweenMenuCommandBackstageAndNeither)
     EXPECT_EQ(markup.length() > 0, GetParam().hasBackstage);
 }
 
-INSTANTIATE_TEST_SUITE_P(Versions, ConnectVersionTest,
-                         testing::Values(VersionCase{kOutlook2007, true, false},
-                                         VersionCase{kOutlook2010, false, true},
-                                         VersionCase{kOutlook2013, false, false},
-                                         VersionCase{L"14", false, true}, VersionCase{L"13.9", true, false},
-                                         VersionCase{L"140.0", false, false},
-                                         VersionCase{L"  14.0", true, false},
-                                         VersionCase{L"v14.0", true, false}, VersionCase{L"", true, false},
-                                         VersionCase{L"-14", true, false}, VersionCase{L"+14", true, false}));
+INSTANTIATE_TEST_SUITE_P(
+    Versions, ConnectVersionTest,
+    testing::Values(CVersionCase{kOutlook2007, true, false}, CVersionCase{kOutlook2010, false, true},
+                    CVersionCase{kOutlook2013, false, false}, CVersionCase{L"14", false, true},
+                    CVersionCase{L"13.9", true, false}, CVersionCase{L"140.0", false, false},
+                    CVersionCase{L"  14.0", true, false}, CVersionCase{L"v14.0", true, false},
+                    CVersionCase{L"", true, false}, CVersionCase{L"-14", true, false},
+                    CVersionCase{L"+14", true, false}));
 
 TEST_F(ConnectHostTest, AVersionThatIsNoTextCountsAsBelow14)
 {

@@ -14,18 +14,18 @@ using testing::Not;
 
 using ConnectLifecycleTest = CConnectTest;
 
-struct ModeCase
+struct CModeCase
 {
     int mode;
     std::vector<std::string> lines;
 };
 
-void PrintTo(const ModeCase& mode, std::ostream* out)
+void PrintTo(const CModeCase& mode, std::ostream* out)
 {
     *out << mode.mode;
 }
 
-class ConnectModeTest : public ConnectLifecycleTest, public testing::WithParamInterface<ModeCase>
+class ConnectModeTest : public ConnectLifecycleTest, public testing::WithParamInterface<CModeCase>
 {
 };
 
@@ -39,11 +39,11 @@ TEST_P(ConnectModeTest, LogsItsNameAndRunsNoCheck)
 
 INSTANTIATE_TEST_SUITE_P(
     Modes, ConnectModeTest,
-    testing::Values(ModeCase{0, {kEntry, "CConnect::OnConnection() ext_cm_AfterStartup "}},
-                    ModeCase{2, {kEntry, "CConnect::OnConnection() ext_cm_External "}},
-                    ModeCase{3, {kEntry, "CConnect::OnConnection() ext_cm_CommandLine "}},
-                    ModeCase{4, {kEntry}}, ModeCase{5, {kEntry}}, ModeCase{-1, {kEntry}},
-                    ModeCase{1000, {kEntry}}));
+    testing::Values(CModeCase{0, {kEntry, "CConnect::OnConnection() ext_cm_AfterStartup "}},
+                    CModeCase{2, {kEntry, "CConnect::OnConnection() ext_cm_External "}},
+                    CModeCase{3, {kEntry, "CConnect::OnConnection() ext_cm_CommandLine "}},
+                    CModeCase{4, {kEntry}}, CModeCase{5, {kEntry}}, CModeCase{-1, {kEntry}},
+                    CModeCase{1000, {kEntry}}));
 
 TEST_F(ConnectLifecycleTest, StartupRunsTheCheckExactlyOnceAndSilently)
 {
@@ -94,7 +94,7 @@ TEST_F(ConnectLifecycleTest, AnOfferBelongsToTheDisabledHostWindow)
 {
     Publish(R"({"x64":{"majorVersion":1,"minorVersion":3,"buildNumber":0,)"
             R"("downloadLink":"http://files.orva.example/setup.exe","description":{"default":"Better."}}})");
-    m_user.OnDialog(L"New update available", [](HWND dialog) { ClickButton(dialog, 205); });
+    m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, kLaterButton); });
     m_user.Start();
     EXPECT_EQ(Connect(kOutlook2010, ext_cm_Startup), S_OK);
     const std::vector<CSeenWindow> seen = m_user.Finish();

@@ -161,7 +161,7 @@ TEST_F(GetCustomUITest, TheRibbonsIdDoesNotMatter)
 
 // The texts that the product name and the first paragraph are replaced by, and the product name that comes of
 // it.
-struct PassesCase
+struct CPassesCase
 {
     const char* name;
     std::wstring productName;
@@ -169,13 +169,13 @@ struct PassesCase
     std::string shown;
 };
 
-void PrintTo(const PassesCase& passes, std::ostream* out)
+void PrintTo(const CPassesCase& passes, std::ostream* out)
 {
     *out << passes.name;
 }
 
 // A DLL with other English texts: each placeholder in turn is replaced in all of the markup.
-class GetCustomUIPassesTest : public GetCustomUITest, public testing::WithParamInterface<PassesCase>
+class GetCustomUIPassesTest : public GetCustomUITest, public testing::WithParamInterface<CPassesCase>
 {
 protected:
     // The block of the English string table that holds both texts: 16 texts, each with its length before it.
@@ -233,15 +233,15 @@ TEST_P(GetCustomUIPassesTest, EachPlaceholderIsReplacedInAllThatTheEarlierOnesLe
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, GetCustomUIPassesTest,
-    testing::Values(PassesCase{"a later placeholder is expanded, its own is not",
-                               L"__IDS_APPTITLE__ __IDS_DESCRIPTION1__ __IDS_LINK2_TITLE__", L"One.",
-                               "__IDS_APPTITLE__ One. FAQs"},
-                    PassesCase{"an earlier placeholder is not expanded", L"__IDS_DESCRIPTION1__",
-                               L"__IDS_APPTITLE__", "__IDS_APPTITLE__"},
-                    PassesCase{"of two that overlap the earlier in the table goes first",
-                               L"__IDS_LINK1_TITLE__IDS_DESCRIPTION1__", L"One.", "__IDS_LINK1_TITLEOne."},
-                    PassesCase{"what an empty text joins is a placeholder again",
-                               L"__IDS___IDS_DESCRIPTION1__LINK2_TITLE__", L"", "FAQs"}));
+    testing::Values(CPassesCase{"a later placeholder is expanded, its own is not",
+                                L"__IDS_APPTITLE__ __IDS_DESCRIPTION1__ __IDS_LINK2_TITLE__", L"One.",
+                                "__IDS_APPTITLE__ One. FAQs"},
+                    CPassesCase{"an earlier placeholder is not expanded", L"__IDS_DESCRIPTION1__",
+                                L"__IDS_APPTITLE__", "__IDS_APPTITLE__"},
+                    CPassesCase{"of two that overlap the earlier in the table goes first",
+                                L"__IDS_LINK1_TITLE__IDS_DESCRIPTION1__", L"One.", "__IDS_LINK1_TITLEOne."},
+                    CPassesCase{"what an empty text joins is a placeholder again",
+                                L"__IDS___IDS_DESCRIPTION1__LINK2_TITLE__", L"", "FAQs"}));
 
 } // namespace
 } // namespace orva::test

@@ -82,8 +82,7 @@ TEST_F(MenuCommandTest, TheCaptionIsInOfficesLanguage)
 {
     m_language.Set(12, 1031);
     Lines();
-    EXPECT_EQ(Call("button.Caption").text, L"\x00DC"
-                                           L"ber den ORVA Connector...");
+    EXPECT_EQ(Call("button.Caption").text, L"\u00DCber den ORVA Connector...");
 }
 
 TEST_F(MenuCommandTest, ALanguageWithoutTextsGivesAnEmptyCaption)
@@ -177,18 +176,18 @@ TEST_F(MenuCommandTest, AnExceptionOnTheWayIsAbsorbedWithoutALine)
 }
 
 // A way in which the host's objects do not lead to a new control.
-struct MissingCase
+struct CMissingCase
 {
     const char* name;
     std::function<void(CFakeOutlook&)> change;
 };
 
-void PrintTo(const MissingCase& missing, std::ostream* out)
+void PrintTo(const CMissingCase& missing, std::ostream* out)
 {
     *out << missing.name;
 }
 
-class MenuCommandMissingTest : public MenuCommandTest, public testing::WithParamInterface<MissingCase>
+class MenuCommandMissingTest : public MenuCommandTest, public testing::WithParamInterface<CMissingCase>
 {
 };
 
@@ -210,41 +209,41 @@ TEST_P(MenuCommandMissingTest, OutlookGoesOnWithoutTheCommandAndTheCheckRuns)
 INSTANTIATE_TEST_SUITE_P(
     Objects, MenuCommandMissingTest,
     testing::Values(
-        MissingCase{"null command bars",
-                    [](CFakeOutlook& outlook) { outlook.explorer->GiveObject(L"CommandBars", nullptr); }},
-        MissingCase{
+        CMissingCase{"null command bars",
+                     [](CFakeOutlook& outlook) { outlook.explorer->GiveObject(L"CommandBars", nullptr); }},
+        CMissingCase{
             "no menu bar",
             [](CFakeOutlook& outlook) { outlook.commandBars->GiveObject(L"ActiveMenuBar", nullptr); }},
-        MissingCase{"failing menu bar",
-                    [](CFakeOutlook& outlook) { outlook.commandBars->Fail(L"ActiveMenuBar", E_FAIL); }},
-        MissingCase{"no controls",
-                    [](CFakeOutlook& outlook) { outlook.menuBar->GiveObject(L"Controls", nullptr); }},
-        MissingCase{"empty menu bar",
-                    [](CFakeOutlook& outlook) {
-                        outlook.menus->Give(L"Count", _variant_t(0L));
-                        outlook.menus->Fail(L"Item", E_INVALIDARG);
-                    }},
-        MissingCase{"empty menu bar that gives null",
-                    [](CFakeOutlook& outlook) {
-                        outlook.menus->Give(L"Count", _variant_t(0L));
-                        outlook.menus->GiveObject(L"Item", nullptr);
-                    }},
-        MissingCase{"count that is no number",
-                    [](CFakeOutlook& outlook) { outlook.menus->Give(L"Count", _variant_t(L"many")); }},
-        MissingCase{"failing count", [](CFakeOutlook& outlook) { outlook.menus->Fail(L"Count", E_FAIL); }},
-        MissingCase{"last control that is a button",
-                    [](CFakeOutlook& outlook) {
-                        outlook.menus->GiveObject(L"Item", static_cast<CFakeObject*>(outlook.button.Get()));
-                    }},
-        MissingCase{"menu without controls",
-                    [](CFakeOutlook& outlook) { outlook.helpMenu->GiveObject(L"Controls", nullptr); }},
-        MissingCase{"refused control",
-                    [](CFakeOutlook& outlook) { outlook.commands->Fail(L"Add", E_ACCESSDENIED); }},
-        MissingCase{"null control",
-                    [](CFakeOutlook& outlook) { outlook.commands->GiveObject(L"Add", nullptr); }},
-        MissingCase{"new control that is no button", [](CFakeOutlook& outlook) {
-                        outlook.commands->GiveObject(L"Add", outlook.helpMenu.Get());
-                    }}));
+        CMissingCase{"failing menu bar",
+                     [](CFakeOutlook& outlook) { outlook.commandBars->Fail(L"ActiveMenuBar", E_FAIL); }},
+        CMissingCase{"no controls",
+                     [](CFakeOutlook& outlook) { outlook.menuBar->GiveObject(L"Controls", nullptr); }},
+        CMissingCase{"empty menu bar",
+                     [](CFakeOutlook& outlook) {
+                         outlook.menus->Give(L"Count", _variant_t(0L));
+                         outlook.menus->Fail(L"Item", E_INVALIDARG);
+                     }},
+        CMissingCase{"empty menu bar that gives null",
+                     [](CFakeOutlook& outlook) {
+                         outlook.menus->Give(L"Count", _variant_t(0L));
+                         outlook.menus->GiveObject(L"Item", nullptr);
+                     }},
+        CMissingCase{"count that is no number",
+                     [](CFakeOutlook& outlook) { outlook.menus->Give(L"Count", _variant_t(L"many")); }},
+        CMissingCase{"failing count", [](CFakeOutlook& outlook) { outlook.menus->Fail(L"Count", E_FAIL); }},
+        CMissingCase{"last control that is a button",
+                     [](CFakeOutlook& outlook) {
+                         outlook.menus->GiveObject(L"Item", static_cast<CFakeObject*>(outlook.button.Get()));
+                     }},
+        CMissingCase{"menu without controls",
+                     [](CFakeOutlook& outlook) { outlook.helpMenu->GiveObject(L"Controls", nullptr); }},
+        CMissingCase{"refused control",
+                     [](CFakeOutlook& outlook) { outlook.commands->Fail(L"Add", E_ACCESSDENIED); }},
+        CMissingCase{"null control",
+                     [](CFakeOutlook& outlook) { outlook.commands->GiveObject(L"Add", nullptr); }},
+        CMissingCase{"new control that is no button", [](CFakeOutlook& outlook) {
+                         outlook.commands->GiveObject(L"Add", outlook.helpMenu.Get());
+                     }}));
 
 } // namespace
 } // namespace orva::test

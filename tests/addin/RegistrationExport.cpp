@@ -18,13 +18,13 @@ namespace
 {
 
 // A tree and what the report calls it. One that lies in another comes before it.
-struct Tree
+struct CTree
 {
     const wchar_t* key;
     const char* name;
 };
 
-constexpr Tree kTrees[] = {
+constexpr CTree kTrees[] = {
     {kAddInKey, "entry"},
     {L"Software\\Microsoft\\Office", "Outlook's list"},
     {kVersionedProgIdKey, "name with version"},
@@ -34,7 +34,7 @@ constexpr Tree kTrees[] = {
     {kInterfaceKey, "interface"},
 };
 
-struct Hive
+struct CHive
 {
     HKEY root;
     const char* longName;
@@ -42,7 +42,7 @@ struct Hive
     const char* whose;
 };
 
-const Hive kHives[] = {
+const CHive kHives[] = {
     {HKEY_LOCAL_MACHINE, "HKEY_LOCAL_MACHINE", L"HKLM", "of the machine"},
     {HKEY_CURRENT_USER, "HKEY_CURRENT_USER", L"HKCU", "of the user"},
 };
@@ -58,9 +58,9 @@ std::string Owner(const std::string& line)
 {
     const std::string key = line.substr(1, line.find(']') - 1);
     char order = 'a';
-    for (const Hive& hive : kHives)
+    for (const CHive& hive : kHives)
     {
-        for (const Tree& tree : kTrees)
+        for (const CTree& tree : kTrees)
         {
             if (IsAtOrBelow(key, std::string(hive.longName) + "\\" + Utf8(tree.key)))
             {
@@ -79,15 +79,15 @@ std::string Plural(size_t count, const std::string& noun)
 
 void Describe(std::string& text, const std::string& sign, const std::vector<std::string>& lines)
 {
-    struct Count
+    struct CCount
     {
         size_t keys = 0;
         size_t values = 0;
     };
-    std::map<std::string, Count> counts;
+    std::map<std::string, CCount> counts;
     for (const std::string& line : lines)
     {
-        Count& count = counts[Owner(line)];
+        CCount& count = counts[Owner(line)];
         ++(line.ends_with(']') ? count.keys : count.values);
     }
     for (const auto& [owner, count] : counts)
@@ -122,14 +122,14 @@ std::wstring Utf16(const std::string& bytes)
 CRegistrationExport CRegistrationExport::Take()
 {
     CRegistrationExport all;
-    for (const Hive& hive : kHives)
+    for (const CHive& hive : kHives)
     {
         if (IsThorough())
         {
             all.Add(std::wstring(hive.shortName) + L"\\Software");
             continue;
         }
-        for (const Tree& tree : kTrees)
+        for (const CTree& tree : kTrees)
         {
             // The entry lies in Outlook's list.
             if (tree.key != kAddInKey && RegistryKeyExists(hive.root, tree.key))

@@ -29,19 +29,19 @@ enum class Step
     ToolUndoUser,
 };
 
-struct Hindrance
+struct CHindrance
 {
     Kind kind = Kind::None;
     HKEY root = nullptr;
     const wchar_t* key = L"";
 };
 
-struct SequenceCase
+struct CSequenceCase
 {
     const char* name;
     // Done before the first export.
     std::vector<Step> before;
-    Hindrance hindrance;
+    CHindrance hindrance;
     std::vector<Step> steps;
     // What each step returns.
     const char* results;
@@ -49,12 +49,12 @@ struct SequenceCase
     std::string difference;
 };
 
-void PrintTo(const SequenceCase& value, std::ostream* out)
+void PrintTo(const CSequenceCase& value, std::ostream* out)
 {
     *out << value.name;
 }
 
-class RegistrationSequenceTest : public CRegistrationTest, public testing::WithParamInterface<SequenceCase>
+class RegistrationSequenceTest : public CRegistrationTest, public testing::WithParamInterface<CSequenceCase>
 {
 protected:
     // Each step has the DLL to itself, as each run of an installer has.
@@ -101,7 +101,7 @@ private:
 
 TEST_P(RegistrationSequenceTest, ReturnsAndLeaves)
 {
-    const SequenceCase& sequence = GetParam();
+    const CSequenceCase& sequence = GetParam();
     Do(sequence.before);
     CObstacle obstacle(sequence.hindrance.kind, sequence.hindrance.root, sequence.hindrance.key);
     const CRegistrationExport before = CRegistrationExport::Take();
@@ -176,7 +176,7 @@ const std::string kEntryLeft = More({kEntry, kList});
 const std::string kEntryAndInterfaceLeft = kEntryLeft + "; + " + kLibrary[1];
 
 // 0x80070057 below is what Wine says of a type library that is to be unregistered and is not registered.
-const SequenceCase kPlain[] = {
+const CSequenceCase kPlain[] = {
     {"01 register", {}, {}, {Step::Machine}, "S_OK", kWholeMachine},
     {"02 register twice", {}, {}, {Step::Machine, Step::Machine}, "S_OK, S_OK", kWholeMachine},
     {"03 register once more", {Step::Machine}, {}, {Step::Machine}, "S_OK", kNothing},
@@ -246,7 +246,7 @@ const SequenceCase kPlain[] = {
      Less({kEntry, kLibrary})},
 };
 
-const SequenceCase kByRegSvr32[] = {
+const CSequenceCase kByRegSvr32[] = {
     {"21 regsvr32", {}, {}, {Step::ToolMachine}, "exit code 0", kWholeMachine},
     {"22 regsvr32, then with /u",
      {},
@@ -272,7 +272,7 @@ const SequenceCase kByRegSvr32[] = {
 constexpr wchar_t kLibraryVersion[] =
     L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}\\1.0";
 
-const SequenceCase kHindered[] = {
+const CSequenceCase kHindered[] = {
     {"31 register while Office's key takes no keys",
      {},
      {Kind::Volatile, HKEY_LOCAL_MACHINE, L"Software\\Microsoft\\Office"},

@@ -154,18 +154,18 @@ TEST_F(RegistrationTest, PerUserUnregistrationRemovesItAll)
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kLibraryKey));
 }
 
-struct SwitchCase
+struct CSwitchCase
 {
     const wchar_t* commandLine;
     bool isPerUser;
 };
 
-void PrintTo(const SwitchCase& value, std::ostream* out)
+void PrintTo(const CSwitchCase& value, std::ostream* out)
 {
     *out << (value.commandLine != nullptr ? Utf8(value.commandLine) : "null");
 }
 
-class RegistrationSwitchTest : public RegistrationTest, public testing::WithParamInterface<SwitchCase>
+class RegistrationSwitchTest : public RegistrationTest, public testing::WithParamInterface<CSwitchCase>
 {
 };
 
@@ -178,12 +178,12 @@ TEST_P(RegistrationSwitchTest, OnlyTheWholeWordUserInAnyCaseMeansPerUser)
 }
 
 INSTANTIATE_TEST_SUITE_P(Words, RegistrationSwitchTest,
-                         testing::Values(SwitchCase{L"user", true}, SwitchCase{L"USER", true},
-                                         SwitchCase{L"User", true}, SwitchCase{L"uSeR", true},
-                                         SwitchCase{L"users", false}, SwitchCase{L"user1", false},
-                                         SwitchCase{L"user ", false}, SwitchCase{L" user", false},
-                                         SwitchCase{L"use", false}, SwitchCase{L"machine", false},
-                                         SwitchCase{L"", false}, SwitchCase{nullptr, false}));
+                         testing::Values(CSwitchCase{L"user", true}, CSwitchCase{L"USER", true},
+                                         CSwitchCase{L"User", true}, CSwitchCase{L"uSeR", true},
+                                         CSwitchCase{L"users", false}, CSwitchCase{L"user1", false},
+                                         CSwitchCase{L"user ", false}, CSwitchCase{L" user", false},
+                                         CSwitchCase{L"use", false}, CSwitchCase{L"machine", false},
+                                         CSwitchCase{L"", false}, CSwitchCase{nullptr, false}));
 
 TEST_F(RegistrationTest, InstallingWithoutInstallOnlyUnregistersWhateverTheCommandLine)
 {

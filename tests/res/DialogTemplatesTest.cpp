@@ -63,7 +63,7 @@ private:
     size_t m_position = 0;
 };
 
-struct Control
+struct CControl
 {
     DWORD id;
     std::string windowClass;
@@ -72,17 +72,17 @@ struct Control
     std::string rectangle;
     DWORD extendedStyle = 0;
 
-    bool operator==(const Control&) const = default;
+    bool operator==(const CControl&) const = default;
 };
 
-void PrintTo(const Control& control, std::ostream* out)
+void PrintTo(const CControl& control, std::ostream* out)
 {
     *out << control.id << " " << control.windowClass << " \"" << control.text << "\" style 0x" << std::hex
          << control.style << " extended 0x" << control.extendedStyle << std::dec << " at "
          << control.rectangle;
 }
 
-struct Template
+struct CTemplate
 {
     DWORD style = 0;
     DWORD extendedStyle = 0;
@@ -92,10 +92,10 @@ struct Template
     std::string caption;
     WORD pointSize = 0;
     std::string font;
-    std::vector<Control> controls;
+    std::vector<CControl> controls;
 };
 
-Template ReadTemplate(WORD id)
+CTemplate ReadTemplate(WORD id)
 {
     CTemplateReader reader(ReadResource(RT_DIALOG, id).value());
     if (reader.Next<WORD>() != 1 || reader.Next<WORD>() != 0xFFFF)
@@ -103,7 +103,7 @@ Template ReadTemplate(WORD id)
         throw std::runtime_error("not an extended template");
     }
     reader.Skip(4); // Help id.
-    Template dialog;
+    CTemplate dialog;
     dialog.extendedStyle = reader.Next<DWORD>();
     dialog.style = reader.Next<DWORD>();
     const WORD count = reader.Next<WORD>();
@@ -118,7 +118,7 @@ Template ReadTemplate(WORD id)
     {
         reader.AlignToDword();
         reader.Skip(4); // Help id.
-        Control control;
+        CControl control;
         control.extendedStyle = reader.Next<DWORD>();
         control.style = reader.Next<DWORD>();
         control.rectangle = reader.NextRectangle();
@@ -138,7 +138,7 @@ constexpr char kStatic[] = "#130";
 constexpr DWORD kShown = WS_CHILD | WS_VISIBLE;
 constexpr DWORD kDialogStyle = WS_POPUP | WS_CAPTION | DS_MODALFRAME | DS_SETFONT;
 
-void ExpectCommonFields(const Template& dialog)
+void ExpectCommonFields(const CTemplate& dialog)
 {
     EXPECT_EQ(dialog.font, "MS Shell Dlg");
     EXPECT_EQ(dialog.pointSize, 8);
@@ -148,7 +148,7 @@ void ExpectCommonFields(const Template& dialog)
     EXPECT_EQ(dialog.style & WS_SYSMENU, 0u) << "no close box";
 }
 
-void ExpectControls(const Template& dialog, const std::vector<Control>& expected)
+void ExpectControls(const CTemplate& dialog, const std::vector<CControl>& expected)
 {
     ASSERT_EQ(dialog.controls.size(), expected.size());
     for (size_t index = 0; index != expected.size(); ++index)
@@ -160,7 +160,7 @@ void ExpectControls(const Template& dialog, const std::vector<Control>& expected
 
 TEST(DialogTemplatesTest, UpdateAvailable)
 {
-    const Template dialog = ReadTemplate(9);
+    const CTemplate dialog = ReadTemplate(9);
     ExpectCommonFields(dialog);
     EXPECT_EQ(dialog.style, kDialogStyle | DS_SETFOREGROUND);
     EXPECT_EQ(dialog.rectangle, "0,0 231x178");
@@ -180,7 +180,7 @@ TEST(DialogTemplatesTest, UpdateAvailable)
 
 TEST(DialogTemplatesTest, Download)
 {
-    const Template dialog = ReadTemplate(163);
+    const CTemplate dialog = ReadTemplate(163);
     ExpectCommonFields(dialog);
     EXPECT_EQ(dialog.style, kDialogStyle);
     EXPECT_EQ(dialog.rectangle, "0,0 231x105");
@@ -200,7 +200,7 @@ TEST(DialogTemplatesTest, Download)
 
 TEST(DialogTemplatesTest, About)
 {
-    const Template dialog = ReadTemplate(164);
+    const CTemplate dialog = ReadTemplate(164);
     ExpectCommonFields(dialog);
     EXPECT_EQ(dialog.style, kDialogStyle);
     EXPECT_EQ(dialog.rectangle, "0,0 533x242");

@@ -16,14 +16,14 @@ namespace
 {
 enum class Kind
 {
-    kLine,      // One line, cut off where it does not fit.
-    kParagraph, // Wrapped at the control's width.
-    kButton,
-    kGroup,
-    kLink,
+    Line,      // One line, cut off where it does not fit.
+    Paragraph, // Wrapped at the control's width.
+    Button,
+    Group,
+    Link,
 };
 
-struct Shown
+struct CShown
 {
     int control;
     Kind kind;
@@ -54,52 +54,52 @@ constexpr wchar_t kVersion[] = L"12.34.5678";
 constexpr wchar_t kFile[] = L"OrvaSetup-1.3.0-x64.exe";
 constexpr wchar_t kServer[] = L"www.orva.example";
 
-std::vector<Shown> UpdateAvailableTexts(WORD language)
+std::vector<CShown> UpdateAvailableTexts(WORD language)
 {
     const auto text = [&](UINT id) { return ModuleString(language, id); };
     return {
-        {IDC_UPDATE_INSTALL, Kind::kButton, text(IDS_UPDATE_INSTALL)},
-        {IDC_UPDATE_LATER, Kind::kButton, text(IDS_UPDATE_LATER)},
-        {IDC_UPDATE_AVAILABLE_VERSION, Kind::kLine, Fill(text(IDS_AVAILABLE_VERSION), {kVersion})},
-        {IDC_UPDATE_INSTALLED_VERSION, Kind::kLine, Fill(text(IDS_INSTALLED_VERSION), {kVersion})},
+        {IDC_UPDATE_INSTALL, Kind::Button, text(IDS_UPDATE_INSTALL)},
+        {IDC_UPDATE_LATER, Kind::Button, text(IDS_UPDATE_LATER)},
+        {IDC_UPDATE_AVAILABLE_VERSION, Kind::Line, Fill(text(IDS_AVAILABLE_VERSION), {kVersion})},
+        {IDC_UPDATE_INSTALLED_VERSION, Kind::Line, Fill(text(IDS_INSTALLED_VERSION), {kVersion})},
     };
 }
 
-std::vector<Shown> DownloadTexts(WORD language)
+std::vector<CShown> DownloadTexts(WORD language)
 {
     const auto text = [&](UINT id) { return ModuleString(language, id); };
     const std::wstring sizes = Fill(text(IDS_KB_OF_KB), {L"102400", L"204800"});
     return {
-        {IDC_DOWNLOAD_STATUS, Kind::kLine, text(IDS_DOWNLOAD_STARTED)},
-        {IDC_DOWNLOAD_STATUS, Kind::kLine, text(IDS_DOWNLOAD_CANCELED)},
-        {IDC_DOWNLOAD_SOURCE, Kind::kLine, Fill(text(IDS_FILE_OF_SERVER), {kFile, kServer})},
-        {IDC_DOWNLOAD_TIME_LABEL, Kind::kLine, text(IDS_TIME_REMAINING)},
-        {IDC_DOWNLOAD_RATE_LABEL, Kind::kLine, text(IDS_TRANSFER_RATE)},
-        {IDC_DOWNLOAD_TIME, Kind::kLine, Fill(text(IDS_SECONDS_COMPLETE), {L"3599", sizes})},
-        {IDC_DOWNLOAD_RATE, Kind::kLine, Fill(text(IDS_KB_PER_SECOND), {L"125000"})},
-        {IDCANCEL, Kind::kButton, text(IDS_CANCEL)},
+        {IDC_DOWNLOAD_STATUS, Kind::Line, text(IDS_DOWNLOAD_STARTED)},
+        {IDC_DOWNLOAD_STATUS, Kind::Line, text(IDS_DOWNLOAD_CANCELED)},
+        {IDC_DOWNLOAD_SOURCE, Kind::Line, Fill(text(IDS_FILE_OF_SERVER), {kFile, kServer})},
+        {IDC_DOWNLOAD_TIME_LABEL, Kind::Line, text(IDS_TIME_REMAINING)},
+        {IDC_DOWNLOAD_RATE_LABEL, Kind::Line, text(IDS_TRANSFER_RATE)},
+        {IDC_DOWNLOAD_TIME, Kind::Line, Fill(text(IDS_SECONDS_COMPLETE), {L"3599", sizes})},
+        {IDC_DOWNLOAD_RATE, Kind::Line, Fill(text(IDS_KB_PER_SECOND), {L"125000"})},
+        {IDCANCEL, Kind::Button, text(IDS_CANCEL)},
     };
 }
 
-std::vector<Shown> AboutTexts(WORD language)
+std::vector<CShown> AboutTexts(WORD language)
 {
     const auto text = [&](UINT id) { return ModuleString(language, id); };
     const std::wstring description =
         text(IDS_DESCRIPTION1) + L"\n\n" + text(IDS_DESCRIPTION2) + L"\n\n" + text(IDS_DESCRIPTION3);
     return {
-        {IDC_ABOUT_TITLE, Kind::kLine, text(IDS_APPTITLE), true},
-        {IDC_ABOUT_DESCRIPTION, Kind::kParagraph, description},
-        {IDC_ABOUT_LINKS_GROUP, Kind::kGroup, text(IDS_LINKS_TITLE)},
-        {IDC_ABOUT_LINKS_TEXT, Kind::kParagraph, text(IDS_LINKS_DESCRIPTION)},
-        {IDC_ABOUT_LINK1, Kind::kLink, text(IDS_LINK1_TITLE)},
-        {IDC_ABOUT_LINK2, Kind::kLink, text(IDS_LINK2_TITLE)},
-        {IDC_ABOUT_LINK3, Kind::kLink, text(IDS_LINK3_TITLE)},
-        {IDC_ABOUT_VERSION_GROUP, Kind::kGroup, text(IDS_VERSION_TITLE)},
-        {IDC_ABOUT_VERSION_TEXT, Kind::kParagraph, text(IDS_VERSION_DESCRIPTION)},
-        {IDC_ABOUT_UPDATE, Kind::kButton, text(IDS_UPDBUTTON_LABEL)},
-        {IDC_ABOUT_VERSION_LINE1, Kind::kParagraph, Fill(text(IDS_VERSION_LINE1), {L"1", L"2", L"0", L"64"})},
-        {IDC_ABOUT_VERSION_LINE2, Kind::kParagraph, text(IDS_VERSION_LINE2)},
-        {IDC_ABOUT_CLOSE, Kind::kButton, text(IDS_CLOSE)},
+        {IDC_ABOUT_TITLE, Kind::Line, text(IDS_APPTITLE), true},
+        {IDC_ABOUT_DESCRIPTION, Kind::Paragraph, description},
+        {IDC_ABOUT_LINKS_GROUP, Kind::Group, text(IDS_LINKS_TITLE)},
+        {IDC_ABOUT_LINKS_TEXT, Kind::Paragraph, text(IDS_LINKS_DESCRIPTION)},
+        {IDC_ABOUT_LINK1, Kind::Link, text(IDS_LINK1_TITLE)},
+        {IDC_ABOUT_LINK2, Kind::Link, text(IDS_LINK2_TITLE)},
+        {IDC_ABOUT_LINK3, Kind::Link, text(IDS_LINK3_TITLE)},
+        {IDC_ABOUT_VERSION_GROUP, Kind::Group, text(IDS_VERSION_TITLE)},
+        {IDC_ABOUT_VERSION_TEXT, Kind::Paragraph, text(IDS_VERSION_DESCRIPTION)},
+        {IDC_ABOUT_UPDATE, Kind::Button, text(IDS_UPDBUTTON_LABEL)},
+        {IDC_ABOUT_VERSION_LINE1, Kind::Paragraph, Fill(text(IDS_VERSION_LINE1), {L"1", L"2", L"0", L"64"})},
+        {IDC_ABOUT_VERSION_LINE2, Kind::Paragraph, text(IDS_VERSION_LINE2)},
+        {IDC_ABOUT_CLOSE, Kind::Button, text(IDS_CLOSE)},
     };
 }
 
@@ -167,7 +167,7 @@ SIZE Measure(HWND window, const std::wstring& text, int width, bool bold)
 }
 
 // "" if the text fits, otherwise what overflows and by how much.
-std::string Overflow(HWND dialog, const Shown& shown)
+std::string Overflow(HWND dialog, const CShown& shown)
 {
     const HWND control = GetDlgItem(dialog, shown.control);
     if (control == nullptr)
@@ -177,18 +177,18 @@ std::string Overflow(HWND dialog, const Shown& shown)
     RECT room = {};
     GetClientRect(control, &room);
     SIZE space = {room.right, room.bottom};
-    if (shown.kind == Kind::kButton)
+    if (shown.kind == Kind::Button)
     {
         // The frame and the focus rectangle inside of it.
         space.cx -= 8;
     }
-    else if (shown.kind == Kind::kGroup)
+    else if (shown.kind == Kind::Group)
     {
         // The frame begins to the left of its title and is to be seen to its right.
         space.cx -= 20;
     }
     const SIZE needed =
-        Measure(control, shown.text, shown.kind == Kind::kParagraph ? room.right : 0, shown.bold);
+        Measure(control, shown.text, shown.kind == Kind::Paragraph ? room.right : 0, shown.bold);
     if (!shown.text.empty() && needed.cx <= space.cx && needed.cy <= space.cy)
     {
         return "";
@@ -198,13 +198,13 @@ std::string Overflow(HWND dialog, const Shown& shown)
            std::to_string(needed.cy) + ": " + Utf8(shown.text);
 }
 
-void ExpectTextsFit(WORD dialogId, const std::function<std::vector<Shown>(WORD)>& texts)
+void ExpectTextsFit(WORD dialogId, const std::function<std::vector<CShown>(WORD)>& texts)
 {
     const CHiddenDialog dialog(dialogId);
     ASSERT_NE(dialog.Window(), nullptr) << GetLastError();
     for (const WORD language : kLanguages)
     {
-        for (const Shown& shown : texts(language))
+        for (const CShown& shown : texts(language))
         {
             EXPECT_EQ(Overflow(dialog.Window(), shown), "") << LanguageName(language);
         }
@@ -269,7 +269,7 @@ TEST(DialogTextsFitTest, AboutCaption)
 TEST(DialogTextsFitTest, ATextThatIsTooLongIsNamed)
 {
     const CHiddenDialog dialog(IDD_UPDATE_DOWNLOAD);
-    const Shown tooLong = {IDC_DOWNLOAD_RATE_LABEL, Kind::kLine, L"Geschwindigkeit der \u00DCbertragung:"};
+    const CShown tooLong = {IDC_DOWNLOAD_RATE_LABEL, Kind::Line, L"Geschwindigkeit der \u00DCbertragung:"};
     const std::string overflow = Overflow(dialog.Window(), tooLong);
     EXPECT_TRUE(overflow.starts_with("control 2790 has ")) << overflow;
     EXPECT_TRUE(overflow.ends_with(": Geschwindigkeit der \u00DCbertragung:")) << overflow;

@@ -23,7 +23,7 @@ using testing::IsEmpty;
 template <class Body> std::vector<std::string> LinesOf(Body body)
 {
     const orva::test::CDebugOutput output;
-    const HRESULT result = RunGuarded<HRESULT>("CThing::Method", E_UNEXPECTED, [&]() -> HRESULT {
+    const HRESULT result = RunGuarded<HRESULT>("CExample::Method", E_UNEXPECTED, [&]() -> HRESULT {
         body();
         return S_FALSE;
     });
@@ -55,20 +55,20 @@ TEST(ExceptionGuard, GivesTheResultAndWritesNothingWithoutAnException)
 TEST(ExceptionGuard, ContainsStandardExceptions)
 {
     EXPECT_THAT(LinesOf([] { throw std::out_of_range("invalid vector<T> subscript"); }),
-                ElementsAre("CThing::Method() Caught exception invalid vector<T> subscript"));
+                ElementsAre("CExample::Method() Caught exception invalid vector<T> subscript"));
 }
 
 TEST(ExceptionGuard, ContainsTypeErrorsOfTheUpdateFile)
 {
     EXPECT_THAT(LinesOf([] { json_spirit::wmValue(L"1").get_int(); }),
-                ElementsAre("CThing::Method() Caught exception value type is 2 not 4"));
+                ElementsAre("CExample::Method() Caught exception value type is 2 not 4"));
 }
 
 TEST(ExceptionGuard, ContainsAndDeletesMfcExceptions)
 {
     g_isDeleted = false;
     EXPECT_THAT(LinesOf([] { throw static_cast<CException*>(new CCountedException); }),
-                ElementsAre("CThing::Method() Caught exception the server said no"));
+                ElementsAre("CExample::Method() Caught exception the server said no"));
     EXPECT_TRUE(g_isDeleted);
 }
 
@@ -76,22 +76,22 @@ TEST(ExceptionGuard, ContainsMfcExceptionsThrownAsTheirOwnType)
 {
     g_isDeleted = false;
     EXPECT_THAT(LinesOf([] { throw new CCountedException; }),
-                ElementsAre("CThing::Method() Caught exception the server said no"));
+                ElementsAre("CExample::Method() Caught exception the server said no"));
     EXPECT_TRUE(g_isDeleted);
 }
 
 TEST(ExceptionGuard, NamesAnMfcExceptionWithoutAText)
 {
     EXPECT_THAT(LinesOf([] { throw new CException; }),
-                ElementsAre("CThing::Method() Caught exception CException"));
+                ElementsAre("CExample::Method() Caught exception CException"));
 }
 
 TEST(ExceptionGuard, ContainsCarriersOfAnHresult)
 {
     EXPECT_THAT(LinesOf([] { throw CAtlException(E_NOINTERFACE); }),
-                ElementsAre("CThing::Method() Caught exception HRESULT 0x80004002"));
+                ElementsAre("CExample::Method() Caught exception HRESULT 0x80004002"));
     EXPECT_THAT(LinesOf([] { throw _com_error(E_OUTOFMEMORY); }),
-                ElementsAre("CThing::Method() Caught exception HRESULT 0x8007000E"));
+                ElementsAre("CExample::Method() Caught exception HRESULT 0x8007000E"));
 }
 
 TEST(ExceptionGuard, ContainsJsonSyntaxErrors)
@@ -100,25 +100,25 @@ TEST(ExceptionGuard, ContainsJsonSyntaxErrors)
                     json_spirit::wmValue value;
                     json_spirit::read_or_throw(std::wstring(L"{\n\"a\""), value);
                 }),
-                ElementsAre("CThing::Method() Caught exception no colon in pair (line 2, column 4)"));
+                ElementsAre("CExample::Method() Caught exception no colon in pair (line 2, column 4)"));
 }
 
 TEST(ExceptionGuard, ContainsAnythingElse)
 {
     EXPECT_THAT(LinesOf([] { throw 42; }),
-                ElementsAre("CThing::Method() Caught exception unknown exception"));
+                ElementsAre("CExample::Method() Caught exception unknown exception"));
     EXPECT_THAT(LinesOf([] { throw "text"; }),
-                ElementsAre("CThing::Method() Caught exception unknown exception"));
+                ElementsAre("CExample::Method() Caught exception unknown exception"));
 }
 
 TEST(ExceptionGuard, GuardsWorkWithoutAResult)
 {
     const orva::test::CDebugOutput output;
     bool hasRun = false;
-    RunGuarded("CThing::Thread", [&] { hasRun = true; });
+    RunGuarded("CExample::Thread", [&] { hasRun = true; });
     EXPECT_TRUE(hasRun);
     EXPECT_THAT(output.Lines(), IsEmpty());
 
-    RunGuarded("CThing::Thread", [] { throw std::runtime_error("x"); });
-    EXPECT_THAT(output.Lines(), ElementsAre("CThing::Thread() Caught exception x"));
+    RunGuarded("CExample::Thread", [] { throw std::runtime_error("x"); });
+    EXPECT_THAT(output.Lines(), ElementsAre("CExample::Thread() Caught exception x"));
 }

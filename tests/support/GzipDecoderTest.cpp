@@ -12,14 +12,14 @@
 namespace
 {
 
-struct Decoded
+struct CDecoded
 {
     int result;
     std::string bytes;
     bool hasBuffer;
 };
 
-Decoded Decode(const std::string& body)
+CDecoded Decode(const std::string& body)
 {
     std::unique_ptr<char[]> output;
     std::uint32_t length = 12345;
@@ -49,7 +49,7 @@ TEST(DecodeGzip, DecodesGzipAndZlibStreams)
     const std::string text = "{\"x64\":{\"majorVersion\":1}}";
     for (const std::string& body : {orva::test::GzipBytes(text), orva::test::ZlibBytes(text)})
     {
-        const Decoded decoded = Decode(body);
+        const CDecoded decoded = Decode(body);
         EXPECT_EQ(decoded.result, Z_OK);
         EXPECT_EQ(decoded.bytes, text);
     }
@@ -57,7 +57,7 @@ TEST(DecodeGzip, DecodesGzipAndZlibStreams)
 
 TEST(DecodeGzip, DecodesAnEmptyStream)
 {
-    const Decoded decoded = Decode(orva::test::GzipBytes(""));
+    const CDecoded decoded = Decode(orva::test::GzipBytes(""));
     EXPECT_EQ(decoded.result, Z_OK);
     EXPECT_EQ(decoded.bytes, "");
 }
@@ -65,7 +65,7 @@ TEST(DecodeGzip, DecodesAnEmptyStream)
 TEST(DecodeGzip, ExactlyTheBoundFits)
 {
     const std::string text(kMaximumDecodedLength, 'x');
-    const Decoded decoded = Decode(orva::test::GzipBytes(text));
+    const CDecoded decoded = Decode(orva::test::GzipBytes(text));
     EXPECT_EQ(decoded.result, Z_OK);
     EXPECT_EQ(decoded.bytes, text);
 }
@@ -73,7 +73,7 @@ TEST(DecodeGzip, ExactlyTheBoundFits)
 TEST(DecodeGzip, OneByteMoreIsAnErrorThatKeepsWhatFits)
 {
     const std::string text = std::string(kMaximumDecodedLength, 'x') + "y";
-    const Decoded decoded = Decode(orva::test::GzipBytes(text));
+    const CDecoded decoded = Decode(orva::test::GzipBytes(text));
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);
     EXPECT_EQ(decoded.bytes, text.substr(0, kMaximumDecodedLength));
 }
@@ -82,7 +82,7 @@ TEST(DecodeGzip, FarMoreIsAnErrorThatKeepsWhatFits)
 {
     std::string text;
     text.resize(20'000'000, 'x');
-    const Decoded decoded = Decode(orva::test::GzipBytes(text));
+    const CDecoded decoded = Decode(orva::test::GzipBytes(text));
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);
     EXPECT_EQ(decoded.bytes, text.substr(0, kMaximumDecodedLength));
 }
@@ -90,7 +90,7 @@ TEST(DecodeGzip, FarMoreIsAnErrorThatKeepsWhatFits)
 TEST(DecodeGzip, AStreamThatEndsEarlyIsAnErrorThatKeepsWhatWasDecoded)
 {
     const std::string text = Noise(50'000);
-    const Decoded decoded = Decode(orva::test::CutOff(orva::test::GzipBytes(text), 1'000));
+    const CDecoded decoded = Decode(orva::test::CutOff(orva::test::GzipBytes(text), 1'000));
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);
     ASSERT_GT(decoded.bytes.size(), 10'000u);
     ASSERT_LT(decoded.bytes.size(), text.size());
@@ -99,14 +99,14 @@ TEST(DecodeGzip, AStreamThatEndsEarlyIsAnErrorThatKeepsWhatWasDecoded)
 
 TEST(DecodeGzip, AStreamWithoutItsTrailerIsAnErrorThatKeepsTheText)
 {
-    const Decoded decoded = Decode(orva::test::CutOff(orva::test::GzipBytes("abc"), 8));
+    const CDecoded decoded = Decode(orva::test::CutOff(orva::test::GzipBytes("abc"), 8));
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);
     EXPECT_EQ(decoded.bytes, "abc");
 }
 
 TEST(DecodeGzip, WhatIsNoStreamIsAnErrorWithoutBytes)
 {
-    const Decoded decoded = Decode("{\"x64\":{}}");
+    const CDecoded decoded = Decode("{\"x64\":{}}");
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);
     EXPECT_EQ(decoded.bytes, "");
     EXPECT_TRUE(decoded.hasBuffer);
@@ -117,7 +117,7 @@ TEST(DecodeGzip, CorruptDataIsAnErrorWithoutBytes)
     std::string body = orva::test::GzipBytes(std::string(1000, 'x') + Noise(1000));
     // The check sum before the length at the end.
     body[body.size() - 8] = static_cast<char>(~body[body.size() - 8]);
-    const Decoded decoded = Decode(body);
+    const CDecoded decoded = Decode(body);
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);
     EXPECT_EQ(decoded.bytes, "");
     EXPECT_TRUE(decoded.hasBuffer);
@@ -125,7 +125,7 @@ TEST(DecodeGzip, CorruptDataIsAnErrorWithoutBytes)
 
 TEST(DecodeGzip, NoBytesAreAnErrorWithoutBytes)
 {
-    const Decoded decoded = Decode("");
+    const CDecoded decoded = Decode("");
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);
     EXPECT_EQ(decoded.bytes, "");
     EXPECT_TRUE(decoded.hasBuffer);
@@ -146,14 +146,14 @@ TEST(DecodeGzip, AStreamThatNeedsADictionaryIsADataErrorWithoutBytes)
     body.resize(stream.total_out);
     deflateEnd(&stream);
 
-    const Decoded decoded = Decode(body);
+    const CDecoded decoded = Decode(body);
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);
     EXPECT_EQ(decoded.bytes, "");
 }
 
 TEST(DecodeGzip, IgnoresWhatFollowsTheStream)
 {
-    const Decoded decoded = Decode(orva::test::GzipBytes("abc") + "more");
+    const CDecoded decoded = Decode(orva::test::GzipBytes("abc") + "more");
     EXPECT_EQ(decoded.result, Z_OK);
     EXPECT_EQ(decoded.bytes, "abc");
 }

@@ -29,12 +29,10 @@ constexpr int kLink2 = 214;
 constexpr int kLink3 = 215;
 constexpr int kTitle = 216;
 constexpr int kVersionLine1 = 221;
-constexpr int kUpdate = 223;
-constexpr int kClose = 224;
 
 void Close(HWND dialog)
 {
-    ClickButton(dialog, kClose);
+    ClickButton(dialog, kAboutClose);
 }
 
 class AboutDlgTest : public testing::Test
@@ -85,9 +83,9 @@ TEST_F(AboutDlgTest, EnglishTexts)
     EXPECT_EQ(about.Control(220),
               L"Please click on the update button to ensure that you installed the latest version of "
               L"the ORVA Connector plugin.");
-    EXPECT_EQ(about.Control(kUpdate), L"Update");
+    EXPECT_EQ(about.Control(kAboutUpdate), L"Update");
     EXPECT_EQ(about.Control(kVersionLine1), L"Version 1.2.0 (64-bit)");
-    EXPECT_EQ(about.Control(kClose), L"Close");
+    EXPECT_EQ(about.Control(kAboutClose), L"Close");
 }
 
 TEST_F(AboutDlgTest, DescriptionIsThreeParagraphsWithAnEmptyLineBetween)
@@ -112,8 +110,8 @@ TEST_F(AboutDlgTest, GermanTexts)
     const CSeenWindow& about = m_seen[0];
     EXPECT_EQ(about.caption, L"ORVA Connector");
     EXPECT_EQ(about.Control(217), L"Weitere Informationen");
-    EXPECT_EQ(about.Control(kUpdate), L"Aktualisieren");
-    EXPECT_EQ(about.Control(kClose), L"Schließen");
+    EXPECT_EQ(about.Control(kAboutUpdate), L"Aktualisieren");
+    EXPECT_EQ(about.Control(kAboutClose), L"Schließen");
     EXPECT_EQ(about.Control(kLink2),
               L"<a href=\"http://www.orva.example/outlook/faqs\">Häufig gestellte Fragen</a>");
     EXPECT_EQ(about.Control(kVersionLine1), L"Version 1.2.0 (64-Bit)");
@@ -169,7 +167,7 @@ TEST_F(AboutDlgTest, EnterPressesCloseWhenCloseHasTheFocus)
 {
     const CLogMark log;
     OnAbout([](HWND dialog) {
-        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, kClose)), TRUE);
+        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, kAboutClose)), TRUE);
         EXPECT_TRUE(TypeKey(dialog, VK_RETURN));
     });
     Show();
@@ -197,7 +195,7 @@ TEST_F(AboutDlgTest, EnterOnALinkDoesNothing)
 TEST_F(AboutDlgTest, TabVisitsTheLinksThenUpdateThenClose)
 {
     OnAbout([](HWND dialog) {
-        for (const int id : {kLink1, kLink2, kLink3, kUpdate, kClose, kLink1})
+        for (const int id : {kLink1, kLink2, kLink3, kAboutUpdate, kAboutClose, kLink1})
         {
             EXPECT_TRUE(WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, id); })) << id;
             EXPECT_TRUE(TypeKey(dialog, VK_TAB));
@@ -210,7 +208,7 @@ TEST_F(AboutDlgTest, TabVisitsTheLinksThenUpdateThenClose)
 TEST_F(AboutDlgTest, DefaultButtonIsClose)
 {
     OnAbout([](HWND dialog) {
-        EXPECT_EQ(LOWORD(SendMessageW(dialog, DM_GETDEFID, 0, 0)), kClose);
+        EXPECT_EQ(LOWORD(SendMessageW(dialog, DM_GETDEFID, 0, 0)), kAboutClose);
         Close(dialog);
     });
     Show();
@@ -220,10 +218,10 @@ TEST_F(AboutDlgTest, EveryHandlerWritesItsEntry)
 {
     Publish(CHttpReply(200, kSameVersion));
     const CLogMark log;
-    OnAbout([](HWND dialog) { ClickButton(dialog, kUpdate); });
+    OnAbout([](HWND dialog) { ClickButton(dialog, kAboutUpdate); });
     m_user.AnswerBox(kLatest).Then("close", [] {
         const HWND about = FindTopLevelWindow({.childId = kTitle});
-        return WaitUntilEnabled(about) && ClickButton(about, kClose);
+        return WaitUntilEnabled(about) && ClickButton(about, kAboutClose);
     });
     Show();
     ASSERT_GE(log.Texts().size(), 2u);
@@ -242,7 +240,7 @@ TEST_F(AboutDlgTest, NeitherButtonReactsWhileTheCheckRunsAndBothWorkAfter)
     CGate gate;
     m_server.On(kUpdateInfoPath, CServerScript().WaitFor(gate).Send(CHttpReply(200, kSameVersion).Bytes()));
     OnAbout([&](HWND dialog) {
-        ClickButton(dialog, kUpdate);
+        ClickButton(dialog, kAboutUpdate);
         EXPECT_TRUE(gate.WaitUntilReached());
         EXPECT_FALSE(IsWindowEnabled(dialog));
         gate.Open();
@@ -250,7 +248,7 @@ TEST_F(AboutDlgTest, NeitherButtonReactsWhileTheCheckRunsAndBothWorkAfter)
     HWND about = nullptr;
     m_user.AnswerBox(kLatest).Then("close", [&] {
         about = FindTopLevelWindow({.childId = kTitle});
-        return WaitUntilEnabled(about) && ClickButton(about, kClose);
+        return WaitUntilEnabled(about) && ClickButton(about, kAboutClose);
     });
     Show();
     ASSERT_EQ(m_seen.size(), 2u);
@@ -264,9 +262,9 @@ TEST_F(AboutDlgTest, UpdatePressedTwiceChecksTwice)
         const HWND about = FindTopLevelWindow({.childId = kTitle});
         return WaitUntilEnabled(about) && ClickButton(about, control);
     };
-    OnAbout([](HWND dialog) { ClickButton(dialog, kUpdate); });
-    m_user.AnswerBox(kLatest).Then("update again", [&] { return press(kUpdate); });
-    m_user.AnswerBox(kLatest).Then("close", [&] { return press(kClose); });
+    OnAbout([](HWND dialog) { ClickButton(dialog, kAboutUpdate); });
+    m_user.AnswerBox(kLatest).Then("update again", [&] { return press(kAboutUpdate); });
+    m_user.AnswerBox(kLatest).Then("close", [&] { return press(kAboutClose); });
     Show();
     EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 2u);
 }
@@ -278,11 +276,11 @@ TEST_F(AboutDlgTest, CheckThatRaisesIsShownAndLoggedAndLeavesTheDialogOpenAndEna
     HWND about = nullptr;
     OnAbout([&](HWND dialog) {
         about = dialog;
-        ClickButton(dialog, kUpdate);
+        ClickButton(dialog, kAboutUpdate);
     });
     m_user.AnswerBox(kNotParsed).Then("close", [&] {
         EXPECT_TRUE(log.Has("CAboutDlg::OnBnClickedBtnUpdate() Caught exception value type is 2 not 4"));
-        return WaitUntilEnabled(about) && ClickButton(about, kClose);
+        return WaitUntilEnabled(about) && ClickButton(about, kAboutClose);
     });
     Show();
     ASSERT_EQ(m_seen.size(), 2u);

@@ -94,7 +94,7 @@ private:
 };
 
 // A picture's bitmap: 32 bits a pixel, top row first.
-struct Pixels
+struct CPixels
 {
     LONG width = 0;
     LONG height = 0;
@@ -119,12 +119,12 @@ HBITMAP HandleOf(IPictureDisp* picture)
     return reinterpret_cast<HBITMAP>(static_cast<LONG_PTR>(static_cast<int>(handle)));
 }
 
-Pixels PixelsOf(IPictureDisp* picture)
+CPixels PixelsOf(IPictureDisp* picture)
 {
     const HBITMAP bitmap = HandleOf(picture);
     BITMAP attributes = {};
     EXPECT_EQ(GetObjectW(bitmap, sizeof(attributes), &attributes), static_cast<int>(sizeof(attributes)));
-    Pixels pixels = {attributes.bmWidth, attributes.bmHeight, attributes.bmBitsPixel, {}};
+    CPixels pixels = {attributes.bmWidth, attributes.bmHeight, attributes.bmBitsPixel, {}};
     pixels.values.resize(static_cast<size_t>(pixels.width) * static_cast<size_t>(pixels.height));
     BITMAPINFO info = {};
     info.bmiHeader.biSize = sizeof(info.bmiHeader);
@@ -154,7 +154,7 @@ TEST_F(LocalizedResourcesPictureTest, TheLogoIsAPictureOf132By55)
     ComPtr<IPictureDisp> picture;
     ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
     ASSERT_NE(picture.Get(), nullptr);
-    const Pixels pixels = PixelsOf(picture.Get());
+    const CPixels pixels = PixelsOf(picture.Get());
     EXPECT_EQ(pixels.width, 132);
     EXPECT_EQ(pixels.height, 55);
     EXPECT_EQ(pixels.depth, 32);
@@ -165,7 +165,7 @@ TEST_F(LocalizedResourcesPictureTest, TheIconIsAPictureOf36By36)
     ComPtr<IPictureDisp> picture;
     ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_ICON_PNG), S_OK);
     ASSERT_NE(picture.Get(), nullptr);
-    const Pixels pixels = PixelsOf(picture.Get());
+    const CPixels pixels = PixelsOf(picture.Get());
     EXPECT_EQ(pixels.width, 36);
     EXPECT_EQ(pixels.height, 36);
 }
@@ -174,7 +174,7 @@ TEST_F(LocalizedResourcesPictureTest, TransparencyIsKeptOnATransparentBlackBackg
 {
     ComPtr<IPictureDisp> picture;
     ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
-    const Pixels pixels = PixelsOf(picture.Get());
+    const CPixels pixels = PixelsOf(picture.Get());
     EXPECT_EQ(pixels.At(0, 0), 0u);
     EXPECT_EQ(pixels.At(131, 54), 0u);
     // On the left ring, in its own colour and opaque.

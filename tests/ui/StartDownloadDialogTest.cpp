@@ -81,14 +81,14 @@ TEST_F(StartDownloadDialogTest, LogsItsEntryAndTheTargetPath)
 
 TEST_F(StartDownloadDialogTest, LinkWithoutSlashShowsTheUnfilledMessageAndNoDialog)
 {
-    m_user.AnswerBox(L"URL could not be parsed: %s");
+    m_user.AnswerBox(kUrlNotParsed);
     Download(L"setup.orvatest");
     EXPECT_TRUE(Left().empty());
 }
 
 TEST_F(StartDownloadDialogTest, LinkEndingInASlashShowsTheUnfilledMessageAndNoDialog)
 {
-    m_user.AnswerBox(L"URL could not be parsed: %s");
+    m_user.AnswerBox(kUrlNotParsed);
     Download(m_server.WideUrl("/folder/"));
     EXPECT_TRUE(Left().empty());
 }
@@ -103,7 +103,7 @@ TEST_F(StartDownloadDialogTest, LinkThatIsNoUrlEndsTheDialogWithoutAWordThenSays
 TEST_F(StartDownloadDialogTest, MissingTemporaryFolderIsAFileThatCannotBeCreated)
 {
     ASSERT_TRUE(RemoveDirectoryW(m_temp.Path().c_str()));
-    m_user.AnswerBox(L"File could not be created, error ID: 3").AnswerBox(kUpdateCanceled);
+    m_user.AnswerBox(kNoSuchPath).AnswerBox(kUpdateCanceled);
     DownloadInstaller();
     EXPECT_TRUE(m_server.Requests().empty());
 }
@@ -115,7 +115,7 @@ TEST_F(StartDownloadDialogTest, TargetThatIsNotWritableIsAFileThatCannotBeCreate
     WriteFileBytes(file, "kept");
     SetEnvironmentVariableW(L"TMP", file.c_str());
     SetEnvironmentVariableW(L"TEMP", file.c_str());
-    m_user.AnswerBox(L"File could not be created, error ID: 3").AnswerBox(kUpdateCanceled);
+    m_user.AnswerBox(kNoSuchPath).AnswerBox(kUpdateCanceled);
     DownloadInstaller();
     EXPECT_TRUE(m_server.Requests().empty());
     EXPECT_EQ(ReadFileBytes(file), std::optional<std::string>("kept"));
@@ -363,11 +363,11 @@ class HostileFileNameTest : public CDownloadTest, public testing::WithParamInter
 
 TEST_P(HostileFileNameTest, IsAFileThatCannotBeCreatedAndNothingIsRequestedOrWritten)
 {
-    m_user.AnswerBox(L"File could not be created, error ID: 123").AnswerBox(kUpdateCanceled);
+    m_user.AnswerBox(kInvalidName).AnswerBox(kUpdateCanceled);
     Download(m_server.WideUrl("/") + GetParam());
     EXPECT_TRUE(m_server.Requests().empty());
     EXPECT_EQ(Left(), kEmptyFolderLeft);
-    EXPECT_EQ(TextOf(m_seen, 0), L"File could not be created, error ID: 123");
+    EXPECT_EQ(TextOf(m_seen, 0), kInvalidName);
 }
 
 INSTANTIATE_TEST_SUITE_P(Names, HostileFileNameTest,

@@ -14,18 +14,18 @@ namespace
 constexpr int kMinimum = std::numeric_limits<int>::min();
 constexpr int kMaximum = std::numeric_limits<int>::max();
 
-struct Case
+struct CCase
 {
     PublishedVersion published;
     bool newer;
 };
 
-void PrintTo(const Case& testCase, std::ostream* stream)
+void PrintTo(const CCase& testCase, std::ostream* stream)
 {
     *stream << testCase.published.major << '.' << testCase.published.minor << '.' << testCase.published.build;
 }
 
-class PublishedVersionTest : public testing::TestWithParam<Case>
+class PublishedVersionTest : public testing::TestWithParam<CCase>
 {
 };
 
@@ -35,14 +35,14 @@ TEST_P(PublishedVersionTest, ComparesInLexicographicOrder)
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, PublishedVersionTest,
-                         testing::Values(Case{{1, 2, 0}, false}, Case{{1, 2, 1}, true}, Case{{1, 3, 0}, true},
-                                         Case{{2, 0, 0}, true}, Case{{1, 1, 99}, false},
-                                         Case{{0, 9, 9}, false}, Case{{-1, 9, 9}, false},
-                                         Case{{1, -1, 9}, false}, Case{{1, 2, -1}, false},
-                                         Case{{2, -1, -1}, true}, Case{{1, 3, -1}, true},
-                                         Case{{kMaximum, kMinimum, kMinimum}, true},
-                                         Case{{kMinimum, kMaximum, kMaximum}, false},
-                                         Case{{1, kMaximum, 0}, true}, Case{{1, 2, kMaximum}, true}));
+                         testing::Values(CCase{{1, 2, 0}, false}, CCase{{1, 2, 1}, true},
+                                         CCase{{1, 3, 0}, true}, CCase{{2, 0, 0}, true},
+                                         CCase{{1, 1, 99}, false}, CCase{{0, 9, 9}, false},
+                                         CCase{{-1, 9, 9}, false}, CCase{{1, -1, 9}, false},
+                                         CCase{{1, 2, -1}, false}, CCase{{2, -1, -1}, true},
+                                         CCase{{1, 3, -1}, true}, CCase{{kMaximum, kMinimum, kMinimum}, true},
+                                         CCase{{kMinimum, kMaximum, kMaximum}, false},
+                                         CCase{{1, kMaximum, 0}, true}, CCase{{1, 2, kMaximum}, true}));
 
 TEST(FormatVersionTest, JoinsTheNumbersWithDots)
 {

@@ -10,18 +10,12 @@ namespace orva::test
 namespace
 {
 
-constexpr int kDescription = 203;
-constexpr int kInstall = 204;
-constexpr int kLater = 205;
-constexpr int kAvailable = 207;
-constexpr int kInstalled = 208;
-
 class UpdateAvailableDlgTest : public testing::Test
 {
 protected:
     INT_PTR Run(std::function<void(HWND)> act)
     {
-        m_user.OnDialogWith(kDescription, std::move(act)).Start();
+        m_user.OnDialogWith(kDescriptionText, std::move(act)).Start();
         AFX_MANAGE_STATE(AfxGetStaticModuleState());
         CUpdateAvailableDlg dialog;
         dialog.SetDescription(m_description);
@@ -39,12 +33,12 @@ protected:
 
 void ClickLater(HWND dialog)
 {
-    ClickButton(dialog, kLater);
+    ClickButton(dialog, kLaterButton);
 }
 
 TEST_F(UpdateAvailableDlgTest, InstallGivesIdOk)
 {
-    EXPECT_EQ(Run([](HWND dialog) { ClickButton(dialog, kInstall); }), IDOK);
+    EXPECT_EQ(Run([](HWND dialog) { ClickButton(dialog, kInstallButton); }), IDOK);
 }
 
 TEST_F(UpdateAvailableDlgTest, LaterGivesIdCancel)
@@ -68,11 +62,11 @@ TEST_F(UpdateAvailableDlgTest, FocusStartsOnInstallAndTabGoesToLaterAndBack)
                   const auto hasFocus = [&](int id) {
                       return WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, id); });
                   };
-                  EXPECT_TRUE(hasFocus(kInstall));
+                  EXPECT_TRUE(hasFocus(kInstallButton));
                   EXPECT_TRUE(TypeKey(dialog, VK_TAB));
-                  EXPECT_TRUE(hasFocus(kLater));
+                  EXPECT_TRUE(hasFocus(kLaterButton));
                   EXPECT_TRUE(TypeKey(dialog, VK_TAB));
-                  EXPECT_TRUE(hasFocus(kInstall));
+                  EXPECT_TRUE(hasFocus(kInstallButton));
                   ClickLater(dialog);
               }),
               IDCANCEL);
@@ -83,11 +77,11 @@ TEST_F(UpdateAvailableDlgTest, EnglishTexts)
     Run(ClickLater);
     ASSERT_EQ(m_seen.size(), 1u);
     EXPECT_EQ(m_seen[0].caption, L"New update available");
-    EXPECT_EQ(m_seen[0].Control(kAvailable), L"Available version: 1.3.7");
-    EXPECT_EQ(m_seen[0].Control(kInstalled), L"Installed version: 1.2.0");
-    EXPECT_EQ(m_seen[0].Control(kInstall), L"Install");
-    EXPECT_EQ(m_seen[0].Control(kLater), L"Later");
-    EXPECT_EQ(m_seen[0].Control(kDescription), L"Faster contacts.");
+    EXPECT_EQ(m_seen[0].Control(kAvailableText), L"Available version: 1.3.7");
+    EXPECT_EQ(m_seen[0].Control(kInstalledText), L"Installed version: 1.2.0");
+    EXPECT_EQ(m_seen[0].Control(kInstallButton), L"Install");
+    EXPECT_EQ(m_seen[0].Control(kLaterButton), L"Later");
+    EXPECT_EQ(m_seen[0].Control(kDescriptionText), L"Faster contacts.");
 }
 
 TEST_F(UpdateAvailableDlgTest, GermanTexts)
@@ -96,8 +90,8 @@ TEST_F(UpdateAvailableDlgTest, GermanTexts)
     Run(ClickLater);
     ASSERT_EQ(m_seen.size(), 1u);
     EXPECT_EQ(m_seen[0].caption, L"Neues Update verfügbar");
-    EXPECT_EQ(m_seen[0].Control(kInstall), L"Installieren");
-    EXPECT_EQ(m_seen[0].Control(kLater), L"Später");
+    EXPECT_EQ(m_seen[0].Control(kInstallButton), L"Installieren");
+    EXPECT_EQ(m_seen[0].Control(kLaterButton), L"Später");
 }
 
 TEST_F(UpdateAvailableDlgTest, LongDescriptionWrapsAtTheControlsWidthAndCannotBeEdited)
@@ -108,7 +102,7 @@ TEST_F(UpdateAvailableDlgTest, LongDescriptionWrapsAtTheControlsWidthAndCannotBe
         m_description += L" word";
     }
     Run([](HWND dialog) {
-        const HWND control = ChildById(dialog, kDescription);
+        const HWND control = ChildById(dialog, kDescriptionText);
         EXPECT_GT(SendMessageW(control, EM_GETLINECOUNT, 0, 0), 20);
         EXPECT_NE(GetWindowLongPtrW(control, GWL_STYLE) & ES_READONLY, 0);
         EXPECT_NE(GetWindowLongPtrW(control, GWL_STYLE) & WS_VSCROLL, 0);
@@ -124,7 +118,7 @@ TEST_F(UpdateAvailableDlgTest, DescriptionIsShownUnchangedWithItsSpecialCharacte
     m_description = L"Größer & <schöner>: 100 % \u20AC şğı";
     Run(ClickLater);
     ASSERT_EQ(m_seen.size(), 1u);
-    EXPECT_EQ(m_seen[0].Control(kDescription), L"Größer & <schöner>: 100 % \u20AC şğı");
+    EXPECT_EQ(m_seen[0].Control(kDescriptionText), L"Größer & <schöner>: 100 % \u20AC şğı");
 }
 
 TEST_F(UpdateAvailableDlgTest, BackgroundIsWhite)
@@ -143,8 +137,8 @@ TEST_F(UpdateAvailableDlgTest, BackgroundIsWhite)
 TEST_F(UpdateAvailableDlgTest, OnlyTheFirstVersionLineIsTransparent)
 {
     Run([](HWND dialog) {
-        EXPECT_NE(GetWindowLongPtrW(ChildById(dialog, kAvailable), GWL_EXSTYLE) & WS_EX_TRANSPARENT, 0);
-        EXPECT_EQ(GetWindowLongPtrW(ChildById(dialog, kInstalled), GWL_EXSTYLE) & WS_EX_TRANSPARENT, 0);
+        EXPECT_NE(GetWindowLongPtrW(ChildById(dialog, kAvailableText), GWL_EXSTYLE) & WS_EX_TRANSPARENT, 0);
+        EXPECT_EQ(GetWindowLongPtrW(ChildById(dialog, kInstalledText), GWL_EXSTYLE) & WS_EX_TRANSPARENT, 0);
         ClickLater(dialog);
     });
 }

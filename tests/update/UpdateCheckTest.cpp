@@ -50,12 +50,12 @@ protected:
 
     CUserScript& ExpectLater()
     {
-        return m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, 205); });
+        return m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, kLaterButton); });
     }
 
     CUserScript& ExpectInstall()
     {
-        return m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, 204); });
+        return m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, kInstallButton); });
     }
 
     std::vector<CSeenWindow> m_seen;
@@ -158,9 +158,9 @@ TEST_F(UpdateCheckTest, NewerVersionIsOfferedAndLaterDownloadsNothingAndAsksNoMo
     ExpectLater();
     CheckExplicit();
     ASSERT_EQ(m_seen.size(), 1u);
-    EXPECT_EQ(m_seen[0].Control(207), L"Available version: 1.3.0");
-    EXPECT_EQ(m_seen[0].Control(208), L"Installed version: 1.2.0");
-    EXPECT_EQ(m_seen[0].Control(203), L"Faster contacts.");
+    EXPECT_EQ(m_seen[0].Control(kAvailableText), L"Available version: 1.3.0");
+    EXPECT_EQ(m_seen[0].Control(kInstalledText), L"Installed version: 1.2.0");
+    EXPECT_EQ(m_seen[0].Control(kDescriptionText), L"Faster contacts.");
     EXPECT_EQ(m_server.Requests().size(), 1u);
 }
 
@@ -196,7 +196,7 @@ TEST_F(UpdateCheckTest, InstallHandsTheLinkToTheDownload)
     // A link without a file name is refused by the download with a message, before any window or request.
     Publish(OfferOf("nowhere"));
     ExpectInstall();
-    m_user.AnswerBox(L"URL could not be parsed: %s");
+    m_user.AnswerBox(kUrlNotParsed);
     const CLogMark log;
     EXPECT_TRUE(Check(true));
     EXPECT_TRUE(log.Has("StartDownloadDialog"));
@@ -267,7 +267,7 @@ TEST_F(UpdateCheckTest, TextCutAfterTheCompleteEntryIsReportedAndStillOffered)
     ExpectLater();
     EXPECT_TRUE(Check(true));
     ASSERT_EQ(m_seen.size(), 2u);
-    EXPECT_EQ(m_seen[1].Control(207), L"Available version: 1.3.0");
+    EXPECT_EQ(m_seen[1].Control(kAvailableText), L"Available version: 1.3.0");
 }
 
 TEST_F(UpdateCheckTest, HundredsOfThousandsOfBracketsAreABrokenFileAndNoCrash)
@@ -376,7 +376,7 @@ TEST_F(UpdateCheckTest, LinkThatIsNoStringRaisesTheTypeErrorOnlyWhenItIsUsed)
     EXPECT_TRUE(Check(true));
 
     CUserScript user;
-    user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, 204); }).Start();
+    user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, kInstallButton); }).Start();
     EXPECT_THROW(CheckForUpdate(m_owner.Handle(), true), std::runtime_error);
     user.Finish();
 }

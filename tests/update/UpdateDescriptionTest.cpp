@@ -21,7 +21,7 @@ json_spirit::wmObject Entry(const wchar_t* json)
 constexpr wchar_t kAll[] =
     LR"({"description": {"de": "deutsch", "es": "español", "tr": "türkçe", "default": "text"}})";
 
-struct Case
+struct CCase
 {
     const char* behaviour;
     DWORD language;
@@ -29,12 +29,12 @@ struct Case
     const wchar_t* description;
 };
 
-void PrintTo(const Case& testCase, std::ostream* stream)
+void PrintTo(const CCase& testCase, std::ostream* stream)
 {
     *stream << testCase.behaviour;
 }
 
-class UpdateDescriptionTest : public testing::TestWithParam<Case>
+class UpdateDescriptionTest : public testing::TestWithParam<CCase>
 {
 };
 
@@ -46,28 +46,28 @@ TEST_P(UpdateDescriptionTest, IsTheTextFor)
 
 INSTANTIATE_TEST_SUITE_P(
     Languages, UpdateDescriptionTest,
-    testing::Values(Case{"German reads German", 1031, kAll, L"deutsch"},
-                    Case{"Turkish reads Turkish", 1055, kAll, L"türkçe"},
-                    Case{"Spanish of Spain reads Spanish", 3082, kAll, L"español"},
-                    Case{"English reads the default", 1033, kAll, L"text"},
-                    Case{"Traditional Spanish reads the default", 1034, kAll, L"text"},
-                    Case{"Mexican Spanish reads the default", 2058, kAll, L"text"},
-                    Case{"Austrian German reads the default", 3079, kAll, L"text"},
-                    Case{"no language reads the default", 65535, kAll, L"text"},
-                    Case{"German without German text falls back", 1031,
-                         LR"({"description": {"default": "text"}})", L"text"},
-                    Case{"null German text falls back", 1031,
-                         LR"({"description": {"de": null, "default": "text"}})", L"text"},
-                    Case{"empty Turkish text does not fall back", 1055,
-                         LR"({"description": {"tr": "", "default": "text"}})", L""},
-                    Case{"keys count in lower case only", 1031,
-                         LR"({"description": {"DE": "deutsch", "default": "text"}})", L"text"},
-                    Case{"an English key is no key", 1033, LR"({"description": {"en": "english"}})", L""},
-                    Case{"no default for English is empty", 1033, LR"({"description": {"de": "deutsch"}})",
-                         L""},
-                    Case{"no description is empty", 1033, LR"({})", L""},
-                    Case{"null description is empty", 1033, LR"({"description": null})", L""},
-                    Case{"null default is empty", 1033, LR"({"description": {"default": null}})", L""}));
+    testing::Values(CCase{"German reads German", 1031, kAll, L"deutsch"},
+                    CCase{"Turkish reads Turkish", 1055, kAll, L"türkçe"},
+                    CCase{"Spanish of Spain reads Spanish", 3082, kAll, L"español"},
+                    CCase{"English reads the default", 1033, kAll, L"text"},
+                    CCase{"Traditional Spanish reads the default", 1034, kAll, L"text"},
+                    CCase{"Mexican Spanish reads the default", 2058, kAll, L"text"},
+                    CCase{"Austrian German reads the default", 3079, kAll, L"text"},
+                    CCase{"no language reads the default", 65535, kAll, L"text"},
+                    CCase{"German without German text falls back", 1031,
+                          LR"({"description": {"default": "text"}})", L"text"},
+                    CCase{"null German text falls back", 1031,
+                          LR"({"description": {"de": null, "default": "text"}})", L"text"},
+                    CCase{"empty Turkish text does not fall back", 1055,
+                          LR"({"description": {"tr": "", "default": "text"}})", L""},
+                    CCase{"keys count in lower case only", 1031,
+                          LR"({"description": {"DE": "deutsch", "default": "text"}})", L"text"},
+                    CCase{"an English key is no key", 1033, LR"({"description": {"en": "english"}})", L""},
+                    CCase{"no default for English is empty", 1033, LR"({"description": {"de": "deutsch"}})",
+                          L""},
+                    CCase{"no description is empty", 1033, LR"({})", L""},
+                    CCase{"null description is empty", 1033, LR"({"description": null})", L""},
+                    CCase{"null default is empty", 1033, LR"({"description": {"default": null}})", L""}));
 
 class DetermineUpdateDescriptionTest : public testing::Test
 {
