@@ -24,7 +24,7 @@ constexpr const wchar_t* kTypeLibraryKeys[] = {
     L"Software\\Classes\\Interface\\{000C0351-0000-0000-C000-000000000046}",
 };
 
-// The log is on, the libraries and the add-in are registered, for the whole test program.
+// Switches the log on and registers the libraries and the add-in for the whole test program.
 class CMachine : public testing::Environment
 {
 public:

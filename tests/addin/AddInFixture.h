@@ -1,5 +1,5 @@
 // A host for the built DLL inside the test program: it loads, registers and creates the add-in, has a main
-// window, and sees the log, the requests and what the user saw.
+// window, and reads the log, the server's requests and the windows that were shown.
 #pragma once
 
 #include "fixture/UpdateInfo.h"
@@ -37,8 +37,8 @@ inline constexpr IID kConnectInterface = {
 class CAddInCopy
 {
 public:
-    /// Puts `after` in the place of `before`, which is as long and occurs exactly once; otherwise throws
-    /// std::runtime_error.
+    /// Replaces `before` by `after`. Throws std::runtime_error unless both are equally long and `before`
+    /// occurs exactly once.
     CAddInCopy(const std::string& before, const std::string& after);
 
     std::wstring Path() const { return m_folder.File(kAddInModule); }
@@ -57,7 +57,8 @@ private:
     CBothHivesGuard m_keys;
 };
 
-/// The host's main window. It notes when it is enabled and disabled, and runs what it is sent.
+/// The host's main window. It records when it is enabled and disabled, and runs functions that are posted to
+/// it.
 class CHostWindow
 {
 public:
@@ -67,9 +68,9 @@ public:
     CHostWindow& operator=(const CHostWindow&) = delete;
 
     HWND Handle() const { return m_window; }
-    /// true for each time it was enabled, false for each time it was disabled.
+    /// One element for each change, in order: true for enabled, false for disabled.
     const std::vector<bool>& EnableHistory() const { return m_history; }
-    /// Runs `work` on the window's thread when that next looks at its messages. Callable from any thread.
+    /// Runs `work` on the window's thread when that next dispatches messages. Callable from any thread.
     void Post(std::function<void()> work);
 
 private:
@@ -89,13 +90,13 @@ protected:
 
     /// Unloads the DLL and loads this one in its place.
     void LoadInstead(const std::wstring& path);
-    /// Makes the add-in's object through its class object.
+    /// Creates the add-in's object through its class object.
     void Create();
-    /// Makes it and connects it to m_outlook. Mode 0 unless told otherwise: no start-up check.
+    /// Creates the object and connects it to m_outlook; by default without a start-up check.
     HRESULT Connect(const wchar_t* version, int mode = ext_cm_AfterStartup);
-    /// OnConnection on the object there is, with any application.
+    /// Calls OnConnection of the created object with any application.
     HRESULT ConnectTo(IDispatch* application, int mode);
-    /// Lets the object go, checks that the module can be unloaded, and unloads it.
+    /// Releases the object, checks that the module can be unloaded, and unloads it.
     void ReleaseAll();
 
     template <typename Interface> Microsoft::WRL::ComPtr<Interface> Query(REFIID iid)

@@ -1,4 +1,4 @@
-// The Backstage's update button: an explicit check with the host's window disabled, whatever comes of it.
+// The Backstage's update button: an explicit check with the host's window disabled, whatever its result.
 #include "addin/AddInFixture.h"
 
 namespace orva::test
@@ -30,7 +30,7 @@ protected:
         NewLogLines();
     }
 
-    // Clicks with the user's steps, which must all be taken, and checks what holds after every check.
+    // Clicks while the user takes all of his steps, and asserts what holds after every check.
     void Click(IDispatch* control = nullptr)
     {
         m_user.Start();

@@ -1,5 +1,5 @@
-// What the rules of COM ask of one object, checked for every interface, pair and chain of three, and what the
-// tests of these rules share.
+// Checks the rules of COM on one object, for every interface, pair and chain of three; and the fixture that
+// the tests of these rules share.
 #pragma once
 
 #include "addin/AddInFixture.h"
@@ -24,7 +24,7 @@ std::span<const CInterface> AddInInterfaces();
 /// Interfaces that the add-in's object must not claim. The click's sink is an object of its own.
 std::span<const CInterface> ForeignInterfaces();
 
-/// What CheckQueryInterface counted, and which rules it saw broken, one line each.
+/// What CheckQueryInterface counted, and the rules that it found broken, one line each.
 struct CConformance
 {
     size_t interfaces = 0;
@@ -40,9 +40,9 @@ struct CConformance
 
 enum class Place
 {
-    /// The object itself: its counts can be read, and a null pointer for the result is refused.
+    /// The object itself: its reference count can be read, and a null pointer for the result is refused.
     InProcess,
-    /// A proxy, which counts for itself.
+    /// A proxy, which has a reference count of its own.
     Proxy,
 };
 
@@ -52,8 +52,8 @@ enum class Place
 /// - every interface gives the same pointer for IUnknown;
 /// - each of `foreign` is refused with E_NOINTERFACE and a null pointer;
 /// - a null pointer for the result gives E_POINTER;
-/// - when all is released the reference count is as before.
-/// Fails no test by itself, so that it can run on any thread.
+/// - when all is released the reference count is as before. Asserts nothing, so that it can run on any
+/// thread.
 CConformance CheckQueryInterface(IUnknown* object, std::span<const CInterface> offered,
                                  std::span<const CInterface> foreign, Place place = Place::InProcess);
 
@@ -65,10 +65,11 @@ template <typename Interface> void** Out(Microsoft::WRL::ComPtr<Interface>& poin
     return reinterpret_cast<void**>(pointer.ReleaseAndGetAddressOf());
 }
 
-/// The object's count, as its own Release tells it.
+/// The object's reference count, as its Release returns it.
 ULONG CountOf(IUnknown* object);
 
-/// An outer object that aggregates the add-in: it knows IUnknown and asks the inner object for the rest.
+/// An outer object that aggregates the add-in: it implements IUnknown and takes the other interfaces from the
+/// inner object.
 class COuter : public IUnknown
 {
 public:
@@ -90,13 +91,13 @@ class CComConformanceTest : public CAddInTest
 {
 protected:
     Microsoft::WRL::ComPtr<IClassFactory> Factory();
-    /// Makes the add-in's object inside `outer`.
+    /// Creates the add-in's object inside `outer`.
     void CreateInside(COuter& outer);
 };
 
 /// Runs `work` on a thread of its own, in an apartment of that kind (COINIT_APARTMENTTHREADED or
-/// COINIT_MULTITHREADED), while this thread dispatches its messages. False if it did not end in time.
-/// `work` must let go of every interface before it returns.
+/// COINIT_MULTITHREADED), while this thread dispatches its messages. False if it did not end in time. `work`
+/// must release every interface before it returns.
 bool RunInApartment(DWORD kind, const std::function<void()>& work);
 
 } // namespace orva::test

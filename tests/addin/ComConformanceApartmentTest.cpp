@@ -15,8 +15,8 @@ namespace
 
 using Microsoft::WRL::ComPtr;
 
-// What a proxy leads to: the interfaces that a type library describes. The class's primary interface is in
-// none, so that nothing can carry it to another apartment.
+// The interfaces that a proxy gives: those that a type library describes. The class's primary interface is in
+// none, so it cannot be marshaled to another apartment.
 const CInterface kProxied[] = {
     {"IUnknown", IID_IUnknown},
     {"IDispatch", IID_IDispatch},
@@ -31,7 +31,7 @@ const CInterface kNotProxied[] = {
     {"IConnectionPointContainer", IID_IConnectionPointContainer},
 };
 
-// What another apartment found out about the object it was given.
+// What another apartment observed of the object that it was given.
 struct CFindings
 {
     HRESULT got = E_FAIL;
@@ -57,7 +57,7 @@ void UseThroughProxy(IDispatch* object, CFindings& findings)
     ComPtr<_IDTExtensibility2> addIn;
     if (SUCCEEDED(object->QueryInterface(IID__IDTExtensibility2, Out(addIn))))
     {
-        // Unlike the object, a proxy asks for the place of the array.
+        // Unlike the object, a proxy does not accept a null pointer here.
         SAFEARRAY* custom = SafeArrayCreateVector(VT_VARIANT, 0, 0);
         findings.started = addIn->OnStartupComplete(&custom);
         SafeArrayDestroy(custom);
@@ -65,7 +65,7 @@ void UseThroughProxy(IDispatch* object, CFindings& findings)
     findings.conformance = CheckQueryInterface(object, kProxied, kNotProxied, Place::Proxy);
 }
 
-// Checks what another apartment found out and what the add-in logged of it, and adds it to the report.
+// Asserts what another apartment observed and what the add-in logged, and adds a row to the report.
 void ExpectUsedThroughProxy(const std::vector<std::string>& logged, const std::string& object,
                             const CFindings& findings)
 {
@@ -108,7 +108,7 @@ TEST_F(ComConformanceApartmentTest, AnotherApartmentCallsAndLastReleasesTheObjec
                            findings);
 }
 
-// In a process of its own: see the end.
+// Runs in a process of its own, because under Wine the module stays loaded at its end.
 TEST(ComConformanceMultithreadedTest, CreatesTheClassBehindAProxyAndLastReleasesTheObject)
 {
     if (GetEnvironmentVariableW(L"ORVA_HELPER", nullptr, 0) == 0)
@@ -139,17 +139,15 @@ TEST(ComConformanceMultithreadedTest, CreatesTheClassBehindAProxyAndLastReleases
         std::ranges::set_difference(ThreadIds(), threads, std::inserter(added, added.end()));
         added.erase(GetCurrentThreadId());
     }));
-    // The thread of the apartment that Wine made for the object ends now, but at its own time, and tries to
-    // free the module then. So that this comes to the same in every run, it must find the reference that is
-    // forgotten below.
+    // The thread that Wine created for the object's apartment ends asynchronously and then tries to free the
+    // module. Wait for it, so that in every run it does so while the leaked reference still holds the module.
     EXPECT_TRUE(!IsWine() || PumpUntil([&] { return !std::ranges::includes(ThreadIds(), added); }));
-    // Wine forgets one reference to the class object wherever it makes an object for another kind of
-    // apartment. That, and nothing of the add-in's object, is all that still holds the module; Windows
-    // forgets nothing.
-    const ULONG forgotten = IsWine() ? 1 : 0;
-    EXPECT_TRUE(PumpUntil([&] { return CountOf(factory.Get()) == before + forgotten; }))
+    // Wine leaks one reference to the class object when it creates an object for another kind of apartment.
+    // Nothing else still holds the module. Windows leaks none.
+    const ULONG leaked = IsWine() ? 1 : 0;
+    EXPECT_TRUE(PumpUntil([&] { return CountOf(factory.Get()) == before + leaked; }))
         << CountOf(factory.Get()) - before;
-    for (ULONG i = 0; i < forgotten; ++i)
+    for (ULONG i = 0; i < leaked; ++i)
     {
         EXPECT_EQ(module->CanUnloadNow(), S_FALSE);
         factory.Get()->Release();
@@ -159,7 +157,7 @@ TEST(ComConformanceMultithreadedTest, CreatesTheClassBehindAProxyAndLastReleases
     ExpectUsedThroughProxy(log.NewLines(),
                            "08 a proxy for the object that the multithreaded apartment created", findings);
     module.reset();
-    // What the apartment that Wine made could not free stays in the process. No other test could follow here.
+    // Under Wine the module stays loaded, so no other test could follow in this process.
     CoFreeUnusedLibrariesEx(0, 0);
     CoFreeUnusedLibrariesEx(0, 0);
     EXPECT_EQ(CAddInModule::IsLoaded(), IsWine());
@@ -173,7 +171,7 @@ TEST_F(ComConformanceApartmentTest, AnObjectOfASecondSingleThreadedApartmentIsLa
     bool isDirectForItsOwn = false;
     HRESULT created = E_FAIL;
     CFindings findings;
-    // This thread takes the object as soon as it is there, while the other one answers its calls.
+    // This thread unmarshals the object as soon as it is there, while the other one dispatches its calls.
     m_host.Post([&] {
         if (WaitForSingleObject(given.get(), kPatience) == WAIT_OBJECT_0 && SUCCEEDED(created))
         {

@@ -1,4 +1,4 @@
-// When the module may be unloaded, and that it can be loaded and unloaded again and again.
+// When the module may be unloaded, and that it can be loaded and unloaded repeatedly.
 #include "addin/ComConformance.h"
 #include "harness/Report.h"
 

@@ -1,4 +1,4 @@
-// What the tests of connecting share: an Outlook of a version, and the lines that connecting to it writes.
+// What the tests of connecting share: an Outlook of a given version, and the log lines of a connection to it.
 #pragma once
 
 #include "addin/AddInFixture.h"
@@ -17,9 +17,9 @@ inline constexpr char kCheck[] = "CConnect::OnConnection() check for updates ";
 class CConnectTest : public CAddInTest
 {
 protected:
-    /// The lines of OnConnection in this mode.
+    /// The log lines of OnConnection in this mode.
     std::vector<std::string> LinesOfConnecting(const wchar_t* version, int mode);
-    /// The lines of a start-up connection to Outlook 2010 from the check on.
+    /// The log lines of a start-up connection to Outlook 2010, beginning with the check.
     std::vector<std::string> LinesOfCheck();
     /// The window was disabled once and then enabled once.
     void ExpectHostEnabledAgain();

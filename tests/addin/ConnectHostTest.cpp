@@ -1,5 +1,4 @@
-// What connecting asks of the host, and what it makes of the host's version, explorer and application,
-// whatever these are.
+// What connecting reads from the host, and what follows from the host's version, explorer and application.
 #include "addin/ConnectFixture.h"
 
 namespace orva::test

@@ -23,7 +23,7 @@ using testing::StartsWith;
 class GetCustomUITest : public CAddInTest
 {
 protected:
-    // The markup for this ribbon; the result has to be S_OK and the text no null.
+    // The markup for this ribbon. The call must return S_OK and a text that is not null.
     std::wstring Markup(const wchar_t* ribbon = L"Microsoft.Outlook.Explorer")
     {
         _bstr_t id(ribbon);
@@ -102,7 +102,7 @@ TEST_F(GetCustomUITest, InEnglishEveryPlaceholderIsFilled)
     EXPECT_TRUE(IsWellFormed(markup));
 }
 
-// A text of the markup, as the attribute that holds it.
+// A text of the markup, with the attribute that holds it.
 class GetCustomUITextTest : public GetCustomUITest, public testing::WithParamInterface<const char*>
 {
 };
@@ -159,8 +159,7 @@ TEST_F(GetCustomUITest, TheRibbonsIdDoesNotMatter)
     EXPECT_EQ(Markup(nullptr), markup);
 }
 
-// The texts that the product name and the first paragraph are replaced by, and the product name that comes of
-// it.
+// Replacements for the product name and the first paragraph, and the product name that the markup then shows.
 struct CPassesCase
 {
     const char* name;
@@ -191,7 +190,7 @@ protected:
         return block;
     }
 
-    // The block with other texts, as long as it was. What is left over at its end belongs to no text.
+    // The block with other texts, in its old length. Zeros fill its end.
     static std::wstring Changed(const std::wstring& block, const std::map<UINT, std::wstring>& texts)
     {
         std::wstring changed;

@@ -1,4 +1,4 @@
-// The one Invoke behind all of the object's dispatch interfaces: which dispatcher gets which id.
+// The one Invoke behind all of the object's dispatch interfaces: which dispatcher handles which id.
 #include "addin/AddInFixture.h"
 
 namespace orva::test
@@ -62,7 +62,7 @@ protected:
     VARIANT_BOOL m_cancelDefault = VARIANT_FALSE;
 };
 
-// Takes the host's library of the add-in contract out of the registry.
+// Removes the type library of _IDTExtensibility2 from the registry for its lifetime.
 class CNoExtensibilityLibrary
 {
 public:
@@ -73,7 +73,7 @@ private:
                               L"Software\\Classes\\TypeLib\\{AC0714F2-3D04-11D1-AE7D-00A0C90F26F4}"};
 };
 
-// The same with the add-in's own library.
+// Removes the add-in's own type library from the registry for its lifetime.
 class CNoOwnLibrary
 {
 public:

@@ -1,4 +1,4 @@
-// The menu command once it is there: its subscription, the click that comes back, and its end.
+// The menu command after its insertion: its subscription, its click, and its end.
 #include "addin/MenuCommandFixture.h"
 
 #include <olectl.h>
@@ -19,7 +19,7 @@ TEST_F(MenuCommandLifeTest, ARefusedSubscriptionIsAbsorbedAndTheCommandStays)
     Lines();
     EXPECT_THAT(MemberNames(m_outlook->record), Contains("button.Enabled"));
     EXPECT_EQ(m_outlook->button->Advises(), 1);
-    // There is a button, and nothing to end.
+    // There is a button, but no subscription to end.
     EXPECT_EQ(Disconnect(), CONNECT_E_NOCONNECTION);
 }
 
@@ -105,8 +105,7 @@ TEST_F(MenuCommandLifeTest, AClickShowsAboutOwnedByTheHostWindowAndLeavesCancelD
     EXPECT_EQ(Disconnect(), S_OK);
 }
 
-// The dialog has no parent of its own, so its owner is the active window; what the add-in itself disables is
-// the window that stands on top.
+// The dialog has no parent, so its owner is the active window. The add-in itself disables the topmost window.
 TEST_F(MenuCommandLifeTest, AClickDisablesTheTopmostWindowOfTheHostWhileAboutIsShown)
 {
     Lines();

@@ -161,7 +161,7 @@ TEST_F(MenuCommandTest, AnExceptionOnTheWayIsAbsorbedWithoutALine)
 {
     std::optional<CImportHook> noMemory;
     m_outlook->helpMenu->On(L"Controls", [&](const DISPPARAMS&, VARIANT* result) {
-        // The next block of memory that the add-in asks for is for the arguments of Add.
+        // The add-in's next allocation is for the arguments of Add.
         noMemory.emplace(GetModuleHandleW(kAddInModule), "msvcrt.dll", "malloc", &FailOnce);
         result->vt = VT_DISPATCH;
         return m_outlook->commands.CopyTo(IID_IDispatch, reinterpret_cast<void**>(&result->pdispVal));
@@ -175,7 +175,7 @@ TEST_F(MenuCommandTest, AnExceptionOnTheWayIsAbsorbedWithoutALine)
     ExpectNoCommand();
 }
 
-// A way in which the host's objects do not lead to a new control.
+// A way in which the host's objects fail to give a new control.
 struct CMissingCase
 {
     const char* name;

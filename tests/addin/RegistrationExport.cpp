@@ -17,7 +17,7 @@ namespace orva::test
 namespace
 {
 
-// A tree and what the report calls it. One that lies in another comes before it.
+// A registry tree and its name in the report. A tree inside another one comes before it.
 struct CTree
 {
     const wchar_t* key;
@@ -53,7 +53,7 @@ bool IsAtOrBelow(const std::string& key, const std::string& tree)
            (key.size() == tree.size() || key[tree.size()] == '\\');
 }
 
-// What a line belongs to, behind its place in the order of the trees.
+// The tree that a line belongs to, behind a letter that sorts it in the order of the trees.
 std::string Owner(const std::string& line)
 {
     const std::string key = line.substr(1, line.find(']') - 1);
@@ -131,7 +131,7 @@ CRegistrationExport CRegistrationExport::Take()
         }
         for (const CTree& tree : kTrees)
         {
-            // The entry lies in Outlook's list.
+            // Outlook's list includes the entry.
             if (tree.key != kAddInKey && RegistryKeyExists(hive.root, tree.key))
             {
                 all.Add(std::wstring(hive.shortName) + L"\\" + tree.key);
@@ -157,7 +157,7 @@ void CRegistrationExport::Add(const std::wstring& key)
         line += part;
         if (line.ends_with('\\') && !line.starts_with('['))
         {
-            // Data that goes on in the next line, which is indented.
+            // The data continues in the next line, which is indented.
             line.pop_back();
             continue;
         }

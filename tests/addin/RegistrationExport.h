@@ -1,5 +1,4 @@
-// What Windows' own tool exports of everything a registration touches, before and after, and how the two
-// differ.
+// The registry as reg.exe exports it, before and after a registration, and how the two differ.
 #pragma once
 
 #include <set>
@@ -13,15 +12,15 @@ namespace orva::test
 class CRegistrationExport
 {
 public:
-    /// Runs reg.exe on all that a registration is known to touch, in both hives; in the thorough run on the
-    /// whole of both. Throws std::runtime_error if reg.exe fails on a key that is there. The 32-bit view is
-    /// left out: it is the system's own affair.
+    /// Exports the keys that a registration touches, in both hives; in the thorough run both hives as a
+    /// whole. The 32-bit view, which the system maintains, is left out. Throws std::runtime_error if reg.exe
+    /// fails on an existing key.
     static CRegistrationExport Take();
 
     const std::set<std::string>& Lines() const { return m_lines; }
 
-    /// How this one differs from an earlier one, in words: what is more or less, counted by what it belongs
-    /// to. The same registry gives "nothing".
+    /// The difference from an earlier export in words: added (+) and removed (-) keys and values, counted per
+    /// tree; "nothing" if there is none.
     std::string DifferenceFrom(const CRegistrationExport& before) const;
 
 private:

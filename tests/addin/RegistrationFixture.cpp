@@ -33,7 +33,7 @@ void AddLines(CRegistryLines& lines, const std::string& hive, const std::string&
     }
 }
 
-// Whether a line belongs to what the system itself writes of a registered type library.
+// Whether the system itself wrote this line when it registered the type library.
 bool IsLibraryLine(const std::string& line)
 {
     static const std::regex library(

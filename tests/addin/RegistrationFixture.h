@@ -1,4 +1,4 @@
-// A registry without the add-in to register it in, and the registry as lines to compare.
+// A registry without the add-in, to register it in, and the registry's contents as lines to compare.
 #pragma once
 
 #include "addin/AddInFixture.h"
@@ -15,12 +15,12 @@ namespace orva::test
 /// Keys and values, each as one line with its whole path.
 using CRegistryLines = std::set<std::string>;
 
-/// Where to look for what registration does.
+/// Which part of the registry is compared.
 enum class Extent
 {
-    /// All that is known to be touched: quick.
+    /// The keys that registration touches: quick.
     Known,
-    /// Both hives, to find out what else would be touched. The 32-bit view is the system's own affair.
+    /// Both hives, to find unexpected changes. Without the 32-bit view, which the system maintains.
     Everything,
 };
 
@@ -29,9 +29,9 @@ CRegistryLines ReadRegistry(Extent extent);
 /// The lines that are in `in` and not in `from`.
 std::vector<std::string> Missing(const CRegistryLines& from, const CRegistryLines& in);
 
-/// Outlook's list and the add-in's entry, below a machine that has no Office.
+/// The lines of Outlook's list and the add-in's entry, on a machine without Office.
 std::vector<std::string> AddInLines();
-/// The class and its names in this hive, HKLM or HKCU.
+/// The lines of the class and its names in this hive, HKLM or HKCU.
 std::vector<std::string> ClassLines(const std::string& hive);
 
 /// Runs regsvr32 on the built DLL and returns its exit code.

@@ -11,9 +11,9 @@ namespace orva::test
 namespace
 {
 
-// Reading, deleting and changing these rights again, for everyone.
+// Everyone may read and delete the key and change these rights.
 constexpr wchar_t kReadOnly[] = L"D:P(A;;KRSDWD;;;WD)";
-// Nothing for anyone, through a handle that is opened from now on.
+// No access for anyone through a handle that is opened from now on.
 constexpr wchar_t kLocked[] = L"D:P(D;;KA;;;WD)";
 constexpr wchar_t kOpen[] = L"D:P(A;;KA;;;WD)";
 
@@ -58,7 +58,7 @@ void CObstacle::Lower()
 {
     if (m_kind == Kind::ReadOnly || m_kind == Kind::Locked)
     {
-        // Through the handle from before, which may still do everything. The key itself may be gone by now.
+        // The handle was opened before and still has all rights. The key may have been deleted meanwhile.
         SetAccess(kOpen);
     }
     else if (m_kind == Kind::Volatile)

@@ -1,4 +1,4 @@
-// Keys that make a registration fail when it gets there.
+// Registry keys that make a registration fail.
 #pragma once
 
 #include <windows.h>
@@ -8,23 +8,22 @@
 namespace orva::test
 {
 
-/// What a failed write below a volatile key says, and what a refused one says.
+/// The results of creating a lasting subkey of a volatile key, and of a refused write.
 inline constexpr HRESULT kChildMustBeVolatile = static_cast<HRESULT>(0x800703FD);
 inline constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
 
-/// One key in the way, from construction to the end of its life. Failures to set it up are test failures.
+/// One such key for its lifetime. Fails the test if it cannot be set up.
 class CObstacle
 {
 public:
     enum class Kind
     {
         None,
-        /// Takes values but no lasting subkeys. A new key, which goes with the obstacle.
+        /// Takes values but no lasting subkeys. A new key, deleted with the obstacle.
         Volatile,
-        /// Can be read and deleted, but takes no values. Made if it is not there; it stays, and is writable
-        /// again.
+        /// Can be read and deleted, but takes no values. Created if missing; it stays, and is writable again.
         ReadOnly,
-        /// Refuses everything, deletion included. Made if it is not there; it stays, and is as before.
+        /// Refuses everything, deletion included. Created if missing; it stays, and is accessible again.
         Locked,
     };
 
@@ -39,9 +38,9 @@ public:
         Raise();
     }
 
-    /// Puts the obstacle in the way; until then the key is there, but an ordinary one (save a volatile one).
+    /// Restricts the key; until then it can be used like any other. A volatile key always refuses.
     void Raise();
-    /// Takes it out of the way again.
+    /// Ends the restriction. Deletes a volatile key.
     void Lower();
 
 private:

@@ -1,4 +1,4 @@
-// A registration that fails half-way: what it says, what it takes back and what it leaves.
+// A registration that fails half-way: what it returns, what it rolls back and what it leaves.
 #include "addin/RegistrationFixture.h"
 #include "addin/RegistrationObstacle.h"
 #include "harness/Files.h"
@@ -34,8 +34,8 @@ TEST_F(RegistrationRollbackTest, AFailedInstallationReturnsTheRegistrationsFailu
     EXPECT_THAT(Added(true), IsEmpty());
 }
 
-// In both of the following the unregistration that takes the failed registration back ends at the type
-// library, which was never registered. So it does not come to the add-in's entry.
+// In the next two tests the rollback stops at the type library, which was never registered, and so does not
+// reach the add-in's entry.
 TEST_F(RegistrationRollbackTest, AFailureHalfwayThroughTheClassTakesTheClassBackButNotTheEntry)
 {
     const CObstacle progId(kProgIdKey);

@@ -1,6 +1,5 @@
 // Registrations and unregistrations one after the other, for the machine and for the user, with and without a
-// key in the way: what each returns, and in what the registry, as its own tool exports it, differs
-// afterwards.
+// key in the way: what each returns, and how the registry, as reg.exe exports it, has changed.
 #include "addin/RegistrationExport.h"
 #include "addin/RegistrationFixture.h"
 #include "addin/RegistrationObstacle.h"
@@ -45,7 +44,7 @@ struct CSequenceCase
     std::vector<Step> steps;
     // What each step returns.
     const char* results;
-    // In what the second export differs from the first.
+    // How the second export differs from the first.
     std::string difference;
 };
 
@@ -57,7 +56,7 @@ void PrintTo(const CSequenceCase& value, std::ostream* out)
 class RegistrationSequenceTest : public CRegistrationTest, public testing::WithParamInterface<CSequenceCase>
 {
 protected:
-    // Each step has the DLL to itself, as each run of an installer has.
+    // Each step loads the DLL afresh, as each run of an installer does.
     std::string Do(Step step)
     {
         switch (step)
@@ -119,8 +118,7 @@ TEST_P(RegistrationSequenceTest, ReturnsAndLeaves)
         << testing::PrintToString(Missing(after.Lines(), before.Lines()));
     AddReportRow("registration", {sequence.name, results, difference});
 
-    // Whatever became of it: with the obstacle gone, a registration is whole and an unregistration leaves
-    // nothing.
+    // Whatever happened, every step succeeds without the obstacle.
     obstacle.Lower();
     for (const Step step : {Step::Machine, Step::UndoMachine, Step::User, Step::UndoUser})
     {
@@ -138,7 +136,7 @@ const Parts kMachineClass = {"name with version of the machine (2 keys, 2 values
 const Parts kMachineNames = {kMachineClass[0], kMachineClass[1]};
 const Parts kUserClass = {"name with version of the user (2 keys, 2 values)",
                           "name of the user (2 keys, 2 values)", "class of the user (7 keys, 7 values)"};
-// Wine registers a type library for the machine also where it is asked to do so for the user.
+// Wine registers a type library for the machine even when asked to register it for the user.
 const Parts kLibrary = {"type library of the machine (6 keys, 4 values)",
                         "interface of the machine (4 keys, 5 values)"};
 
@@ -168,14 +166,14 @@ std::string Less(std::initializer_list<Parts> groups)
 const std::string kNothing = "nothing";
 const std::string kWholeMachine = More({kEntry, kList, kMachineClass, kLibrary});
 const std::string kWholeUser = More({kEntry, kList, kLibrary, kUserClass});
-// What a registration leaves that fails after the entry was made: the unregistration that takes it back ends
-// at the type library, which was never registered, and does not come to the entry.
+// What is left of a registration that fails after it has made the entry: the rollback stops at the type
+// library, which was never registered, and does not reach the entry.
 const std::string kEntryLeft = More({kEntry, kList});
 
-// The system registers a library's interfaces before it comes to the library's own key.
+// The system registers a library's interfaces before the library's own key.
 const std::string kEntryAndInterfaceLeft = kEntryLeft + "; + " + kLibrary[1];
 
-// 0x80070057 below is what Wine says of a type library that is to be unregistered and is not registered.
+// 0x80070057 below is Wine's result for unregistering a type library that is not registered.
 const CSequenceCase kPlain[] = {
     {"01 register", {}, {}, {Step::Machine}, "S_OK", kWholeMachine},
     {"02 register twice", {}, {}, {Step::Machine, Step::Machine}, "S_OK, S_OK", kWholeMachine},

@@ -1,4 +1,4 @@
-// What registration writes to the registry and takes away again, called as a DLL's exports.
+// What registration writes to the registry and removes again, called through the DLL's exports.
 #include "addin/RegistrationFixture.h"
 #include "harness/Files.h"
 #include "harness/Text.h"

@@ -64,7 +64,7 @@ TEST_F(RegistrationToolsTest, TheRegistrysOwnToolReadsTheAddInsEntry)
     EXPECT_THAT(lines, Contains(testing::ContainsRegex("LoadBehavior +REG_DWORD +0x3")));
 }
 
-// Runs a script that creates an object by its name, and returns what it prints of it.
+// Runs a script that creates an object by its name, and returns the script's output: the type's name.
 std::string CreatedByScript(const wchar_t* progId)
 {
     const CTempFolder folder;
@@ -83,13 +83,12 @@ TEST_F(RegistrationToolsTest, AScriptCreatesTheAddInByItsVersionedName)
 TEST_F(RegistrationToolsTest, AScriptCreatesTheAddInByTheNameWithoutVersion)
 {
     EXPECT_EQ(RegSvr32({L"/s"}), 0u);
-    // Windows goes on from the name to its current version; Wine looks for a class under the name itself
-    // only.
+    // Windows follows the name to its current version; Wine looks only for a class under the name itself.
     EXPECT_THAT(CreatedByScript(L"OrvaOscAddin.Connect"), IsWine() ? "" : "IRibbonCallback\r\n");
 }
 
-// Runs a script that reads the current version of a name and creates the object by that, and returns what it
-// prints of both.
+// Runs a script that reads the current version of a name and creates that object, and returns its output: the
+// version and the type's name.
 std::string CreatedByScriptThroughCurVer(const std::string& name)
 {
     const CTempFolder folder;

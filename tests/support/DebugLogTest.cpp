@@ -32,8 +32,7 @@ using testing::IsEmpty;
 constexpr size_t kLargestKeptFile = 1'048'576;
 constexpr char kOldLine[] = "[2011-01-20 14:03:07] CConnect::OnConnection\r\n";
 
-// Runs one script in a new process, in `folder` if one is given, and returns what it gave to the debugger
-// output.
+// Runs one script in a new process, in `folder` if one is given, and returns its debugger output.
 std::vector<std::string> RunScript(const std::string& name, const std::wstring& folder = {})
 {
     wchar_t program[MAX_PATH];
@@ -57,11 +56,11 @@ int __cdecl WriteNothing(int, const void*, unsigned)
     return -1;
 }
 
-// Where the next block of memory is refused; 0: nowhere.
+// The thread whose next allocation fails; 0 for none.
 DWORD g_threadWithoutMemory = 0;
 
-// In the place of malloc, which it cannot call itself. Fails once, for the line alone: what is thrown for
-// want of memory needs some. The test program's other threads go on.
+// Replaces malloc, and so cannot call it. Fails once only, because throwing std::bad_alloc allocates too.
+// Other threads are not affected.
 void* __cdecl FailOnce(size_t size)
 {
     if (g_threadWithoutMemory != GetCurrentThreadId())
@@ -72,7 +71,7 @@ void* __cdecl FailOnce(size_t size)
     return nullptr;
 }
 
-// Starts without the switch in either hive and without a log.
+// Every test starts without the switch in either hive and without a log.
 class DebugLog : public testing::Test
 {
 protected:
@@ -395,7 +394,7 @@ TEST_F(DebugLog, WithoutALocalApplicationDataFolderTheLogIsOffAndNothingIsMade)
     EXPECT_THAT(RunScript("WritesOneEntry", temp.Path()), ElementsAre("CConnect::OnConnection"));
 
     EXPECT_THAT(ListFolder(temp.Path()), IsEmpty());
-    // Where a path without its beginning leads to.
+    // The log's folder if its path lacked the missing part.
     const std::wstring atTheRoot = temp.Path().substr(0, 2) + L"\\ORVA Connector";
     EXPECT_FALSE(FolderExists(atTheRoot));
     RemovePath(atTheRoot);

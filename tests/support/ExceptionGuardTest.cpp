@@ -1,4 +1,4 @@
-// What the DLL's edges do with exceptions: contain every kind, log one line, give the fallback.
+// How the DLL's entry points contain exceptions of every kind: one line in the log, the fallback as result.
 #include "support/ExceptionGuard.h"
 
 #include "harness/DebugOutput.h"
@@ -19,7 +19,7 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// The lines that running `body` under the guard writes.
+// The log lines of running `body` under the guard.
 template <class Body> std::vector<std::string> LinesOf(Body body)
 {
     const orva::test::CDebugOutput output;

@@ -1,4 +1,4 @@
-// Inflating of bodies: both formats, the bound, and streams that are cut, corrupt or none at all.
+// Inflating of bodies: both formats, the bound, and data that is cut, corrupt or no stream.
 #include "support/GzipDecoder.h"
 
 #include "harness/Compression.h"
@@ -25,7 +25,7 @@ CDecoded Decode(const std::string& body)
     std::uint32_t length = 12345;
     const int result = DecodeGzip(body.data(), static_cast<std::uint32_t>(body.size()), output, length);
     EXPECT_LE(length, kMaximumDecodedLength);
-    // Whoever reads the body as a text reads up to here.
+    // Callers read the body as a text up to here.
     EXPECT_EQ(output[length], '\0');
     return {result, output != nullptr ? std::string(output.get(), length) : std::string(), output != nullptr};
 }
@@ -115,7 +115,7 @@ TEST(DecodeGzip, WhatIsNoStreamIsAnErrorWithoutBytes)
 TEST(DecodeGzip, CorruptDataIsAnErrorWithoutBytes)
 {
     std::string body = orva::test::GzipBytes(std::string(1000, 'x') + Noise(1000));
-    // The check sum before the length at the end.
+    // The checksum, in front of the length at the end.
     body[body.size() - 8] = static_cast<char>(~body[body.size() - 8]);
     const CDecoded decoded = Decode(body);
     EXPECT_EQ(decoded.result, Z_DATA_ERROR);

@@ -1,4 +1,4 @@
-// What the HTTP client makes of servers, networks and URLs that fail it.
+// What the HTTP client does when servers, networks and URLs fail.
 #include "harness/ImportHook.h"
 #include "support/HttpFixture.h"
 
@@ -28,7 +28,7 @@ protected:
         ExpectFailure(fetched, "Caught CInternetException " + InternetErrorText(error));
     }
 
-    // The exception's text; the lines written until then are left in `lines`.
+    // Returns the exception's text, and in `lines` the log up to it.
     std::string OutOfRange(CServerScript script, std::vector<std::string>& lines)
     {
         const CDebugOutput output;
@@ -129,9 +129,8 @@ TEST_F(HttpFaults, AResetConnectionFails)
     }
 }
 
-// WinINet on Windows ends such a request after a few redirections. Wine follows them for as long as the
-// server goes on, so this one stops after a while; its last answer takes longer than any time-out that would
-// end the request.
+// WinINet on Windows ends such a request after a few redirections. Wine follows them without limit, so the
+// server stops after 30. Its last reply is late, which must not end the request.
 TEST_F(HttpFaults, RedirectionsHaveNoOtherBoundThanWinInets)
 {
     constexpr size_t kRedirections = 30;
@@ -184,7 +183,7 @@ TEST_F(HttpFaults, AnExceptionLeavesNoConnectionOpen)
     EXPECT_TRUE(m_server.WaitUntilIdle());
 }
 
-// How much of a body must have come is the system's affair: whatever it delivers without an error is used.
+// WinINet decides whether a body is complete: whatever it delivers without an error is used.
 TEST_F(HttpFaults, ABodyThatStopsHalfWayGivesWhatHasCome)
 {
     const Fetched fetched = Fetch(CHttpReply(200, "{\"a\":1").ContentLength(1'000));

@@ -1,4 +1,4 @@
-// What the tests of the HTTP client share: a server, the lines of the log, and both together as one exchange.
+// What the tests of the HTTP client share: a server, requests to it, and the log lines that they write.
 #pragma once
 
 #include "harness/DebugOutput.h"
@@ -18,7 +18,7 @@ constexpr int kPost = 0;
 constexpr int kGet = 1;
 constexpr int kDelete = 5;
 
-/// What a request that failed without a response leaves in the log, whatever form asked for it.
+/// The log's last lines of a request that gave no body, the same for every text form.
 inline const std::vector<std::string> kLinesOfNoBody = {
     "CHttpRequest::PerformTextRequest() newContentLenght 0",
     "CHttpRequest::PerformTextRequest() num_chars 0",

@@ -1,5 +1,4 @@
 // What the HTTP client sends: request line, headers, body, agent, and over which kind of connection.
-// Before everything that includes <windows.h>.
 #include "support/HttpFixture.h"
 
 #include <afxwin.h>
@@ -29,8 +28,8 @@ protected:
     }
 };
 
-// Takes connections on loopback, notes the first byte that comes over each, and closes it. A client may try
-// more than once.
+// Accepts connections on loopback, records the first byte of each, and closes it. A client may connect more
+// than once.
 class CFirstByte
 {
 public:
@@ -54,7 +53,7 @@ public:
         });
     }
 
-    // The first bytes of the connections so far. No further ones are taken.
+    // Accepts no further connections and returns the first bytes of those so far.
     std::string Stop()
     {
         closesocket(m_listener);
@@ -73,7 +72,7 @@ private:
 
 } // namespace
 
-// Their order is WinINet's.
+// The order of the headers is WinINet's.
 TEST_F(HttpRequest, TheUpdateChecksRequestIsThisByteForByte)
 {
     EXPECT_EQ(Sent("/downloads/outlook/UpdateInfo.txt", {}, kGet).raw,

@@ -1,4 +1,4 @@
-// What the text forms make of a response: UTF-8, byte-order mark, gzip, bounds, and the lines of the log.
+// How the text forms read a response: UTF-8, byte-order mark, gzip, bounds, and the lines of the log.
 #include "harness/Compression.h"
 #include "support/GzipDecoder.h"
 #include "support/HttpFixture.h"
@@ -15,7 +15,7 @@ constexpr char kEntry[] = "CHttpRequest::PerformTextRequest";
 class HttpText : public HttpFixture
 {
 protected:
-    // Fetches a reply and returns what goes to standard output meanwhile.
+    // Fetches a reply and returns what is written to standard output meanwhile.
     std::string OutputOf(const CHttpReply& reply, Fetched& fetched)
     {
         testing::internal::CaptureStdout();

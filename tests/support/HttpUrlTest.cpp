@@ -1,6 +1,6 @@
-// How the HTTP client takes a URL apart: which host, port and path it asks for, and which URLs it refuses.
+// How the HTTP client splits a URL: which host, port and path it requests, and which URLs it refuses.
 //
-// The server plays the proxy here, so that every host can be asked for.
+// The server acts as the proxy, so that it gets the requests for every host.
 #include "harness/ImportHook.h"
 #include "support/HttpFixture.h"
 
@@ -32,7 +32,7 @@ protected:
         return requests.size() == ++m_count ? requests.back().requestLine : "nothing";
     }
 
-    // The host and the port that a connection for this URL is asked of.
+    // The host and port that WinINet is asked to connect to for this URL.
     static std::wstring ConnectionFor(const std::string& url)
     {
         const CImportHook hook(GetModuleHandleW(nullptr), "wininet.dll", "InternetConnectW", &NoteConnection);
@@ -64,7 +64,7 @@ TEST_F(HttpUrl, HttpGoesToPort80)
               "GET http://www.orva.example:80/downloads/outlook/UpdateInfo.txt? HTTP/1.1");
 }
 
-// Wine cannot lead https through a proxy, so what is asked of WinINet has to do.
+// Wine cannot send https through a proxy, so this checks what is asked of WinINet.
 TEST_F(HttpUrl, HttpsGoesToPort443)
 {
     EXPECT_EQ(ConnectionFor("https://www.orva.example/a"), L"www.orva.example:443");

@@ -1,4 +1,4 @@
-// Puts the log's switch right before the first test: a run that was ended half-way may have left it on.
+// Switches the log off before the first test: an aborted run may have left it on.
 #include "harness/LogFile.h"
 
 #include <gtest/gtest.h>
@@ -10,13 +10,13 @@ namespace
 
 using namespace orva::test;
 
-// The log of this process would be opened by its first entry and stay open, and no test could remove it.
+// Otherwise this process's first entry would open the log and keep it open, and no test could delete it.
 class CLogSwitchAtStart : public testing::Environment
 {
 public:
     void SetUp() override
     {
-        // A script that a test has started keeps the switch that the test has set.
+        // A child process that a test has started keeps the switch that the test has set.
         if (testing::GTEST_FLAG(also_run_disabled_tests))
         {
             return;

@@ -1,4 +1,4 @@
-// The dialog that offers a newer build: texts, keys, looks and result.
+// The dialog that offers a newer build: texts, keys, appearance and result.
 #include "update/UpdateAvailableDlg.h"
 
 #include "update/UpdateFixture.h"

@@ -15,7 +15,7 @@ constexpr char kLaterLink[] = "http://files.orva.example/setup.exe";
 class UpdateCheckTest : public CUpdateTest
 {
 protected:
-    // Runs the check in one mode with the user's steps, which must all be taken, and no window besides.
+    // Runs the check in one mode. The user must take all of his steps, and no other window may be shown.
     bool Check(bool silent)
     {
         m_user.Start();

@@ -24,7 +24,7 @@ std::string UpdateInfo(const std::string& version, const std::string& more);
 /// A complete file that offers 1.3.0 with this download link.
 std::string OfferOf(const std::string& link);
 
-/// Publishes on a loopback server that plays the proxy; English Office 2010.
+/// Publishes on a loopback server that acts as the proxy, in an English Office 2010.
 class CUpdateTest : public testing::Test
 {
 protected:
