@@ -52,8 +52,8 @@ enum class Place
 /// - every interface gives the same pointer for IUnknown;
 /// - each of `foreign` is refused with E_NOINTERFACE and a null pointer;
 /// - a null pointer for the result gives E_POINTER;
-/// - when all is released the reference count is as before. Asserts nothing, so that it can run on any
-/// thread.
+/// - when all is released the reference count is as before.
+/// Asserts nothing, so that it can run on any thread.
 CConformance CheckQueryInterface(IUnknown* object, std::span<const CInterface> offered,
                                  std::span<const CInterface> foreign, Place place = Place::InProcess);
 

@@ -106,7 +106,7 @@ TEST_F(BackstageTest, UpdateReportsABrokenFileTwice)
 
 TEST_F(BackstageTest, EachLinkOpensItsExactAddressInTheBrowser)
 {
-    // A browser of the test's own: writes the address that it is called with into a file.
+    // A browser that writes the address that it is called with to a file.
     const CTempFolder folder;
     const CRegistryTreeGuard kept(HKEY_LOCAL_MACHINE, L"Software\\Classes\\http");
     CRegistryValue protocol(HKEY_LOCAL_MACHINE, L"Software\\Classes\\http", L"URL Protocol");

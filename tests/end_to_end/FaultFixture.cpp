@@ -17,7 +17,7 @@ namespace orva::test
 namespace
 {
 
-// The longest piece of one log line that the report quotes, in bytes.
+// How much of one log line the report quotes at most, in bytes.
 constexpr size_t kQuoteLimit = 120;
 // More windows than any check shows.
 constexpr int kMostWindows = 8;
@@ -31,7 +31,7 @@ std::string Quoted(std::string line)
     {
         line.pop_back();
     }
-    // A reply that was garbage is in the log as it came.
+    // The log holds a garbage reply unchanged.
     for (char& character : line)
     {
         const auto byte = static_cast<unsigned char>(character);
@@ -136,7 +136,7 @@ std::vector<std::string> CObservedFault::Cells() const
             YesOrNo(worksAgain)};
 }
 
-FaultFixture::FaultFixture() : m_mend([this] { Publish(g_latestInfo); }) {}
+FaultFixture::FaultFixture() : m_removeFault([this] { Publish(g_latestInfo); }) {}
 
 void FaultFixture::AnswerWhateverComes()
 {
@@ -159,7 +159,7 @@ std::string FaultFixture::DescribeTempFiles() const
 {
     const std::vector<std::wstring> paths = ListFolder(m_temp.Path());
     std::vector<std::wstring> texts = TempFiles();
-    // A test that gives Outlook another temporary folder has that one in its own.
+    // A test may create Outlook's temporary folder inside its own.
     static const std::wregex own(L"^orva-test-[0-9-]+");
     for (std::wstring& text : texts)
     {
@@ -197,7 +197,7 @@ void FaultFixture::RunFirstCheck(CheckMode mode)
 bool FaultFixture::RunSecondCheck(CheckMode mode)
 {
     NoteTestPart("the second check");
-    m_mend();
+    m_removeFault();
     CUserScript user;
     user.AnswerBox(kLatest);
     user.StartFor(m_outlook->Id());
@@ -216,14 +216,14 @@ void FaultFixture::Observe(CheckMode mode)
     EXPECT_TRUE(m_observed.isHostEnabled);
     for (const std::string& failure : m_user.FinishQuietly())
     {
-        // For whoever takes what comes, steps that are left over are no failure.
+        // After AnswerWhateverComes, unused steps are no failure.
         EXPECT_TRUE(m_isTolerant) << failure;
     }
     m_seen = m_user.Seen();
     m_observed.shown = Shown();
     for (size_t i = 0; i < m_seen.size(); ++i)
     {
-        // Its caption changes with what has come.
+        // The caption changes with the progress.
         if (HasControl(m_seen[i], kProgressBar))
         {
             m_observed.shown[i] = L"(progress of the download)";
@@ -266,11 +266,11 @@ void FaultFixture::RunFaultyStart(const std::string& table, const std::string& f
     m_observed = CObservedFault();
     if (isLoaded)
     {
-        if (m_meetFault)
+        if (m_triggerFault)
         {
             m_observed.mode = CheckMode::Explicit;
             StartWithBackstage();
-            m_meetFault();
+            m_triggerFault();
         }
         else
         {
@@ -286,7 +286,7 @@ void FaultFixture::RunFaultyStart(const std::string& table, const std::string& f
         Observe(CheckMode::StartUp);
         EndOutlookWithoutAddIn();
     }
-    m_mend();
+    m_removeFault();
     StartWithBackstage();
     // The second check has a user of its own.
     m_user.FinishQuietly();

@@ -1,4 +1,4 @@
-// One fault, one check in Outlook, and what came of both: observed, checked and noted for the report.
+// One fault, a check in Outlook that meets it, and its outcome: observed, asserted and reported.
 #pragma once
 
 #include "end_to_end/OutlookFixture.h"
@@ -21,10 +21,10 @@ enum class CheckMode
 void PrintTo(CheckMode mode, std::ostream* out);
 /// "StartUp" or "Explicit", for the names of tests with this parameter alone.
 std::string NameOfMode(const testing::TestParamInfo<CheckMode>& info);
-/// Both in the thorough run, the start-up check alone in the everyday one.
+/// Both in the thorough run, otherwise the start-up check alone.
 std::vector<CheckMode> ModesOfThisRun();
 
-/// What came of a fault.
+/// The outcome of a fault.
 struct CObservedFault
 {
     CheckMode mode = CheckMode::StartUp;
@@ -32,60 +32,60 @@ struct CObservedFault
     std::vector<std::wstring> shown;
     /// The log of the check that met the fault.
     std::vector<std::string> log;
-    /// What there was in the temporary folder after it, as TempFiles gives it.
+    /// The contents of the temporary folder after it, as TempFiles returns them.
     std::vector<std::wstring> left;
     /// The same as a text with sizes.
     std::string leftText;
     /// Whether Outlook's window was enabled after the check.
     bool isHostEnabled = false;
-    /// Whether the second check said what it should and left the window enabled.
+    /// Whether the second check showed the expected message and left the window enabled.
     bool worksAgain = false;
 
     /// The cells of a report's row after its first.
     std::vector<std::string> Cells() const;
 };
 
-/// The file of a build that is not newer than the installed one.
+/// An update file whose build is not newer than the installed one.
 extern const std::string g_latestInfo;
 
-/// Plays one fault in one Outlook: the check that meets it, then a second check without it.
+/// Runs one fault in one Outlook: a check with the fault, then a second check without it.
 ///
-/// Observed are the windows shown, the log, the temporary folder, whether Outlook's window is enabled after
-/// the check, and whether the second check says what it should. The last two are also asserted here, and that
-/// Outlook then ends in an orderly way; what is shown, logged and left is the test's to assert.
+/// Records the windows shown, the log, the temporary folder, whether Outlook's window is enabled after the
+/// check, and whether the second check works. Asserts the last two, and that Outlook then ends normally; the
+/// test asserts what is shown, logged and left.
 class FaultFixture : public OutlookFixture
 {
 protected:
     FaultFixture();
 
-    /// Has the user press "Later" or the only button of whatever comes up, without expecting anything.
+    /// Has the user press "Later" or the only button of every window that comes up, if any.
     void AnswerWhateverComes();
-    /// Runs both checks and closes Outlook. The steps of m_user that go with the mode have been added before.
+    /// Runs both checks and closes Outlook. The steps of m_user for this mode must have been added before.
     void RunBothChecks(CheckMode mode);
     /// The same, and adds a row to the report's table under `fault`.
     void RunFault(const std::string& table, const std::string& fault, CheckMode mode);
 
-    /// For a fault that lasts as long as Outlook runs: Outlook starts with it, ends, and the second check is
-    /// made in a new one. `isLoaded` says whether the add-in is expected to be there at the first start.
+    /// For a fault that lasts as long as Outlook runs: Outlook starts with it and ends, and a new Outlook
+    /// makes the second check. `isLoaded` says whether the add-in is expected to load at the first start.
     void RunFaultyStart(const std::string& table, const std::string& fault, bool isLoaded);
 
     const CObservedFault& Observed() const { return m_observed; }
 
-    /// Takes the fault away before the second check: by default the server publishes the installed version.
-    std::function<void()> m_mend;
-    /// In RunFaultyStart: what the user does, in an Outlook without start-up check, to meet the fault. Unset:
-    /// the start-up check meets it.
-    std::function<void()> m_meetFault;
+    /// Removes the fault before the second check. By default the server publishes the installed version.
+    std::function<void()> m_removeFault;
+    /// In RunFaultyStart: the user's action that triggers the fault, in an Outlook without start-up check. If
+    /// it is not set, the start-up check triggers the fault.
+    std::function<void()> m_triggerFault;
 
 private:
     void RunFirstCheck(CheckMode mode);
-    /// Observes Outlook after the first check.
+    /// Records the state of Outlook after the first check.
     void Observe(CheckMode mode);
     bool RunSecondCheck(CheckMode mode);
     void EndOutlookWithoutAddIn();
     void AddRow(const std::string& table, const std::string& fault) const;
     bool IsHostEnabled() const;
-    /// What is in the temporary folder, with sizes.
+    /// The contents of the temporary folder, with sizes.
     std::string DescribeTempFiles() const;
 
     bool m_isTolerant = false;

@@ -1,4 +1,4 @@
-// Odd and broken heads of the update server's reply.
+// Unusual and broken heads of the update server's reply.
 #include "end_to_end/FaultFixture.h"
 #include "end_to_end/ServerFault.h"
 #include "end_to_end/Texts.h"
@@ -20,7 +20,7 @@ CHttpReply Latest()
     return CHttpReply(200, g_latestInfo);
 }
 
-// The latest build's file behind a head of these lines.
+// A reply with these head lines and the latest build's file as its body.
 CServerScript Behind(const std::string& head)
 {
     return CServerScript().Send(head + "\r\n" + g_latestInfo).Close();
@@ -101,7 +101,7 @@ std::vector<CFault> AllHeadFaults()
         // Neither another scheme nor a file is followed.
         StatusOf(302, "RedirectToAFile", "file:///C:/windows/win.ini"),
         StatusOf(302, "RedirectToAnUnknownScheme", "orva:x"),
-        // Taken for a path, which the server does not have.
+        // Read as a path, which the server does not have.
         StatusOf(404, "RedirectToNonsense", "http://["),
     };
 }

@@ -1,4 +1,4 @@
-// Faults of the connection and of the reply around its text.
+// Faults of the connection and of the reply, except its text.
 #include "end_to_end/FaultFixture.h"
 #include "end_to_end/ServerFault.h"
 #include "end_to_end/Texts.h"
@@ -10,10 +10,10 @@ namespace orva::test
 namespace
 {
 
-// How long a server that stalls is silent, in milliseconds.
+// How long a stalling server pauses, in milliseconds.
 constexpr DWORD kStall = 700;
 
-// The latest build's file with so much behind its entry that it goes on beyond the limit.
+// The latest build's file, padded behind its entry beyond the limit.
 std::string LongText()
 {
     std::string text = g_latestInfo;
@@ -38,8 +38,8 @@ std::vector<CFault> HttpFaults()
     const std::string wholeHead = CHttpReply(200, g_latestInfo).Head();
     const Log longLog = Unparsed(cut, Versions("1", "2", "0"));
     return {
-        // Wine takes the end of the connection for an empty head. Windows reports it as an error, so that
-        // these are as a refused connection there; when Wine does the same, they fail here.
+        // Wine reads the end of the connection as an empty head. Windows reports an error, as for a refused
+        // connection; these fail as soon as Wine does the same.
         WithoutDate("ConnectionClosedAfterTheRequest", CServerScript().Close()),
         WithoutDate("HeadCutShort", CServerScript().Send("HTTP/1.1 200 OK\r\nDate: Thu, 20 Jan").Close()),
         WithoutDate("GarbageInsteadOfAReply", CServerScript().Send("220 mail.example ESMTP\r\n").Close()),
@@ -94,7 +94,8 @@ std::vector<CFault> HttpFaults()
          {kConnectError},
          {kConnectError, kLatest}},
         {"BodyOfMoreThanTheLimit", Reply(LongText()), longLog, {kConnectError}, {kConnectError, kLatest}},
-        // Wine counts only what comes after the first packet, Windows every byte; there this is cut.
+        // Wine counts only what comes after the first packet. Windows counts every byte, and so cuts this
+        // text.
         ReadAsLatest("LengthShorterThanTheBody", CHttpReply(200, g_latestInfo).ContentLength(20)),
         ReadAsLatest("LengthLongerThanTheBody", CHttpReply(200, g_latestInfo).ContentLength(10'000)),
         Unreadable("HtmlPage", "<!DOCTYPE html><html><body>Maintenance</body></html>"),

@@ -1,4 +1,4 @@
-// Disks, temporary folders and a system that do not take the installer, or do not start it.
+// An installer that cannot be written to the disk or the temporary folder, or that the system cannot start.
 #include "end_to_end/InstallerFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
@@ -19,14 +19,14 @@ using testing::ValuesIn;
 class InstallerDiskFaultsTest : public InstallerFixture
 {
 protected:
-    // The temporary folder of Outlook, while the test's own stays as it is.
+    // Changes the temporary folder of Outlook, but not the test's own.
     static void SetTemp(const std::wstring& path)
     {
         SetEnvironmentVariableW(L"TMP", path.c_str());
         SetEnvironmentVariableW(L"TEMP", path.c_str());
     }
 
-    // The file cannot be created, with an error whose number is the system's; nothing was asked for.
+    // Expects that the file cannot be created, with the system's error number, and that nothing is requested.
     void ExpectNoFile(int number, const std::string& fault)
     {
         OfferAndInstall(kInstallerUrl);
@@ -96,7 +96,7 @@ TEST_P(InstallerDiskFaultsTest, TemporaryFolderOnADriveThatIsNotThere)
 
 TEST_P(InstallerDiskFaultsTest, TemporaryFolderInWhichNothingCanBeCreated)
 {
-    // Refuses even the machine's administrator.
+    // Not even an administrator can write here.
     const wchar_t kReadOnly[] = L"Z:\\proc";
     if (!FolderExists(kReadOnly))
     {
@@ -150,7 +150,7 @@ TEST_P(InstallerDiskFaultsTest, AFileDeletedBeforeItsStartIsNotStarted)
 {
     Offer(CHttpReply(200, "data"));
     m_user.OnDialogWith(kProgressBar, [&](HWND) {
-        // While the dialog shows its last state for a second.
+        // The dialog shows its last state for a second; the file is deleted in that time.
         EXPECT_TRUE(WaitUntil([&] {
             const std::vector<std::wstring> paths = ListFolder(m_temp.Path());
             return paths.size() == 2 && ReadFileBytes(m_temp.Path() + L"\\" + paths[1]) == "data" &&
@@ -164,7 +164,7 @@ TEST_P(InstallerDiskFaultsTest, AFileDeletedBeforeItsStartIsNotStarted)
 
 TEST_P(InstallerDiskFaultsTest, AFolderPlantedUnderAGuessedNameIsNotUsed)
 {
-    // The name that the next process with this id would choose is taken from a first run.
+    // A first run gives the name that the next process with the same id would choose.
     Offer(CHttpReply(404));
     ExpectDownloadDialog();
     m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);

@@ -1,4 +1,4 @@
-// Every way in which the server of the installer can fail, and the user's Cancel.
+// Failures of the installer's server, and the user's Cancel.
 #include "end_to_end/InstallerFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
@@ -26,8 +26,8 @@ protected:
     // The head and the first part of the body.
     std::string FirstPart() const { return m_reply.Head() + m_bytes.substr(0, 2'500); }
 
-    // Has the user press Cancel once the server waits at the gate and, if there is one, the dialog has this
-    // status, and lets the server go on.
+    // Has the user press Cancel once the server waits at the gate and the dialog shows `status`, if one is
+    // given. Then opens the gate.
     void CancelAt(CGate& gate, const wchar_t* status = nullptr)
     {
         m_user.OnDialogWith(kProgressBar, [&gate, status](HWND dialog) {
@@ -45,7 +45,7 @@ protected:
     }
 };
 
-// Each download shows its last state for a second: these are for the thorough run alone.
+// Each download shows its last state for a second, so these run only in the thorough run.
 class InstallerFurtherFaultsTest : public InstallerFaultsTest
 {
 };
@@ -74,7 +74,7 @@ TEST_P(InstallerFaultsTest, HostUnknown)
 TEST_P(InstallerFaultsTest, ConnectionRefused)
 {
     CLoopbackServer again;
-    m_mend = [&] {
+    m_removeFault = [&] {
         m_proxy.emplace(again.Port());
         again.On(kUpdateInfoPath, CHttpReply(200, g_latestInfo));
     };
@@ -95,8 +95,8 @@ TEST_P(InstallerFurtherFaultsTest, AnEncryptedLinkIsNotServed)
 
 TEST_P(InstallerFaultsTest, ClosedWithoutAReply)
 {
-    // Wine takes that for a reply without a status. Windows reports an error, and the file is deleted like
-    // after all the others.
+    // Wine reads that as a reply without a status. Windows reports an error, and the file is deleted as after
+    // other errors.
     Offer(CServerScript().Close());
     ExpectDownloadDialog();
     m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
@@ -106,7 +106,7 @@ TEST_P(InstallerFaultsTest, ClosedWithoutAReply)
 
 TEST_P(InstallerFaultsTest, ResetWithoutAReply)
 {
-    // Under Wine it is either an error or the orderly end, and varies.
+    // Wine reports sometimes an error and sometimes the orderly end.
     Offer(CServerScript().Reset());
     ExpectDownloadDialog();
     m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
@@ -116,8 +116,8 @@ TEST_P(InstallerFaultsTest, ResetWithoutAReply)
 
 TEST_P(InstallerFaultsTest, GarbageInsteadOfAReply)
 {
-    // Wine takes a line that is not HTTP for a good status, and the end of the connection for that of
-    // an empty file. Windows reports an error.
+    // Wine reads a line that is not HTTP as a good status, and the end of the connection as the end of an
+    // empty file. Windows reports an error.
     Offer(CServerScript().Send("220 mail.example ESMTP\r\n").Close());
     ExpectDownloadedFile(6, "GarbageInsteadOfAReply", "");
 }
@@ -149,7 +149,7 @@ TEST_P(InstallerFaultsTest, RedirectToAServerThatRefuses)
 
 TEST_P(InstallerFaultsTest, AFileCutHalfWayIsTakenAsItCame)
 {
-    // The length is used for the percentage only.
+    // The length is used only for the percentage.
     Offer(CHttpReply(200, m_bytes).ContentLength(10'000));
     ExpectDownloadedFile(11, "CutHalfWayInAnOrderlyManner", m_bytes);
 }
@@ -162,7 +162,7 @@ TEST_P(InstallerFaultsTest, ResetInTheBody)
         EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download started"), L"Download started");
         gate.Open();
     });
-    // Under Wine it is either an error or the end of a file that is then started, and varies.
+    // Wine reports sometimes an error and sometimes the end of the file, which is then started.
     AnswerWhateverComes();
     Run(12, "ResetInTheBody");
     ASSERT_FALSE(Observed().shown.empty());
@@ -239,7 +239,7 @@ TEST_P(InstallerFaultsTest, CancelInTheBodyDeletesTheFile)
 {
     CGate gate;
     Offer(CServerScript().Send(FirstPart()).WaitFor(gate).Close());
-    // What the server has sent is not yet read: a download cancelled before that keeps its empty file.
+    // Wait until the file is being written: a download cancelled before that keeps its empty file.
     CancelAt(gate, L"Download started");
     Run(20, "CancelInTheBody");
     EXPECT_THAT(Observed().left, ElementsAre(L"osc??????\\"));

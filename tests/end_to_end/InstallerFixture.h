@@ -1,4 +1,4 @@
-// What the tests of a failing download share: the user accepts the offer, then everything goes wrong.
+// What the tests of a failing download share: the user accepts the offer, and the download fails.
 #pragma once
 
 #include "end_to_end/FaultFixture.h"
@@ -6,18 +6,18 @@
 namespace orva::test
 {
 
-/// A download that fails, met by the check of the test's parameter.
+/// A download that fails, started by the check that the test's parameter names.
 class InstallerFixture : public FaultFixture, public testing::WithParamInterface<CheckMode>
 {
 protected:
-    /// Publishes a newer build, accepted by the user, whose installer is at this link; the server answers for
-    /// it with the script.
+    /// Publishes a newer build, which the user accepts. The server answers the installer's request with the
+    /// script.
     void Offer(const CServerScript& script);
-    /// Expects the progress dialog, then 121 and 132, and that the file is gone and its folder left. Adds the
-    /// row.
+    /// Expects the progress dialog, the connection error and "download canceled", and that the file is
+    /// deleted and its folder left. Adds the row.
     void ExpectFailedDownload(int number, const std::string& fault);
-    /// Expects that the file was taken for complete and started, which the system refuses with a message of
-    /// its own; the file stays. Adds the row.
+    /// Expects that the file is taken as complete and started, which the system refuses with a message of its
+    /// own; the file stays. Adds the row.
     void ExpectDownloadedFile(int number, const std::string& fault, const std::string& bytes);
     /// Has the user close the system's own message that the file cannot be started.
     void ExpectSystemMessage();

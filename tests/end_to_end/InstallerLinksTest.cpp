@@ -13,7 +13,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::ValuesIn;
 
-// A link, or its last segment, as it stands in the JSON text.
+// A link, or its last segment, as written in the JSON text.
 struct CLink
 {
     int number;
@@ -48,7 +48,7 @@ constexpr CLink kNamelessLinks[] = {
     {53, "LinkThatIsEmpty", ""},
 };
 
-// Those that JSON writes in a way of its own.
+// Names that are refused; JSON escapes some of their characters.
 constexpr CLink kHostileNames[] = {
     {54, "FileNameWithAParentFolder", R"(..\\evil.exe)"},
     {55, "FileNameOnAShare", R"(\\\\server\\share\\evil.exe)"},

@@ -1,5 +1,5 @@
-// A machine on which something is missing or broken: registry keys, libraries, the log. Whatever it is,
-// Outlook goes on.
+// A machine on which something is missing or broken: registry keys, libraries, the log. Outlook goes on in
+// every case.
 #include "end_to_end/FaultFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
@@ -17,7 +17,7 @@ using testing::Not;
 using testing::ValuesIn;
 
 constexpr char kTable[] = "machine-faults";
-// Which libraries Wine loads for the stand-in; an empty text is none.
+// Wine's settings of which libraries the stand-in loads; an empty text means none.
 constexpr wchar_t kLibrariesKey[] = L"Software\\Wine\\AppDefaults\\OutlookHost.exe\\DllOverrides";
 constexpr const wchar_t* kTypeLibraryKeys[] = {
     // The add-in's own, Office's, and that of the add-in interfaces.
@@ -61,7 +61,7 @@ private:
     CRegistryValue m_path;
 };
 
-// Faults that are met by a check: the server publishes an offer, and the user says "Later".
+// Faults during a check: the server publishes an offer, and the user chooses "Later".
 class MachineFaultsTest : public FaultFixture, public testing::WithParamInterface<CheckMode>
 {
 protected:
@@ -102,10 +102,10 @@ protected:
         EXPECT_THAT(Observed().shown, ElementsAre(kOfferCaption));
     }
 
-    // Has the fault end before the second check: with the object that makes it.
+    // Ends the fault before the second check by destroying the object that causes it.
     template <typename Fault> void EndFaultWith(std::optional<Fault>& fault)
     {
-        m_mend = [this, &fault] {
+        m_removeFault = [this, &fault] {
             fault.reset();
             Publish(g_latestInfo);
         };
@@ -164,7 +164,7 @@ TEST_P(MachineFaultsTest, RichEditLibraryMissing)
     {
         GTEST_SKIP() << "takes the library away by Wine's settings";
     }
-    // Without its control there is no dialog, so there is no offer; nothing else is the matter.
+    // Without the control there is no dialog and so no offer. Nothing else fails.
     const CMissingLibrary missing(L"riched20");
     Publish(NewerBuild(kInstallerUrl));
     Run(14, "RichEditLibraryMissing");
@@ -174,13 +174,13 @@ TEST_P(MachineFaultsTest, RichEditLibraryMissing)
 
 TEST_F(MachineStartFaultsTest, TypeLibrariesNotRegistered)
 {
-    // Office's own come back with Office. The start-up check needs none.
+    // Office registers its own again when it starts. The start-up check needs none.
     std::vector<std::unique_ptr<CMissingKey>> missing;
     for (const wchar_t* const key : kTypeLibraryKeys)
     {
         missing.push_back(std::make_unique<CMissingKey>(key));
     }
-    m_mend = [&] {
+    m_removeFault = [&] {
         missing.clear();
         Publish(g_latestInfo);
     };
@@ -193,7 +193,7 @@ TEST_F(MachineStartFaultsTest, OwnTypeLibraryOfAMissingFile)
     std::optional<CRegistryValue> path(std::in_place, HKEY_LOCAL_MACHINE,
                                        std::wstring(kTypeLibraryKeys[0]) + L"\\1.0\\0\\win64", L"");
     path->SetString(L"C:\\no\\such.dll");
-    m_mend = [&] {
+    m_removeFault = [&] {
         path.reset();
         missing.reset();
         Publish(g_latestInfo);
@@ -203,11 +203,11 @@ TEST_F(MachineStartFaultsTest, OwnTypeLibraryOfAMissingFile)
 
 TEST_F(MachineStartFaultsTest, WithoutItsTypeLibraryTheButtonDoesNothing)
 {
-    // Office asks for the number of the button's operation, which stands in the library.
+    // Office asks for the dispatch id of the button's callback, which only the library has.
     std::optional<CMissingKey> missing(kTypeLibraryKeys[0]);
     EndFaultWith(missing);
     Publish(NewerBuild(kInstallerUrl));
-    m_meetFault = [this] {
+    m_triggerFault = [this] {
         ClickUpdate();
         EXPECT_TRUE(WaitForTrace("GetIDsOfNames(ButtonClicked) = 0x8"));
     };
@@ -217,7 +217,7 @@ TEST_F(MachineStartFaultsTest, WithoutItsTypeLibraryTheButtonDoesNothing)
 
 TEST_F(MachineStartFaultsTest, LanguageSettingsMissing)
 {
-    // Without a language all texts are empty: the box about an unreadable file too.
+    // Without a language all texts are empty, including the message about an unreadable file.
     std::optional<CMissingKey> missing(OfficeLanguageKey(14));
     EndFaultWith(missing);
     Publish("<html>");
@@ -275,7 +275,7 @@ TEST_F(MachineStartFaultsTest, PictureLibraryMissing)
     {
         GTEST_SKIP() << "takes the library away by Wine's settings";
     }
-    // Windows has it since Vista. Without it the add-in's file cannot be loaded, as without any other.
+    // Without it the DLL cannot be loaded, as without any other imported library.
     std::optional<CMissingLibrary> missing(L"gdiplus");
     EndFaultWith(missing);
     RunWithoutAddIn(35, "GdiPlusMissing");

@@ -24,7 +24,7 @@ constexpr char kAddIn[] = "Outlook -> OrvaOscAddin.Connect: ";
 
 testing::Environment* const g_installed = testing::AddGlobalTestEnvironment(new CInstalledAddIn);
 
-// The entries from `first` to `last`, both left out; an end that is not there is the log's end.
+// The entries between `first` and the next of `last`, both left out; up to the log's end if there is none.
 std::vector<std::string> Between(const std::vector<std::string>& texts, const std::string& first,
                                  const std::vector<std::string>& last)
 {

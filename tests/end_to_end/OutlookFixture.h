@@ -29,13 +29,13 @@ std::string UpdateInfo(const std::string& major, const std::string& minor, const
 /// One that offers 1.3.0 at this link.
 std::string NewerBuild(const std::string& link);
 
-/// The log of a check up to the end of its request, as it has to be word for word.
+/// The exact log of a check up to the end of its request.
 std::vector<std::string> RequestLog(const std::vector<std::string>& response, const std::string& text);
-/// A reply with this status whose body, of this length as sent, was read as this text.
+/// The same for a reply with this status, whose body was read as this text.
 std::vector<std::string> TextLog(const std::string& text, int status = 200);
-/// A reply whose status is not one of those that are read.
+/// The same for a reply with another status, whose body is not read.
 std::vector<std::string> StatusLog(int status);
-/// No reply: what WinINet said is the text.
+/// The same for a request without a reply; `error` is WinINet's text.
 std::vector<std::string> NoReplyLog(const std::string& error);
 
 /// Registers the DLL once for a whole test program, and restores the registry at its end.
@@ -56,20 +56,20 @@ class OutlookFixture : public testing::Test
 protected:
     OutlookFixture();
 
-    /// Starts Outlook with further options of the stand-in; the steps added to m_user are played in it.
+    /// Starts Outlook with further options of the stand-in, and the user's steps in it.
     void StartOutlook(const std::vector<std::wstring>& options = {});
     /// Starts it without its start-up check and with the add-in's Backstage tab open.
     void StartWithBackstage();
     /// Presses "Update" in the Backstage.
     void ClickUpdate();
-    /// Does so for the nth time since Outlook's start, and waits until that has been dealt with.
+    /// Presses "Update" for the nth time since Outlook's start, and waits until the callback has returned.
     void CheckExplicitly(int time = 1);
-    /// Waits until Outlook says that its start is over, and checks that the add-in was connected.
+    /// Waits until Outlook has started, and asserts that the add-in was connected.
     void WaitForStart();
-    /// Checks that the main window is enabled and nothing else is on the screen, that every step of the user
-    /// has been taken, then closes Outlook in an orderly way and checks that the add-in was let go.
+    /// Asserts that the main window is enabled, that no dialog is left and that the user took all of his
+    /// steps. Then closes Outlook and asserts that the add-in was released.
     void ExpectOutlookGoesOn();
-    /// All of it, for a test of the start-up check.
+    /// Starts Outlook, waits for its start and closes it, with the assertions of the functions above.
     void RunToTheEnd(const std::vector<std::wstring>& options = {});
 
     /// The texts of the windows that came up, in order: a message box's text, another dialog's caption.
@@ -85,20 +85,20 @@ protected:
     /// Waits until `count` lines hold this text, or Outlook has ended.
     bool WaitForTrace(const std::string& part, int count = 1) const;
 
-    /// Publishes the file's text as the reply to the update check.
+    /// Publishes this text as the update file.
     void Publish(const std::string& text) { m_server.On(kUpdateInfoPath, CHttpReply(200, text)); }
     /// Publishes a newer build with this link, and has the user choose "Install".
     void OfferAndInstall(const std::string& link);
-    /// Has the user look at the progress dialog and go on.
+    /// Expects the progress dialog; the user does nothing with it.
     void ExpectDownloadDialog();
-    /// What there is in the temporary folder, the name of a fresh folder given as "osc??????".
+    /// The contents of the temporary folder, with "osc??????" for the name of a fresh folder.
     std::vector<std::wstring> TempFiles() const;
 
 private:
     CDebugLogOn m_log;
     COfficeLanguageSetting m_language;
     CRegistryTreeGuard m_storedControls;
-    /// Made before the private temporary folder, so that it lies outside.
+    // Made before the private temporary folder, so that it lies outside.
     CTempFolder m_folder;
     std::wstring m_tracePath;
     int m_starts = 0;

@@ -1,4 +1,4 @@
-// What each Outlook gets: the menu command, the Backstage tab or neither; and how the add-in is let go.
+// What each Outlook gets: the menu command, the Backstage tab or neither; and how the add-in is released.
 #include "end_to_end/OutlookFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
@@ -84,7 +84,7 @@ TEST_F(OutlookVersionsTest, TheCommandOpensTheAboutDialogAndItsUpdateButtonCheck
     StartOutlook({L"--office", L"12"});
     WaitForStart();
     ChooseLastHelpItem();
-    // The life-cycle's dispatcher refuses such a click; Outlook ignores the result.
+    // The dispatcher of _IDTExtensibility2 refuses the click's arguments; Outlook ignores the result.
     ASSERT_TRUE(WaitForTrace("CommandBarButton.Click = "));
     ExpectOutlookGoesOn();
     EXPECT_FALSE(IsWindow(about));
@@ -134,7 +134,7 @@ TEST_F(OutlookVersionsTest, AVersionThatDoesNotStartWithADigitCountsAsOld)
     EXPECT_THAT(ReadLogTexts(), Contains("CConnect::OnConnection() m_spExplorer is not NULL "));
 }
 
-TEST_F(OutlookVersionsTest, AnOutlookThatEndsWithoutAWordEndsWell)
+TEST_F(OutlookVersionsTest, AFastShutdownWithoutDisconnectionEndsWithExitCode0)
 {
     for (const wchar_t* const version : {L"12", L"14"})
     {
@@ -148,16 +148,16 @@ TEST_F(OutlookVersionsTest, AnOutlookThatEndsWithoutAWordEndsWell)
     EXPECT_THAT(ReadLogTexts(), Not(Contains("CConnect::OnDisconnection")));
 }
 
-TEST_F(OutlookVersionsTest, TheLogTellsTheWholeRunInOrder)
+TEST_F(OutlookVersionsTest, TheLogHasTheLinesOfTheWholeRunInOrder)
 {
     RunToTheEnd();
     std::vector<std::string> log = ReadLogTexts();
-    // The check between is tested by itself.
+    // The check's own lines are tested elsewhere.
     const auto check = std::find(log.begin(), log.end(), "CheckForUpdate");
     const auto end = std::find(log.begin(), log.end(), "CConnect::GetCustomUI");
     ASSERT_LT(check, end);
     log.erase(check, end);
-    // COM asks whether the DLL may be unloaded as often as it likes.
+    // COM may ask any number of times whether the DLL can be unloaded.
     std::erase(log, "DllCanUnloadNow");
     EXPECT_THAT(log, ElementsAre("DllGetClassObject", "CConnect::OnConnection",
                                  "CConnect::OnConnection() ext_cm_Startup ",
@@ -169,7 +169,7 @@ TEST_F(OutlookVersionsTest, TheLogTellsTheWholeRunInOrder)
     }
 }
 
-TEST_F(OutlookVersionsTest, DebuggersHearWhatTheLogSaysEvenIfItIsOff)
+TEST_F(OutlookVersionsTest, TheDebuggerOutputHasTheLogsLinesEvenIfTheLogIsOff)
 {
     RunToTheEnd();
     const std::vector<std::string> log = ReadLogTexts();

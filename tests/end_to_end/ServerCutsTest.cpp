@@ -16,12 +16,12 @@ using testing::AnyOf;
 using testing::IsEmpty;
 
 constexpr char kTable[] = "server-faults";
-// Number of the report's first row about cuts; each mode has its own ten.
+// Number of the report's first row about cuts; each mode has ten rows.
 constexpr int kFirstNumber = 201;
-// For every byte of a reply.
+// Long enough for a check at every byte of a reply.
 constexpr DWORD kDeadline = 15 * 60'000;
 
-// One outcome and the offsets that led to it.
+// An outcome and the offsets with this outcome.
 struct CGroup
 {
     CObservedFault observed;
@@ -35,7 +35,7 @@ protected:
     const CHttpReply m_reply{200, NewerBuild(kInstallerUrl)};
     const std::string m_bytes = m_reply.Bytes();
 
-    // All in the thorough run; otherwise a few of the head and a few of the body.
+    // All offsets in the thorough run; otherwise a few in the head and a few in the body.
     std::vector<size_t> Offsets() const
     {
         const auto step = static_cast<size_t>(Repetitions(37, 1));
@@ -47,7 +47,7 @@ protected:
         return offsets;
     }
 
-    // The offset from which on all that an offer needs has come.
+    // The first offset at which everything that an offer needs has been sent.
     size_t OfferFrom() const { return m_bytes.find("Better than ever.\"") + sizeof("Better than ever."); }
 
     void Cut(size_t offset)

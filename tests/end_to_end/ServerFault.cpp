@@ -36,7 +36,6 @@ Log Empty(Log log)
     return Joined(std::move(log), {"CheckForUpdate() inputData.length() == 0 "});
 }
 
-// The lines of a text that is read up to its versions.
 Log Versions(const std::string& major, const std::string& minor, const std::string& build)
 {
     return {"CheckJSONObject", "CheckJSONObject", "CheckForUpdate() majorVersion " + major,
@@ -65,7 +64,6 @@ CServerScript Reply(const std::string& text)
     return CHttpReply(200, text);
 }
 
-// A text that cannot be read as JSON at all.
 CFault Unreadable(const char* name, const std::string& text)
 {
     return {
@@ -77,7 +75,6 @@ CFault Status(int status, const char* name)
     return {name, CHttpReply(status, "<html>no</html>"), Empty(StatusLog(status)), {}, {kConnectError}};
 }
 
-// Read as JSON, and then not of the types that the check takes.
 CFault WrongType(const char* name, const std::string& text, const Log& then, const char* exception)
 {
     return {name, Reply(text), Parsed(text, then), {}, {kNotParsed}, exception};

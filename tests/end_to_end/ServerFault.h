@@ -1,4 +1,4 @@
-// One thing that the update server does wrong, and what comes of it; and how to say the usual ones briefly.
+// Faults of the update server with their expected outcomes, and functions that make the common ones.
 #pragma once
 
 #include "harness/ServerScript.h"
@@ -18,8 +18,8 @@ inline constexpr size_t kBodyLimit = 256'000;
 /// The exception's text that ends a check whose reply has no date.
 inline constexpr char kNoDateError[] = "invalid vector<T> subscript";
 
-/// One fault: what the server does, and what comes of it. What is shown lists message boxes by their text,
-/// the offer by its caption.
+/// One fault: what the server does, and its outcome. Message boxes are listed by their text, the offer by its
+/// caption.
 struct CFault
 {
     const char* name;
@@ -33,11 +33,11 @@ struct CFault
 
 void PrintTo(const CFault& fault, std::ostream* out);
 
-/// Faults of the connection and of the reply around its text.
+/// Faults of the connection and of the reply, except its text.
 std::vector<CFault> HttpFaults();
-/// Odd and broken heads: a sample in the everyday run, all in the thorough one.
+/// Unusual and broken heads: all in the thorough run, otherwise a sample.
 std::vector<CFault> HeadFaults();
-/// Texts that are not what they should be.
+/// Update files that are broken, incomplete or at the limits of their numbers.
 std::vector<CFault> TextFaults();
 
 /// The log, with WinINet's own text for an error replaced by "*". That text ends with a line end, which makes
@@ -46,22 +46,22 @@ Log WithoutSystemTexts(const Log& log);
 
 /// The log of a check whose request has this log and gave no text.
 Log Empty(Log log);
-/// The lines of a text that is read up to its versions.
+/// The lines of reading a text up to its versions.
 Log Versions(const std::string& major, const std::string& minor, const std::string& build);
 /// The log of a check that reads this text and then writes these lines.
 Log Parsed(const std::string& text, const Log& then);
 /// The same for a text that is not wholly JSON.
 Log Unparsed(const std::string& text, const Log& then);
-/// The lines of a newer build on the way to its offer.
+/// The lines between a newer build's versions and its offer.
 Log Offered();
 CServerScript Reply(const std::string& text);
-/// A text that cannot be read as JSON at all.
+/// A text of which nothing can be read as JSON.
 CFault Unreadable(const char* name, const std::string& text);
-/// A reply with this status, which is not one of those that are read.
+/// A reply with this status, whose body is not read.
 CFault Status(int status, const char* name);
-/// Read as JSON, and then not of the types that the check takes.
+/// JSON whose types are not those that the check takes.
 CFault WrongType(const char* name, const std::string& text, const Log& then, const char* exception);
-/// Read as JSON, and then without what the check needs.
+/// JSON without a member that the check needs.
 CFault NothingShown(const char* name, const std::string& text, const Log& then);
 CFault NotNewer(const char* name, const std::string& major, const std::string& minor,
                 const std::string& build, const Log& versions);
@@ -74,9 +74,9 @@ Log NoReply();
 /// The log of a check up to the exception that a reply without a date raises.
 Log NoDate();
 
-/// Served with the installed build's file, however oddly, and read.
+/// An unusual reply from which the installed build's file is read all the same.
 CFault ReadAsLatest(const char* name, CServerScript script);
-/// Ends with the exception of a reply without a date.
+/// A reply without a date, which ends the check with an exception.
 CFault WithoutDate(const char* name, CServerScript script);
 
 } // namespace orva::test

@@ -1,5 +1,5 @@
-// Every way in which the update server can fail or answer badly, at Outlook's start and on the user's
-// request: what is shown and logged, and that Outlook goes on and a second check works.
+// Failures and bad answers of the update server, at Outlook's start and on the user's request: what is shown
+// and logged, and that Outlook goes on and a second check works.
 #include "end_to_end/FaultFixture.h"
 #include "end_to_end/ServerFault.h"
 #include "end_to_end/Texts.h"
@@ -21,7 +21,7 @@ using testing::Values;
 using testing::ValuesIn;
 
 constexpr char kTable[] = "server-faults";
-// Numbers of the report's rows: the kinds of faults one after the other, whatever sample of them runs.
+// Numbers of the report's rows: each kind of fault has its range, whatever sample of it runs.
 constexpr int kFirstOutOfReach = 1;
 constexpr int kFirstReset = 11;
 constexpr int kFirstReply = 21;
@@ -31,7 +31,7 @@ struct CResetFault
 {
     const char* name;
     CServerScript script;
-    // What the user may read besides, when part of the text had come.
+    // Whether part of the text is sent, so that the outcome may be that of a cut text.
     bool hasText = false;
 };
 
@@ -78,8 +78,7 @@ protected:
     }
 };
 
-// The connection is reset. Under Wine, WinINet takes a reset either for an error or for the connection's end,
-// and varies.
+// The connection is reset. Wine's WinINet reports sometimes an error and sometimes the connection's end.
 class ServerResetTest : public FaultFixture,
                         public testing::WithParamInterface<std::tuple<CResetFault, CheckMode>>
 {
@@ -130,7 +129,7 @@ protected:
         }
     }
 
-    // Runs the fault; the log ends with the exception, if there is one, which `caller` has caught.
+    // Runs the fault. If it raises an exception, the log ends with the line of `caller`, which caught it.
     void ExpectFault(CheckMode mode, const Texts& shown, const char* caller)
     {
         const CFault& fault = GetParam().fault;
@@ -185,7 +184,7 @@ TEST_P(ServerOutOfReachTest, ConnectionRefused)
 {
     const CRefusingPort port;
     m_proxy.emplace(port.Port());
-    m_mend = [this] {
+    m_removeFault = [this] {
         m_proxy.emplace(m_server.Port());
         Publish(g_latestInfo);
     };
@@ -196,7 +195,7 @@ TEST_P(ServerOutOfReachTest, ServerEnded)
 {
     CLoopbackServer again;
     m_server.Refuse();
-    m_mend = [&] {
+    m_removeFault = [&] {
         m_proxy.emplace(again.Port());
         again.On(kUpdateInfoPath, CHttpReply(200, g_latestInfo));
     };
@@ -207,7 +206,7 @@ TEST_P(ServerOutOfReachTest, NameNotFound)
 {
     // Reserved for names that do not exist, whatever the network.
     m_proxy.emplace(L"no-such-server.invalid:80");
-    m_mend = [this] {
+    m_removeFault = [this] {
         m_proxy.emplace(m_server.Port());
         Publish(g_latestInfo);
     };
@@ -231,7 +230,7 @@ TEST_P(ServerResetTest, EndsTheCheckAndNothingElse)
     {
         m_server.On(kUpdateInfoPath, fault.script);
     }
-    m_mend = [this] {
+    m_removeFault = [this] {
         m_server.OnConnection(std::nullopt);
         Publish(g_latestInfo);
     };
@@ -249,7 +248,7 @@ TEST_P(ServerResetTest, EndsTheCheckAndNothingElse)
     }
     else
     {
-        // Taken for the orderly end of what had come by then, which breaks off behind the three numbers.
+        // Taken as the orderly end of the text, which is cut behind the three numbers.
         EXPECT_TRUE(fault.hasText);
         EXPECT_EQ(last, "CheckForUpdate() buildNumber 0");
         EXPECT_EQ(Observed().shown, isExplicit ? (Texts{kConnectError, kLatest}) : Texts{kConnectError});

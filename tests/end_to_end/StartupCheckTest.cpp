@@ -1,5 +1,5 @@
-// The start-up check in Outlook: when it runs, what it asks for, what it offers and what becomes of the
-// user's choice.
+// The start-up check in Outlook: when it runs, what it requests and offers, and what the user's choice leads
+// to.
 #include "end_to_end/OutlookFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
@@ -77,7 +77,7 @@ TEST_F(StartupCheckTest, RunsAtOutlooksOwnStartOnly)
     EXPECT_THAT(m_server.Requests(), IsEmpty());
 }
 
-TEST_F(StartupCheckTest, OutlooksWindowIsDisabledWhileTheServerThinksAndEnabledAfterwards)
+TEST_F(StartupCheckTest, OutlooksWindowIsDisabledUntilTheServerAnswers)
 {
     CGate gate;
     m_server.On(kUpdateInfoPath, CServerScript().WaitFor(gate).Send(CHttpReply(404).Bytes()));
@@ -163,7 +163,7 @@ TEST_F(StartupCheckTest, CancelDuringTheDownloadLeavesNothingAndSaysHowToTryAgai
     OfferAndInstall(kInstallerUrl);
     m_user.OnDialogWith(kProgressBar, [&](HWND dialog) {
         EXPECT_TRUE(gate.WaitUntilReached());
-        // What the server has sent is not yet read: a download cancelled before that keeps its empty file.
+        // Wait until the file is being written: a download cancelled before that keeps its empty file.
         EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download started"), L"Download started");
         EXPECT_TRUE(ClickButton(dialog, IDCANCEL));
         EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download canceled"), L"Download canceled");

@@ -1,4 +1,4 @@
-// Texts of the update server that are not what they should be.
+// Update files that are broken, incomplete or at the limits of their numbers.
 #include "end_to_end/OutlookFixture.h"
 #include "end_to_end/ServerFault.h"
 #include "end_to_end/Texts.h"

@@ -1,5 +1,5 @@
-// The Backstage markup as the module carries it: its encoding, and every element and attribute by the
-// system's parser.
+// The Backstage markup as the module carries it: its encoding, and every element and attribute as the
+// system's parser reads them.
 #include "harness/Text.h"
 #include "res/ModuleResources.h"
 
@@ -49,13 +49,13 @@ std::string Attributes(IXMLDOMNode* node)
         map->get_item(index, &attribute);
         BSTR name = nullptr;
         BSTR value = nullptr;
-        // Whether a namespace declaration counts as an attribute differs between parsers; namespaces are
-        // compared by their own operation.
         if (attribute == nullptr)
         {
             continue;
         }
         attribute->get_nodeName(&name);
+        // Parsers differ in whether a namespace declaration is an attribute. Namespaces are compared
+        // separately.
         if (Utf8(name) == "xmlns")
         {
             SysFreeString(name);
@@ -73,8 +73,8 @@ std::string Attributes(IXMLDOMNode* node)
     return text;
 }
 
-// One line a node: its level, its name (marked if it is not of Office's schema) and its attributes; a
-// comment's text after "!".
+// One line for each node: its level, its name (marked if its namespace is not Office's) and its attributes;
+// for a comment "!" and its text.
 void Describe(IXMLDOMNode* node, int level, std::vector<std::string>& lines)
 {
     DOMNodeType type = NODE_INVALID;

@@ -131,7 +131,7 @@ CTemplate ReadTemplate(WORD id)
     return dialog;
 }
 
-// Window classes by their ordinals; the others by their names in capitals, which the system does not mind.
+// Window classes by their ordinals. The others have names, here in capitals; the system ignores their case.
 constexpr char kButton[] = "#128";
 constexpr char kStatic[] = "#130";
 

@@ -49,7 +49,7 @@ std::wstring Fill(const std::wstring& format, const std::vector<std::wstring>& a
     return text;
 }
 
-// The longest that a user is likely to see.
+// The longest values that a user is likely to see.
 constexpr wchar_t kVersion[] = L"12.34.5678";
 constexpr wchar_t kFile[] = L"OrvaSetup-1.3.0-x64.exe";
 constexpr wchar_t kServer[] = L"www.orva.example";
@@ -147,7 +147,7 @@ private:
     HWND m_window = nullptr;
 };
 
-// What a text takes in a window's font, wrapped at `width` if that is above 0.
+// The size of a text in a window's font, wrapped at `width` if that is above 0.
 SIZE Measure(HWND window, const std::wstring& text, int width, bool bold)
 {
     auto font = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
@@ -166,7 +166,7 @@ SIZE Measure(HWND window, const std::wstring& text, int width, bool bold)
     return {needed.right, needed.bottom};
 }
 
-// "" if the text fits, otherwise what overflows and by how much.
+// "" if the text fits; otherwise the control, its size and the size that the text needs.
 std::string Overflow(HWND dialog, const CShown& shown)
 {
     const HWND control = GetDlgItem(dialog, shown.control);
@@ -184,7 +184,7 @@ std::string Overflow(HWND dialog, const CShown& shown)
     }
     else if (shown.kind == Kind::Group)
     {
-        // The frame begins to the left of its title and is to be seen to its right.
+        // The frame is visible on both sides of its title.
         space.cx -= 20;
     }
     const SIZE needed =
@@ -211,7 +211,7 @@ void ExpectTextsFit(WORD dialogId, const std::function<std::vector<CShown>(WORD)
     }
 }
 
-// What a caption takes in the caption's own font.
+// Asserts that a caption, in the caption's font, fits the dialog's width in every language.
 void ExpectCaptionsFit(WORD dialogId, const std::function<std::wstring(WORD)>& caption)
 {
     const CHiddenDialog dialog(dialogId);

@@ -1,5 +1,4 @@
-// Reads resources back out of the built module, by the platform's own functions and without the add-in's
-// code.
+// Reads the built module's resources with the system's functions, without the add-in's code.
 #pragma once
 
 #include <windows.h>

@@ -21,7 +21,7 @@ using namespace orva::test;
 
 namespace
 {
-// Starts GDI+ for a test.
+// Starts GDI+ for each test.
 class PicturesTest : public testing::Test
 {
 protected:

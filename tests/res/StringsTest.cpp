@@ -111,7 +111,7 @@ TEST(StringsTest, TheEnglishTextsAreExact)
     {
         EXPECT_EQ(Text(kEnglish, id), text) << id;
     }
-    // All but the first two paragraphs and the legal notice.
+    // All texts but the first two paragraphs and the legal notice.
     EXPECT_EQ(kFixedEnglish.size(), kLastId - kFirstId + 1 - 3);
 }
 
@@ -149,7 +149,7 @@ TEST(StringsTest, TheCanceledMessageHasOneLineBreakAndInnerQuotesInEveryLanguage
         ASSERT_NE(lineBreak, std::string::npos) << text;
         EXPECT_EQ(text.find('\n', lineBreak + 1), std::string::npos) << text;
         EXPECT_EQ(text.find('\\'), std::string::npos) << text;
-        // The button it speaks of carries the very text between the quotes.
+        // The text between the quotes is the button's label.
         EXPECT_NE(text.find('"' + Text(language, 114) + '"', lineBreak), std::string::npos) << text;
     }
 }
@@ -259,7 +259,7 @@ TEST(StringsTest, SpecialCharactersOfEachLanguageArriveAsTheyWereWritten)
     {
         for (UINT id = kFirstId; id <= kLastId; ++id)
         {
-            // What UTF-8 turns into when it is read with another code page, and what cannot be read at all.
+            // Characters that appear when UTF-8 is read with another code page or cannot be decoded.
             EXPECT_EQ(ModuleString(language, id).find_first_of(L"\u00C3\u00C2\u00C4\u00C5\uFFFD"),
                       std::wstring::npos)
                 << Text(language, id);
@@ -269,7 +269,7 @@ TEST(StringsTest, SpecialCharactersOfEachLanguageArriveAsTheyWereWritten)
 
 TEST(StringsTest, TheTranslationsAreTranslated)
 {
-    // Product name, links and what the languages share.
+    // Texts that are the same as in English: product name, links and shared words.
     const std::map<WORD, std::vector<UINT>> shared = {
         {kGerman, {102, 109, 111, 112, 131, 142}},
         {kSpanish, {102, 109, 111, 131, 142}},

@@ -1,4 +1,5 @@
-// The About dialog: texts, links, keys, the update check started from it, and the host's window meanwhile.
+// The About dialog: texts, links, keys, the update check started from it, and the host's window while it is
+// open.
 #include "ui/AboutDlg.h"
 
 #include "fixture/ProductFixture.h"
@@ -45,7 +46,7 @@ protected:
         return m_user.OnDialogWith(kTitle, std::move(act));
     }
 
-    // Shows the dialog with the user's steps, which must all be taken.
+    // Shows the dialog; the user must take all of his steps.
     void Show()
     {
         m_user.Start();
@@ -182,7 +183,7 @@ TEST_F(AboutDlgTest, EnterOnALinkDoesNothing)
     OnAbout([&](HWND dialog) {
         SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, kLink1)), TRUE);
         EXPECT_TRUE(TypeKey(dialog, VK_RETURN));
-        // Once the focus has moved on, Enter has been dealt with.
+        // When the focus has moved on, Enter has been handled.
         EXPECT_TRUE(TypeKey(dialog, VK_TAB));
         EXPECT_TRUE(WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, kLink2); }));
         EXPECT_FALSE(log.Has("CAboutDlg::OnNMClickSyslink"));
@@ -301,7 +302,7 @@ TEST_F(AboutDlgTest, BackgroundIsWhite)
     Show();
 }
 
-// A browser of the test's own: writes the address that it is called with into a file.
+// Registers a browser that writes the address that it is called with to a file.
 class AboutDlgLinkTest : public AboutDlgTest, public testing::WithParamInterface<std::pair<int, const char*>>
 {
 protected:

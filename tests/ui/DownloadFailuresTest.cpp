@@ -1,4 +1,4 @@
-// Failures of the download that no server can bring about, and how long its last state is seen.
+// Failures of the download that no server can cause, and how long its last state is shown.
 #include "harness/ImportHook.h"
 #include "ui/DownloadFixture.h"
 #include "ui/ObservedDownload.h"

@@ -21,12 +21,12 @@ namespace orva::test
 
 inline constexpr char kInstallerPath[] = "/setup.orvatest";
 
-/// What CDownloadTest::Left gives when the file is gone and when it is there.
+/// What CDownloadTest::Left returns when the file has been deleted and when it exists.
 inline const std::vector<std::wstring> kEmptyFolderLeft{L"osc??????\\"};
 inline const std::vector<std::wstring> kFileLeft{L"osc??????\\", L"osc??????\\setup.orvatest"};
 
-/// A file type of the test's own, opened with the verb that the installer is started with. The command ends
-/// at once and leaves "NAME.started" beside the file, so that a test sees that it ran.
+/// Registers a file type with the verb that the installer is started with. Its command ends at once and
+/// leaves "NAME.started" beside the file, which shows that it ran.
 class CInstallerType
 {
 public:
@@ -43,22 +43,22 @@ private:
 class CDownloadTest : public testing::Test
 {
 protected:
-    /// Answers the installer's request, but not before the dialog has been seen: at its end the dialog sleeps
-    /// and would not answer who looks at it.
+    /// Answers the installer's request once the user has seen the dialog: at its end the dialog sleeps and
+    /// handles no messages.
     void Serve(const CHttpReply& reply);
     /// Runs the whole download of this link; the user's steps must have been added. `owner` may be null.
     void Download(const std::wstring& url, HWND owner = nullptr);
     /// The same for the installer's path on the server.
     void DownloadInstaller(HWND owner = nullptr) { Download(m_server.WideUrl(kInstallerPath), owner); }
-    /// The whole download for a user who does not know what comes: he opens `gate` when the dialog has come
-    /// up, and presses the only button of every box. m_seen says what it was.
+    /// Runs the whole download with a user who opens `gate` when the dialog comes up, and presses the only
+    /// button of every message box. m_seen lists the windows.
     void DownloadWhateverComes(const std::wstring& url, CGate& gate, HWND owner = nullptr);
-    /// The user sees the dialog, does this on the second thread, and then the server goes on.
+    /// When the dialog comes up, runs `act` on the user's thread, and then lets the server go on.
     CUserScript& OnDownloadDialog(std::function<void(HWND)> act = [](HWND) {});
     /// Waits until the installer has been started and has ended.
     bool WaitForInstaller() const;
-    /// Files and folders under the temporary folder, save the installer's mark, without the names that differ
-    /// from run to run: "osc??????\name".
+    /// Files and folders in the temporary folder, except "NAME.started", with "osc??????" for the names of
+    /// fresh folders.
     std::vector<std::wstring> Left() const;
 
     CLoopbackServer m_server;

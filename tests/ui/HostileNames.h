@@ -8,20 +8,20 @@
 namespace orva::test
 {
 
-/// What becomes of a link's last segment.
+/// The outcome of a link's last segment.
 enum class NameFate
 {
-    /// The link names no file: that is said, and no dialog opens.
+    /// The link names no file: a message says so, and no dialog opens.
     NoName,
-    /// The add-in refuses the name, as one that no file can have.
+    /// The add-in refuses the name: no file can have it.
     Refused,
     /// The system refuses it.
     RefusedBySystem,
-    /// A file in the fresh folder, whatever the name meant.
+    /// A file is created in the fresh folder.
     Created,
-    /// A file in the fresh folder. Wine 8 opens the console instead, and makes nothing.
+    /// A file is created in the fresh folder. Wine 8 opens the console instead and creates nothing.
     CreatedOrConsole,
-    /// Created, or refused by the system, as its limits are.
+    /// Created or refused by the system, depending on its limits.
     CreatedOrRefused,
 };
 

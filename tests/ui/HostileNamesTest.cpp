@@ -1,4 +1,4 @@
-// Download links with hostile last segments: whatever they are, nothing comes to be outside the fresh folder.
+// Download links with hostile last segments: nothing is created outside the fresh folder.
 #include "ui/HostileNames.h"
 
 #include "harness/Report.h"
@@ -46,7 +46,7 @@ protected:
             break;
         case NameFate::Created:
             EXPECT_TRUE(isCreated);
-            // The progress, and the shell's own message that it cannot start such a file.
+            // The download dialog, and the shell's message that it cannot start such a file.
             EXPECT_EQ(m_seen.size(), 2u);
             break;
         case NameFate::CreatedOrConsole:
@@ -59,7 +59,7 @@ protected:
     }
 };
 
-// Refused names are quick; each download takes a second.
+// Refused names are quick; each download takes a second, so fewer of them run.
 std::vector<CHostileName> NamesOfThisRun()
 {
     std::vector<CHostileName> names;
@@ -94,7 +94,7 @@ TEST_P(HostileNamesTest, MakesNothingOutsideTheFreshFolder)
     std::string madeText;
     if (!made.empty())
     {
-        // The fresh folder first, since a folder sorts before what is in it.
+        // The fresh folder comes first: a folder sorts before its contents.
         const std::wstring& folder = made[0];
         EXPECT_THAT(folder, StartsWith(L"osc"));
         EXPECT_EQ(folder.size(), 10u) << Utf8(folder);

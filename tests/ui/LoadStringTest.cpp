@@ -31,7 +31,7 @@ std::wstring Block(const std::vector<std::wstring>& entries)
     return block;
 }
 
-// The block that the module's resources are said to be.
+// The block that the hooks give for the module's resource.
 const void* g_block = nullptr;
 DWORD g_size = 0;
 
@@ -64,8 +64,8 @@ protected:
         VirtualFree(m_pages, 0, MEM_RELEASE);
     }
 
-    // Gives the block's first `size` bytes for the module's, at an even address, right in front of a page
-    // that must not be touched.
+    // Makes the hooks give the block's first `size` bytes, at an even address right in front of a page
+    // without access.
     void Give(const std::wstring& block, size_t size)
     {
         BYTE* const bytes = m_pages + kPage - size - size % 2;

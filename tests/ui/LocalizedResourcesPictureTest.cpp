@@ -1,4 +1,4 @@
-// PNG resources as picture objects for the ribbon, and what happens when that fails.
+// PNG resources as picture objects for the ribbon, and failures to make them.
 #include "harness/GdiPlusCounter.h"
 #include "res/resource.h"
 #include "ui/LocalizedResources.h"

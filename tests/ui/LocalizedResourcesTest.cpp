@@ -24,7 +24,7 @@ constexpr wchar_t kKey2007[] = L"SOFTWARE\\Microsoft\\Office\\12.0\\Common\\Lang
 constexpr wchar_t kKey2010[] = L"SOFTWARE\\Microsoft\\Office\\14.0\\Common\\LanguageResources";
 constexpr WORD kNoLanguage = 65535;
 
-// No Office language is set anywhere, until a test sets one; what was there comes back afterwards.
+// No Office language is set until a test sets one. The old settings are restored afterwards.
 class LocalizedResourcesTest : public testing::Test
 {
 protected:
@@ -55,7 +55,7 @@ protected:
     CLocalizedResources m_resources;
 };
 
-// A top-level window, gone at the end.
+// A top-level window for its lifetime.
 class CTestWindow
 {
 public:

@@ -1,4 +1,4 @@
-// Folders, files and links planted under the name that the next download would choose: none is ever used.
+// Folders, files and links planted under the name that the next download would choose: none is used.
 #include "harness/Files.h"
 #include "harness/Text.h"
 #include "harness/Waiting.h"
@@ -18,10 +18,10 @@ namespace
 
 using testing::StartsWith;
 
-// Where the report's table, which the hostile names begin, goes on.
+// The number of the first row, after those of the hostile names in the same table.
 constexpr int kFirstNumber = 90;
 
-// What stands under the name that the next download would choose.
+// What exists under the name that the next download would choose.
 enum class Planted
 {
     Nothing,
@@ -62,8 +62,7 @@ void PrintTo(Planted planted, std::ostream* out)
     *out << NameOf(planted);
 }
 
-// Makes a symbolic link to a folder, also where the system offers programs no way to: there the host's own
-// tool does it.
+// Makes a symbolic link to a folder. Wine cannot make one, so there the host's ln does it.
 bool MakeLink(const std::wstring& link, const std::wstring& target)
 {
     using UnixName = char*(__cdecl*)(const wchar_t*);
@@ -88,14 +87,14 @@ bool MakeLink(const std::wstring& link, const std::wstring& target)
     {
         return false;
     }
-    // A program of the host has no handles.
+    // Wine gives no handle of a host program to wait for.
     return WaitUntil([&] { return FolderExists(link); });
 }
 
 class PlantedNamesTest : public CWatchedDownload, public testing::WithParamInterface<Planted>
 {
 protected:
-    // False if that cannot be planted here.
+    // Returns false if it cannot be planted on this system.
     bool Plant(const std::wstring& path) const
     {
         const std::wstring target = Outer() + L"\\target";
@@ -139,7 +138,7 @@ TEST_P(PlantedNamesTest, IsNotUsedAndStaysAsItWas)
     ASSERT_EQ(made.size(), 2u);
     EXPECT_THAT(made[0], StartsWith(L"osc"));
     EXPECT_EQ(made[1], made[0] + L"setup.bin");
-    // Without anything in its way the name is the guessed one: the others did stand in the way.
+    // With nothing planted the guessed name is used, so in the other cases the planted object was avoided.
     EXPECT_EQ(made[0] == guess + L"\\", GetParam() == Planted::Nothing);
     const bool isInside = !HasFailure();
     Report(kFirstNumber + static_cast<int>(GetParam()), NameOf(GetParam()), "setup.bin",

@@ -170,7 +170,7 @@ TEST_F(StartDownloadDialogTest, UnknownHostSaysConnectErrorAndLeavesNoFile)
     EXPECT_EQ(Left(), kEmptyFolderLeft);
 }
 
-// The end of the data is the end of the file: its length is not compared with what the server announced.
+// The file ends where the data ends: its length is not compared with Content-Length.
 TEST_F(StartDownloadDialogTest, BodyThatEndsHalfWayIsTakenAsComplete)
 {
     const CHttpReply reply(200, std::string(5000, 'x'));
