@@ -74,7 +74,7 @@ TEST_F(ButtonClickedTest, DisablesTheHostFirstAndEnablesItLast)
     EXPECT_TRUE(m_host.EnableHistory().back());
 }
 
-TEST_F(ButtonClickedTest, WhichControlWasClickedDoesNotMatterAndItIsNotAsked)
+TEST_F(ButtonClickedTest, TheClickedControlIsNeitherReadNorKept)
 {
     CCallRecord record;
     const ComPtr<CFakeObject> control(new CFakeObject(record, "control", {}));
@@ -115,7 +115,7 @@ TEST_F(ButtonClickedTest, SaysThatTheFileHasNoEntry)
     Click();
 }
 
-TEST_F(ButtonClickedTest, AWrongTypeIsShownAndEndsInOneLineAndTheHostIsEnabled)
+TEST_F(ButtonClickedTest, AWrongTypeSaysNotParsedEndsInOneLineAndEnablesTheHost)
 {
     Publish(R"({"x64":{"majorVersion":"one","minorVersion":2,"buildNumber":0}})");
     m_user.AnswerBox(kNotParsed);
@@ -124,7 +124,7 @@ TEST_F(ButtonClickedTest, AWrongTypeIsShownAndEndsInOneLineAndTheHostIsEnabled)
     EXPECT_THAT(m_host.EnableHistory(), ElementsAre(false, true));
 }
 
-TEST_F(ButtonClickedTest, AReplyWithoutDateIsShownAndEndsInOneLineAndTheHostIsEnabled)
+TEST_F(ButtonClickedTest, AReplyWithoutDateSaysConnectErrorEndsInOneLineAndEnablesTheHost)
 {
     m_server.On(kUpdateInfoPath, CHttpReply(200, kSameVersion).WithoutDate());
     m_user.AnswerBox(kConnectError);

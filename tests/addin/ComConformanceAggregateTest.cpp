@@ -37,7 +37,7 @@ TEST_F(ComConformanceAggregateTest, TheInnerIdentityKeepsTheRulesForItselfAlone)
     EXPECT_EQ(outer.References(), 1u);
 }
 
-TEST_F(ComConformanceAggregateTest, ItIsAskedForByIUnknownOnly)
+TEST_F(ComConformanceAggregateTest, ItIsCreatedAsIUnknownOnly)
 {
     COuter outer;
     for (const IID& iid : {IID_IDispatch, IID__IDTExtensibility2, IID_IClassFactory})

@@ -89,7 +89,7 @@ TEST_F(ConnectHostTest, AFailingVersionCountsAsBelow14AndTheCheckRuns)
     EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 1u);
 }
 
-TEST_F(ConnectHostTest, WithoutExplorerOutlook2007SaysSoAndGetsNoCommand)
+TEST_F(ConnectHostTest, WithoutAnExplorerOutlook2007LogsItAndGetsNoCommand)
 {
     m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
     m_outlook->application->GiveObject(L"ActiveExplorer", nullptr);
@@ -103,7 +103,7 @@ TEST_F(ConnectHostTest, WithoutExplorerOutlook2007SaysSoAndGetsNoCommand)
     EXPECT_EQ(AddIn()->OnDisconnection(ext_dm_HostShutdown, nullptr), S_OK);
 }
 
-TEST_F(ConnectHostTest, AnExplorerThatIsNoneCountsAsMissing)
+TEST_F(ConnectHostTest, AnActiveExplorerOfAnotherKindCountsAsMissing)
 {
     m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
     m_outlook->application->GiveObject(L"ActiveExplorer", m_outlook->commands.Get());
@@ -124,7 +124,7 @@ TEST_F(ConnectHostTest, AFailingActiveExplorerCountsAsMissing)
                 ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup ", kNoExplorer));
 }
 
-TEST_F(ConnectHostTest, WithoutExplorerOutlook2010SaysNothingOfIt)
+TEST_F(ConnectHostTest, WithoutAnExplorerOutlook2010LogsNothingAboutIt)
 {
     m_outlook = std::make_unique<CFakeOutlook>(kOutlook2010);
     m_outlook->application->GiveObject(L"ActiveExplorer", nullptr);

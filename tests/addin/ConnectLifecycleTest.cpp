@@ -145,7 +145,7 @@ TEST_F(ConnectLifecycleTest, AReplyWithoutDateEndsInOneLineWithTheExceptionsText
     ExpectHostEnabledAgain();
 }
 
-TEST_F(ConnectLifecycleTest, AFileThatIsNoJsonIsReportedAndThenAWrongTypeCaught)
+TEST_F(ConnectLifecycleTest, AFileThatIsNoJsonSaysConnectErrorOwnedByTheDisabledHost)
 {
     Publish("<html>");
     m_user.AnswerBox(kConnectError);
@@ -179,7 +179,7 @@ TEST_F(ConnectLifecycleTest, WithoutAVisibleHostWindowTheCheckRunsAllTheSame)
     EXPECT_THAT(m_host.EnableHistory(), IsEmpty());
 }
 
-TEST_F(ConnectLifecycleTest, KeepsApplicationAndExplorerUntilTheObjectGoes)
+TEST_F(ConnectLifecycleTest, KeepsApplicationExplorerAndButtonUntilTheObjectIsReleased)
 {
     m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
     const LONG application = m_outlook->application->References();
@@ -205,7 +205,7 @@ TEST_F(ConnectLifecycleTest, NeitherAddInInstanceNorCustomArrayIsNeeded)
               S_OK);
 }
 
-TEST_F(ConnectLifecycleTest, TheOtherCallsLogWhatTheyShouldAndNothingElse)
+TEST_F(ConnectLifecycleTest, OfTheOtherCallsOnlyStartupCompleteAndDisconnectionAreLogged)
 {
     EXPECT_EQ(Connect(kOutlook2010), S_OK);
     const auto addIn = AddIn();

@@ -56,7 +56,7 @@ protected:
     }
 };
 
-TEST_F(GetCustomUITest, WithoutAPlaceForTheMarkupItIsEPointerInAnyVersion)
+TEST_F(GetCustomUITest, ANullResultPointerIsEPointerBeforeAndAfterConnecting)
 {
     Create();
     EXPECT_EQ(Query<IRibbonExtensibility>(IID_IRibbonExtensibility)->GetCustomUI(nullptr, nullptr),
@@ -218,7 +218,7 @@ private:
     static constexpr UINT kBlock = 16;
 };
 
-TEST_P(GetCustomUIPassesTest, EachPlaceholderIsReplacedInAllThatTheEarlierOnesLeft)
+TEST_P(GetCustomUIPassesTest, EachPlaceholderIsReplacedInTheResultOfTheEarlierOnes)
 {
     const std::wstring block = ReadBlock();
     const std::wstring changed = Changed(

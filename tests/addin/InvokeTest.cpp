@@ -178,7 +178,7 @@ TEST_F(InvokeTest, OnlyIdsOfTheCallbackRangeAskTheCallbacksDispatcher)
     }
 }
 
-TEST_F(InvokeTest, WithoutTheHostsLibraryEveryOtherIdSaysSo)
+TEST_F(InvokeTest, WithoutTheHostsLibraryEveryOtherIdGivesLibNotRegistered)
 {
     const CNoExtensibilityLibrary missing;
     for (const DISPID id : {41999, 42003, 42009, 42010, 4})
@@ -224,7 +224,7 @@ TEST_F(InvokeTest, AClickShowsAboutAndReturnsWhatTheExtensibilityDispatcherSaysO
     EXPECT_THAT(lines, Not(Contains("CConnect::OnConnection")));
 }
 
-TEST_F(InvokeTest, AClickIsShownEvenWithoutTheHostsLibrary)
+TEST_F(InvokeTest, AClickShowsAboutEvenWithoutTheHostsLibrary)
 {
     const CNoExtensibilityLibrary missing;
     ExpectAboutClosedByUser();

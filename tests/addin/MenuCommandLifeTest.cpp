@@ -34,14 +34,14 @@ TEST_F(MenuCommandLifeTest, DisconnectingEndsTheSubscriptionAndNeitherDeletesNor
     EXPECT_EQ(m_outlook->button->Click(), std::nullopt);
 }
 
-TEST_F(MenuCommandLifeTest, AFailingEndOfTheSubscriptionIsPassedOn)
+TEST_F(MenuCommandLifeTest, AFailureToEndTheSubscriptionIsReturned)
 {
     Lines();
     m_outlook->button->FailUnadvise(E_ACCESSDENIED);
     EXPECT_EQ(Disconnect(), E_ACCESSDENIED);
 }
 
-TEST_F(MenuCommandLifeTest, DisconnectingASecondTimeSaysThatThereIsNoSubscription)
+TEST_F(MenuCommandLifeTest, DisconnectingASecondTimeReturnsNoConnection)
 {
     Lines();
     EXPECT_EQ(Disconnect(), S_OK);
@@ -68,7 +68,7 @@ TEST_F(MenuCommandLifeTest, ASecondConnectionKeepsOneReferenceToTheButton)
     EXPECT_EQ(m_outlook->button->References(), before);
 }
 
-TEST_F(MenuCommandLifeTest, AnotherConnectionsControlThatIsNoButtonLeavesNone)
+TEST_F(MenuCommandLifeTest, ASecondConnectionWhoseControlIsNoButtonKeepsNone)
 {
     Lines();
     m_outlook->commands->GiveObject(L"Add", m_outlook->helpMenu.Get());

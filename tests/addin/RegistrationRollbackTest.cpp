@@ -16,7 +16,7 @@ class RegistrationRollbackTest : public CRegistrationTest
 {
 };
 
-TEST_F(RegistrationRollbackTest, AFailureOfTheAddInsEntryComesBackAndNothingElseIsRegistered)
+TEST_F(RegistrationRollbackTest, AFailureOfTheAddInsEntryIsReturnedAndNothingIsRegistered)
 {
     const CObstacle office(L"Software\\Microsoft\\Office");
     Mark();
@@ -36,7 +36,7 @@ TEST_F(RegistrationRollbackTest, AFailedInstallationReturnsTheRegistrationsFailu
 
 // In the next two tests the rollback stops at the type library, which was never registered, and so does not
 // reach the add-in's entry.
-TEST_F(RegistrationRollbackTest, AFailureHalfwayThroughTheClassTakesTheClassBackButNotTheEntry)
+TEST_F(RegistrationRollbackTest, AFailureHalfwayThroughTheClassRollsBackTheClassButNotTheEntry)
 {
     const CObstacle progId(kProgIdKey);
     EXPECT_EQ(m_module->Install(TRUE, nullptr), kChildMustBeVolatile);
@@ -46,7 +46,7 @@ TEST_F(RegistrationRollbackTest, AFailureHalfwayThroughTheClassTakesTheClassBack
     EXPECT_TRUE(IsAddInEntered());
 }
 
-TEST_F(RegistrationRollbackTest, AMissingTypeLibraryIsAFailureThatTakesTheClassBackButNotTheEntry)
+TEST_F(RegistrationRollbackTest, AMissingTypeLibraryRollsBackTheClassButNotTheEntry)
 {
     const std::string head("MSFT\x02\x00\x01\x00", 8);
     const CAddInCopy copy(head, std::string(head.size(), 'x'));
@@ -60,7 +60,7 @@ TEST_F(RegistrationRollbackTest, AMissingTypeLibraryIsAFailureThatTakesTheClassB
     m_module.reset();
 }
 
-TEST_F(RegistrationRollbackTest, AfterAFailureAndItsCauseTheNextRegistrationIsWhole)
+TEST_F(RegistrationRollbackTest, WithoutTheCauseOfAFailureTheNextRegistrationIsComplete)
 {
     {
         const CObstacle progId(kProgIdKey);

@@ -98,7 +98,7 @@ private:
     }
 };
 
-TEST_P(RegistrationSequenceTest, ReturnsAndLeaves)
+TEST_P(RegistrationSequenceTest, ReturnsTheseResultsAndLeavesThisDifference)
 {
     const CSequenceCase& sequence = GetParam();
     Do(sequence.before);

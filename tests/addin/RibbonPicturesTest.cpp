@@ -160,7 +160,7 @@ TEST_F(RibbonPicturesTest, APictureOutlivesTheAddInsObjectAndItsModule)
     EXPECT_EQ(SizeOf(result).cx, 132);
 }
 
-TEST_F(RibbonPicturesTest, WithoutAControlItIsEPointer)
+TEST_F(RibbonPicturesTest, WithoutAControlOrAResultPointerItIsEPointer)
 {
     _variant_t result;
     EXPECT_EQ(Ask(kGetImageLogo, nullptr, result), E_POINTER);

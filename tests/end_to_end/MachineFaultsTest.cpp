@@ -226,7 +226,7 @@ TEST_F(MachineStartFaultsTest, LanguageSettingsMissing)
     EXPECT_THAT(Observed().shown, ElementsAre(L""));
 }
 
-TEST_F(MachineStartFaultsTest, LanguageOfNoUse)
+TEST_F(MachineStartFaultsTest, LanguageThatIsAText)
 {
     std::optional<CRegistryValue> value;
     value.emplace(HKEY_CURRENT_USER, OfficeLanguageKey(14), kOfficeLanguageValue);

@@ -155,7 +155,7 @@ TEST(DebugLogChild, DISABLED_SharesTheFile)
     WriteDebugLog(GetDebugLog(), "mine again");
 }
 
-TEST(DebugLogChild, DISABLED_TurnsTheSwitchRoundBetweenTwoEntries)
+TEST(DebugLogChild, DISABLED_TogglesTheSwitchBetweenTwoEntries)
 {
     WriteDebugLog(GetDebugLog(), "first");
     CRegistryValue value(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue);
@@ -334,11 +334,11 @@ TEST_F(DebugLog, OthersMayReadAndWriteTheFileMeanwhile)
 
 TEST_F(DebugLog, TheSwitchIsReadOncePerProcess)
 {
-    EXPECT_THAT(RunScript("TurnsTheSwitchRoundBetweenTwoEntries"), ElementsAre("first", "second"));
+    EXPECT_THAT(RunScript("TogglesTheSwitchBetweenTwoEntries"), ElementsAre("first", "second"));
     EXPECT_FALSE(FolderExists(LogFolder()));
 
     m_user.SetDword(1);
-    EXPECT_THAT(RunScript("TurnsTheSwitchRoundBetweenTwoEntries"), ElementsAre("first", "second"));
+    EXPECT_THAT(RunScript("TogglesTheSwitchBetweenTwoEntries"), ElementsAre("first", "second"));
     EXPECT_THAT(ReadLogTexts(), ElementsAre("first", "second"));
 }
 
@@ -418,14 +418,14 @@ TEST_F(DebugLog, AFileThatCannotBeOpenedLeavesTheLogOff)
     EXPECT_TRUE(FolderExists(LogPath()));
 }
 
-TEST_F(DebugLog, AWriteFailureReachesNobodyAndEndsTheFile)
+TEST_F(DebugLog, AWriteFailureIsIgnoredAndEndsTheFile)
 {
     m_user.SetDword(1);
     EXPECT_THAT(RunScript("WritesToAFullDisk"), ElementsAre("kept", "lost", "F() lost 1"));
     EXPECT_THAT(ReadLogTexts(), ElementsAre("kept"));
 }
 
-TEST_F(DebugLog, WithoutMemoryALineIsLostAndNobodyIsTold)
+TEST_F(DebugLog, WithoutMemoryALineIsLostWithoutAnException)
 {
     const CDebugOutput output;
     std::string message = "a message that needs a block of memory of its own";

@@ -69,7 +69,7 @@ TEST_F(CreateTempDownloadDirectoryTest, GivesAnotherFolderAtEveryCall)
     EXPECT_EQ(ListFolder(m_temp.Path()).size(), 50u);
 }
 
-TEST_F(CreateTempDownloadDirectoryTest, NeverTakesAFolderThatStandsThereAlready)
+TEST_F(CreateTempDownloadDirectoryTest, NeverUsesAnExistingFolder)
 {
     const std::wstring planted = m_temp.Path() + L"\\" + MakeTempName().GetString();
     ASSERT_TRUE(CreateDirectoryW(planted.c_str(), nullptr));
@@ -79,7 +79,7 @@ TEST_F(CreateTempDownloadDirectoryTest, NeverTakesAFolderThatStandsThereAlready)
     EXPECT_TRUE(ListFolder(path).empty());
 }
 
-TEST_F(CreateTempDownloadDirectoryTest, NeverTakesTheNameOfAFileThatStandsThereAlready)
+TEST_F(CreateTempDownloadDirectoryTest, NeverUsesTheNameOfAnExistingFile)
 {
     const std::wstring planted = m_temp.Path() + L"\\" + MakeTempName().GetString();
     WriteFileBytes(planted, "planted");
@@ -89,7 +89,7 @@ TEST_F(CreateTempDownloadDirectoryTest, NeverTakesTheNameOfAFileThatStandsThereA
     EXPECT_EQ(ReadFileBytes(planted), std::optional<std::string>("planted"));
 }
 
-TEST_F(CreateTempDownloadDirectoryTest, NamesAFolderThatCouldNotBeCreatedAllTheSame)
+TEST_F(CreateTempDownloadDirectoryTest, GivesAPathEvenIfTheFolderCannotBeCreated)
 {
     ASSERT_TRUE(RemoveDirectoryW(m_temp.Path().c_str()));
     const std::wstring path = CreateTempDownloadDirectory().GetString();

@@ -113,7 +113,7 @@ TEST_P(HostileNamesTest, MakesNothingOutsideTheFreshFolder)
            madeText.empty() ? "refused" : madeText, isInside);
 }
 
-TEST(HostileNameDecisionTest, RefusesOfAllTheseWhatLeadsElsewhere)
+TEST(HostileNameDecisionTest, RefusesExactlyTheNamesThatAreExpectedToBeRefused)
 {
     for (const CHostileName& name : HostileNames())
     {

@@ -113,7 +113,7 @@ TEST_F(LocalizedResourcesTest, WithoutAnOfficeVersionTextsFollowTheThreadsLangua
     SetThreadLocale(before);
 }
 
-TEST_F(LocalizedResourcesTest, ANewObjectTakesNoVersionFromTheMemoryThatItIsMadeIn)
+TEST_F(LocalizedResourcesTest, ANewObjectHasVersion0WhateverItsMemoryHeld)
 {
     m_userLanguage.SetDword(1031);
     // Memory full of the version of an Office that is in German.
@@ -278,7 +278,7 @@ TEST_F(LocalizedResourcesTest, AnIdWithoutATextIsEmpty)
     }
 }
 
-TEST_F(LocalizedResourcesTest, TheSecondSearchTakesTheIdForABlocksName)
+TEST_F(LocalizedResourcesTest, TheSecondSearchUsesTheIdAsABlocksName)
 {
     m_userLanguage.SetDword(1031);
     m_resources.SetOfficeVersion(14);

@@ -41,7 +41,7 @@ TEST_F(StartDownloadDialogTest, StartsTheInstallerWithTheVerbRunas)
     EXPECT_EQ(m_seen.size(), 1u);
 }
 
-TEST_F(StartDownloadDialogTest, InstallerThatCannotBeStartedIsTheShellsToReportAndTheFileStays)
+TEST_F(StartDownloadDialogTest, TheShellReportsAnInstallerThatCannotBeStartedAndTheFileStays)
 {
     m_server.On("/setup.unopenable",
                 CServerScript().WaitFor(m_seenGate).Send(CHttpReply(200, "data").Bytes()));
@@ -93,7 +93,7 @@ TEST_F(StartDownloadDialogTest, LinkEndingInASlashShowsTheUnfilledMessageAndNoDi
     EXPECT_TRUE(Left().empty());
 }
 
-TEST_F(StartDownloadDialogTest, LinkThatIsNoUrlEndsTheDialogWithoutAWordThenSaysCanceled)
+TEST_F(StartDownloadDialogTest, LinkThatIsNoUrlEndsTheDialogSilentlyThenSaysCanceled)
 {
     m_user.AnswerBox(kUpdateCanceled);
     Download(L"nonsense/setup.orvatest");
@@ -202,7 +202,7 @@ TEST_F(StartDownloadDialogTest, ConnectionClosedWithoutAResponseSaysConnectError
     EXPECT_EQ(Left(), kEmptyFolderLeft);
 }
 
-TEST_F(StartDownloadDialogTest, WithoutContentLengthTheCaptionStaysTheTemplates)
+TEST_F(StartDownloadDialogTest, WithoutContentLengthTheCaptionStaysThatOfTheTemplate)
 {
     m_server.On(kInstallerPath,
                 CServerScript()

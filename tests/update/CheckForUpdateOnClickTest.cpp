@@ -67,7 +67,7 @@ TEST_F(CheckForUpdateOnClickTest, SessionThatCannotBeOpenedSaysConnectError)
     EXPECT_EQ(m_log.Texts()[m_log.Texts().size() - 2].substr(0, 36), "CButton::OnClick() Caught exception ");
 }
 
-TEST_F(CheckForUpdateOnClickTest, WithoutAnOwnerItSaysSoAllTheSame)
+TEST_F(CheckForUpdateOnClickTest, WithoutAnOwnerTheMessageIsShownWithoutOne)
 {
     Publish(R"({"x64": 1})");
     m_user.AnswerBox(kNotParsed).Start();
