@@ -11,7 +11,6 @@ namespace orva::test
 namespace
 {
 
-using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -16,7 +16,6 @@ namespace
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 
 constexpr char kCommand[] = "About the ORVA Connector...";

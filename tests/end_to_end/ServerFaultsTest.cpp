@@ -13,7 +13,6 @@ namespace orva::test
 namespace
 {
 
-using testing::AnyOf;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
