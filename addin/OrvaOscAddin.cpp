@@ -10,6 +10,7 @@
 COrvaOscAddinModule _AtlModule;
 
 // The module's MFC application object: dialogs get their owner from it, requests their agent.
+// NOLINTNEXTLINE(cert-err58-cpp): only for lack of memory, without which the DLL cannot be loaded anyway
 CWinApp g_application(L"OrvaOscAddin");
 
 namespace
