@@ -144,9 +144,8 @@ void SendByVerb(CHttpFile& file, int verb, const std::string& encodedParameters)
 }
 
 // Reads and decodes at most kMaximumBodyLength bytes of the body; the rest is not read.
-void ReadBody(CHttpFile& file, CHttpResponse& response)
+void ReadBody(CHttpFile& file, bool gzip, CHttpResponse& response)
 {
-    const bool gzip = IsGzip(file);
     auto buffer = std::make_unique_for_overwrite<char[]>(kMaximumBodyLength + 1);
     std::uint32_t length = 0;
     while (length < kMaximumBodyLength)
@@ -199,8 +198,9 @@ void Exchange(CInternetSession& session, const CrackedUrl& url, const std::strin
     std::string contentType;
     if (IsAccepted(status))
     {
+        const bool gzip = IsGzip(*file);
         contentType = QueryHeader(*file, HTTP_QUERY_CONTENT_TYPE);
-        ReadBody(*file, response);
+        ReadBody(*file, gzip, response);
     }
     file->Close();
     connection->Close();

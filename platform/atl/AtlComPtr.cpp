@@ -45,22 +45,4 @@ HRESULT AtlUnadvise(IUnknown* pUnkCP, const IID& iid, DWORD dw)
     return hr;
 }
 
-HRESULT CComPtr<IDispatch>::GetPropertyByName(LPCOLESTR lpsz, VARIANT* pVar)
-{
-    if (p == nullptr || pVar == nullptr)
-    {
-        return E_POINTER;
-    }
-    LPOLESTR name = const_cast<LPOLESTR>(lpsz);
-    DISPID id;
-    const HRESULT hr = p->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
-    if (FAILED(hr))
-    {
-        return hr;
-    }
-    DISPPARAMS noArguments = {nullptr, nullptr, 0, 0};
-    return p->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &noArguments, pVar, nullptr,
-                     nullptr);
-}
-
 } // namespace ATL

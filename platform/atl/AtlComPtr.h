@@ -138,27 +138,6 @@ public:
     }
 };
 
-/// A counted IDispatch with properties by name, read in the user's default locale.
-template <> class CComPtr<IDispatch> : public CComPtrBase<IDispatch>
-{
-public:
-    CComPtr() noexcept = default;
-    CComPtr(IDispatch* lp) noexcept : CComPtrBase<IDispatch>(lp) {}
-    CComPtr(const CComPtr& lp) noexcept : CComPtrBase<IDispatch>(lp.p) {}
-    CComPtr(CComPtr&& lp) noexcept { Swap(lp); }
-
-    IDispatch* operator=(IDispatch* lp) noexcept { return Assign(lp); }
-    IDispatch* operator=(const CComPtr& lp) noexcept { return this == &lp ? p : Assign(lp.p); }
-    IDispatch* operator=(CComPtr&& lp) noexcept
-    {
-        CComPtr(static_cast<CComPtr&&>(lp)).Swap(*this);
-        return p;
-    }
-
-    /// Reads a property; the caller clears *pVar. E_POINTER without an object.
-    HRESULT GetPropertyByName(LPCOLESTR lpsz, VARIANT* pVar);
-};
-
 /// A counted pointer that asks every object assigned to it for its own interface.
 template <class T, const IID* piid = &__uuidof(T)> class CComQIPtr : public CComPtr<T>
 {

@@ -275,7 +275,12 @@ TEST_F(AtlServerRegistration, TheModulesOwnLibraryNeedsNoRegistration)
     ASSERT_EQ(m_server.Create(CLSID_Counter, nullptr, IID_INamed, reinterpret_cast<void**>(&dispatch.p)),
               S_OK);
     CComVariant name;
-    ASSERT_EQ(dispatch.GetPropertyByName(L"Name", &name), S_OK);
+    DISPID dispid = 0;
+    ASSERT_EQ(IdOfName(dispatch, L"Name", dispid), S_OK);
+    DISPPARAMS none = {};
+    ASSERT_EQ(dispatch->Invoke(dispid, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &name,
+                               nullptr, nullptr),
+              S_OK);
     ASSERT_EQ(name.vt, VT_BSTR);
     EXPECT_STREQ(name.bstrVal, L"counter");
 }
