@@ -45,10 +45,9 @@ inline constexpr CImportedFunctions kImports[] = {
      "___lc_codepage_func ___mb_cur_max_func __iob_func __setusermatherr _amsg_exit _beginthreadex "
      "_close _close _errno _filelengthi64 _fileno _initterm _localtime64 _lock _mktemp _mktime64 _read "
      "_time64 _unlock _wcsicmp _wcsnicmp _write _wsopen _wtoi _wtol abort calloc fclose fflush fgetpos "
-     "fopen fputc fputs fputwc free fsetpos fwprintf fwrite islower isspace isupper iswctype iswdigit "
-     "iswspace localeconv malloc memchr memcmp memcpy memmove memset realloc setlocale strcmp strcoll "
-     "strerror strftime strlen strncmp strxfrm towlower towupper vfprintf wcscoll wcsftime wcslen "
-     "wcstoul wcsxfrm"},
+     "fopen fputc fputs fputwc free fsetpos fwprintf fwrite islower isspace isupper iswdigit iswspace "
+     "localeconv malloc memchr memcmp memcpy memmove memset realloc strcmp strerror strftime strlen "
+     "strncmp towlower vfprintf wcslen wcstoul"},
     {"OLE32.DLL",
      "CoCreateGuid CreateStreamOnHGlobal StringFromGUID2"},
     {"OLEAUT32.DLL",
@@ -70,8 +69,7 @@ inline constexpr CImportedFunctions kImports[] = {
      "ShowWindow TranslateMessage UpdateWindow ValidateRect"},
     {"WININET.DLL",
      "HttpAddRequestHeadersW HttpOpenRequestW HttpQueryInfoW HttpSendRequestW InternetCanonicalizeUrlW "
-     "InternetCloseHandle InternetConnectW InternetCrackUrlW InternetOpenW InternetReadFile "
-     "InternetSetOptionW InternetSetStatusCallbackW"},
+     "InternetCloseHandle InternetConnectW InternetCrackUrlW InternetOpenW InternetReadFile"},
 };
 // clang-format on
 
