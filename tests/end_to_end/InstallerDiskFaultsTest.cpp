@@ -162,25 +162,4 @@ TEST_P(InstallerDiskFaultsTest, AFileDeletedBeforeItsStartIsNotStarted)
     EXPECT_THAT(Observed().left, ElementsAre(L"osc??????\\"));
 }
 
-TEST_P(InstallerDiskFaultsTest, AFolderPlantedUnderAGuessedNameIsNotUsed)
-{
-    // A first run gives the name that the next process with the same id would choose.
-    Offer(CHttpReply(404));
-    ExpectDownloadDialog();
-    m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
-    RunBothChecks(GetParam());
-    const std::wstring first = ListFolder(m_temp.Path()).at(0);
-    const std::wstring planted = m_temp.Path() + L"\\" + first + L"setup.exe";
-    WriteFileBytes(planted, "planted");
-    DeleteLog();
-
-    Offer(CHttpReply(404));
-    ExpectDownloadDialog();
-    m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
-    Run(44, "FolderPlantedUnderAGuessedName");
-    EXPECT_EQ(ReadFileBytes(planted), "planted");
-    EXPECT_THAT(Observed().left,
-                UnorderedElementsAre(L"osc??????\\", L"osc??????\\", L"osc??????\\setup.exe"));
-}
-
 } // namespace orva::test

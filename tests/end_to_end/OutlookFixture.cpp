@@ -228,13 +228,20 @@ std::vector<std::string> OutlookFixture::Trace() const
 
 bool OutlookFixture::WaitForTrace(const std::string& part, int count) const
 {
-    return WaitUntil([&] {
-        const bool isRunning = m_outlook->IsRunning();
+    const auto isThere = [&] {
         const std::vector<std::string> lines = Trace();
-        return !isRunning || std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
-                                 return line.find(part) != std::string::npos;
-                             }) >= count;
+        return std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
+                   return line.find(part) != std::string::npos;
+               }) >= count;
+    };
+    bool found = false;
+    // Asked before the trace is read: what Outlook wrote before its end counts.
+    WaitUntil([&] {
+        const bool isRunning = m_outlook->IsRunning();
+        found = isThere();
+        return found || !isRunning;
     });
+    return found;
 }
 
 void OutlookFixture::OfferAndInstall(const std::string& link)

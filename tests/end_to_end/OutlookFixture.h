@@ -82,7 +82,7 @@ protected:
     HWND MainWindow() const;
     /// The host's trace without times.
     std::vector<std::string> Trace() const;
-    /// Waits until `count` lines hold this text, or Outlook has ended.
+    /// Waits until `count` lines hold this text. False if Outlook ends or the deadline passes before.
     bool WaitForTrace(const std::string& part, int count = 1) const;
 
     /// Publishes this text as the update file.

@@ -61,6 +61,12 @@ TEST_F(DisabledWindow, NoWindowIsNoError)
 
 TEST_F(DisabledWindow, AWindowThatIsDestroyedMeanwhileIsNoError)
 {
-    const CDisabledWindow disabled(m_window);
-    DestroyWindow(m_window);
+    SetLastError(ERROR_SUCCESS);
+    {
+        const CDisabledWindow disabled(m_window);
+        DestroyWindow(m_window);
+    }
+    // Nothing but the attempt to enable a window that is gone.
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_WINDOW_HANDLE));
+    EXPECT_FALSE(IsWindow(m_window));
 }
