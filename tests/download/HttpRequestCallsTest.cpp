@@ -63,6 +63,20 @@ TEST_F(HttpRequestCallsTest, GetMakesTheseCallsInThisOrderAndSetsNoOptions)
                     "InternetCloseHandle(connection)", "InternetCloseHandle(session)"));
 }
 
+// Each text is asked for twice, for its size and for itself; one that is not there once.
+TEST_F(HttpRequestCallsTest, QueriesStatusDateContentEncodingAndContentType)
+{
+    FetchUrl(kUrl);
+    EXPECT_THAT(Lines({"HttpQueryInfoW"}),
+                ElementsAre("HttpQueryInfoW(request, 19, 0 bytes) = error 122",
+                            "HttpQueryInfoW(request, 19, 8 bytes)",
+                            "HttpQueryInfoW(request, 9, 0 bytes) = error 122",
+                            "HttpQueryInfoW(request, 9, 60 bytes)",
+                            "HttpQueryInfoW(request, 29, 0 bytes) = error 12150",
+                            "HttpQueryInfoW(request, 1, 0 bytes) = error 122",
+                            "HttpQueryInfoW(request, 1, 22 bytes)"));
+}
+
 TEST_F(HttpRequestCallsTest, HttpsIsSecureAtItsOwnPort)
 {
     FetchUrl("https://www.orva.example/a");
