@@ -2,6 +2,8 @@
 // download: each call of the worker is held, the user acts, and the call goes on.
 #include "download/DownloadFixture.h"
 
+#include <algorithm>
+
 namespace orva::test
 {
 namespace
@@ -180,8 +182,12 @@ TEST_P(DownloadOrderTest, EndsAsItMust)
     const bool isStarted = end == GoneStarted || end == Whole;
     m_gates.Hold(phase.call, order.stage);
     m_gates.Hold(kMessage, CallStage::Before);
+    size_t writes = 0;
+    size_t reads = 0;
     Download([&] {
         ASSERT_TRUE(m_gates.WaitUntilHeld(phase.call, order.stage));
+        writes = Lines({"WriteFile"}).size();
+        reads = Lines({"InternetReadFile"}).size();
         Act(order.event);
         if (order.Interrupts())
         {
@@ -205,6 +211,12 @@ TEST_P(DownloadOrderTest, EndsAsItMust)
     ExpectShown(order.event != UserEvent::None ? Cancellation()
                 : end == Whole                 ? Installer()
                                                : ErrorAndCancellation());
+    if (order.event != UserEvent::None)
+    {
+        // A worker that does not look before its first read makes that one, and writes nothing any more.
+        EXPECT_LE(Lines({"InternetReadFile"}).size(), std::max(reads, size_t{1}));
+        EXPECT_EQ(Lines({"WriteFile"}).size(), writes);
+    }
     // A dialog that is destroyed has no last second.
     ASSERT_EQ(m_last.has_value(), order.event != UserEvent::Destroy);
     if (m_last)

@@ -67,14 +67,13 @@ TEST_F(HttpRequestCallsTest, GetMakesTheseCallsInThisOrderAndSetsNoOptions)
 TEST_F(HttpRequestCallsTest, QueriesStatusDateContentEncodingAndContentType)
 {
     FetchUrl(kUrl);
-    EXPECT_THAT(Lines({"HttpQueryInfoW"}),
-                ElementsAre("HttpQueryInfoW(request, 19, 0 bytes) = error 122",
-                            "HttpQueryInfoW(request, 19, 8 bytes)",
-                            "HttpQueryInfoW(request, 9, 0 bytes) = error 122",
-                            "HttpQueryInfoW(request, 9, 60 bytes)",
-                            "HttpQueryInfoW(request, 29, 0 bytes) = error 12150",
-                            "HttpQueryInfoW(request, 1, 0 bytes) = error 122",
-                            "HttpQueryInfoW(request, 1, 22 bytes)"));
+    EXPECT_THAT(Lines({"HttpQueryInfoW"}), ElementsAre("HttpQueryInfoW(request, 19, 0 bytes) = error 122",
+                                                       "HttpQueryInfoW(request, 19, 8 bytes)",
+                                                       "HttpQueryInfoW(request, 9, 0 bytes) = error 122",
+                                                       "HttpQueryInfoW(request, 9, 60 bytes)",
+                                                       "HttpQueryInfoW(request, 29, 0 bytes) = error 12150",
+                                                       "HttpQueryInfoW(request, 1, 0 bytes) = error 122",
+                                                       "HttpQueryInfoW(request, 1, 22 bytes)"));
 }
 
 TEST_F(HttpRequestCallsTest, HttpsIsSecureAtItsOwnPort)
