@@ -60,33 +60,4 @@ CRefusingPort::~CRefusingPort()
     closesocket(m_socket);
 }
 
-CUnansweringPort::CUnansweringPort()
-{
-    m_socket = BindLoopbackSocket(m_port);
-    listen(m_socket, 1);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(m_port);
-    // Non-blocking connects until the backlog is full; its length differs from system to system.
-    constexpr int kFillers = 16;
-    for (int i = 0; i < kFillers; ++i)
-    {
-        const SOCKET filler = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-        u_long nonBlocking = 1;
-        ioctlsocket(filler, static_cast<long>(FIONBIO), &nonBlocking);
-        static_cast<void>(connect(filler, reinterpret_cast<const sockaddr*>(&address), sizeof address));
-        m_fillers.push_back(filler);
-    }
-}
-
-CUnansweringPort::~CUnansweringPort()
-{
-    for (const auto filler : m_fillers)
-    {
-        closesocket(filler);
-    }
-    closesocket(m_socket);
-}
-
 } // namespace orva::test

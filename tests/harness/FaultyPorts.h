@@ -1,8 +1,6 @@
 // Ports of the loopback interface at which nobody answers.
 #pragma once
 
-#include <vector>
-
 namespace orva::test
 {
 
@@ -25,22 +23,6 @@ public:
 
 private:
     unsigned long long m_socket;
-    unsigned short m_port = 0;
-};
-
-/// A port of 127.0.0.1 whose backlog is full: connection attempts are neither accepted nor refused.
-class CUnansweringPort
-{
-public:
-    CUnansweringPort();
-    ~CUnansweringPort();
-    CUnansweringPort(const CUnansweringPort&) = delete;
-    CUnansweringPort& operator=(const CUnansweringPort&) = delete;
-    unsigned short Port() const { return m_port; }
-
-private:
-    unsigned long long m_socket;
-    std::vector<unsigned long long> m_fillers;
     unsigned short m_port = 0;
 };
 

@@ -331,27 +331,6 @@ TEST(LoopbackServerTest, ARefusingPortRefuses)
     EXPECT_FALSE(CClient(port.Port()).isConnected);
 }
 
-TEST(LoopbackServerTest, AnUnansweringPortNeitherAcceptsNorRefuses)
-{
-    const CUnansweringPort port;
-    const SOCKET client = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    u_long nonBlocking = 1;
-    ioctlsocket(client, static_cast<long>(FIONBIO), &nonBlocking);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(port.Port());
-    ASSERT_EQ(connect(client, reinterpret_cast<sockaddr*>(&address), sizeof address), SOCKET_ERROR);
-    fd_set writable, failed;
-    FD_ZERO(&writable);
-    FD_ZERO(&failed);
-    FD_SET(client, &writable);
-    FD_SET(client, &failed);
-    timeval wait = {0, 500'000};
-    EXPECT_EQ(select(0, nullptr, &writable, &failed, &wait), 0);
-    closesocket(client);
-}
-
 TEST(LoopbackServerTest, IsTheProxyOfEveryHost)
 {
     CLoopbackServer first;

@@ -1,101 +1,94 @@
-// The reply with the installer, cut off at each of its bytes: nothing hangs, and a file that is left holds
-// what has come.
+// The reply with the installer, cut off at the bytes of its head: what WinINet makes of that, and so the
+// download. Cuts in the body are tested in tests/download.
 #include "harness/Files.h"
 #include "harness/Report.h"
-#include "harness/Text.h"
 #include "harness/Watchdog.h"
 #include "ui/DownloadFixture.h"
-#include "ui/StartDownloadDialog.h"
 
-#include <algorithm>
-#include <map>
+#include <gmock/gmock.h>
 
 namespace orva::test
 {
 namespace
 {
 
-// For every byte of a reply; each download shows its last state for a second.
+using testing::ElementsAre;
+
+// For every byte of a head; each download shows its last state for a second.
 constexpr DWORD kDeadline = 15 * 60'000;
-// In the report behind the other faults of a download.
-constexpr int kFirstNumber = 201;
 
 class DownloadCutsTest : public CDownloadTest
 {
 protected:
     const CHttpReply m_reply{200, "0123456789"};
     const std::string m_bytes = m_reply.Bytes();
+    const size_t m_statusLineSize = m_bytes.find("\r\n") + 2;
+    COwnerWindow m_owner;
 
-    struct COutcome
+    // What is left of a download of the reply's first `size` bytes; absent for no file.
+    std::optional<std::string> Cut(size_t size)
     {
-        std::string shown;
-        std::string left;
-        bool isOwnerEnabled = false;
-        auto operator<=>(const COutcome&) const = default;
-    };
-
-    // One download of the reply's first `offset` bytes.
-    COutcome Cut(size_t offset)
-    {
-        NoteTestPart("cut after " + std::to_string(offset) + " bytes");
+        NoteTestPart("cut after " + std::to_string(size) + " bytes");
+        EnableWindow(m_owner.Handle(), TRUE);
         CGate gate;
-        m_server.On("/setup.bin", CServerScript().WaitFor(gate).Send(m_bytes.substr(0, offset)).Close());
-        DownloadWhateverComes(m_server.WideUrl("/setup.bin"), gate, m_owner.Handle());
+        m_server.On(kInstallerPath, CServerScript().WaitFor(gate).Send(m_bytes.substr(0, size)).Close());
+        DownloadWhateverComes(m_server.WideUrl(kInstallerPath), gate, m_owner.Handle());
+        EXPECT_TRUE(IsWindowEnabled(m_owner.Handle()));
 
-        COutcome outcome;
-        for (const CSeenWindow& seen : m_seen)
-        {
-            const bool isProgress = !seen.Control(kTimeLabel).empty();
-            outcome.shown += (outcome.shown.empty() ? "" : " / ") +
-                             (isProgress ? "(progress of the download)" : Utf8(seen.text));
-        }
+        std::optional<std::string> left;
         for (const std::wstring& path : ListFolder(m_temp.Path()))
         {
-            const auto bytes = ReadFileBytes(m_temp.Path() + L"\\" + path);
-            if (bytes)
+            if (path.ends_with(L"setup.orvatest"))
             {
-                const size_t head = m_reply.Head().size();
-                const size_t body = offset > head ? offset - head : 0;
-                EXPECT_EQ(*bytes, m_bytes.substr(head, body));
-                outcome.left = bytes->empty() ? "the empty file" : "what has come";
+                left = ReadFileBytes(m_temp.Path() + L"\\" + path);
+                EXPECT_TRUE(WaitForInstaller());
             }
         }
-        outcome.left = outcome.left.empty() ? "the empty folder" : outcome.left;
-        outcome.isOwnerEnabled = IsWindowEnabled(m_owner.Handle()) != FALSE;
-        EXPECT_TRUE(outcome.isOwnerEnabled);
         for (const std::wstring& path : ListFolder(m_temp.Path()))
         {
             RemovePath(m_temp.Path() + L"\\" + path);
         }
-        return outcome;
+        return left;
     }
 
-    COwnerWindow m_owner;
+    std::vector<std::wstring> TextsOfBoxes() const
+    {
+        std::vector<std::wstring> texts;
+        for (const CSeenWindow& seen : m_seen)
+        {
+            if (seen.caption == kProduct)
+            {
+                texts.push_back(seen.text);
+            }
+        }
+        return texts;
+    }
 };
 
-TEST_F(DownloadCutsTest, AReplyCutAtAnyByteEndsTheDownload)
+TEST_F(DownloadCutsTest, WithoutItsStatusLineAReplyIsAFailure)
 {
     SetTestDeadline(kDeadline);
-    EnableWindow(m_owner.Handle(), TRUE);
-    std::map<COutcome, std::vector<size_t>> outcomes;
-    const auto step = static_cast<size_t>(Repetitions(67, 1));
-    for (size_t offset = 0; offset <= m_bytes.size() && !HasFailure(); offset += step)
+    const auto step = static_cast<size_t>(Repetitions(static_cast<int>(m_statusLineSize) - 1, 1));
+    for (size_t size = 0; size < m_statusLineSize && !HasFailure(); size += step)
     {
-        outcomes[Cut(offset)].push_back(offset);
+        EXPECT_EQ(Cut(size), std::nullopt);
+        EXPECT_THAT(TextsOfBoxes(), ElementsAre(kConnectError, kUpdateCanceled));
     }
-    const COutcome again = Cut(m_bytes.size());
-    EXPECT_EQ(again.left, "what has come");
-    int number = kFirstNumber;
-    for (const auto& [outcome, offsets] : outcomes)
+}
+
+// WinINet takes the headers that have come, and the connection's end for the body's.
+TEST_F(DownloadCutsTest, WithItsStatusLineAReplyIsAFileWithWhatHasCome)
+{
+    SetTestDeadline(kDeadline);
+    const size_t headSize = m_reply.Head().size();
+    const auto step = static_cast<size_t>(Repetitions(static_cast<int>(headSize - m_statusLineSize), 1));
+    for (size_t size = m_statusLineSize; size <= headSize && !HasFailure(); size += step)
     {
-        AddReportRow("download-faults",
-                     {std::to_string(number++) + " cut at " + std::to_string(offsets.size()) +
-                          " of the bytes " + std::to_string(offsets.front()) + " to " +
-                          std::to_string(offsets.back()) + " of " + std::to_string(m_bytes.size()) +
-                          " (head: " + std::to_string(m_reply.Head().size()) + ")",
-                      "dialog alone", outcome.shown, "", outcome.left, outcome.isOwnerEnabled ? "yes" : "no",
-                      again.left == "what has come" ? "yes" : "no"});
+        EXPECT_EQ(Cut(size), "");
+        EXPECT_THAT(TextsOfBoxes(), ElementsAre());
     }
+    EXPECT_EQ(Cut(headSize + 5), "01234");
+    EXPECT_EQ(Cut(m_bytes.size()), "0123456789");
 }
 
 } // namespace
