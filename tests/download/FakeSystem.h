@@ -16,12 +16,10 @@ namespace orva::test
 /// the same gates as CFakeWinInet. What is not named here goes on to Windows unseen, as does everything when
 /// there is no object.
 ///
-/// - On the thread that opened the WinINet session: WriteFile, CloseHandle of a file and PostMessageW go on
-/// to
-///   Windows, even those that are scripted to fail; GetTickCount gives the times of `ticks`.
-/// - On the thread that made this object: Sleep returns at once. _beginthreadex can be made to fail.
-/// - MessageBoxW is answered with OK without being shown, unless `showsBoxes`. ShellExecuteExW starts
-/// nothing.
+/// - On the thread that opened the WinINet session, WriteFile, CloseHandle of a file and PostMessageW are
+///   passed on to Windows, even those that are scripted to fail; GetTickCount gives the times of `ticks`.
+/// - On the thread that made this object, Sleep returns at once. _beginthreadex can be made to fail.
+/// - MessageBoxW is answered with OK without being shown, unless `showsBoxes`. ShellExecuteExW does nothing.
 class CFakeSystem
 {
 public:
