@@ -1,7 +1,8 @@
 # Installs the packages that are missing and builds; shared by ./run and ./test, to be sourced by bash.
 #
 # install_packages [FILE...]        installs what tools/packages.txt, and these files, name and this machine has not.
-# configure_and_build [TARGET...]   builds preset release, or only these targets of it, into $build_dir.
+# configure_and_build [TARGET...]   builds preset release, or only these targets of it, into $build_dir. The array
+#                                   cmake_options has further options for configuring.
 # configure_and_build_checked       builds everything with run-time checks compiled in (preset checked) into $checked_dir.
 # shellcheck shell=bash
 
@@ -33,7 +34,7 @@ missing_packages() {
     done < <(grep -hv '^#' "$@")
 }
 
-# shellcheck disable=SC2120 # only ./bench/run needs more than the others
+# shellcheck disable=SC2120 # not everybody needs more than the others
 install_packages() {
     local packages apt log
     command -v apt-get >/dev/null || fail "this needs Debian 12 (the packages of tools/packages.txt)"
@@ -52,9 +53,11 @@ install_packages() {
         >"$log" 2>&1 </dev/null || { tail -n 40 "$log" >&2; fail "packages could not be installed"; }
 }
 
+cmake_options=()
+
 # shellcheck disable=SC2120 # ./test builds everything, ./run names targets
 configure_and_build() {
-    (cd "$repository" && cmake --preset release -B "$build_dir")
+    (cd "$repository" && cmake --preset release -B "$build_dir" "${cmake_options[@]}")
     cmake --build "$build_dir" ${1:+--target "$@"}
 }
 
