@@ -1,10 +1,25 @@
 #include "download/CallGates.h"
 
+#include "harness/Text.h"
+
 #include <algorithm>
 #include <chrono>
+#include <sstream>
 
 namespace orva::test
 {
+
+std::string ShowText(LPCWSTR text)
+{
+    return text != nullptr ? "\"" + Utf8(text) + "\"" : "null";
+}
+
+std::string ShowHex(ULONG_PTR number)
+{
+    std::ostringstream text;
+    text << "0x" << std::hex << std::uppercase << number;
+    return text.str();
+}
 
 void CCallGates::Hold(const CallId& call, CallStage stage)
 {

@@ -14,6 +14,10 @@
 namespace orva::test
 {
 
+/// How a text and a number stand in the record: in quotation marks, or "null", and "0x" with capitals.
+std::string ShowText(LPCWSTR text);
+std::string ShowHex(ULONG_PTR number);
+
 /// The `number`th call of a function, counted from 1.
 struct CallId
 {

@@ -1,7 +1,6 @@
 #include "download/FakeSystem.h"
 
 #include "fixture/UserTexts.h"
-#include "harness/Text.h"
 #include "ui/UpdateDownloadDlg.h"
 
 #include <process.h>
@@ -9,7 +8,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <sstream>
 
 namespace orva::test
 {
@@ -30,18 +28,6 @@ template <auto fake> auto Real(const wchar_t* module, const char* name)
             reinterpret_cast<void (*)()>(GetProcAddress(GetModuleHandleW(module), name)));
     }
     return s_function.load();
-}
-
-std::string Text(LPCWSTR text)
-{
-    return text != nullptr ? "\"" + Utf8(text) + "\"" : "null";
-}
-
-std::string Hex(ULONG number)
-{
-    std::ostringstream text;
-    text << "0x" << std::hex << std::uppercase << number;
-    return text.str();
 }
 
 } // namespace
@@ -175,7 +161,8 @@ struct CFakeSystem::Functions
             show();
             return button;
         }
-        Run("MessageBoxW", Name(owner) + ", " + Text(text) + ", " + Text(caption) + ", " + Hex(type),
+        Run("MessageBoxW",
+            Name(owner) + ", " + ShowText(text) + ", " + ShowText(caption) + ", " + ShowHex(type),
             [&] { return !g_system->showsBoxes || show(); });
         return button;
     }
@@ -187,9 +174,10 @@ struct CFakeSystem::Functions
             return Real<&Execute>(L"shell32.dll", "ShellExecuteExW")(info);
         }
         return Run("ShellExecuteExW",
-                   std::to_string(info->cbSize) + ", " + Hex(info->fMask) + ", " + Name(info->hwnd) + ", " +
-                       Text(info->lpVerb) + ", " + Text(info->lpFile) + ", " + Text(info->lpParameters) +
-                       ", " + Text(info->lpDirectory) + ", " + std::to_string(info->nShow),
+                   std::to_string(info->cbSize) + ", " + ShowHex(info->fMask) + ", " + Name(info->hwnd) +
+                       ", " + ShowText(info->lpVerb) + ", " + ShowText(info->lpFile) + ", " +
+                       ShowText(info->lpParameters) + ", " + ShowText(info->lpDirectory) + ", " +
+                       std::to_string(info->nShow),
                    [] { return true; });
     }
 };

@@ -1,7 +1,5 @@
 #include "download/FakeWinInet.h"
 
-#include "harness/Text.h"
-
 #include <algorithm>
 #include <cstring>
 #include <iomanip>
@@ -16,11 +14,6 @@ CFakeWinInet* g_fake = nullptr;
 // Numbers that neither are small nor look like an address.
 ULONG_PTR g_lastHandle = 0xCC0000;
 
-std::string Text(LPCWSTR text)
-{
-    return text != nullptr ? "\"" + Utf8(text) + "\"" : "null";
-}
-
 std::string Texts(LPCWSTR* texts)
 {
     if (texts == nullptr)
@@ -30,16 +23,9 @@ std::string Texts(LPCWSTR* texts)
     std::string list;
     for (; *texts != nullptr; ++texts)
     {
-        list += (list.empty() ? "" : ", ") + Text(*texts);
+        list += (list.empty() ? "" : ", ") + ShowText(*texts);
     }
     return "{" + list + "}";
-}
-
-std::string Hex(ULONG_PTR number)
-{
-    std::ostringstream text;
-    text << "0x" << std::hex << std::uppercase << number;
-    return text.str();
 }
 
 std::string Number(DWORD number)
@@ -158,30 +144,32 @@ struct CFakeWinInet::Functions
             g_fake->m_caller = GetCurrentThreadId();
         }
         return Make("InternetOpenW", Kind::None, Kind::Session, "session", nullptr,
-                    Text(agent) + ", " + Number(access) + ", " + Text(proxy) + ", " + Text(bypass) + ", " +
-                        Hex(flags));
+                    ShowText(agent) + ", " + Number(access) + ", " + ShowText(proxy) + ", " +
+                        ShowText(bypass) + ", " + ShowHex(flags));
     }
 
     static HINTERNET WINAPI Connect(HINTERNET session, LPCWSTR server, INTERNET_PORT port, LPCWSTR user,
                                     LPCWSTR password, DWORD service, DWORD flags, DWORD_PTR context)
     {
         return Make("InternetConnectW", Kind::Session, Kind::Connection, "connection", session,
-                    Text(server) + ", " + Number(port) + ", " + Text(user) + ", " + Text(password) + ", " +
-                        Number(service) + ", " + Hex(flags) + ", context " + Hex(context));
+                    ShowText(server) + ", " + Number(port) + ", " + ShowText(user) + ", " +
+                        ShowText(password) + ", " + Number(service) + ", " + ShowHex(flags) + ", context " +
+                        ShowHex(context));
     }
 
     static HINTERNET WINAPI OpenRequest(HINTERNET connection, LPCWSTR verb, LPCWSTR object, LPCWSTR version,
                                         LPCWSTR referrer, LPCWSTR* types, DWORD flags, DWORD_PTR context)
     {
         return Make("HttpOpenRequestW", Kind::Connection, Kind::Request, "request", connection,
-                    Text(verb) + ", " + Text(object) + ", " + Text(version) + ", " + Text(referrer) + ", " +
-                        Texts(types) + ", " + Hex(flags) + ", context " + Hex(context));
+                    ShowText(verb) + ", " + ShowText(object) + ", " + ShowText(version) + ", " +
+                        ShowText(referrer) + ", " + Texts(types) + ", " + ShowHex(flags) + ", context " +
+                        ShowHex(context));
     }
 
     static BOOL WINAPI AddHeaders(HINTERNET request, LPCWSTR text, DWORD length, DWORD modifiers)
     {
         return Succeeds(Run("HttpAddRequestHeadersW", Kind::Request, request,
-                            Text(text) + ", " + Number(length) + ", " + Hex(modifiers),
+                            ShowText(text) + ", " + Number(length) + ", " + ShowHex(modifiers),
                             [](CGatedCall&) { return 0; }));
     }
 
@@ -189,7 +177,7 @@ struct CFakeWinInet::Functions
                             DWORD optionalLength)
     {
         return Succeeds(Run("HttpSendRequestW", Kind::Request, request,
-                            Text(text) + ", " + Number(length) + ", " + Bytes(optional, optionalLength) +
+                            ShowText(text) + ", " + Number(length) + ", " + Bytes(optional, optionalLength) +
                                 ", " + Number(optionalLength),
                             [&](CGatedCall&) {
                                 g_fake->m_handles.at(request).isSent = true;

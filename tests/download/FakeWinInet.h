@@ -57,7 +57,9 @@ private:
 
     enum class Kind
     {
+        /// Of a call without a handle.
         None,
+        /// Of a call that looks at its handle itself.
         Any,
         Session,
         Connection,
