@@ -51,7 +51,7 @@ std::wstring ReadText(const std::wstring& path)
     {
         throw std::runtime_error("an update-information file");
     }
-    return test::Wide(*bytes);
+    return test::Widen(*bytes);
 }
 
 TimedWork Reading(const std::wstring& text)

@@ -59,7 +59,7 @@ void ClearApplicationName()
 }
 
 // Widens `text` with the thread's ANSI code page.
-std::wstring WidenAnsi(const std::string& text)
+std::wstring Widen(const std::string& text)
 {
     const int length = static_cast<int>(text.size());
     const int needed = MultiByteToWideChar(CP_THREAD_ACP, 0, text.data(), length, nullptr, 0);
@@ -79,7 +79,7 @@ std::optional<CrackedUrl> CrackUrl(const std::string& url)
     components.dwHostNameLength = kUrlPartCapacity;
     components.lpszUrlPath = path;
     components.dwUrlPathLength = kUrlPartCapacity;
-    if (!InternetCrackUrlW(WidenAnsi(url).c_str(), 0, ICU_ESCAPE, &components))
+    if (!InternetCrackUrlW(Widen(url).c_str(), 0, ICU_ESCAPE, &components))
     {
         return std::nullopt;
     }
@@ -129,7 +129,7 @@ void SendByVerb(CHttpFile& file, int verb, const std::string& encodedParameters)
     case CHttpConnection::HTTP_VERB_POST: {
         // As many bytes as the text has characters, so only the first half of its UTF-16 form. Kept on
         // purpose.
-        std::wstring body = WidenAnsi(encodedParameters);
+        std::wstring body = Widen(encodedParameters);
         file.SendRequest(kFormContentType.data(), static_cast<DWORD>(kFormContentType.size()), body.data(),
                          static_cast<DWORD>(body.size()));
         break;
@@ -182,10 +182,10 @@ void Exchange(CInternetSession& session, const CrackedUrl& url, const std::strin
     const DWORD secure = url.scheme == INTERNET_SCHEME_HTTPS ? INTERNET_FLAG_SECURE : 0;
 
     // With a question mark even if nothing follows it: the server expects it.
-    const std::wstring path = WidenAnsi(url.path + "?" + encodedParameters);
+    const std::wstring path = Widen(url.path + "?" + encodedParameters);
 
     const std::unique_ptr<CHttpConnection> connection(
-        session.GetHttpConnection(WidenAnsi(url.host).c_str(), url.port));
+        session.GetHttpConnection(Widen(url.host).c_str(), url.port));
     const std::unique_ptr<CHttpFile> file(connection->OpenRequest(verb, path.c_str(), nullptr, kContext,
                                                                   nullptr, nullptr, kRequestFlags | secure));
     file->AddRequestHeaders(kAcceptEncoding, HTTP_ADDREQ_FLAG_ADD_IF_NEW);

@@ -43,15 +43,15 @@ struct CTemplateHead
     short x, y;
 };
 
-// A window that is disabled for as long as the object lives, unless it was disabled already.
-class CDisabledWindow
+// Enables a window again when it is destroyed, or before.
+class CWindowEnabler
 {
 public:
-    // `isDisabledByUs`: the window was enabled until its caller disabled it.
-    CDisabledWindow(HWND window, bool isDisabledByUs) : m_window(isDisabledByUs ? window : nullptr) {}
-    ~CDisabledWindow() { Enable(); }
-    CDisabledWindow(const CDisabledWindow&) = delete;
-    CDisabledWindow& operator=(const CDisabledWindow&) = delete;
+    // `isDisabledByUs`: the window was enabled until the caller disabled it; any other is left alone.
+    CWindowEnabler(HWND window, bool isDisabledByUs) : m_window(isDisabledByUs ? window : nullptr) {}
+    ~CWindowEnabler() { Enable(); }
+    CWindowEnabler(const CWindowEnabler&) = delete;
+    CWindowEnabler& operator=(const CWindowEnabler&) = delete;
 
     void Enable()
     {
@@ -105,8 +105,8 @@ INT_PTR CDialog::DoModal()
 
     HWND topLevel = nullptr;
     const HWND owner = GetSafeOwner_(m_pParentWnd ? m_pParentWnd->m_hWnd : nullptr, &topLevel);
-    CDisabledWindow disabledTop(topLevel, topLevel != nullptr);
-    CDisabledWindow disabledOwner(owner, DisableWindow(owner));
+    CWindowEnabler topEnabler(topLevel, topLevel != nullptr);
+    CWindowEnabler ownerEnabler(owner, DisableWindow(owner));
 
     m_nModalResult = -1;
     m_bContinueModal = true; // OnInitDialog may clear it by EndDialog
@@ -117,8 +117,8 @@ INT_PTR CDialog::DoModal()
     m_bContinueModal = false;
 
     // Before the dialog goes: the system would otherwise activate another program's window.
-    disabledTop.Enable();
-    disabledOwner.Enable();
+    topEnabler.Enable();
+    ownerEnabler.Enable();
     if (owner && m_hWnd && ::GetActiveWindow() == m_hWnd)
     {
         SetActiveWindow(owner);

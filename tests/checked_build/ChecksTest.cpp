@@ -57,7 +57,7 @@ TEST_P(ChecksTest, EndTheProgramThat)
 {
     CChildProcess process(
         {.program = BuiltFile(kProgram),
-         .arguments = {L"--gtest_filter=Misuse." + Wide(GetParam().misuse), L"--gtest_catch_exceptions=0"},
+         .arguments = {L"--gtest_filter=Misuse." + Widen(GetParam().misuse), L"--gtest_catch_exceptions=0"},
          .environment = {{L"ORVA_HELPER", L"1"}}});
     EXPECT_EQ(process.WaitForExit(), GetParam().exitCode) << process.Output();
     EXPECT_THAT(process.Output(), HasSubstr(GetParam().said));

@@ -188,7 +188,7 @@ std::string CLoopbackServer::Url(const std::string& path) const
 
 std::wstring CLoopbackServer::WideUrl(const std::string& path) const
 {
-    return Wide(Url(path));
+    return Widen(Url(path));
 }
 
 void CLoopbackServer::On(const std::string& path, CServerScript script)

@@ -36,7 +36,7 @@ void AddReportRow(std::string_view table, const std::vector<std::string>& cells)
 
     CreateDirectoryW(L"report", nullptr);
     // Opened for appending and written with one call, so that rows of concurrent programs do not mix.
-    const std::wstring path = L"report\\" + Wide(table) + L".tsv";
+    const std::wstring path = L"report\\" + Widen(table) + L".tsv";
     const HANDLE file = CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                     nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (file == INVALID_HANDLE_VALUE)

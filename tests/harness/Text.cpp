@@ -20,7 +20,7 @@ std::string Utf8(std::wstring_view text)
     return result;
 }
 
-std::wstring Wide(std::string_view text)
+std::wstring Widen(std::string_view text)
 {
     if (text.empty())
     {

@@ -12,7 +12,7 @@ namespace orva::test
 std::string Utf8(std::wstring_view text);
 
 /// The UTF-8 text as UTF-16.
-std::wstring Wide(std::string_view text);
+std::wstring Widen(std::string_view text);
 
 /// The lines of a text, without their ends (CR LF or LF); a last line without an end counts as one.
 std::vector<std::string> SplitLines(std::string_view text);

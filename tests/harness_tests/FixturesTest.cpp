@@ -250,7 +250,7 @@ TEST(LogFileTest, ParsesLines)
 TEST(TextTest, ConvertsAndSplits)
 {
     EXPECT_EQ(Utf8(L"\u00e4\u20ac"), "\xc3\xa4\xe2\x82\xac");
-    EXPECT_EQ(Wide("\xc3\xa4\xe2\x82\xac"), L"\u00e4\u20ac");
+    EXPECT_EQ(Widen("\xc3\xa4\xe2\x82\xac"), L"\u00e4\u20ac");
     EXPECT_THAT(SplitLines("a\r\n\nb"), ElementsAre("a", "", "b"));
     EXPECT_THAT(SplitLines("a\n"), ElementsAre("a"));
     EXPECT_TRUE(SplitLines("").empty());

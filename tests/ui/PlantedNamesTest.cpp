@@ -74,7 +74,7 @@ bool MakeLink(const std::wstring& link, const std::wstring& target)
     }
     const auto pathOf = [&](const std::wstring& path) {
         char* const name = unixName(path.c_str());
-        std::wstring wide = name ? Wide(name) : L"";
+        std::wstring wide = name ? Widen(name) : L"";
         HeapFree(GetProcessHeap(), 0, name);
         return wide;
     };
