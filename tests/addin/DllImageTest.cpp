@@ -98,6 +98,9 @@ std::set<std::wstring> LoadedModules()
 
 TEST(DllImageTest, ImportsExactlyTheseFunctions)
 {
+#ifdef ORVA_CHECKED
+    GTEST_SKIP() << "The list is of the DLL that users get. The compiled-in checks import more.";
+#endif
     const CPeImage image = Image();
     std::set<std::string> imported;
     for (const auto& [dll, functions] : image.Imports())
