@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
+
 namespace orva::test
 {
 namespace
@@ -175,47 +177,43 @@ INSTANTIATE_TEST_SUITE_P(Events, DownloadErrorShownTest,
                          testing::Values(UserEvent::Cancel, UserEvent::Close, UserEvent::Destroy),
                          [](const auto& test) { return NameOf(test.param); });
 
-using DownloadTwoEventsTest = CFakeDownloadTest;
+class DownloadTwoEventsTest : public CFakeDownloadTest
+{
+protected:
+    // While the second read is pending, `act` sends the dialog two messages. Expects the end of one Cancel.
+    void ExpectTwoEventsCancelOnce(const std::function<void(HWND)>& act)
+    {
+        const CallId read{"InternetReadFile", 2};
+        m_gates.Hold(read, CallStage::Pending);
+        m_gates.Hold(kMessage, CallStage::Before);
+        Download([&] {
+            ASSERT_TRUE(m_gates.WaitUntilHeld(read, CallStage::Pending));
+            const HWND dialog = Dialog();
+            m_owner.Run([&] { act(dialog); });
+            ExpectWorkerComesToItsEnd();
+        });
+        EXPECT_EQ(FileLeft(), std::nullopt);
+        ExpectClosed({"request", "connection", "session"});
+        ExpectShown(Cancellation());
+        EXPECT_EQ(m_last->status, kCanceled);
+    }
+};
 
 TEST_F(DownloadTwoEventsTest, CloseAfterCancelChangesNothing)
 {
-    const CallId read{"InternetReadFile", 2};
-    m_gates.Hold(read, CallStage::Pending);
-    m_gates.Hold(kMessage, CallStage::Before);
-    Download([&] {
-        ASSERT_TRUE(m_gates.WaitUntilHeld(read, CallStage::Pending));
-        const HWND dialog = Dialog();
-        m_owner.Run([&] {
-            SendMessageW(GetDlgItem(dialog, IDCANCEL), BM_CLICK, 0, 0);
-            SendMessageW(dialog, WM_CLOSE, 0, 0);
-        });
-        ExpectWorkerComesToItsEnd();
+    ExpectTwoEventsCancelOnce([](HWND dialog) {
+        SendMessageW(GetDlgItem(dialog, IDCANCEL), BM_CLICK, 0, 0);
+        SendMessageW(dialog, WM_CLOSE, 0, 0);
     });
-    EXPECT_EQ(FileLeft(), std::nullopt);
-    ExpectClosed({"request", "connection", "session"});
-    ExpectShown(Cancellation());
-    EXPECT_EQ(m_last->status, kCanceled);
 }
 
 // The button is disabled then, but its command can be on its way.
 TEST_F(DownloadTwoEventsTest, CancelAfterCloseInterruptsTheRead)
 {
-    const CallId read{"InternetReadFile", 2};
-    m_gates.Hold(read, CallStage::Pending);
-    m_gates.Hold(kMessage, CallStage::Before);
-    Download([&] {
-        ASSERT_TRUE(m_gates.WaitUntilHeld(read, CallStage::Pending));
-        const HWND dialog = Dialog();
-        m_owner.Run([&] {
-            SendMessageW(dialog, WM_CLOSE, 0, 0);
-            SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
-        });
-        ExpectWorkerComesToItsEnd();
+    ExpectTwoEventsCancelOnce([](HWND dialog) {
+        SendMessageW(dialog, WM_CLOSE, 0, 0);
+        SendMessageW(dialog, WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED), 0);
     });
-    EXPECT_EQ(FileLeft(), std::nullopt);
-    ExpectClosed({"request", "connection", "session"});
-    ExpectShown(Cancellation());
-    EXPECT_EQ(m_last->status, kCanceled);
 }
 
 TEST_F(DownloadTwoEventsTest, CancelTwiceClosesEachHandleOnce)
