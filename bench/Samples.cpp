@@ -52,7 +52,20 @@ void AddPoint(const std::string& curve, double x, double value)
 
 double PrivateKib()
 {
-    return static_cast<double>(Memory().PagefileUsage) / kKib;
+    constexpr DWORD kWritable =
+        PAGE_READWRITE | PAGE_WRITECOPY | PAGE_EXECUTE_READWRITE | PAGE_EXECUTE_WRITECOPY;
+    SIZE_T bytes = 0;
+    MEMORY_BASIC_INFORMATION region{};
+    for (const char* address = nullptr; VirtualQuery(address, &region, sizeof region) != 0;
+         address = static_cast<const char*>(region.BaseAddress) + region.RegionSize)
+    {
+        const bool isWritableImage = region.Type == MEM_IMAGE && (region.Protect & kWritable) != 0;
+        if (region.State == MEM_COMMIT && (region.Type == MEM_PRIVATE || isWritableImage))
+        {
+            bytes += region.RegionSize;
+        }
+    }
+    return static_cast<double>(bytes) / kKib;
 }
 
 } // namespace orva::bench

@@ -17,7 +17,9 @@ void AddSample(const std::string& row, const char* variant, double value);
 /// of private memory so far.
 void AddPoint(const std::string& curve, double x, double value);
 
-/// Private memory of this process now, in KiB.
+/// Private memory of this process now, in KiB, as Windows charges it: private pages, and the writable pages
+/// of loaded images. Wine's own counter also has the read-only pages of an image whose sections do not begin
+/// at a page's border in the file, because it copies them; Windows maps them from the file in any case.
 double PrivateKib();
 
 } // namespace orva::bench
