@@ -56,7 +56,7 @@ run_thoroughly() {
         echo "The thorough run FAILED after $((SECONDS / 60)) minutes; docs/reliability.md stays as it was."
         exit 1
     fi
-    "$repository/tools/make-reliability" "$build_dir/report" "$(((SECONDS + 59) / 60))"
+    "$repository/tools/make-reliability" "$build_dir" "$(((SECONDS + 59) / 60))"
     echo "The thorough run passed after $((SECONDS / 60)) min $((SECONDS % 60)) s. docs/reliability.md is new."
     exit 0
 }
