@@ -73,35 +73,16 @@ TEST_F(BackstageTest, ShowsTextsLinksVersionAndButton)
     ExpectOutlookGoesOn();
 }
 
-TEST_F(BackstageTest, UpdateSaysThatTheInstalledVersionIsTheLatest)
-{
-    m_user.AnswerBox(kLatest);
-    StartWithBackstage();
-    CheckExplicitly();
-    ExpectOutlookGoesOn();
-}
-
 TEST_F(BackstageTest, UpdateOffersANewerBuildEachTimeItIsPressed)
 {
     Publish(NewerBuild(kInstallerUrl));
-    for (int time = 0; time < 2; ++time)
-    {
-        m_user.OnDialog(kOfferCaption, [](HWND offer) { EXPECT_TRUE(ClickButton(offer, kLaterButton)); });
-    }
+    ExpectOffer();
+    ExpectOffer();
     StartWithBackstage();
     CheckExplicitly(1);
     CheckExplicitly(2);
     ExpectOutlookGoesOn();
     EXPECT_EQ(m_server.Requests().size(), 2u);
-}
-
-TEST_F(BackstageTest, UpdateReportsABrokenFileTwice)
-{
-    Publish("<html>");
-    m_user.AnswerBox(kConnectError).AnswerBox(kNotParsed);
-    StartWithBackstage();
-    CheckExplicitly();
-    ExpectOutlookGoesOn();
 }
 
 TEST_F(BackstageTest, EachLinkOpensItsExactAddressInTheBrowser)
