@@ -14,6 +14,7 @@ namespace
 {
 
 using testing::Contains;
+using testing::IsSupersetOf;
 
 constexpr wchar_t kFileView[] = L"OrvaHostFileView";
 constexpr wchar_t kLink[] = L"OrvaHostLink";
@@ -59,7 +60,7 @@ protected:
     }
 };
 
-TEST_F(BackstageTest, ShowsTextsLinksVersionAndButton)
+TEST_F(BackstageTest, ShowsTextsPicturesLinksVersionAndButton)
 {
     OpenTab();
     ASSERT_EQ(Controls(kFileView).size(), 1u);
@@ -70,6 +71,8 @@ TEST_F(BackstageTest, ShowsTextsLinksVersionAndButton)
     {
         EXPECT_THAT(texts, Contains(std::wstring(text))) << Utf8(text);
     }
+    EXPECT_THAT(Trace(), IsSupersetOf({"Outlook: picture of OrvaLogo: 132 x 55, transparent",
+                                       "Outlook: picture of btnCheckUpdate: 36 x 36, transparent"}));
     ExpectOutlookGoesOn();
 }
 
