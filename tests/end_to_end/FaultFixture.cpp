@@ -29,7 +29,8 @@ std::wstring NameOf(const CSeenWindow& window)
     {
         return window.caption;
     }
-    return window.caption == kProduct ? window.text : window.caption + L": " + window.text;
+    return window.caption == kProduct || window.caption.empty() ? window.text
+                                                                : window.caption + L": " + window.text;
 }
 
 // On one line.

@@ -3,7 +3,6 @@
 #include "end_to_end/FaultFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
-#include "harness/Text.h"
 
 #include <cwchar>
 

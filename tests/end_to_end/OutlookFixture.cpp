@@ -3,7 +3,6 @@
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
 #include "harness/HostTrace.h"
-#include "harness/Text.h"
 #include "harness/Watchdog.h"
 #include "host/MainWindow.h"
 #include "host/StoredControls.h"

@@ -9,7 +9,6 @@
 #include "harness/ProcessRunner.h"
 #include "harness/ProxySetting.h"
 #include "harness/TempFolder.h"
-#include "harness/Text.h"
 #include "harness/UserScript.h"
 #include "outlook/AddInRegistration.h"
 

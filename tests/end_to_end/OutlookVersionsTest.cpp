@@ -2,8 +2,6 @@
 #include "end_to_end/OutlookFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
-#include "harness/Text.h"
-#include "harness/Watchdog.h"
 
 #include <algorithm>
 

@@ -4,6 +4,7 @@
 #include "end_to_end/FaultFixture.h"
 #include "end_to_end/Texts.h"
 #include "harness/Compression.h"
+#include "harness/Text.h"
 
 #include <wininet.h>
 

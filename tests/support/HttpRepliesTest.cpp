@@ -120,6 +120,7 @@ std::vector<CServed> ReadReplies()
         {"RedirectionToNonsense", CHttpReply(302).Header("Location", "http://["), "", kFailed},
         {"NotModified", CHttpReply(304), "", 304},
         {"PasswordWanted", CHttpReply(401, kText), "", 401},
+        {"Forbidden", CHttpReply(403, kText), "", 403},
         {"PasswordWantedByAProxy", CHttpReply(407, kText), "", 407},
         {"UnknownStatus", CHttpReply(999, kText), "", 999},
     };
