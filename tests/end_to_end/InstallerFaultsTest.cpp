@@ -92,7 +92,7 @@ protected:
     {
         wchar_t text[20] = L"";
         GetEnvironmentVariableW(L"ORVA_FILE_LIMIT", text, 20);
-        return std::wcstoul(text, nullptr, 10) * 1024;
+        return size_t{1024} * std::wcstoul(text, nullptr, 10);
     }
 
     const std::string m_bytes = std::string(5'000, 'x');
