@@ -3,6 +3,9 @@
 
 #include "update/UpdateFixture.h"
 
+#include <gmock/gmock.h>
+
+#include <ostream>
 #include <stdexcept>
 
 namespace orva::test
@@ -48,14 +51,9 @@ protected:
         return text;
     }
 
-    CUserScript& ExpectLater()
+    CUserScript& ExpectOffer(int button)
     {
-        return m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, kLaterButton); });
-    }
-
-    CUserScript& ExpectInstall()
-    {
-        return m_user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, kInstallButton); });
+        return m_user.OnDialog(kOfferCaption, [=](HWND dialog) { ClickButton(dialog, button); });
     }
 
     std::vector<CSeenWindow> m_seen;
@@ -73,13 +71,6 @@ TEST_F(UpdateCheckTest, RequestsTheFileOfTheServiceHostWithATrailingQuestionMark
     EXPECT_EQ(requests[0].authority.substr(0, 16), "www.orva.example");
 }
 
-TEST_F(UpdateCheckTest, EqualVersionShowsNothingSilentlyAndGivesFalse)
-{
-    Publish(UpdateInfo("1.2.0", ""));
-    EXPECT_FALSE(Check(true));
-    EXPECT_TRUE(m_seen.empty());
-}
-
 TEST_F(UpdateCheckTest, EqualVersionSaysLatestWhenAskedForWithATrailingBlank)
 {
     Publish(UpdateInfo("1.2.0", ""));
@@ -91,37 +82,22 @@ TEST_F(UpdateCheckTest, EqualVersionSaysLatestWhenAskedForWithATrailingBlank)
     EXPECT_EQ(m_seen[0].buttons.size(), 1u);
 }
 
-TEST_F(UpdateCheckTest, EqualVersionWritesTheseLinesAndNoOthers)
+TEST_F(UpdateCheckTest, EqualVersionShowsNothingSilentlyAndWritesTheseLines)
 {
     const std::string body = UpdateInfo("1.2.0", "");
     Publish(body);
     const CLogMark log;
     EXPECT_FALSE(Check(true));
-    const std::vector<std::string> expected{
-        "CheckForUpdate",
-        "CheckForUpdate() http://www.orva.example/downloads/outlook/UpdateInfo.txt ",
-        "CHttpRequest::PerformTextRequest",
-        "CHttpRequest::PerformTextRequest",
-        "CHttpRequest::PerformTextRequest",
-        "CHttpRequest::PerformTextRequest() response content lenght " + std::to_string(body.size()),
-        "CHttpRequest::PerformTextRequest() response httpStatus 200",
-        "CHttpRequest::PerformTextRequest() check for BOM ",
-        "CHttpRequest::PerformTextRequest() newContentLenght " + std::to_string(body.size()),
-        "CHttpRequest::PerformTextRequest() num_chars " + std::to_string(body.size() + 1),
-        "CHttpRequest::PerformTextRequest() ret " + std::to_string(body.size() + 1),
-        "CHttpRequest::PerformTextRequest() response " + body,
-        "CHttpRequest::PerformTextRequest() delete resp ",
-        "CHttpRequest::PerformTextRequest() deleted resp ",
-        "CheckForUpdate() TextRequest succeeded ",
-        "CheckForUpdate() " + body + " ",
-        "CheckForUpdate() parse json ",
-        "CheckJSONObject",
-        "CheckJSONObject",
-        "CheckForUpdate() majorVersion 1",
-        "CheckForUpdate() minorVersion 2",
-        "CheckForUpdate() buildNumber 0",
-    };
-    EXPECT_EQ(log.Texts(), expected);
+    EXPECT_TRUE(m_seen.empty());
+    std::vector<std::string> lines = log.Texts();
+    std::erase_if(lines, [](const std::string& line) { return line.starts_with("CHttpRequest::"); });
+    EXPECT_THAT(lines, testing::ElementsAre(
+                           "CheckForUpdate",
+                           "CheckForUpdate() http://www.orva.example/downloads/outlook/UpdateInfo.txt ",
+                           "CheckForUpdate() TextRequest succeeded ", "CheckForUpdate() " + body + " ",
+                           "CheckForUpdate() parse json ", "CheckJSONObject", "CheckJSONObject",
+                           "CheckForUpdate() majorVersion 1", "CheckForUpdate() minorVersion 2",
+                           "CheckForUpdate() buildNumber 0"));
 }
 
 TEST_F(UpdateCheckTest, ExplicitCheckWritesItsOwnEntryFirst)
@@ -155,7 +131,7 @@ TEST_F(UpdateCheckTest, NumbersAreTruncatedToTheirLow32Bits)
 TEST_F(UpdateCheckTest, NewerVersionIsOfferedAndLaterDownloadsNothingAndAsksNoMore)
 {
     Publish(OfferOf(kLaterLink));
-    ExpectLater();
+    ExpectOffer(kLaterButton);
     CheckExplicit();
     ASSERT_EQ(m_seen.size(), 1u);
     EXPECT_EQ(m_seen[0].Control(kAvailableText), L"Available version: 1.3.0");
@@ -172,18 +148,11 @@ TEST_F(UpdateCheckTest, EscapeInTheOfferDownloadsNothing)
     EXPECT_EQ(m_server.Requests().size(), 1u);
 }
 
-TEST_F(UpdateCheckTest, NewerVersionIsOfferedSilentlyToo)
-{
-    Publish(OfferOf(kLaterLink));
-    ExpectLater();
-    EXPECT_TRUE(Check(true));
-}
-
 TEST_F(UpdateCheckTest, DeclinedVersionIsOfferedAgainByTheNextCheckWhichFetchesAnew)
 {
     Publish(OfferOf(kLaterLink));
-    ExpectLater();
-    ExpectLater();
+    ExpectOffer(kLaterButton);
+    ExpectOffer(kLaterButton);
     m_user.Start();
     EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), true));
     EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), true));
@@ -195,7 +164,7 @@ TEST_F(UpdateCheckTest, InstallHandsTheLinkToTheDownload)
 {
     // A link without a file name is refused by the download with a message, before any window or request.
     Publish(OfferOf("nowhere"));
-    ExpectInstall();
+    ExpectOffer(kInstallButton);
     m_user.AnswerBox(kUrlNotParsed);
     const CLogMark log;
     EXPECT_TRUE(Check(true));
@@ -211,52 +180,77 @@ TEST_F(UpdateCheckTest, OtherMembersOfRootAndEntryAreIgnored)
     EXPECT_FALSE(Check(true));
 }
 
-TEST_F(UpdateCheckTest, MissingEntrySaysNotParsedWhenAskedForAndNothingSilently)
+/// A file that is no offer, and what the user reads in each mode.
+struct CNoOffer
 {
-    Publish(R"({"X64": {}})");
-    EXPECT_TRUE(Check(true));
-    EXPECT_TRUE(m_seen.empty());
-    CUserScript user;
-    user.AnswerBox(kNotParsed).Start();
-    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), false));
-    user.Finish();
+    const char* what;
+    CHttpReply reply;
+    std::vector<const wchar_t*> shownWhenAsked;
+    std::vector<const wchar_t*> shownSilently;
+    /// A line of the log.
+    const char* logged = "CheckJSONObject";
+};
+
+void PrintTo(const CNoOffer& file, std::ostream* stream)
+{
+    *stream << file.what;
 }
 
-TEST_F(UpdateCheckTest, NullEntryCountsAsMissing)
+class NoOfferTest : public UpdateCheckTest, public testing::WithParamInterface<CNoOffer>
 {
-    Publish(R"({"x64": null})");
-    m_user.AnswerBox(kNotParsed);
-    EXPECT_TRUE(Check(false));
+};
+
+TEST_P(NoOfferTest, ShowsThisInEachModeAndGivesTrue)
+{
+    Publish(GetParam().reply);
+    for (const bool silent : {true, false})
+    {
+        SCOPED_TRACE(silent);
+        for (const wchar_t* const text : silent ? GetParam().shownSilently : GetParam().shownWhenAsked)
+        {
+            m_user.AnswerBox(text);
+        }
+        const CLogMark log;
+        EXPECT_TRUE(Check(silent));
+        EXPECT_TRUE(log.Has(GetParam().logged));
+        // The line belongs to the end of every request, failed or not.
+        EXPECT_TRUE(log.Has("CheckForUpdate() TextRequest succeeded "));
+    }
 }
 
-TEST_F(UpdateCheckTest, NullRootSaysNotParsedWhenAskedFor)
+CHttpReply File(std::string body)
 {
-    Publish("null");
-    m_user.AnswerBox(kNotParsed);
-    EXPECT_TRUE(Check(false));
+    return CHttpReply(200, std::move(body));
 }
 
-TEST_F(UpdateCheckTest, NullRootSaysNothingSilently)
-{
-    Publish("null");
-    EXPECT_TRUE(Check(true));
-}
+constexpr char kEmptyLogged[] = "CheckForUpdate() inputData.length() == 0 ";
 
-TEST_F(UpdateCheckTest, HtmlPageSaysConnectErrorEvenSilently)
-{
-    Publish("<html><body>Not here</body></html>");
-    m_user.AnswerBox(kConnectError);
-    const CLogMark log;
-    EXPECT_TRUE(Check(true));
-    EXPECT_TRUE(log.Has("CheckForUpdate() exception thrown while parsing json "));
-}
-
-TEST_F(UpdateCheckTest, HtmlPageSaysConnectErrorThenNotParsedWhenAskedFor)
-{
-    Publish("<html><body>Not here</body></html>");
-    m_user.AnswerBox(kConnectError).AnswerBox(kNotParsed);
-    EXPECT_TRUE(Check(false));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Files, NoOfferTest,
+    testing::Values(
+        CNoOffer{"no entry", File(R"({"X64": {}})"), {kNotParsed}, {}},
+        CNoOffer{"null entry", File(R"({"x64": null})"), {kNotParsed}, {}},
+        CNoOffer{"null root", File("null"), {kNotParsed}, {}},
+        CNoOffer{"HTML page",
+                 File("<html><body>Not here</body></html>"),
+                 {kConnectError, kNotParsed},
+                 {kConnectError},
+                 "CheckForUpdate() exception thrown while parsing json "},
+        CNoOffer{"empty file", File(""), {kConnectError}, {}, kEmptyLogged},
+        CNoOffer{"failed request", CHttpReply(500, "broken"), {kConnectError}, {}, kEmptyLogged},
+        CNoOffer{"no link",
+                 File(UpdateInfo("1.2.1", R"(, "description": {"default": "text"})")),
+                 {kNotParsed},
+                 {}},
+        CNoOffer{"null link",
+                 File(UpdateInfo("1.2.1", R"(, "downloadLink": null, "description": {"default": "text"})")),
+                 {kNotParsed},
+                 {}},
+        CNoOffer{"no description",
+                 File(UpdateInfo("1.2.1", R"(, "downloadLink": "http://x/y")")),
+                 {kNotParsed},
+                 {},
+                 "DetermineUpdateDescription"}));
 
 TEST_F(UpdateCheckTest, TextCutAfterTheCompleteEntryIsReportedAndStillOffered)
 {
@@ -264,7 +258,7 @@ TEST_F(UpdateCheckTest, TextCutAfterTheCompleteEntryIsReportedAndStillOffered)
     body.pop_back();
     Publish(body);
     m_user.AnswerBox(kConnectError);
-    ExpectLater();
+    ExpectOffer(kLaterButton);
     EXPECT_TRUE(Check(true));
     ASSERT_EQ(m_seen.size(), 2u);
     EXPECT_EQ(m_seen[1].Control(kAvailableText), L"Available version: 1.3.0");
@@ -278,57 +272,6 @@ TEST_F(UpdateCheckTest, HundredsOfThousandsOfBracketsAreABrokenFileAndNoCrash)
     EXPECT_EQ(CheckRaises(true), "value type is 1 not 0");
 }
 
-TEST_F(UpdateCheckTest, EmptyBodySaysConnectErrorWhenAskedForAndNothingSilently)
-{
-    Publish("");
-    const CLogMark log;
-    EXPECT_TRUE(Check(true));
-    EXPECT_TRUE(m_seen.empty());
-    EXPECT_EQ(log.Texts().back(), "CheckForUpdate() inputData.length() == 0 ");
-    CUserScript user;
-    user.AnswerBox(kConnectError).Start();
-    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), false));
-    user.Finish();
-}
-
-TEST_F(UpdateCheckTest, FailedRequestIsAnEmptyText)
-{
-    Publish(CHttpReply(500, "broken"));
-    const CLogMark log;
-    EXPECT_TRUE(Check(true));
-    EXPECT_TRUE(log.Has("CHttpRequest::PerformTextRequest() response httpStatus 500"));
-    // The line belongs to the end of every request, failed or not.
-    EXPECT_TRUE(log.Has("CheckForUpdate() TextRequest succeeded "));
-    EXPECT_TRUE(log.Has("CheckForUpdate() inputData.length() == 0 "));
-}
-
-TEST_F(UpdateCheckTest, MissingLinkOfANewerBuildSaysNotParsedOnlyWhenAskedFor)
-{
-    Publish(UpdateInfo("1.2.1", R"(, "description": {"default": "text"})"));
-    EXPECT_TRUE(Check(true));
-    CUserScript user;
-    user.AnswerBox(kNotParsed).Start();
-    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), false));
-    user.Finish();
-}
-
-TEST_F(UpdateCheckTest, NullLinkOfANewerBuildCountsAsMissing)
-{
-    Publish(UpdateInfo("1.2.1", R"(, "downloadLink": null, "description": {"default": "text"})"));
-    m_user.AnswerBox(kNotParsed);
-    EXPECT_TRUE(Check(false));
-}
-
-TEST_F(UpdateCheckTest, MissingDescriptionOfANewerBuildSaysNotParsedOnlyWhenAskedFor)
-{
-    Publish(UpdateInfo("1.2.1", R"(, "downloadLink": "http://x/y")"));
-    EXPECT_TRUE(Check(true));
-    CUserScript user;
-    user.AnswerBox(kNotParsed).Start();
-    EXPECT_TRUE(CheckForUpdate(m_owner.Handle(), false));
-    EXPECT_EQ(user.Finish().size(), 1u);
-}
-
 TEST_F(UpdateCheckTest, EmptyTurkishDescriptionSaysNotParsedInTurkish)
 {
     const COfficeLanguage turkish(1055);
@@ -338,53 +281,31 @@ TEST_F(UpdateCheckTest, EmptyTurkishDescriptionSaysNotParsedInTurkish)
     EXPECT_TRUE(Check(false));
 }
 
-TEST_F(UpdateCheckTest, RootThatIsNoObjectRaisesTheTypeErrorAndShowsNothing)
+TEST_F(UpdateCheckTest, WrongTypesRaiseTheTypeErrorAndShowNothing)
 {
-    Publish("[]");
-    EXPECT_EQ(CheckRaises(false), "value type is 1 not 0");
-    EXPECT_TRUE(m_seen.empty());
-}
-
-TEST_F(UpdateCheckTest, EntryThatIsNoObjectRaisesTheTypeError)
-{
-    Publish(R"({"x64": "1.3.0"})");
-    EXPECT_EQ(CheckRaises(false), "value type is 2 not 0");
-}
-
-TEST_F(UpdateCheckTest, VersionGivenAsAStringRaisesTheTypeError)
-{
-    Publish(R"({"x64": {"majorVersion": "1", "minorVersion": 3, "buildNumber": 0}})");
-    EXPECT_EQ(CheckRaises(false), "value type is 2 not 4");
-}
-
-TEST_F(UpdateCheckTest, VersionGivenAsARealRaisesTheTypeError)
-{
-    Publish(R"({"x64": {"majorVersion": 1.0, "minorVersion": 3, "buildNumber": 0}})");
-    EXPECT_EQ(CheckRaises(false), "value type is 5 not 4");
-}
-
-TEST_F(UpdateCheckTest, MissingBuildNumberRaisesTheTypeErrorThoughTheMajorNumberDecides)
-{
-    Publish(R"({"x64": {"majorVersion": 2, "minorVersion": 0}})");
-    EXPECT_EQ(CheckRaises(true), "value type is 6 not 4");
+    const std::pair<const char*, const char*> files[] = {
+        {"[]", "value type is 1 not 0"},
+        {R"({"x64": "1.3.0"})", "value type is 2 not 0"},
+        {R"({"x64": {"majorVersion": "1", "minorVersion": 3, "buildNumber": 0}})", "value type is 2 not 4"},
+        {R"({"x64": {"majorVersion": 1.0, "minorVersion": 3, "buildNumber": 0}})", "value type is 5 not 4"},
+        // All three numbers are read, though the major number decides.
+        {R"({"x64": {"majorVersion": 2, "minorVersion": 0}})", "value type is 6 not 4"},
+    };
+    for (const auto& [file, text] : files)
+    {
+        Publish(file);
+        EXPECT_EQ(CheckRaises(false), text) << file;
+    }
 }
 
 TEST_F(UpdateCheckTest, LinkThatIsNoStringRaisesTheTypeErrorOnlyWhenItIsUsed)
 {
     Publish(UpdateInfo("1.3.0", R"(, "downloadLink": 7, "description": {"default": "text"})"));
-    ExpectLater();
+    ExpectOffer(kLaterButton);
     EXPECT_TRUE(Check(true));
 
-    CUserScript user;
-    user.OnDialog(kOfferCaption, [](HWND dialog) { ClickButton(dialog, kInstallButton); }).Start();
-    EXPECT_THROW(CheckForUpdate(m_owner.Handle(), true), std::runtime_error);
-    user.Finish();
-}
-
-TEST_F(UpdateCheckTest, ResponseWithoutDateRaisesOutOfRange)
-{
-    Publish(CHttpReply(200, UpdateInfo("1.2.0", "")).WithoutDate());
-    EXPECT_EQ(CheckRaises(true), "invalid vector<T> subscript");
+    ExpectOffer(kInstallButton);
+    EXPECT_EQ(CheckRaises(true), "value type is 4 not 2");
 }
 
 TEST_F(UpdateCheckTest, OwnerIsNeitherDisabledNorEnabledByTheCheckItself)
