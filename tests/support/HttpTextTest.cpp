@@ -1,15 +1,16 @@
 // How the text forms read a response: UTF-8, byte-order mark, gzip, bounds, and the lines of the log.
 #include "harness/Compression.h"
+#include "harness/Text.h"
 #include "support/HttpFixture.h"
 
 namespace
 {
 
 using namespace orva::test;
-using testing::ElementsAre;
 
 constexpr char kGzipMessage[] = "Could not decode gzip content\n";
 constexpr char kEntry[] = "CHttpRequest::PerformTextRequest";
+constexpr char kBomLine[] = "CHttpRequest::PerformTextRequest() check for BOM ";
 
 class HttpText : public HttpFixture
 {
@@ -28,9 +29,17 @@ protected:
     }
 };
 
-std::wstring Widened(const std::string& ascii)
+// The log's last lines of a body of `length` bytes with this text.
+std::vector<std::string> LinesOfText(size_t length, const std::string& text)
 {
-    return std::wstring(ascii.begin(), ascii.end());
+    const std::string form = std::string(kEntry) + "() ";
+    const std::string characters = std::to_string(text.size() + 1);
+    return {form + "newContentLenght " + std::to_string(length),
+            form + "num_chars " + characters,
+            form + "ret " + characters,
+            form + "response " + text,
+            form + "delete resp ",
+            form + "deleted resp "};
 }
 
 } // namespace
@@ -40,15 +49,10 @@ TEST_F(HttpText, TheShortestFormWritesItsEntryThreeTimes)
     m_server.On("/a", CHttpReply(200, "{}"));
     const CDebugOutput output;
     EXPECT_EQ(CHttpRequest::PerformTextRequest(m_server.Url("/a"), {}, kGet), L"{}");
-    EXPECT_THAT(output.Lines(), ElementsAre(kEntry, kEntry, kEntry,
+    const std::vector<std::string> first = {kEntry, kEntry, kEntry,
                                             "CHttpRequest::PerformTextRequest() response content lenght 2",
-                                            "CHttpRequest::PerformTextRequest() response httpStatus 200",
-                                            "CHttpRequest::PerformTextRequest() newContentLenght 2",
-                                            "CHttpRequest::PerformTextRequest() num_chars 3",
-                                            "CHttpRequest::PerformTextRequest() ret 3",
-                                            "CHttpRequest::PerformTextRequest() response {}",
-                                            "CHttpRequest::PerformTextRequest() delete resp ",
-                                            "CHttpRequest::PerformTextRequest() deleted resp "));
+                                            "CHttpRequest::PerformTextRequest() response httpStatus 200"};
+    EXPECT_EQ(output.Lines(), Joined(first, LinesOfText(2, "{}")));
 }
 
 TEST_F(HttpText, TheFormsWithOneResultMoreWriteItTwice)
@@ -77,32 +81,19 @@ TEST_F(HttpText, TheLongestFormWritesItOnceAndGivesDateAndStatus)
     EXPECT_EQ(fetched.status, 201u);
     EXPECT_EQ(fetched.date.tm_year, 111);
     EXPECT_EQ(fetched.date.tm_hour, 14);
-    EXPECT_EQ(fetched.lines, Lines(3, 201,
-                                   {"CHttpRequest::PerformTextRequest() check for BOM ",
-                                    "CHttpRequest::PerformTextRequest() newContentLenght 3",
-                                    "CHttpRequest::PerformTextRequest() num_chars 4",
-                                    "CHttpRequest::PerformTextRequest() ret 4",
-                                    "CHttpRequest::PerformTextRequest() response abc",
-                                    "CHttpRequest::PerformTextRequest() delete resp ",
-                                    "CHttpRequest::PerformTextRequest() deleted resp "}));
+    EXPECT_EQ(fetched.lines, Lines(3, 201, Joined({kBomLine}, LinesOfText(3, "abc"))));
 }
 
 TEST_F(HttpText, AnEmptyBodyIsAnEmptyText)
 {
-    const std::vector<std::string> rest = {"CHttpRequest::PerformTextRequest() newContentLenght 0",
-                                           "CHttpRequest::PerformTextRequest() num_chars 1",
-                                           "CHttpRequest::PerformTextRequest() ret 1",
-                                           "CHttpRequest::PerformTextRequest() response ",
-                                           "CHttpRequest::PerformTextRequest() delete resp ",
-                                           "CHttpRequest::PerformTextRequest() deleted resp "};
     const Fetched empty = Fetch(CHttpReply(200, ""));
     EXPECT_EQ(empty.text, L"");
-    EXPECT_EQ(empty.lines, Lines(0, 200, rest));
+    EXPECT_EQ(empty.lines, Lines(0, 200, LinesOfText(0, "")));
 
     const Fetched noContent = Fetch(CHttpReply(204));
     EXPECT_EQ(noContent.text, L"");
     EXPECT_EQ(noContent.status, 204u);
-    EXPECT_EQ(noContent.lines, Lines(0, 204, rest));
+    EXPECT_EQ(noContent.lines, Lines(0, 204, LinesOfText(0, "")));
 }
 
 TEST_F(HttpText, OtherStatusesGiveAnEmptyTextAndTheStatus)
@@ -121,14 +112,7 @@ TEST_F(HttpText, TheByteOrderMarkIsDropped)
 {
     const Fetched with = Fetch(CHttpReply(200, "\xEF\xBB\xBF{\"a\":1}"));
     EXPECT_EQ(with.text, L"{\"a\":1}");
-    EXPECT_EQ(with.lines, Lines(10, 200,
-                                {"CHttpRequest::PerformTextRequest() check for BOM ",
-                                 "CHttpRequest::PerformTextRequest() newContentLenght 7",
-                                 "CHttpRequest::PerformTextRequest() num_chars 8",
-                                 "CHttpRequest::PerformTextRequest() ret 8",
-                                 "CHttpRequest::PerformTextRequest() response {\"a\":1}",
-                                 "CHttpRequest::PerformTextRequest() delete resp ",
-                                 "CHttpRequest::PerformTextRequest() deleted resp "}));
+    EXPECT_EQ(with.lines, Lines(10, 200, Joined({kBomLine}, LinesOfText(7, "{\"a\":1}"))));
     EXPECT_EQ(TextOf("{\"a\":1}"), with.text);
     EXPECT_EQ(TextOf("\xEF\xBB\xBF"), L"");
     EXPECT_EQ(TextOf("\xEF\xBB\xBF\xEF\xBB\xBFx"), L"\xFEFFx");
@@ -136,10 +120,8 @@ TEST_F(HttpText, TheByteOrderMarkIsDropped)
 
 TEST_F(HttpText, ABodyOfTwoBytesIsNotCheckedForTheMark)
 {
-    EXPECT_THAT(Fetch(CHttpReply(200, "{}")).lines,
-                testing::Not(testing::Contains("CHttpRequest::PerformTextRequest() check for BOM ")));
-    EXPECT_THAT(Fetch(CHttpReply(200, "{} ")).lines,
-                testing::Contains("CHttpRequest::PerformTextRequest() check for BOM "));
+    EXPECT_THAT(Fetch(CHttpReply(200, "{}")).lines, testing::Not(testing::Contains(kBomLine)));
+    EXPECT_THAT(Fetch(CHttpReply(200, "{} ")).lines, testing::Contains(kBomLine));
 }
 
 TEST_F(HttpText, ReadsUtf8)
@@ -201,8 +183,8 @@ TEST_F(HttpText, OtherTypesAreReadAsUtf8)
 TEST_F(HttpText, ReadsABodyThatComesInPieces)
 {
     const std::string body(5'000, '{');
-    EXPECT_EQ(Fetch(CHttpReply(200, body).Chunked(700)).text, Widened(body));
-    EXPECT_EQ(Fetch(CHttpReply(200, body).Without("Content-Length")).text, Widened(body));
+    EXPECT_EQ(Fetch(CHttpReply(200, body).Chunked(700)).text, Widen(body));
+    EXPECT_EQ(Fetch(CHttpReply(200, body).Without("Content-Length")).text, Widen(body));
     EXPECT_EQ(Fetch(CServerScript().SendSlowly(CHttpReply(200, "{\"a\":1}").Bytes(), 9, 5).Close()).text,
               L"{\"a\":1}");
 }
@@ -214,7 +196,7 @@ TEST_F(HttpText, GzipBodiesAreInflatedWhateverTheCaseOfTheirCoding)
     {
         Fetched fetched;
         EXPECT_EQ(OutputOf(Coded(coding, GzipBytes(body)), fetched), "");
-        EXPECT_EQ(fetched.text, Widened(body)) << coding;
+        EXPECT_EQ(fetched.text, Widen(body)) << coding;
         EXPECT_EQ(fetched.lines[1], "CHttpRequest::PerformTextRequest() response content lenght 26");
     }
 }

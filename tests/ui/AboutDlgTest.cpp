@@ -13,12 +13,11 @@
 #include "harness/Text.h"
 #include "harness/UserScript.h"
 #include "res/resource.h"
+#include "ui/LocalizedResources.h"
 
 #include <gtest/gtest.h>
 
 #include <commctrl.h>
-
-#include <algorithm>
 
 namespace orva::test
 {
@@ -92,13 +91,10 @@ TEST_F(AboutDlgTest, EnglishTexts)
     {
         EXPECT_EQ(m_seen[0].Control(control), text);
     }
-    // Three paragraphs with an empty line between.
-    const std::wstring description = m_seen[0].Control(IDC_ABOUT_DESCRIPTION);
-    const size_t first = description.find(L"\n\n");
-    ASSERT_NE(first, std::wstring::npos);
-    const size_t second = description.find(L"\n\n", first + 2);
-    ASSERT_NE(second, std::wstring::npos);
-    EXPECT_EQ(description.find(L"\n\n", second + 2), std::wstring::npos);
+    const CLocalizedResources& resources = GetLocalizedResources();
+    EXPECT_STREQ(m_seen[0].Control(IDC_ABOUT_DESCRIPTION).c_str(),
+                 resources.LoadString(IDS_DESCRIPTION1) + L"\n\n" + resources.LoadString(IDS_DESCRIPTION2) +
+                     L"\n\n" + resources.LoadString(IDS_DESCRIPTION3));
 }
 
 TEST_F(AboutDlgTest, GermanTexts)

@@ -110,6 +110,21 @@ TEST_F(StartDownloadDialogTest, FolderThatCannotBeCreatedIsAFileThatCannotBeCrea
     EXPECT_EQ(ReadFileBytes(file), "kept");
 }
 
+BOOL WINAPI FindEveryNameTaken(LPCWSTR, LPSECURITY_ATTRIBUTES)
+{
+    SetLastError(ERROR_ALREADY_EXISTS);
+    return FALSE;
+}
+
+TEST_F(StartDownloadDialogTest, WithoutAFreeNameForTheFolderAMessageSaysSoAndNoDialogOpens)
+{
+    const CImportHook hook(GetModuleHandleW(nullptr), "KERNEL32.dll", "CreateDirectoryW",
+                           &FindEveryNameTaken);
+    m_user.AnswerBox(L"Temporary directory could not be created.");
+    DownloadInstaller();
+    EXPECT_TRUE(m_server.Requests().empty());
+}
+
 /// A server that does not deliver the installer.
 struct CFailure
 {
