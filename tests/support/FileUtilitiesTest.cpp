@@ -72,7 +72,8 @@ TEST(CreateDirectoriesForPath, FolderModeSaysWhetherThePathUpToItsLastBackslashE
 {
     const CTempFolder temp;
     WriteFileBytes(temp.File(L"file"), "x");
-    // The last folder cannot be made, as a file has its name; what counts is the folder above it.
+    // The last folder cannot be made; what counts is the one above it.
+    EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"a\\no*name"), false));
     EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"file"), false));
     EXPECT_FALSE(CreateDirectoriesForPath(temp.File(L"file\\a\\b"), false));
 }
