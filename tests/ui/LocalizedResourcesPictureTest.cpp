@@ -139,19 +139,15 @@ TEST_F(LocalizedResourcesPictureTest, TransparencyIsKeptOnATransparentBlackBackg
     EXPECT_EQ(pixels.at(27 * kWidth + 6), 0xFF1B5A9Du);
 }
 
-TEST_F(LocalizedResourcesPictureTest, ThePictureAnswersAsIDispatch)
+TEST_F(LocalizedResourcesPictureTest, ThePictureIsADispatchThatOwnsItsBitmap)
 {
     ComPtr<IPictureDisp> picture;
     ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
-    ComPtr<IDispatch> dispatch;
-    EXPECT_EQ(picture->QueryInterface(IID_PPV_ARGS(&dispatch)), S_OK);
-    EXPECT_EQ(static_cast<IUnknown*>(dispatch.Get()), static_cast<IUnknown*>(picture.Get()));
-}
-
-TEST_F(LocalizedResourcesPictureTest, ThePictureOwnsItsBitmap)
-{
-    ComPtr<IPictureDisp> picture;
-    ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
+    {
+        ComPtr<IDispatch> dispatch;
+        EXPECT_EQ(picture->QueryInterface(IID_PPV_ARGS(&dispatch)), S_OK);
+        EXPECT_EQ(static_cast<IUnknown*>(dispatch.Get()), static_cast<IUnknown*>(picture.Get()));
+    }
     const HBITMAP bitmap = HandleOf(picture.Get());
     EXPECT_EQ(GetObjectType(bitmap), static_cast<DWORD>(OBJ_BITMAP));
     picture.Reset();
