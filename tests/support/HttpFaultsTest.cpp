@@ -60,20 +60,6 @@ TEST_F(HttpFaults, AHostNameThatCannotBeResolvedFails)
     ExpectInternetError(FetchUrl("http://no..name/a"), ERROR_INTERNET_NAME_NOT_RESOLVED);
 }
 
-TEST_F(HttpFaults, AResetConnectionFails)
-{
-    try
-    {
-        ExpectInternetError(Fetch(CServerScript().Reset()), ERROR_INTERNET_CONNECTION_ABORTED);
-    }
-    catch (const std::out_of_range& error)
-    {
-        // On a loaded machine Wine now and then takes the reset for the orderly end of a response without a
-        // date.
-        EXPECT_STREQ(error.what(), kTooShort);
-    }
-}
-
 // WinINet on Windows ends such a request after a few redirections. Wine follows them without limit, so the
 // server stops after 30. Its last reply is late, which must not end the request.
 TEST_F(HttpFaults, RedirectionsHaveNoOtherBoundThanWinInets)
@@ -109,11 +95,4 @@ TEST_F(HttpFaults, AnExceptionLeavesNoConnectionOpen)
     const std::string head = CHttpReply(200).WithoutDate().ContentLength(1'000).Head();
     EXPECT_EQ(Exception(CServerScript().Send(head).Stall()), kTooShort);
     EXPECT_TRUE(m_server.WaitUntilIdle());
-}
-
-TEST_F(HttpFaults, AContentLengthThatIsTooSmallIsNoFailure)
-{
-    const Fetched fetched = Fetch(CHttpReply(200, "{\"a\":1}").ContentLength(3));
-    EXPECT_EQ(fetched.text.substr(0, 3), L"{\"a");
-    EXPECT_EQ(fetched.status, 200u);
 }
