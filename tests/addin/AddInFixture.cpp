@@ -24,6 +24,26 @@ constexpr const wchar_t* kTypeLibraryKeys[] = {
     L"Software\\Classes\\Interface\\{000C0351-0000-0000-C000-000000000046}",
 };
 
+// The host's type libraries, registered during its lifetime.
+class COfficeLibraries
+{
+public:
+    COfficeLibraries()
+    {
+        for (const wchar_t* const file :
+             {L"platform\\office\\AddInDesignerObjects.tlb", L"platform\\office\\Office.tlb"})
+        {
+            std::wstring path = BuiltFile(file);
+            ComPtr<ITypeLib> library;
+            EXPECT_EQ(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library), S_OK) << Utf8(path);
+            EXPECT_EQ(RegisterTypeLib(library.Get(), path.data(), nullptr), S_OK) << Utf8(path);
+        }
+    }
+
+private:
+    CBothHivesGuard m_keys{kTypeLibraryKeys};
+};
+
 // Switches the log on and registers the libraries and the add-in for the whole test program.
 class CMachine : public testing::Environment
 {
@@ -64,18 +84,6 @@ CAddInCopy::CAddInCopy(const std::string& before, const std::string& after)
     }
     bytes.replace(found, before.size(), after);
     WriteFileBytes(Path(), bytes);
-}
-
-COfficeLibraries::COfficeLibraries() : m_keys(kTypeLibraryKeys)
-{
-    for (const wchar_t* const file :
-         {L"platform\\office\\AddInDesignerObjects.tlb", L"platform\\office\\Office.tlb"})
-    {
-        std::wstring path = BuiltFile(file);
-        ComPtr<ITypeLib> library;
-        EXPECT_EQ(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library), S_OK) << Utf8(path);
-        EXPECT_EQ(RegisterTypeLib(library.Get(), path.data(), nullptr), S_OK) << Utf8(path);
-    }
 }
 
 CHostWindow::CHostWindow()
@@ -148,7 +156,7 @@ void CAddInTest::Create()
 
 HRESULT CAddInTest::Connect(const wchar_t* version, int mode)
 {
-    m_outlook = std::make_unique<CFakeOutlook>(version);
+    UseOutlook(version);
     Create();
     return ConnectTo(m_outlook->application.Get(), mode);
 }
@@ -156,6 +164,19 @@ HRESULT CAddInTest::Connect(const wchar_t* version, int mode)
 HRESULT CAddInTest::ConnectTo(IDispatch* application, int mode)
 {
     return ConnectAddIn(m_object.Get(), application, mode);
+}
+
+std::vector<std::string> CAddInTest::LinesOfConnecting(int mode)
+{
+    Create();
+    NewLogLines();
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), mode), S_OK);
+    return NewLogLines();
+}
+
+void CAddInTest::ExpectAbout()
+{
+    m_user.OnDialogWith(kAboutClose, [](HWND about) { EXPECT_TRUE(ClickButton(about, kAboutClose)); });
 }
 
 void CAddInTest::ReleaseAll()

@@ -47,16 +47,6 @@ private:
     CTempFolder m_folder;
 };
 
-/// The host's type libraries, registered for the test's lifetime.
-class COfficeLibraries
-{
-public:
-    COfficeLibraries();
-
-private:
-    CBothHivesGuard m_keys;
-};
-
 /// The host's main window. It records when it is enabled and disabled, and runs functions that are posted to
 /// it.
 class CHostWindow
@@ -92,10 +82,14 @@ protected:
     void LoadInstead(const std::wstring& path);
     /// Creates the add-in's object through its class object.
     void Create();
-    /// Creates the object and connects it to m_outlook; by default without a start-up check.
+    /// Makes m_outlook an Outlook of this version.
+    void UseOutlook(const wchar_t* version) { m_outlook = std::make_unique<CFakeOutlook>(version); }
+    /// Creates the object and connects it to a new m_outlook; by default without a start-up check.
     HRESULT Connect(const wchar_t* version, int mode = ext_cm_AfterStartup);
     /// Calls OnConnection of the created object with any application.
-    HRESULT ConnectTo(IDispatch* application, int mode);
+    HRESULT ConnectTo(IDispatch* application, int mode = ext_cm_AfterStartup);
+    /// Creates the object, connects it to m_outlook and returns the log's lines of the connection.
+    std::vector<std::string> LinesOfConnecting(int mode = ext_cm_AfterStartup);
     /// Releases the object, checks that the module can be unloaded, and unloads it.
     void ReleaseAll();
 
@@ -113,6 +107,8 @@ protected:
 
     /// The log's lines since the last call, or since the test began.
     std::vector<std::string> NewLogLines() { return m_log.NewLines(); }
+    /// Has the user close the About dialog.
+    void ExpectAbout();
     void Publish(const std::string& text) { m_server.On(kUpdateInfoPath, CHttpReply(200, text)); }
 
     CHostWindow m_host;

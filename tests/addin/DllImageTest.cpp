@@ -200,33 +200,6 @@ TEST(DllImageTest, CarriesExactlyItsResources)
                             "PNG 207", "PNG 208", "REGISTRY 101", "REGISTRY 106", "TYPELIB 1", "XML 203"));
 }
 
-TEST(DllImageTest, ItsVersionInformationSays1001)
-{
-    const std::wstring path = BuiltFile(kModuleName);
-    DWORD ignored = 0;
-    std::vector<BYTE> bytes(GetFileVersionInfoSizeW(path.c_str(), &ignored));
-    ASSERT_TRUE(GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(bytes.size()), bytes.data()));
-    void* value = nullptr;
-    UINT length = 0;
-    ASSERT_TRUE(VerQueryValueW(bytes.data(), L"\\", &value, &length));
-    const auto* const fixed = static_cast<const VS_FIXEDFILEINFO*>(value);
-    EXPECT_EQ(fixed->dwFileVersionMS, 0x00010000u);
-    EXPECT_EQ(fixed->dwFileVersionLS, 0x00000001u);
-    EXPECT_EQ(fixed->dwProductVersionMS, 0x00010000u);
-    EXPECT_EQ(fixed->dwProductVersionLS, 0x00000001u);
-
-    ASSERT_TRUE(VerQueryValueW(bytes.data(), L"\\VarFileInfo\\Translation", &value, &length));
-    const auto* const translation = static_cast<const WORD*>(value);
-    wchar_t block[64];
-    for (const wchar_t* const name : {L"InternalName", L"OriginalFilename"})
-    {
-        swprintf(block, std::size(block), L"\\StringFileInfo\\%04x%04x\\%ls", translation[0], translation[1],
-                 name);
-        ASSERT_TRUE(VerQueryValueW(bytes.data(), block, &value, &length)) << Utf8(block);
-        EXPECT_STREQ(static_cast<const wchar_t*>(value), kModuleName) << Utf8(block);
-    }
-}
-
 TEST(DllImageTest, LoadingRunsNoCodeThatLoadsLibrariesOrStartsThreads)
 {
     // What the loader itself brings for the imports is loaded first, so that only the DLL's own doing shows.
