@@ -73,16 +73,19 @@ testing::Environment* const g_machine = testing::AddGlobalTestEnvironment(new CM
 
 } // namespace
 
-CAddInCopy::CAddInCopy(const std::string& before, const std::string& after)
+CAddInCopy::CAddInCopy(const std::vector<std::pair<std::string, std::string>>& changes)
 {
     std::string bytes = ReadFileBytes(BuiltFile(kAddInModule)).value_or("");
-    const size_t found = bytes.find(before);
-    if (before.size() != after.size() || found == std::string::npos ||
-        bytes.find(before, found + 1) != std::string::npos)
+    for (const auto& [before, after] : changes)
     {
-        throw std::runtime_error("the DLL does not hold the bytes exactly once");
+        const size_t found = bytes.find(before);
+        if (before.size() != after.size() || found == std::string::npos ||
+            bytes.find(before, found + 1) != std::string::npos)
+        {
+            throw std::runtime_error("the DLL does not hold the bytes exactly once");
+        }
+        bytes.replace(found, before.size(), after);
     }
-    bytes.replace(found, before.size(), after);
     WriteFileBytes(Path(), bytes);
 }
 

@@ -24,6 +24,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orva::test
@@ -37,9 +38,9 @@ inline constexpr IID kConnectInterface = {
 class CAddInCopy
 {
 public:
-    /// Replaces `before` by `after`. Throws std::runtime_error unless both are equally long and `before`
-    /// occurs exactly once.
-    CAddInCopy(const std::string& before, const std::string& after);
+    /// Replaces the first bytes of each pair by the second. Throws std::runtime_error unless both are equally
+    /// long and the first occur exactly once.
+    explicit CAddInCopy(const std::vector<std::pair<std::string, std::string>>& changes);
 
     std::wstring Path() const { return m_folder.File(kAddInModule); }
 

@@ -127,7 +127,7 @@ TEST(DllImageTest, ImportsExactlyTheseFunctions)
     {
         EXPECT_TRUE(imported.contains(name)) << name << " is in the list and not imported";
     }
-    EXPECT_FALSE(image.HasDelayedImports());
+    EXPECT_EQ(image.Directory(IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT).Size, 0u);
 }
 
 TEST(DllImageTest, ExportsItsFiveEntryPointsWithOrdinals1To5)
@@ -145,12 +145,12 @@ TEST(DllImageTest, IsA64BitDllThatMayLieAnywhereAndWhoseDataDoesNotExecute)
     EXPECT_EQ(headers.FileHeader.Machine, IMAGE_FILE_MACHINE_AMD64);
     EXPECT_NE(headers.FileHeader.Characteristics & IMAGE_FILE_DLL, 0);
     EXPECT_EQ(headers.FileHeader.Characteristics & IMAGE_FILE_RELOCS_STRIPPED, 0);
-    EXPECT_NE(headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_BASERELOC].Size, 0u);
+    EXPECT_NE(image.Directory(IMAGE_DIRECTORY_ENTRY_BASERELOC).Size, 0u);
     const WORD flags = headers.OptionalHeader.DllCharacteristics;
     EXPECT_NE(flags & IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE, 0);
     EXPECT_NE(flags & IMAGE_DLLCHARACTERISTICS_HIGH_ENTROPY_VA, 0);
     EXPECT_NE(flags & IMAGE_DLLCHARACTERISTICS_NX_COMPAT, 0);
-    EXPECT_THAT(image.WritableCode(), IsEmpty());
+    EXPECT_THAT(image.Sections(IMAGE_SCN_MEM_WRITE | IMAGE_SCN_MEM_EXECUTE), IsEmpty());
 }
 
 TEST(DllImageTest, RunsOnWindowsVista)
@@ -169,7 +169,7 @@ TEST(DllImageTest, CarriesNoTimeOfItsBuild)
 
 TEST(DllImageTest, RunsNothingOfItsOwnForEachThread)
 {
-    EXPECT_LE(Image().TlsCallbacks().size(), kRuntimeTlsCallbacks);
+    EXPECT_LE(Image().CountTlsCallbacks(), kRuntimeTlsCallbacks);
 }
 
 #ifdef NDEBUG

@@ -3,6 +3,7 @@
 #include "harness/Files.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Text.h"
+#include "harness/Watchdog.h"
 
 #include <algorithm>
 #include <cstring>
@@ -16,6 +17,17 @@ namespace
 const std::pair<HKEY, const wchar_t*> kHives[] = {{HKEY_LOCAL_MACHINE, L"HKEY_LOCAL_MACHINE"},
                                                   {HKEY_CURRENT_USER, L"HKEY_CURRENT_USER"}};
 
+// In milliseconds. A hive is large, and the machine may be busy.
+constexpr DWORD kExportPatience = 120'000;
+
+void Replace(std::string& text, const std::string& part, const std::string& by)
+{
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + by.size()))
+    {
+        text.replace(at, part.size(), by);
+    }
+}
+
 std::wstring ReadUtf16(const std::wstring& file)
 {
     const std::string bytes = ReadFileBytes(file).value_or("");
@@ -28,18 +40,12 @@ std::wstring ReadUtf16(const std::wstring& file)
     return text;
 }
 
-void AddExport(CRegistryLines& lines, const std::wstring& key)
+// The lines of an export's text.
+void AddLines(CRegistryLines& lines, const std::string& text)
 {
-    const CTempFolder folder;
-    const std::wstring file = folder.File(L"export.reg");
-    const CProcessResult result = RunProcess(L"reg.exe", {L"export", key, file, L"/y"});
-    if (result.exitCode != 0)
-    {
-        throw std::runtime_error("reg.exe does not export " + Utf8(key) + ": " + result.output);
-    }
     std::string at;
     std::string line;
-    for (const std::string& part : SplitLines(Utf8(ReadUtf16(file))))
+    for (const std::string& part : SplitLines(text))
     {
         line += part;
         if (line.ends_with('\\') && !line.starts_with('['))
@@ -52,10 +58,7 @@ void AddExport(CRegistryLines& lines, const std::wstring& key)
         {
             at = line.find("Wow6432Node") == std::string::npos ? line : "";
             // Wine writes this key's name otherwise.
-            if (const size_t list = at.find("\\Classes\\Typelib\\"); list != std::string::npos)
-            {
-                at.replace(list, std::strlen("\\Classes\\Typelib"), "\\Classes\\TypeLib");
-            }
+            Replace(at, "\\Classes\\Typelib\\", "\\Classes\\TypeLib\\");
             line.clear();
         }
         if (!at.empty())
@@ -66,32 +69,86 @@ void AddExport(CRegistryLines& lines, const std::wstring& key)
     }
 }
 
-// "[KEY]", and "[KEY] NAME=DATA" for each value.
-void AddKey(std::vector<std::string>& lines, const std::string& key,
-            std::initializer_list<std::string> values = {})
+void AddExport(CRegistryLines& lines, const std::wstring& key)
 {
-    lines.push_back("[" + key + "]");
-    for (const std::string& value : values)
+    const CTempFolder folder;
+    const std::wstring file = folder.File(L"export.reg");
+    const CProcessResult result = RunProcess(L"reg.exe", {L"export", key, file, L"/y"}, kExportPatience);
+    if (result.exitCode != 0)
     {
-        lines.push_back("[" + key + "] " + value);
+        throw std::runtime_error("reg.exe does not export " + Utf8(key) + ": " + result.output);
     }
+    AddLines(lines, Utf8(ReadUtf16(file)));
 }
 
-// The DLL's path as an export shows it.
-std::string EscapedPath()
+// Exports as they should be. HIVE and MODULE stand for a hive and the DLL's path.
+constexpr char kList[] = R"(
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Office]
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Office\Outlook]
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Office\Outlook\Addins]
+)";
+
+constexpr char kEntry[] = R"(
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Office\Outlook\Addins\OrvaOscAddin.Connect]
+"Description"="ORVA Connector"
+"FriendlyName"="ORVA Connector"
+"LoadBehavior"=dword:00000003
+)";
+
+constexpr char kClass[] = R"(
+[HIVE\Software\Classes\OrvaOscAddin.Connect.1]
+@="Connect Class"
+[HIVE\Software\Classes\OrvaOscAddin.Connect.1\CLSID]
+@="{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}"
+[HIVE\Software\Classes\OrvaOscAddin.Connect]
+@="Connect Class"
+[HIVE\Software\Classes\OrvaOscAddin.Connect\CurVer]
+@="OrvaOscAddin.Connect.1"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}]
+@="Connect Class"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\ProgID]
+@="OrvaOscAddin.Connect.1"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\VersionIndependentProgID]
+@="OrvaOscAddin.Connect"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\Programmable]
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\InprocServer32]
+@="MODULE"
+"ThreadingModel"="Apartment"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\TypeLib]
+@="{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\Version]
+@="1.0"
+)";
+
+constexpr char kLibrary[] = R"(
+[HIVE\Software\Classes\TypeLib\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}\1.0]
+@="OrvaOscAddin 1.0 Type Library"
+[HIVE\Software\Classes\TypeLib\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}\1.0\0\win64]
+@="MODULE"
+[HIVE\Software\Classes\Interface\{CE895442-9981-4315-AA85-4B9A5C7739D8}]
+@="IRibbonCallback"
+[HIVE\Software\Classes\Interface\{CE895442-9981-4315-AA85-4B9A5C7739D8}\TypeLib]
+@="{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"
+"Version"="1.0"
+)";
+
+std::vector<std::string> LinesOf(std::string text, const std::string& hive = "")
 {
-    std::string escaped;
-    for (const char c : Utf8(BuiltFile(kAddInModule)))
-    {
-        escaped += c == '\\' ? "\\\\" : std::string(1, c);
-    }
-    return escaped;
+    // An export doubles the backslashes of a value.
+    std::string module = Utf8(BuiltFile(kAddInModule));
+    Replace(module, "\\", "\\\\");
+    Replace(text, "HIVE", hive);
+    Replace(text, "MODULE", module);
+    CRegistryLines lines;
+    AddLines(lines, text);
+    return {lines.begin(), lines.end()};
 }
 
 } // namespace
 
 CRegistryLines ExportRegistry()
 {
+    SetTestDeadline(2 * kExportPatience);
     CRegistryLines lines;
     for (const auto& [root, hive] : kHives)
     {
@@ -109,55 +166,22 @@ std::vector<std::string> Missing(const CRegistryLines& from, const CRegistryLine
 
 std::vector<std::string> ListLines()
 {
-    std::vector<std::string> lines;
-    AddKey(lines, "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Office");
-    AddKey(lines, "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Office\\Outlook");
-    AddKey(lines, "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Office\\Outlook\\Addins");
-    return lines;
+    return LinesOf(kList);
 }
 
 std::vector<std::string> EntryLines()
 {
-    std::vector<std::string> lines = ListLines();
-    AddKey(lines, "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Office\\Outlook\\Addins\\OrvaOscAddin.Connect",
-           {R"("Description"="ORVA Connector")", R"("FriendlyName"="ORVA Connector")",
-            R"("LoadBehavior"=dword:00000003)"});
-    return lines;
+    return Joined(ListLines(), LinesOf(kEntry));
 }
 
 std::vector<std::string> ClassLines(const std::string& hive)
 {
-    const std::string classes = hive + "\\Software\\Classes\\";
-    const std::string id = "{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}";
-    const std::string key = classes + "CLSID\\" + id;
-    std::vector<std::string> lines;
-    AddKey(lines, classes + "OrvaOscAddin.Connect.1", {R"(@="Connect Class")"});
-    AddKey(lines, classes + "OrvaOscAddin.Connect.1\\CLSID", {"@=\"" + id + "\""});
-    AddKey(lines, classes + "OrvaOscAddin.Connect", {R"(@="Connect Class")"});
-    AddKey(lines, classes + "OrvaOscAddin.Connect\\CurVer", {R"(@="OrvaOscAddin.Connect.1")"});
-    AddKey(lines, key, {R"(@="Connect Class")"});
-    AddKey(lines, key + "\\ProgID", {R"(@="OrvaOscAddin.Connect.1")"});
-    AddKey(lines, key + "\\VersionIndependentProgID", {R"(@="OrvaOscAddin.Connect")"});
-    AddKey(lines, key + "\\Programmable");
-    AddKey(lines, key + "\\InprocServer32",
-           {"@=\"" + EscapedPath() + "\"", R"("ThreadingModel"="Apartment")"});
-    AddKey(lines, key + "\\TypeLib", {R"(@="{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}")"});
-    AddKey(lines, key + "\\Version", {R"(@="1.0")"});
-    return lines;
+    return LinesOf(kClass, hive);
 }
 
 std::vector<std::string> LibraryLines(const std::string& hive)
 {
-    const std::string id = "{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}";
-    const std::string library = hive + "\\Software\\Classes\\TypeLib\\" + id + "\\1.0";
-    const std::string callback =
-        hive + "\\Software\\Classes\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}";
-    std::vector<std::string> lines;
-    AddKey(lines, library, {R"(@="OrvaOscAddin 1.0 Type Library")"});
-    AddKey(lines, library + "\\0\\win64", {"@=\"" + EscapedPath() + "\""});
-    AddKey(lines, callback, {R"(@="IRibbonCallback")"});
-    AddKey(lines, callback + "\\TypeLib", {"@=\"" + id + "\"", R"("Version"="1.0")"});
-    return lines;
+    return LinesOf(kLibrary, hive);
 }
 
 bool IsOfLibrary(const std::string& line)

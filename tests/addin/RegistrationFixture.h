@@ -14,8 +14,8 @@ namespace orva::test
 /// Keys and values, each as one line with its whole path: "[KEY]" and "[KEY] NAME=DATA".
 using CRegistryLines = std::set<std::string>;
 
-/// Both hives' software as reg.exe exports it, which takes its time. Without the 32-bit view, which the
-/// system maintains. Throws std::runtime_error if reg.exe fails.
+/// Both hives' software as reg.exe exports it, which takes so long that the test's deadline is put off.
+/// Without the 32-bit view, which the system maintains. Throws std::runtime_error if reg.exe fails.
 CRegistryLines ExportRegistry();
 
 /// The lines that are in `in` and not in `from`.

@@ -1,7 +1,8 @@
 // A registration, or its end, that fails half-way: what it returns, what is rolled back and what is left.
-#include "addin/LockedKey.h"
 #include "addin/RegistrationFixture.h"
 #include "harness/Text.h"
+
+#include <sddl.h>
 
 namespace orva::test
 {
@@ -16,6 +17,39 @@ constexpr HRESULT kAccessDenied = static_cast<HRESULT>(0x80070005);
 
 constexpr wchar_t kLibraryVersion[] =
     L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}\\1.0";
+
+// A key that refuses everything during its lifetime. It is created if missing, and stays.
+class CLockedKey
+{
+public:
+    CLockedKey(HKEY root, const wchar_t* path)
+    {
+        EXPECT_EQ(RegCreateKeyExW(root, path, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_key, nullptr),
+                  ERROR_SUCCESS);
+        // No access for anyone through a handle that is opened from now on.
+        SetAccess(L"D:P(D;;KA;;;WD)");
+    }
+    ~CLockedKey()
+    {
+        // The handle was opened before the key was locked and still has all rights.
+        SetAccess(L"D:P(A;;KA;;;WD)");
+        RegCloseKey(m_key);
+    }
+    CLockedKey(const CLockedKey&) = delete;
+    CLockedKey& operator=(const CLockedKey&) = delete;
+
+private:
+    void SetAccess(const wchar_t* descriptor)
+    {
+        PSECURITY_DESCRIPTOR security = nullptr;
+        ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(descriptor, SDDL_REVISION_1,
+                                                                         &security, nullptr));
+        EXPECT_EQ(RegSetKeySecurity(m_key, DACL_SECURITY_INFORMATION, security), ERROR_SUCCESS);
+        LocalFree(security);
+    }
+
+    HKEY m_key = nullptr;
+};
 
 using Parts = std::vector<std::string>;
 
@@ -137,7 +171,7 @@ TEST_F(RegistrationRollbackTest, AFailureHalfwayThroughTheClassLeavesNothingButT
 TEST_F(RegistrationRollbackTest, AMissingTypeLibraryRollsBackTheClassButNotTheEntry)
 {
     const std::string head("MSFT\x02\x00\x01\x00", 8);
-    const CAddInCopy copy(head, std::string(head.size(), 'x'));
+    const CAddInCopy copy({{head, std::string(head.size(), 'x')}});
     Load(copy.Path());
     EXPECT_EQ(m_module->Install(TRUE, nullptr), TYPE_E_CANTLOADLIBRARY);
     EXPECT_THAT(RegisteredParts(), ElementsAre("entry"));

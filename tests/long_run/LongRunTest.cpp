@@ -278,7 +278,7 @@ TEST_F(LongRunTest, MarkupAndPicturesLeaveNothing)
 TEST_F(LongRunTest, APictureThatIsMissingLeavesOneStartOfGdiPlusEachTimeAndNothingElse)
 {
     // The name of the pictures' resource type, after its length.
-    const CAddInCopy copy(std::string("\x03\0P\0N\0G\0", 8), std::string("\x03\0X\0N\0G\0", 8));
+    const CAddInCopy copy({{std::string("\x03\0P\0N\0G\0", 8), std::string("\x03\0X\0N\0G\0", 8)}});
     LoadAndWatch(copy.Path());
     const int count = Repetitions(20, 1000);
     const ComPtr<CFakeObject> control = new CFakeObject(m_outlook.record, "control", {});
