@@ -36,10 +36,11 @@ void AddBeyondTheLargestInteger()
     g_result = g_largest + 1;
 }
 
-__attribute__((noinline)) void OverwriteTheReturnAddress()
+// Overwrites what guards the return address, and not that itself, so that the crash can be reported.
+__attribute__((noinline)) void OverwriteTheStack()
 {
     char text[16] = "";
-    Overrun(text, 64);
+    Overrun(text, 2 * sizeof text);
     g_result = text[0];
 }
 
@@ -62,7 +63,7 @@ constexpr char kTrapped[] = "exception 0xc000001d at test_checked_build.exe+0x";
 
 const CMisuse kMisuses[] = {
     {"undefined", &AddBeyondTheLargestInteger, kCrashExitCode, kTrapped},
-    {"stack", &OverwriteTheReturnAddress, kCrashExitCode, kTrapped},
+    {"stack", &OverwriteTheStack, kCrashExitCode, kTrapped},
     {"library", &ReadAVectorBeyondItsEnd, kAborted, "__n < this->size()"},
 };
 
