@@ -155,46 +155,4 @@ TEST(MfcModuleState, ApplicationObjectIsItsModulesWhileItLives)
     EXPECT_EQ(nullptr, AfxGetAppName());
 }
 
-// A DLL with a class library of its own.
-class MfcModuleOfADll : public testing::Test
-{
-protected:
-    MfcModuleOfADll() : m_module(LoadLibraryW(L"orva_test_module.dll"))
-    {
-        EXPECT_TRUE(m_module) << GetLastError();
-    }
-    ~MfcModuleOfADll() override { FreeLibrary(m_module); }
-
-    template <class Function> Function* Entry(const char* name) const
-    {
-        // By way of the one type that the compiler lets every function be cast to and from.
-        return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(GetProcAddress(m_module, name)));
-    }
-
-    HMODULE m_module;
-};
-
-TEST_F(MfcModuleOfADll, InstanceAndNameAreTheDllsOwn)
-{
-    EXPECT_EQ(m_module, Entry<HINSTANCE()>("ModuleInstance")());
-    EXPECT_STREQ(L"orva_test_module", Entry<const wchar_t*()>("ModuleName")());
-}
-
-TEST_F(MfcModuleOfADll, DialogsComeFromItsOwnResources)
-{
-    wchar_t text[64] = L"";
-    EXPECT_EQ(IDYES, Entry<INT_PTR(wchar_t*)>("ModuleDialog")(text));
-    EXPECT_STREQ(L"Text of the module", text);
-}
-
-TEST_F(MfcModuleOfADll, GoesWhenItIsFreedAfterUse)
-{
-    wchar_t text[64] = L"";
-    Entry<INT_PTR(wchar_t*)>("ModuleDialog")(text);
-    EXPECT_TRUE(FreeLibrary(m_module));
-    EXPECT_EQ(nullptr, GetModuleHandleW(L"orva_test_module.dll"));
-    m_module = LoadLibraryW(L"orva_test_module.dll");
-    EXPECT_EQ(m_module, Entry<HINSTANCE()>("ModuleInstance")());
-}
-
 } // namespace
