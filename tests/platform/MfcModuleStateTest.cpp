@@ -10,6 +10,9 @@
 namespace
 {
 
+// The class library's object of the test program.
+CWinApp g_application(L"test_platform");
+
 HANDLE CurrentContext()
 {
     HANDLE context = nullptr;
@@ -43,9 +46,11 @@ TEST(MfcModuleState, ApplicationNameIsThatOfTheApplicationUntilItIsSet)
     AfxGetModuleState()->m_lpszCurrentAppName = before;
 }
 
-TEST(MfcModuleState, SwitchLastsUntilTheEndOfItsBlock)
+TEST(MfcModuleState, SwitchLastsUntilTheEndOfItsBlockHoweverThatIsLeft)
 {
     AFX_MODULE_STATE other(OtherModule());
+    const HANDLE context = CurrentContext();
+    try
     {
         AFX_MANAGE_STATE(&other)
         EXPECT_EQ(&other, AfxGetModuleState());
@@ -53,19 +58,10 @@ TEST(MfcModuleState, SwitchLastsUntilTheEndOfItsBlock)
         {
             const AFX_MAINTAIN_STATE2 inner(AfxGetStaticModuleState());
             EXPECT_EQ(AfxGetStaticModuleState(), AfxGetModuleState());
+            EXPECT_NE(context, CurrentContext());
         }
         EXPECT_EQ(&other, AfxGetModuleState());
-    }
-    EXPECT_EQ(AfxGetStaticModuleState(), AfxGetModuleState());
-}
-
-TEST(MfcModuleState, ExceptionRestoresStateAndContext)
-{
-    AFX_MODULE_STATE other(OtherModule());
-    const HANDLE context = CurrentContext();
-    try
-    {
-        AFX_MANAGE_STATE(&other)
+        const AFX_MAINTAIN_STATE2 own(AfxGetStaticModuleState());
         throw std::runtime_error("out");
     }
     catch (const std::runtime_error&)
