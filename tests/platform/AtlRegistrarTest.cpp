@@ -114,6 +114,8 @@ const CRun kRuns[] = {
     {"NoKeysOfOthersInAForcedKeyThatIsUnregistered", L"a\\foreign\\deep", L"ForceRemove a", "-", "[]\n"},
     {"AForcedKeyAfresh", L"a\\old\\older", L"ForceRemove a { new }", "+", "[]\n[\\a]\n[\\a\\new]\n"},
     {"WhatAnExistingKeyHolds", L"a\\old", L"a { new }", "+", "[]\n[\\a]\n[\\a\\new]\n[\\a\\old]\n"},
+    {"NothingOfWhatWasNeverRegistered", L"",
+     L"a = s '1' { b { val v = d '2' } } NoRemove c { val w = s 'y' }", "-", "(no key)\n"},
     {"NoKeyThatIsDeleted", L"old\\older", L"Delete old Delete 'was never there' a", "+", "[]\n[\\a]\n"},
     {"AKeyThatIsDeletedWhenUnregistering", L"old", L"Delete old", "-", "[]\n[\\old]\n"},
     {"AKeySharedByTheWholeSystemThoughItIsForced", L"clsid\\foreign", L"ForceRemove CLSID", "+-",
@@ -135,7 +137,8 @@ TEST_F(AtlRegistrar, ASyntaxErrorChangesNothing)
 
 TEST_F(AtlRegistrar, AFailureHalfWayTakesBackWhatWasWritten)
 {
-    // A key that lasts cannot be made below one that does not.
+    // A key that lasts cannot be made below one that does not. The keys above it have to last.
+    MakeKey(L"a");
     MakeKey(L"a\\fleeting", REG_OPTION_VOLATILE);
     const std::string before = Exported();
     EXPECT_EQ(
