@@ -91,6 +91,10 @@ TEST_F(MfcDialogOwner, ChildAsParentStandsForItsTopLevelWindow)
     const CTestWindow child(m_main, WS_CHILD | WS_VISIBLE);
     const CTestWindow grandchild(child, WS_CHILD | WS_VISIBLE);
     Run(grandchild, m_main);
+    // The system would look for the window above a child, too; the owner is found before.
+    HWND top = m_main;
+    EXPECT_EQ(m_main, CWnd::GetSafeOwner_(grandchild, &top));
+    EXPECT_EQ(nullptr, top) << "the owner itself is not the window to be disabled besides";
     EXPECT_TRUE(IsWindowEnabled(m_main));
 }
 
