@@ -51,8 +51,7 @@ BOOL CALLBACK AddWindow(HWND window, LPARAM list)
 
 bool Matches(HWND window, const CWindowQuery& query)
 {
-    return (query.process == 0 || WindowProcess(window) == query.process) &&
-           (!query.visible || IsWindowVisible(window)) &&
+    return (query.process == 0 || WindowProcess(window) == query.process) && IsWindowVisible(window) &&
            (!query.className || WindowClassName(window) == *query.className) &&
            (!query.childId || ChildById(window, *query.childId) != nullptr) &&
            (!query.caption || WindowText(window) == *query.caption);
@@ -214,10 +213,8 @@ bool PostKey(HWND window, WORD virtualKey)
 
 bool ChooseLastMenuItem(HWND window, wchar_t letter)
 {
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
     PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, letter);
-    if (WaitForWindow({.process = process, .className = kMenuClass}) == nullptr)
+    if (WaitForWindow({.process = WindowProcess(window), .className = kMenuClass}) == nullptr)
     {
         return false;
     }

@@ -11,7 +11,7 @@
 namespace orva::test
 {
 
-/// Properties of a top-level window; those that are not set match any.
+/// Properties of a visible top-level window; those that are not set match any.
 struct CWindowQuery
 {
     /// 0: any process.
@@ -20,7 +20,6 @@ struct CWindowQuery
     std::optional<std::wstring> className = {};
     /// The id of a control in the window.
     std::optional<int> childId = {};
-    bool visible = true;
 };
 
 /// Window class of dialogs and message boxes.
