@@ -224,8 +224,9 @@ CUserScript::~CUserScript()
 
 CUserScript& CUserScript::AnswerBox(std::wstring text, int buttonId)
 {
+    std::string what = "message box \"" + Utf8(text) + "\"";
     m_impl->steps.push_back(
-        {"message box \"" + Utf8(text) + "\"", [text](const CSeenWindow& seen) { return seen.text == text; },
+        {std::move(what), [text = std::move(text)](const CSeenWindow& seen) { return seen.text == text; },
          [buttonId](HWND window) {
              // Windows gives the "OK" of a box without "Cancel" the id IDCANCEL.
              const bool isPressed =
@@ -237,9 +238,11 @@ CUserScript& CUserScript::AnswerBox(std::wstring text, int buttonId)
 
 CUserScript& CUserScript::OnDialog(std::wstring caption, std::function<void(HWND)> act)
 {
-    const std::string what = "dialog \"" + Utf8(caption) + "\"";
+    std::string what = "dialog \"" + Utf8(caption) + "\"";
     return Expect(
-        what, [caption](const CSeenWindow& seen) { return seen.caption == caption; }, std::move(act));
+        std::move(what),
+        [caption = std::move(caption)](const CSeenWindow& seen) { return seen.caption == caption; },
+        std::move(act));
 }
 
 CUserScript& CUserScript::OnDialogWith(int childId, std::function<void(HWND)> act)
