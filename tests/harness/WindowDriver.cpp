@@ -211,7 +211,7 @@ bool PostKey(HWND window, WORD virtualKey)
     return true;
 }
 
-bool ChooseLastMenuItem(HWND window, wchar_t letter)
+bool OpenMenuAtLastItem(HWND window, wchar_t letter)
 {
     PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, letter);
     if (WaitForWindow({.process = WindowProcess(window), .className = kMenuClass}) == nullptr)
@@ -219,12 +219,12 @@ bool ChooseLastMenuItem(HWND window, wchar_t letter)
         return false;
     }
     // From the first item, VK_UP goes to the last.
-    for (const WORD key : {WORD{VK_UP}, WORD{VK_RETURN}})
-    {
-        PostMessageW(window, WM_KEYDOWN, key, 0);
-        PostMessageW(window, WM_KEYUP, key, 0);
-    }
-    return true;
+    return PostKey(window, VK_UP);
+}
+
+bool ChooseLastMenuItem(HWND window, wchar_t letter)
+{
+    return OpenMenuAtLastItem(window, letter) && PostKey(window, VK_RETURN);
 }
 
 HWND FocusOf(HWND window)
