@@ -8,27 +8,27 @@
 namespace orva::demo
 {
 
-/// The id of a language of ./run, as Office has it in the registry.
-DWORD LanguageId(const std::string& language);
-
-/// Throws std::runtime_error when the DLL or a text is missing.
 class CAddInTexts
 {
 public:
-    explicit CAddInTexts(const std::string& language);
-    ~CAddInTexts();
-    CAddInTexts(const CAddInTexts&) = delete;
-    CAddInTexts& operator=(const CAddInTexts&) = delete;
+    /// A language of ./run. Throws std::out_of_range for another one.
+    explicit CAddInTexts(const std::wstring& language);
 
+    /// The language's id, as Office has it in the registry.
+    DWORD LanguageId() const { return m_language; }
+    /// Throws std::runtime_error when the DLL or the text is missing.
     std::wstring Get(UINT id) const;
-    /// The text with its first %s or %d filled in.
-    std::wstring With(UINT id, const std::wstring& value) const;
-    /// The installed version as the add-in shows it.
-    std::wstring InstalledVersion() const;
+    /// The text with its placeholders filled in.
+    template <typename... Values> std::wstring With(UINT id, Values... values) const
+    {
+        // As much as wsprintf writes.
+        wchar_t text[1'025] = L"";
+        wsprintfW(text, Get(id).c_str(), values...);
+        return text;
+    }
 
 private:
-    HMODULE m_module;
-    WORD m_language;
+    DWORD m_language;
 };
 
 } // namespace orva::demo

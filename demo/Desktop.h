@@ -1,8 +1,7 @@
-// The windows on the desktop, as the play's user sees and operates them.
+// The windows that come up on the desktop, whatever program shows them.
 #pragma once
 
 #include "harness/SeenWindow.h"
-#include "harness/Waiting.h"
 
 #include <optional>
 #include <set>
@@ -16,9 +15,9 @@ enum class WindowKind
     Main,
     Offer,
     Download,
+    About,
     Installer,
     Message,
-    About,
     Other
 };
 
@@ -34,7 +33,7 @@ struct CMetWindow : test::CSeenWindow
 class CDesktop
 {
 public:
-    /// Waits for a window that was not returned before, of any program; the oldest first.
+    /// Waits some milliseconds for a window that was not returned before; the oldest first.
     std::optional<CMetWindow> Next(DWORD timeout);
 
 private:
@@ -43,10 +42,9 @@ private:
 
 /// The kind's name, for a picture.
 const char* NameOf(WindowKind kind);
-
 /// Presses the first button that can be pressed, such as the only one of a message box.
 void PressOnlyButton(HWND window);
-/// The control that has this text, of a button's class if `isButton`; null if there is none.
-HWND ControlWithText(HWND window, const std::wstring& text, bool isButton);
+/// The visible control of this class that has this text; null if there is none.
+HWND ControlWithText(HWND window, const wchar_t* className, const std::wstring& text);
 
 } // namespace orva::demo

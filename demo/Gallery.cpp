@@ -1,9 +1,10 @@
 #include "demo/Gallery.h"
 
-#include "OrvaVersion.h"
 #include "demo/GalleryPage.h"
 #include "demo/Stage.h"
+#include "fixture/UpdateInfo.h"
 #include "harness/Files.h"
+#include "harness/Text.h"
 #include "harness/WindowDriver.h"
 #include "host/MainWindow.h"
 #include "res/resource.h"
@@ -25,60 +26,52 @@ constexpr DWORD kCheckTime = 60'000;
 constexpr DWORD kEndTime = 30'000;
 constexpr int kAttempts = 3;
 
-constexpr char kInstaller[] = "OrvaSetup-1.3.0.exe";
-constexpr char kNewer[] = "1.3.0";
-
-enum class Reply
-{
-    Same,
-    Nothing,
-    Incomplete,
-    Newer
-};
+constexpr std::string_view kDownloadToEnd = "download-end";
+constexpr std::string_view kDownloadCanceled = "download-canceled";
 
 // A check that the user asks for in the About dialog. Where there is an offer, it is accepted.
 struct CCheck
 {
-    /// The picture for which it is made.
+    /// The picture for which it is made, and the message that it shows, if it is one.
     std::string_view row;
-    Reply reply;
-    /// The end of the link.
-    const char* installer = "";
+    UINT message;
+    /// After so many messages, or after the installer, it is over.
+    int lastWindows;
+    /// What is published instead of the offer; null if it is the offer.
+    const char* text = nullptr;
+    /// The end of its link; null if it is the installer.
+    const char* installer = nullptr;
 };
 
-constexpr std::string_view kDownloadToEnd = "download-end";
-constexpr std::string_view kDownloadCanceled = "download-canceled";
-
 constexpr CCheck kChecks[] = {
-    {"latest", Reply::Same},
-    {"no-connection", Reply::Nothing},
-    {"not-parsed", Reply::Incomplete},
-    {"bad-link", Reply::Newer},
-    {"file-not-created", Reply::Newer, "OrvaSetup:1.3.0.exe"},
-    {"download-failed", Reply::Newer, "missing.exe"},
-    {kDownloadToEnd, Reply::Newer, kInstaller},
-    {kDownloadCanceled, Reply::Newer, kInstaller},
+    {"latest", IDS_LATEST_INSTALLED, 1, kSameVersion},
+    {"no-connection", IDS_CONNECT_ERROR, 1, ""},
+    {"not-parsed", IDS_UPDATE_INFO_NOT_PARSED, 1, "{}"},
+    {"bad-link", IDS_URL_NOT_PARSED, 1, nullptr, ""},
+    {"file-not-created", IDS_FILE_NOT_CREATED, 2, nullptr, "OrvaSetup:.exe"},
+    {"download-failed", IDS_CONNECT_ERROR, 2, nullptr, "missing.exe"},
+    {kDownloadToEnd, 0, 1},
+    {kDownloadCanceled, 0, 1},
 };
 
 // The windows in one language.
 class CLanguageTour : public CStage
 {
 public:
-    CLanguageTour(const CSettings& settings, CTimeline& timeline)
-        : CStage(settings, timeline), m_folder(settings.out + L"\\gallery")
+    CLanguageTour(const CSettings& settings, CTimeline& timeline, std::string offer)
+        : CStage(settings, timeline), m_folder(settings.out + L"\\gallery"), m_offer(std::move(offer))
     {
-        m_website.AddInstaller(kInstaller);
     }
 
     void Run()
     {
-        m_website.PublishVersion(ORVA_VERSION, kInstaller);
-        if (Begin(12))
+        Publish(kSameVersion);
+        if (Begin(L"12"))
         {
             ShowAbout();
             End();
         }
-        if (WhyNoWindow("file-view", m_settings.language) == nullptr && Begin(14))
+        if (WhyNoWindow("file-view", Utf8(m_settings.language)) == nullptr && Begin(L"14"))
         {
             ClickButton(m_main, host::kFileButton);
             if (Watch(kPatience, [this] { return m_isFileViewShown; }))
@@ -90,7 +83,7 @@ public:
     }
 
 private:
-    bool Begin(int office)
+    bool Begin(const std::wstring& office)
     {
         m_isStarted = false;
         StartOutlook(office);
@@ -107,8 +100,7 @@ private:
     void ShowAbout()
     {
         OpenMenuAtLastItem(m_main, L'h');
-        Tell("help-menu");
-        m_camera.TakeScreen(FileOf("help-menu"));
+        Picture(nullptr, "help-menu");
         PostKey(m_main, VK_RETURN);
         if (!Watch(kPatience, [this] { return m_about != nullptr; }))
         {
@@ -119,37 +111,32 @@ private:
             // What is only seen for a second may be missed on a machine that stands still.
             for (int attempt = 0; attempt < kAttempts && !FileExists(FileOf(check.row)); ++attempt)
             {
-                Play(check);
+                if (!Play(check))
+                {
+                    return;
+                }
             }
         }
         ClickButton(m_about, IDC_ABOUT_CLOSE);
         WaitUntilGone(m_about);
     }
 
-    void Play(const CCheck& check)
+    // False if the check did not end.
+    bool Play(const CCheck& check)
     {
         m_check = &check;
-        switch (check.reply)
+        std::string offer = m_offer;
+        if (check.installer != nullptr)
         {
-        case Reply::Same:
-            m_website.PublishVersion(ORVA_VERSION, kInstaller);
-            break;
-        case Reply::Nothing:
-            m_website.PublishNothing();
-            break;
-        case Reply::Incomplete:
-            m_website.PublishText("{}");
-            break;
-        case Reply::Newer:
-            m_website.PublishVersion(kNewer, check.installer);
-            break;
+            const std::string installer =
+                Utf8(m_settings.installer.substr(m_settings.installer.rfind(L'\\') + 1));
+            offer.replace(offer.find(installer), installer.size(), check.installer);
         }
-        m_isAsked = false;
-        // Only a download that ends starts the installer.
-        m_isInstallerClosed = check.row != kDownloadToEnd;
+        Publish(check.text != nullptr ? check.text : offer);
+        m_windowsLeft = check.lastWindows;
         ClickButton(m_about, IDC_ABOUT_UPDATE);
-        // Disabled from before the request until the check is over.
-        Watch(kCheckTime, [this] { return m_isAsked && m_isInstallerClosed && IsWindowEnabled(m_about); });
+        // Between two messages the dialog is enabled for a moment.
+        return Watch(kCheckTime, [this] { return m_windowsLeft == 0 && IsWindowEnabled(m_about); });
     }
 
     void Meet(const CMetWindow& met) override
@@ -172,40 +159,62 @@ private:
             MeetDownload(met.window);
             break;
         case WindowKind::Message:
-            Picture(met.window,
-                    met.text == m_texts.Get(IDS_UPDATE_CANCELED) ? "update-canceled" : m_check->row);
-            PressOnlyButton(met.window);
-            WaitUntilGone(met.window);
+            MeetMessage(met);
             break;
         case WindowKind::Installer:
-            PressOnlyButton(met.window);
-            m_isInstallerClosed = WaitUntilGone(met.window);
+            Close(met.window);
             break;
         case WindowKind::Other:
             break;
         }
     }
 
-    // The dialog shows its end for one second.
+    void MeetMessage(const CMetWindow& message)
+    {
+        // Up to a placeholder.
+        const auto shows = [&](UINT id) {
+            const std::wstring text = m_texts.Get(id);
+            return message.text.starts_with(text.substr(0, text.find(L'%')));
+        };
+        if (shows(IDS_UPDATE_CANCELED))
+        {
+            Picture(message.window, "update-canceled");
+        }
+        else if (m_check->message != 0 && shows(m_check->message))
+        {
+            Picture(message.window, m_check->row);
+        }
+        Close(message.window);
+    }
+
+    void Close(HWND lastWindow)
+    {
+        PressOnlyButton(lastWindow);
+        WaitUntilGone(lastWindow);
+        --m_windowsLeft;
+    }
+
+    // The dialog shows its end, and that it was canceled, for one second.
     void MeetDownload(HWND dialog)
     {
+        const auto await = [=](const std::function<bool()>& condition) {
+            WaitUntil([&] { return condition() || !IsWindow(dialog); }, kCheckTime);
+        };
         const auto shows = [&](UINT text) {
             return ChildText(dialog, IDC_DOWNLOAD_STATUS) == m_texts.Get(text);
         };
         if (m_check->row == kDownloadToEnd)
         {
-            WaitUntil([&] { return shows(IDS_DOWNLOAD_STARTED) || !IsWindow(dialog); });
+            await([&] { return shows(IDS_DOWNLOAD_STARTED); });
             Picture(dialog, "download-start");
-            WaitUntil(
-                [&] { return WindowText(dialog).find(L"100%") != std::wstring::npos || !IsWindow(dialog); },
-                kCheckTime);
+            await([&] { return WindowText(dialog).find(L"100%") != std::wstring::npos; });
             PictureNow(dialog);
         }
         else if (m_check->row == kDownloadCanceled)
         {
-            WaitUntil([&] { return shows(IDS_DOWNLOAD_STARTED) || !IsWindow(dialog); });
+            await([&] { return !ChildText(dialog, IDC_DOWNLOAD_TIME).empty(); });
             ClickButton(dialog, IDCANCEL);
-            WaitUntil([&] { return shows(IDS_DOWNLOAD_CANCELED) || !IsWindow(dialog); });
+            await([&] { return shows(IDS_DOWNLOAD_CANCELED); });
             PictureNow(dialog);
         }
     }
@@ -216,32 +225,24 @@ private:
         m_isFileViewShown = m_isFileViewShown || line.starts_with("Outlook: File view shows tab ");
     }
 
-    void OnRequest(const std::string& line) override
-    {
-        m_isAsked = m_isAsked || line.find(kUpdateInfoPath) != std::string::npos;
-    }
-
-    void Tell(std::string_view row) { m_timeline.Tell(m_settings.language, std::string(row)); }
-
     std::wstring FileOf(std::string_view row) const
     {
-        return GalleryPicture(m_folder, std::string(row), m_settings.language);
+        return GalleryPicture(m_folder, std::string(row), Utf8(m_settings.language));
     }
 
-    void Picture(HWND window, std::string_view row)
+    void Picture(HWND window, std::string_view row, bool isWantedNow = false)
     {
         if (!FileExists(FileOf(row)))
         {
-            Tell(row);
-            m_camera.Take(window, FileOf(row));
+            m_timeline.Tell(Utf8(m_settings.language), std::string(row));
+            TakePicture(window, FileOf(row), isWantedNow);
         }
     }
 
     // Takes the picture for which the check is made, of a dialog that closes by itself.
     void PictureNow(HWND dialog)
     {
-        Tell(m_check->row);
-        m_camera.TakeNow(dialog, FileOf(m_check->row));
+        Picture(dialog, m_check->row, true);
         if (!IsWindow(dialog))
         {
             // It may have been half gone.
@@ -249,23 +250,26 @@ private:
         }
     }
 
+    void Publish(const std::string& text) const { WriteFileBytes(m_settings.updateInfo, text); }
+
     const std::wstring m_folder;
+    const std::string m_offer;
     const CCheck* m_check = kChecks;
     HWND m_about = nullptr;
     bool m_isStarted = false;
     bool m_isFileViewShown = false;
-    bool m_isAsked = false;
-    bool m_isInstallerClosed = false;
+    int m_windowsLeft = 0;
 };
 
 } // namespace
 
 bool ShowGallery(CSettings settings, CTimeline& timeline)
 {
+    const std::string offer = ReadFileBytes(settings.updateInfo).value_or("");
     for (const char* const language : kGalleryLanguages)
     {
-        settings.language = language;
-        CLanguageTour(settings, timeline).Run();
+        settings.language = Widen(language);
+        CLanguageTour(settings, timeline, offer).Run();
     }
     const int missing = WriteGalleryPage(settings.out + L"\\gallery");
     std::printf(missing == 0 ? "\nEvery picture was taken.\n" : "\n%d pictures were NOT taken.\n", missing);

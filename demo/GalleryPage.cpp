@@ -41,11 +41,13 @@ constexpr char kHead[] = R"(<!DOCTYPE html>
 <title>ORVA Connector: every window in every language</title>
 <style>
 body { font-family: sans-serif; margin: 1em; }
-table { border-collapse: collapse; table-layout: fixed; width: 100%; min-width: 80em; }
+table { border-collapse: collapse; table-layout: fixed; width: 100%; min-width: 104em; }
 th, td { border: 1px solid #ccc; padding: 0.5em; text-align: left; vertical-align: top; }
 th:first-child { width: 11em; }
 thead th { background: #eee; }
 img { max-width: 100%; }
+/* Only the menu, in its own size. */
+img.help-menu { width: 100%; height: 8em; object-fit: none; object-position: -180px 0; }
 code { font-weight: normal; font-size: 0.7em; overflow-wrap: anywhere; }
 </style>
 </head>
@@ -83,8 +85,8 @@ int WriteGalleryPage(const std::wstring& folder)
         for (const std::string language : kGalleryLanguages)
         {
             const std::string file = std::string(row.name) + "-" + language + ".png";
-            std::string cell = "<a href=\"" + file + "\"><img src=\"" + file + "\" alt=\"" + row.title +
-                               ", " + language + "\"></a>";
+            std::string cell = "<a href=\"" + file + "\"><img class=\"" + row.name + "\" src=\"" + file +
+                               "\" alt=\"" + row.title + ", " + language + "\"></a>";
             if (const char* const reason = WhyNoWindow(row.name, language))
             {
                 cell = reason;

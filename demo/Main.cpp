@@ -9,16 +9,18 @@
 #include <cstdio>
 #include <exception>
 
-int wmain(int count, wchar_t** arguments)
+int wmain(int, wchar_t** argument)
 {
     using namespace orva::demo;
     _setmode(_fileno(stdout), _O_BINARY);
     try
     {
-        const CSettings settings = ReadSettings(count, arguments);
+        const CSettings settings = {argument[1], argument[2],  argument[3],  argument[4],
+                                    argument[5], argument[6],  argument[7],  argument[8],
+                                    argument[9], argument[10], argument[11], argument[12]};
         CTimeline timeline;
         const bool isSeen =
-            settings.isGallery ? ShowGallery(settings, timeline) : CPlay(settings, timeline).Run();
+            settings.play == L"gallery" ? ShowGallery(settings, timeline) : CPlay(settings, timeline).Run();
         return isSeen ? 0 : 1;
     }
     catch (const std::exception& error)

@@ -1,14 +1,12 @@
 #include "demo/Play.h"
 
-#include "demo/PlayFacts.h"
-#include "harness/Files.h"
+#include "OrvaVersion.h"
 #include "harness/Text.h"
 #include "harness/WindowDriver.h"
 #include "host/MainWindow.h"
 #include "res/resource.h"
 
 #include <cstdio>
-#include <stdexcept>
 
 namespace orva::demo
 {
@@ -22,74 +20,37 @@ namespace
 constexpr DWORD kStartTime = 180'000;
 constexpr DWORD kCheckTime = 120'000;
 constexpr DWORD kEndTime = 30'000;
+constexpr char kTooLate[] = "the check did not end in time";
 
 } // namespace
 
-CPlay::CPlay(const CSettings& settings, CTimeline& timeline) : CStage(settings, timeline)
-{
-    Publish();
-    AskForFacts(settings, timeline);
-}
-
-void CPlay::Publish()
-{
-    std::string installer = "OrvaSetup-";
-    if (m_settings.version.empty())
-    {
-        const auto text = ReadFileBytes(m_settings.file);
-        if (!text)
-        {
-            throw std::runtime_error("cannot read " + Utf8(m_settings.file));
-        }
-        m_website.PublishText(*text);
-    }
-    else
-    {
-        installer += m_settings.version + "-";
-    }
-    // Such a file may offer an installer too.
-    installer += m_settings.language + ".exe";
-    m_website.AddInstaller(installer);
-    if (!m_settings.version.empty())
-    {
-        m_website.PublishVersion(m_settings.version, installer);
-    }
-}
-
 bool CPlay::Run()
 {
-    const std::string office = std::to_string(m_settings.office);
+    AskForFacts();
+    const std::string office = Utf8(m_settings.office);
     m_timeline.Tell("Outlook", office + " starts (OutlookHost.exe --office " + office + " --mode startup)");
     StartOutlook(m_settings.office);
-    if (m_settings.isForPerson)
+    if (IsForPerson())
     {
-        PlayForPerson();
+        std::puts("It is your turn: answer what Outlook shows, and close it when you have seen enough.");
+        Watch(INFINITE, [this] { return IsOver(); });
     }
-    else
+    else if (Watch(
+                 kStartTime, [this] { return IsSeen("started"); },
+                 "Outlook's start was not completed in time"))
     {
         PlayStart();
-        if (IsSeen("started"))
-        {
-            PlayRequest();
-        }
-        PlayEnd();
+        PlayRequest();
     }
+    PlayEnd();
     ExamineLog();
     return m_timeline.End();
 }
 
 void CPlay::PlayStart()
 {
-    if (!Watch(kStartTime, [this] { return IsSeen("started"); }))
-    {
-        m_timeline.Tell("", "Outlook's start was not completed in time");
-        return;
-    }
-    if (!IsSeen("start-offer") && !IsSeen("start-message"))
-    {
-        See("start-silence");
-    }
-    if (IsSeen("progress") && m_settings.answer == "install")
+    See("start-silence", !IsSeen("start-offer") && !IsSeen("start-message"));
+    if (IsSeen("progress") && m_settings.answer == L"install")
     {
         Watch(kEndTime, [this] { return IsSeen("installer-window") && IsSeen("downloaded-whole"); });
     }
@@ -105,119 +66,91 @@ void CPlay::PlayStart()
 void CPlay::PlayRequest()
 {
     m_phase = "request";
-    if (m_settings.office == 12)
+    if (m_settings.office == L"12")
     {
         RequestInAbout();
     }
-    else if (m_settings.office == 14)
+    else if (m_settings.office == L"14")
     {
         RequestInFileView();
     }
     CatchUp();
-    if (!IsSeen("command"))
-    {
-        See("no-command");
-    }
-    if (IsSeen("request-asked") && WaitUntilEnabled(m_main))
-    {
-        See("request-enabled");
-    }
+    See("no-command", !IsSeen("command"));
+    See("request-enabled", IsSeen("request-asked") && WaitUntilEnabled(m_main));
 }
 
 void CPlay::RequestInFileView()
 {
     User(L"opens the File view");
     ClickButton(m_main, host::kFileButton);
-    if (!Watch(kPatience, [this] { return IsSeen("file-view"); }))
+    if (!Watch(
+            kPatience, [this] { return IsSeen("file-view"); }, "the File view did not open"))
     {
-        m_timeline.Tell("", "the File view did not open");
         return;
     }
     Picture(m_main, "file-view");
-    if (m_settings.language == "es")
+    if (m_settings.language == L"es")
     {
         User(L"sees no tab of the add-in");
         return;
     }
     const std::wstring label = m_texts.Get(IDS_UPDBUTTON_LABEL);
-    const HWND button = ControlWithText(m_main, label, true);
+    const HWND button = ControlWithText(m_main, L"Button", label);
     if (button == nullptr)
     {
         m_timeline.Tell("", "the File view has no button \"" + Utf8(label) + "\"");
         return;
     }
-    const std::wstring version = m_texts.InstalledVersion();
-    if (ControlWithText(m_main, m_texts.Get(IDS_DESCRIPTION1), false) != nullptr &&
-        ControlWithText(m_main, version, false) != nullptr)
+    const std::wstring version =
+        m_texts.With(IDS_VERSION_LINE1, ORVA_VERSION_MAJOR, ORVA_VERSION_MINOR, ORVA_VERSION_BUILD, 64);
+    if (ControlWithText(m_main, L"Static", m_texts.Get(IDS_DESCRIPTION1)) != nullptr &&
+        ControlWithText(m_main, L"Static", version) != nullptr)
     {
         User(L"sees the add-in's tab: " + version);
         See("backstage");
     }
     Press(m_main, GetDlgCtrlID(button));
-    if (!Watch(kCheckTime, [this] { return IsSeen("update-pressed"); }))
-    {
-        m_timeline.Tell("", "the check did not end in time");
-    }
+    Watch(
+        kCheckTime, [this] { return IsSeen("update-pressed"); }, kTooLate);
 }
 
 void CPlay::RequestInAbout()
 {
     User(L"chooses \"" + m_texts.Get(IDS_ABOUT_COMMAND) + L"\" in the Help menu");
     OpenMenuAtLastItem(m_main, L'h');
-    m_camera.TakeScreen(NextPicture("help-menu"));
+    // Of the whole screen, because a menu is a window of its own.
+    Picture(nullptr, "help-menu");
     PostKey(m_main, VK_RETURN);
-    if (!Watch(kPatience, [this] { return m_about != nullptr; }))
+    if (!Watch(
+            kPatience, [this] { return m_about != nullptr; }, "the About dialog did not open"))
     {
-        m_timeline.Tell("", "the About dialog did not open");
         return;
     }
     Press(m_about, IDC_ABOUT_UPDATE);
     // Disabled from before the request until the check is over.
-    if (!Watch(kCheckTime, [this] { return IsSeen("request-asked") && IsWindowEnabled(m_about); }))
-    {
-        m_timeline.Tell("", "the check did not end in time");
-    }
+    Watch(
+        kCheckTime, [this] { return IsSeen("request-asked") && IsWindowEnabled(m_about); }, kTooLate);
     Press(m_about, IDC_ABOUT_CLOSE);
-    if (WaitUntilGone(m_about))
-    {
-        See("about-closed");
-    }
+    See("about-closed", WaitUntilGone(m_about));
 }
 
 void CPlay::PlayEnd()
 {
     CatchUp();
-    if (m_main != nullptr)
+    if (m_main != nullptr && !IsForPerson())
     {
         User(L"closes Outlook");
         PostMessageW(m_main, WM_CLOSE, 0, 0);
+        Watch(kEndTime, [this] { return IsOver(); });
     }
-    Watch(kEndTime, [this] { return IsOver(); });
-    TellEnd();
-}
-
-void CPlay::PlayForPerson()
-{
-    std::puts("It is your turn: answer what Outlook shows, and close it when you have seen enough.");
-    std::fflush(stdout);
-    Watch(INFINITE, [this] { return IsOver(); });
-    TellEnd();
-    ExamineDownload();
-}
-
-void CPlay::TellEnd()
-{
-    CatchUp();
     const auto status = m_outlook->WaitForExit(0);
-    if (!status)
+    CatchUp();
+    m_timeline.Tell(status ? "Outlook" : "",
+                    status ? "has ended with status " + std::to_string(*status) : "Outlook did not end");
+    See("ended", status == 0u);
+    if (IsForPerson())
     {
-        m_timeline.Tell("", "Outlook did not end");
-        return;
-    }
-    m_timeline.Tell("Outlook", "has ended with status " + std::to_string(*status));
-    if (*status == 0)
-    {
-        See("ended");
+        ExamineDownload();
     }
 }
 
@@ -232,10 +165,13 @@ void CPlay::Press(HWND window, int id)
     ClickButton(window, id);
 }
 
-std::wstring CPlay::NextPicture(const std::string& name)
+void CPlay::Picture(HWND window, const std::string& name, bool isWantedNow)
 {
     const std::wstring number = std::to_wstring(++m_pictures);
-    return m_settings.out + L"\\" + (m_pictures < 10 ? L"0" : L"") + number + L"-" + Widen(name) + L".png";
+    TakePicture(window,
+                m_settings.out + L"\\" + (m_pictures < 10 ? L"0" : L"") + number + L"-" + Widen(name) +
+                    L".png",
+                isWantedNow);
 }
 
 } // namespace orva::demo

@@ -6,41 +6,29 @@
 namespace orva::demo
 {
 
-/// What the check at Outlook's start has to come to. A file that is published as it is may lead to anything.
-enum class Outcome
-{
-    Offer,
-    Silence,
-    Any
-};
-
-/// The command line of the program. Paths are absolute, in Windows' form and without a final backslash.
+/// The program's arguments, in this order. ./run gives them all. Paths are in Windows' form.
 struct CSettings
 {
-    int office = 0;
+    /// "user" for the play, "show" if a person is the user, or "gallery".
+    std::wstring play;
+    std::wstring office;
     /// "en", "de", "es" or "tr".
-    std::string language;
-    /// The published version, X.Y.Z; empty if a file is published.
-    std::string version;
-    /// The file that is published as it is.
-    std::wstring file;
+    std::wstring language;
+    /// What is published: a version, or the path of a file.
+    std::wstring publish;
+    /// What the start-up check has to come to: "offer", "silence" or, with a file, "any" of both or an error.
+    std::wstring outcome;
     /// "install", "later" or "cancel".
-    std::string answer;
-    /// Whether a person is the user.
-    bool isForPerson = false;
-    /// Whether all windows are shown in all languages, instead of the play.
-    bool isGallery = false;
-    /// Where pictures and logs go.
+    std::wstring answer;
+    /// The folder for pictures and logs.
     std::wstring out;
-    /// The web server's folder and its port on loopback.
-    std::wstring server;
-    unsigned short port = 0;
+    /// The web server: its port on loopback, its log, and the two files that it publishes.
+    std::wstring port;
+    std::wstring requests;
+    std::wstring updateInfo;
+    std::wstring installer;
     /// The script that takes pictures.
     std::wstring camera;
-    Outcome outcome = Outcome::Any;
 };
-
-/// Throws std::out_of_range if an option is missing.
-CSettings ReadSettings(int count, wchar_t** arguments);
 
 } // namespace orva::demo

@@ -1,8 +1,10 @@
 #include "demo/Stage.h"
 
+#include "harness/CommandLine.h"
 #include "harness/Files.h"
 #include "harness/Text.h"
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace orva::demo
@@ -13,40 +15,27 @@ using namespace test;
 namespace
 {
 
-// Milliseconds for which a new window is awaited before the logs are read again.
-constexpr DWORD kLookTime = 100;
-
-std::wstring TempFolder()
+// The complete lines that another program has added to its log.
+std::vector<std::string> NewLines(const std::wstring& path, size_t& read)
 {
-    wchar_t folder[MAX_PATH] = L"";
-    GetTempPathW(MAX_PATH, folder);
-    return folder;
+    const std::string log = ReadFileBytes(path).value_or("");
+    const size_t begin = std::min(read, log.size());
+    read = std::max(begin, log.rfind('\n') + 1);
+    return SplitLines(std::string_view(log).substr(begin, read - begin));
 }
 
-std::wstring TraceFile(const CSettings& settings)
+// A path of drive Z:, which is the whole file system.
+std::wstring OutsideWine(std::wstring path)
 {
-    return settings.out + L"\\host.log";
+    std::replace(path.begin(), path.end(), L'\\', L'/');
+    return path.substr(2);
 }
 
 } // namespace
 
-std::vector<std::string> CTail::NewLines()
-{
-    const std::string bytes = ReadFileBytes(m_path).value_or("");
-    const size_t end = bytes.rfind('\n') + 1;
-    if (end <= m_read)
-    {
-        return {};
-    }
-    std::vector<std::string> lines = SplitLines(bytes.substr(m_read, end - m_read));
-    m_read = end;
-    return lines;
-}
-
 CStage::CStage(const CSettings& settings, CTimeline& timeline)
-    : m_settings(settings), m_timeline(timeline), m_texts(settings.language), m_camera(settings.camera),
-      m_website(settings.server), m_language(LanguageId(settings.language)), m_proxy(settings.port),
-      m_trace(TraceFile(settings)), m_requests(settings.server + L"\\requests.log")
+    : m_settings(settings), m_timeline(timeline), m_texts(settings.language),
+      m_language(m_texts.LanguageId()), m_proxy(L"127.0.0.1:" + settings.port)
 {
     if (RunProcess(L"regsvr32.exe", {L"/s", BuiltFile(L"OrvaOscAddin.dll")}).exitCode != 0)
     {
@@ -56,61 +45,90 @@ CStage::CStage(const CSettings& settings, CTimeline& timeline)
     {
         RemovePath(path);
     }
+    // Of the requests, only those of this stage count.
+    NewLines(m_settings.requests, m_requestsRead);
 }
 
-void CStage::StartOutlook(int office)
+void CStage::StartOutlook(const std::wstring& office)
 {
+    const std::wstring trace = m_settings.out + L"\\host.log";
+    RemovePath(trace);
+    m_traceRead = 0;
     m_main = nullptr;
-    RemovePath(TraceFile(m_settings));
-    m_trace = CTail(TraceFile(m_settings));
     m_outlook = std::make_unique<CChildProcess>(
         CProcessOptions{.program = BuiltFile(L"OutlookHost.exe"),
-                        .arguments = {L"--office", std::to_wstring(office), L"--mode", L"startup", L"--trace",
-                                      TraceFile(m_settings)}});
+                        .arguments = {L"--office", office, L"--mode", L"startup", L"--trace", trace}});
 }
 
-bool CStage::Watch(DWORD timeout, const std::function<bool()>& condition)
+bool CStage::Watch(DWORD timeout, const std::function<bool()>& condition, const char* otherwise)
 {
+    constexpr DWORD kLookTime = 100;
     const ULONGLONG end = GetTickCount64() + timeout;
-    CatchUp();
-    while (!condition())
+    for (CatchUp(); !condition(); CatchUp())
     {
         if (IsOver() || GetTickCount64() >= end)
         {
+            if (otherwise != nullptr)
+            {
+                m_timeline.Tell("", otherwise);
+            }
             return false;
         }
         if (const auto window = m_desktop.Next(kLookTime))
         {
             Meet(*window);
         }
-        CatchUp();
     }
     return true;
 }
 
 void CStage::CatchUp()
 {
-    for (const std::string& line : m_requests.NewLines())
+    for (const std::string& line : NewLines(m_settings.requests, m_requestsRead))
     {
         OnRequest(line);
     }
-    for (const std::string& line : m_trace.NewLines())
+    for (const std::string& line : NewLines(m_settings.out + L"\\host.log", m_traceRead))
     {
         // Without the trace's own times, whose clock starts a little later than ours.
-        const size_t time = line.find_first_not_of(' ');
-        OnTrace(line.substr(line.find(' ', time) + 1));
+        OnTrace(line.substr(line.find(' ', line.find_first_not_of(' ')) + 1));
+    }
+}
+
+// Only the X server has a window's frame, so a program outside Wine takes the picture. It has no handle here;
+// its work is done when the file is there.
+void CStage::TakePicture(HWND window, const std::wstring& file, bool isWantedNow) const
+{
+    constexpr DWORD kScriptTime = 30'000;
+    // Wine's driver keeps the X11 window's number as a property.
+    const HANDLE xWindow = window != nullptr ? GetPropW(window, L"__wine_x11_whole_window") : nullptr;
+    if (window != nullptr && xWindow == nullptr)
+    {
+        return;
+    }
+    std::wstring command =
+        JoinCommandLine(m_settings.camera, {std::to_wstring(reinterpret_cast<UINT_PTR>(xWindow)),
+                                            OutsideWine(file), isWantedNow ? L"now" : L"drawn"});
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof startup;
+    PROCESS_INFORMATION none = {};
+    CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &none);
+    WaitForFile(file, 0, kScriptTime);
+    if (ReadFileBytes(file) == "")
+    {
+        RemovePath(file);
     }
 }
 
 std::vector<std::wstring> CStage::Downloads()
 {
-    std::vector<std::wstring> paths;
-    for (const std::wstring& path : ListFolder(TempFolder()))
+    wchar_t folder[MAX_PATH] = L"";
+    GetTempPathW(MAX_PATH, folder);
+    std::vector<std::wstring> paths = ListFolder(folder);
+    std::erase_if(paths, [](const std::wstring& path) { return !path.starts_with(L"osc"); });
+    for (std::wstring& path : paths)
     {
-        if (path.starts_with(L"osc"))
-        {
-            paths.push_back(TempFolder() + path);
-        }
+        path.insert(0, folder);
     }
     return paths;
 }

@@ -1,13 +1,11 @@
-// The play's stage: the registered add-in in the stand-in Outlook, and what is heard of both while windows
-// come and go.
+// The stage of the play: the add-in in the stand-in Outlook, and what is heard of both while windows come and
+// go.
 #pragma once
 
 #include "demo/AddInTexts.h"
-#include "demo/Camera.h"
 #include "demo/Desktop.h"
 #include "demo/Settings.h"
 #include "demo/Timeline.h"
-#include "demo/Website.h"
 #include "harness/LogFile.h"
 #include "harness/OfficeLanguage.h"
 #include "harness/ProcessRunner.h"
@@ -21,21 +19,8 @@
 namespace orva::demo
 {
 
-/// A log that another program writes.
-class CTail
-{
-public:
-    explicit CTail(std::wstring path) : m_path(std::move(path)) {}
-    /// The complete lines that were added since the last call.
-    std::vector<std::string> NewLines();
-
-private:
-    std::wstring m_path;
-    size_t m_read = 0;
-};
-
 /// Registers the add-in, leads its requests to the web server, sets Office's language and switches the log
-/// on; what an earlier play has left is removed. Throws std::runtime_error when that fails.
+/// on. Throws std::runtime_error when that fails.
 class CStage
 {
 public:
@@ -52,21 +37,22 @@ protected:
     /// A line of the web server's log.
     virtual void OnRequest(const std::string&) {}
 
-    void StartOutlook(int office);
-    /// Hands on windows and lines until the condition holds. False when the time, in milliseconds, is over or
-    /// Outlook has ended.
-    bool Watch(DWORD timeout, const std::function<bool()>& condition);
+    void StartOutlook(const std::wstring& office);
+    /// Hands on windows and lines until the condition holds. False, and `otherwise` is told, when the time is
+    /// over (in milliseconds) or Outlook has ended.
+    bool Watch(DWORD timeout, const std::function<bool()>& condition, const char* otherwise = nullptr);
     /// Hands on the new lines of both logs.
     void CatchUp();
     bool IsOver() const { return !m_outlook->IsRunning(); }
-    /// The folders and files below the temporary folder that the add-in made, as full paths.
+    /// Takes a picture of the window with its frame, or of the screen if it is null. It is brought to the
+    /// front and given time to be drawn, unless it is wanted now because the window will soon be gone.
+    void TakePicture(HWND window, const std::wstring& file, bool isWantedNow = false) const;
+    /// The paths of what downloads have left in the temporary folder.
     static std::vector<std::wstring> Downloads();
 
     const CSettings m_settings;
     CTimeline& m_timeline;
     const CAddInTexts m_texts;
-    const CCamera m_camera;
-    CWebsite m_website;
     std::unique_ptr<test::CChildProcess> m_outlook;
     HWND m_main = nullptr;
 
@@ -75,8 +61,8 @@ private:
     test::COfficeLanguageSetting m_language;
     test::CProxySetting m_proxy;
     CDesktop m_desktop;
-    CTail m_trace;
-    CTail m_requests;
+    size_t m_traceRead = 0;
+    size_t m_requestsRead = 0;
 };
 
 } // namespace orva::demo

@@ -1,6 +1,5 @@
 #include "demo/Timeline.h"
 
-#include <algorithm>
 #include <cstdio>
 
 namespace orva::demo
@@ -9,15 +8,26 @@ namespace orva::demo
 void CTimeline::Tell(const std::string& who, const std::string& text)
 {
     const ULONGLONG now = GetTickCount64();
-    const ULONGLONG tenths = (now - m_start.value_or(now)) / 100;
     m_start = m_start.value_or(now);
+    const ULONGLONG tenths = (now - *m_start) / 100;
     std::printf("%4llu.%llu s  %-9s %s\n", tenths / 10, tenths % 10, who.c_str(), text.c_str());
     std::fflush(stdout);
 }
 
-void CTimeline::Ask(const std::string& fact, const std::string& text)
+void CTimeline::Ask(bool isAsked, const std::string& fact, const std::string& text)
 {
-    m_asked.emplace_back(fact, text);
+    if (isAsked)
+    {
+        m_asked.emplace_back(fact, text);
+    }
+}
+
+void CTimeline::See(const std::string& fact, bool isSeen)
+{
+    if (isSeen)
+    {
+        m_seen.insert(fact);
+    }
 }
 
 bool CTimeline::End() const
@@ -29,7 +39,6 @@ bool CTimeline::End() const
     {
         std::printf("  - %s\n", text.c_str());
     }
-    std::fflush(stdout);
     return missing.empty();
 }
 

@@ -18,10 +18,10 @@ class CTimeline
 public:
     /// Prints a line with its time.
     void Tell(const std::string& who, const std::string& text);
-    /// Notes what must be seen to happen.
-    void Ask(const std::string& fact, const std::string& text);
-    /// Notes that it was seen.
-    void See(const std::string& fact) { m_seen.insert(fact); }
+    /// Notes what must be seen to happen, if it must.
+    void Ask(bool isAsked, const std::string& fact, const std::string& text);
+    /// Notes that it was seen, if it was.
+    void See(const std::string& fact, bool isSeen = true);
     bool IsSeen(const std::string& fact) const { return m_seen.contains(fact); }
     /// Prints what was asked for and not seen, or else everything that was. Whether all of it was seen.
     bool End() const;

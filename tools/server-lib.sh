@@ -4,7 +4,8 @@
 # absolute form.
 #
 # start_server DIR     starts it with everything it needs below DIR; sets $server_port and $server_log.
-#                      its files are in DIR/www.
+# publish DIR WHAT LANGUAGE   puts UpdateInfo.txt for version WHAT, or the file WHAT as it is, and an installer into the web
+#                      root, DIR/www; sets $installer_path to its path there.
 # stop_server DIR
 # shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the other libraries
 
@@ -107,4 +108,23 @@ stop_server() {
         kill "$(<"$file")" 2>/dev/null || true
     fi
     rm -f "$file"
+}
+
+publish() {
+    local dir=$1 what=$2 language=$3 major minor build
+    rm -rf "$dir/www"
+    mkdir -p "$dir/www/downloads/outlook"
+    if [ -f "$what" ]; then
+        cp "$what" "$dir/www$update_info_path"
+        # Such a file may offer an installer too.
+        installer_path=/downloads/outlook/OrvaSetup-$language.exe
+    else
+        installer_path=/downloads/outlook/OrvaSetup-$what-$language.exe
+        IFS=. read -r major minor build <<<"$what"
+        sed "s/VERSION/$what/; s/MAJOR/$major/; s/MINOR/$minor/; s/BUILD/$build/; s|LINK|http://$(web_host)$installer_path|" \
+            "$repository/demo/UpdateInfo.txt.in" >"$dir/www$update_info_path"
+    fi
+    # Padded until it is large enough to see the progress; bytes after the image do not matter.
+    cp "$build_dir/DemoInstaller.exe" "$dir/www$installer_path"
+    truncate -s '>4M' "$dir/www$installer_path"
 }
