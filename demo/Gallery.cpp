@@ -272,7 +272,7 @@ bool ShowGallery(CSettings settings, CTimeline& timeline)
         CLanguageTour(settings, timeline, offer).Run();
     }
     const int missing = WriteGalleryPage(settings.out + L"\\gallery");
-    std::printf(missing == 0 ? "\nEvery picture was taken.\n" : "\n%d pictures were NOT taken.\n", missing);
+    std::printf(missing == 0 ? "\nEvery picture was taken.\n" : "\nPictures NOT taken: %d\n", missing);
     return missing == 0;
 }
 
