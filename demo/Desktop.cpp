@@ -76,7 +76,8 @@ std::optional<CMetWindow> CDesktop::Next(DWORD timeout)
     met.program = ProgramOf(met.window);
     met.className = WindowClassName(met.window);
     met.kind = KindOf(met);
-    return met;
+    // What has gone by now, nobody has seen.
+    return IsWindow(met.window) ? std::optional(met) : std::nullopt;
 }
 
 const char* NameOf(WindowKind kind)
@@ -87,10 +88,13 @@ const char* NameOf(WindowKind kind)
 
 void PressOnlyButton(HWND window)
 {
-    const std::vector<HWND> children = ChildWindows(window);
-    std::any_of(children.begin(), children.end(), [&](HWND child) {
-        return WindowClassName(child) == L"Button" && ClickButton(window, GetDlgCtrlID(child));
-    });
+    for (const HWND child : ChildWindows(window))
+    {
+        if (WindowClassName(child) == L"Button" && ClickButton(window, GetDlgCtrlID(child)))
+        {
+            return;
+        }
+    }
 }
 
 HWND ControlWithText(HWND window, const wchar_t* className, const std::wstring& text)
