@@ -73,7 +73,8 @@ public:
         }
         if (WhyNoWindow("file-view", Utf8(m_settings.language)) == nullptr && Begin(L"14"))
         {
-            ClickButton(m_main, host::kFileButton);
+            // Added a moment after the start.
+            WaitUntil([this] { return ClickButton(m_main, host::kFileButton); });
             if (Watch(kPatience, [this] { return m_isFileViewShown; }))
             {
                 Picture(m_main, "file-view");

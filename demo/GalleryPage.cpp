@@ -3,6 +3,8 @@
 #include "harness/Files.h"
 #include "harness/Text.h"
 
+#include <sstream>
+
 namespace orva::demo
 {
 
@@ -78,29 +80,35 @@ const char* WhyNoWindow(const std::string& row, const std::string& language)
 int WriteGalleryPage(const std::wstring& folder)
 {
     int missing = 0;
-    std::string page = kHead;
+    std::ostringstream page;
+    page << kHead;
     for (const CRow& row : kRows)
     {
-        page += std::string("<tr><th>") + row.title + "<br><code>" + row.text + "</code></th>\n";
-        for (const std::string language : kGalleryLanguages)
+        page << "<tr><th>" << row.title << "<br><code>" << row.text << "</code></th>\n";
+        for (const char* const language : kGalleryLanguages)
         {
-            const std::string file = std::string(row.name) + "-" + language + ".png";
-            std::string cell = "<a href=\"" + file + "\"><img class=\"" + row.name + "\" src=\"" + file +
-                               "\" alt=\"" + row.title + ", " + language + "\"></a>";
+            page << "<td>";
             if (const char* const reason = WhyNoWindow(row.name, language))
             {
-                cell = reason;
+                page << reason;
             }
-            else if (!test::FileExists(GalleryPicture(folder, row.name, language)))
+            else if (test::FileExists(GalleryPicture(folder, row.name, language)))
             {
-                cell = "The picture was not taken.";
+                const std::string file = std::string(row.name) + "-" + language + ".png";
+                page << "<a href=\"" << file << "\"><img class=\"" << row.name << "\" src=\"" << file
+                     << "\" alt=\"" << row.title << ", " << language << "\"></a>";
+            }
+            else
+            {
+                page << "The picture was not taken.";
                 ++missing;
             }
-            page += "<td>" + cell + "</td>\n";
+            page << "</td>\n";
         }
-        page += "</tr>\n";
+        page << "</tr>\n";
     }
-    test::WriteFileBytes(folder + L"\\index.html", page + kEnd);
+    page << kEnd;
+    test::WriteFileBytes(folder + L"\\index.html", page.str());
     return missing;
 }
 

@@ -82,7 +82,8 @@ void CPlay::PlayRequest()
 void CPlay::RequestInFileView()
 {
     User(L"opens the File view");
-    ClickButton(m_main, host::kFileButton);
+    // Added a moment after the start.
+    WaitUntil([this] { return ClickButton(m_main, host::kFileButton); });
     if (!Watch(
             kPatience, [this] { return IsSeen("file-view"); }, "the File view did not open"))
     {

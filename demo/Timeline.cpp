@@ -11,7 +11,7 @@ void CTimeline::Tell(const std::string& who, const std::string& text)
     m_start = m_start.value_or(now);
     const ULONGLONG tenths = (now - *m_start) / 100;
     std::printf("%4llu.%llu s  %-9s %s\n", tenths / 10, tenths % 10, who.c_str(), text.c_str());
-    std::fflush(stdout);
+    static_cast<void>(std::fflush(stdout));
 }
 
 void CTimeline::Ask(bool isAsked, const std::string& fact, const std::string& text)
