@@ -1,6 +1,7 @@
 // The add-in loaded, used and unloaded many times in one process, and what the process still holds
 // afterwards.
 #include "addin/AddInFixture.h"
+#include "harness/Compression.h"
 #include "harness/Files.h"
 #include "harness/GdiPlusCounter.h"
 #include "harness/ImportHook.h"
@@ -63,7 +64,8 @@ class CPublisher
 public:
     explicit CPublisher(const std::string& text)
     {
-        m_server.On(kUpdateInfoPath, CHttpReply(200, text));
+        // Compressed, so that what inflating leaves is seen too.
+        m_server.On(kUpdateInfoPath, CHttpReply(200, GzipBytes(text)).Header("Content-Encoding", "gzip"));
         m_server.On(kInstaller, CHttpReply(200, std::string(20'000, 'x')));
     }
 
