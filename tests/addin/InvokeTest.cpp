@@ -107,6 +107,17 @@ TEST_F(InvokeTest, TheTypeInformationIsTheCallbacks)
     ASSERT_EQ(information->GetDocumentation(MEMBERID_NIL, name.GetAddress(), nullptr, nullptr, nullptr),
               S_OK);
     EXPECT_STREQ(name, L"IRibbonCallback");
+
+    const std::pair<MEMBERID, const wchar_t*> helpTexts[] = {{MEMBERID_NIL, L"IRibbonCallback Interface"},
+                                                             {42000, L"Button Callback"},
+                                                             {42001, L"GetImageLogo Callback"},
+                                                             {42002, L"GetImageIcon Callback"}};
+    for (const auto& [member, text] : helpTexts)
+    {
+        _bstr_t help;
+        EXPECT_EQ(information->GetDocumentation(member, nullptr, help.GetAddress(), nullptr, nullptr), S_OK);
+        EXPECT_STREQ(help, text);
+    }
 }
 
 // The callbacks' dispatcher refuses the missing argument; any other would not know the id.
