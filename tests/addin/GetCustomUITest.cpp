@@ -136,6 +136,8 @@ TEST_F(GetCustomUITest, TheRibbonsIdDoesNotMatter)
     EXPECT_EQ(Markup(nullptr), markup);
 }
 
+constexpr wchar_t kFirstParagraph[] = L"The ORVA Connector links Outlook to the ORVA business network.";
+
 // Other texts in place of the first two paragraphs, and how the first one's label then begins.
 struct CPassesCase
 {
@@ -152,7 +154,7 @@ void PrintTo(const CPassesCase& passes, std::ostream* out)
 
 // A DLL with other English texts, filled up with blanks: each placeholder in turn is replaced in all of the
 // markup.
-class GetCustomUIPassesTest : public GetCustomUITest, public testing::WithParamInterface<CPassesCase>
+class GetCustomUIOrderTest : public GetCustomUITest
 {
 protected:
     static std::pair<std::string, std::string> Change(const std::wstring& before, std::wstring after)
@@ -168,15 +170,41 @@ private:
     }
 };
 
+class GetCustomUIPassesTest : public GetCustomUIOrderTest, public testing::WithParamInterface<CPassesCase>
+{
+};
+
 TEST_P(GetCustomUIPassesTest, EachPlaceholderIsReplacedInTheResultOfTheEarlierOnes)
 {
     const CAddInCopy copy(
-        {Change(L"The ORVA Connector links Outlook to the ORVA business network.", GetParam().first),
+        {Change(kFirstParagraph, GetParam().first),
          Change(L"It keeps your contacts from the network at hand in Outlook", GetParam().second)});
     LoadInstead(copy.Path());
     EXPECT_THAT(Utf8(MarkupIn(1033)), HasSubstr("id=\"lblText0\" label=\"" + GetParam().shown));
     // The copy cannot be deleted while it is loaded.
     ReleaseAll();
+}
+
+// The placeholders after the first paragraph's, in the order of their replacement.
+constexpr const wchar_t* kOrder[] = {
+    L"__IDS_DESCRIPTION2__",      L"__IDS_DESCRIPTION3__",  L"__IDS_LINKS_TITLE__",
+    L"__IDS_LINKS_DESCRIPTION__", L"__IDS_LINK1_TITLE__",   L"__IDS_LINK1_HREF__",
+    L"__IDS_LINK2_TITLE__",       L"__IDS_LINK2_HREF__",    L"__IDS_LINK3_TITLE__",
+    L"__IDS_LINK3_HREF__",        L"__IDS_VERSION_TITLE__", L"__IDS_VERSION_DESCRIPTION__",
+    L"__IDS_UPDBUTTON_LABEL__",   L"__IDS_UPDBUTTON_TIP__", L"__IDS_VERSION_LINE1__",
+    L"__IDS_VERSION_LINE2__"};
+
+TEST_F(GetCustomUIOrderTest, OfTwoNeighboursThatOverlapTheFirstIsReplaced)
+{
+    for (size_t i = 1; i < std::size(kOrder); ++i)
+    {
+        const std::wstring second = std::wstring(kOrder[i]).substr(2);
+        const CAddInCopy copy({Change(kFirstParagraph, kOrder[i - 1] + second)});
+        LoadInstead(copy.Path());
+        EXPECT_THAT(Utf8(MarkupIn(1033)), HasSubstr(Utf8(second) + " "));
+        // The copy cannot be deleted while it is loaded.
+        ReleaseAll();
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
