@@ -3,6 +3,7 @@
 #include "harness/Files.h"
 #include "harness/Text.h"
 
+#include <atomic>
 #include <stdexcept>
 
 namespace orva::test
@@ -133,6 +134,14 @@ LRESULT CALLBACK CHostWindow::Procedure(HWND window, UINT message, WPARAM first,
     return DefWindowProcW(window, message, first, second);
 }
 
+HANDLE ActiveContext()
+{
+    HANDLE context = nullptr;
+    GetCurrentActCtx(&context);
+    ReleaseActCtx(context);
+    return context;
+}
+
 CAddInTest::CAddInTest()
 {
     m_module = std::make_unique<CAddInModule>();
@@ -192,6 +201,14 @@ void CAddInTest::ReleaseAll()
     EXPECT_EQ(m_module->CanUnloadNow(), S_OK);
     m_module.reset();
     EXPECT_FALSE(CAddInModule::IsLoaded());
+}
+
+bool CAddInTest::WaitForContextOtherThan(HANDLE context)
+{
+    // The posted function may run after this one has given up.
+    const auto seen = std::make_shared<std::atomic<HANDLE>>(context);
+    m_host.Post([seen] { *seen = ActiveContext(); });
+    return WaitUntil([&] { return *seen != context; });
 }
 
 } // namespace orva::test

@@ -71,6 +71,9 @@ private:
     std::vector<bool> m_history;
 };
 
+/// The activation context that is active in this thread; null for the program's own.
+HANDLE ActiveContext();
+
 /// One test with one add-in object in one freshly loaded DLL. Office speaks English; the log is on; every
 /// request reaches the scripted server.
 class CAddInTest : public testing::Test
@@ -111,6 +114,9 @@ protected:
     /// Has the user close the About dialog.
     void ExpectAbout();
     void Publish(const std::string& text) { m_server.On(kUpdateInfoPath, CHttpReply(200, text)); }
+    /// Waits on the user's thread until a window message finds another activation context active in the
+    /// test's thread.
+    bool WaitForContextOtherThan(HANDLE context);
 
     CHostWindow m_host;
     CLoopbackServer m_server;

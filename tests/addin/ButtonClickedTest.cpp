@@ -12,15 +12,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// The activation context that is active in this thread; null for the program's own.
-HANDLE ActiveContext()
-{
-    HANDLE context = nullptr;
-    GetCurrentActCtx(&context);
-    ReleaseActCtx(context);
-    return context;
-}
-
 class ButtonClickedTest : public CAddInTest
 {
 protected:
@@ -81,6 +72,14 @@ TEST_F(ButtonClickedTest, AnExceptionOfTheCheckEndsInOneLineAndTheNextClickWorks
     ExpectBoxOfTheDisabledHost();
     EXPECT_THAT(m_host.EnableHistory(), ElementsAre(false, true));
     Publish(kSameVersion);
+    Click(kLatest);
+}
+
+TEST_F(ButtonClickedTest, TheAddInsActivationContextIsActiveMeanwhile)
+{
+    const HANDLE before = ActiveContext();
+    Publish(kSameVersion);
+    m_user.Then("another activation context is active", [&] { return WaitForContextOtherThan(before); });
     Click(kLatest);
 }
 

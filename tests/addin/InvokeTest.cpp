@@ -229,6 +229,17 @@ TEST_F(InvokeTest, AClickShowsAboutAndReturnsWhatTheExtensibilityDispatcherSaysO
     EXPECT_THAT(lines, testing::Not(testing::Contains("CConnect::OnConnection")));
 }
 
+TEST_F(InvokeTest, AClickShowsAboutInTheAddInsActivationContext)
+{
+    const HANDLE before = ActiveContext();
+    m_user.Then("another activation context is active", [&] { return WaitForContextOtherThan(before); });
+    ExpectAboutClosedByUser();
+    m_user.Start();
+    Invoke(kClick, ClickArguments());
+    EXPECT_EQ(m_user.Finish().size(), 1u);
+    EXPECT_EQ(ActiveContext(), before);
+}
+
 TEST_F(InvokeTest, AClickShowsAboutEvenWithoutTheHostsLibrary)
 {
     const CNoLibrary missing(kHostsLibraryKey);
