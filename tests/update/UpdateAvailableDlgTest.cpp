@@ -113,6 +113,25 @@ TEST_F(UpdateAvailableDlgTest, BackgroundIsWhite)
     });
 }
 
+TEST_F(UpdateAvailableDlgTest, OnlyTheVersionLinesAreWhite)
+{
+    Run([](HWND dialog) {
+        const auto isWhite = [&](int id) {
+            const HDC dc = CreateCompatibleDC(nullptr);
+            SetBkColor(dc, RGB(255, 0, 0));
+            SendMessageW(dialog, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc),
+                         reinterpret_cast<LPARAM>(ChildById(dialog, id)));
+            const COLORREF background = GetBkColor(dc);
+            DeleteDC(dc);
+            return background == RGB(255, 255, 255);
+        };
+        EXPECT_TRUE(isWhite(kAvailableText));
+        EXPECT_TRUE(isWhite(kInstalledText));
+        EXPECT_FALSE(isWhite(IDC_UPDATE_LOGO));
+        ClickLater(dialog);
+    });
+}
+
 TEST_F(UpdateAvailableDlgTest, IsOwnedByTheThreadsActiveWindowWhenItHasNoParent)
 {
     const COwnerWindow owner;
