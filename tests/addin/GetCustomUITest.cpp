@@ -1,5 +1,6 @@
 // The Backstage markup as Office gets it: for which version, in which language, with which texts.
 #include "addin/AddInFixture.h"
+#include "harness/Files.h"
 #include "harness/Text.h"
 
 #include <msxml2.h>
@@ -203,7 +204,7 @@ TEST_F(GetCustomUIOrderTest, OfTwoNeighboursThatOverlapTheFirstIsReplaced)
         LoadInstead(copy.Path());
         EXPECT_THAT(Utf8(MarkupIn(1033)), HasSubstr(Utf8(second) + " "));
         // The copy cannot be deleted while it is loaded.
-        ReleaseAll();
+        LoadInstead(BuiltFile(kAddInModule));
     }
 }
 

@@ -233,7 +233,7 @@ TEST_F(InvokeTest, AClickShowsAboutInTheAddInsActivationContext)
 {
     const HANDLE before = ActiveContext();
     m_user.Then("another activation context is active", [&] { return WaitForContextOtherThan(before); });
-    ExpectAboutClosedByUser();
+    ExpectAbout();
     m_user.Start();
     Invoke(kClick, ClickArguments());
     EXPECT_EQ(m_user.Finish().size(), 1u);

@@ -1,8 +1,8 @@
 #include "end_to_end/FaultFixture.h"
 
 #include "end_to_end/Texts.h"
-#include "harness/Report.h"
 #include "harness/Text.h"
+#include "harness/Thorough.h"
 #include "harness/Watchdog.h"
 
 #include <algorithm>

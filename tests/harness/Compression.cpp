@@ -50,26 +50,6 @@ std::string ZlibBytes(std::string_view bytes)
     return Deflate(bytes, kZlibWindow);
 }
 
-std::string InflatedPart(std::string_view bytes, size_t room)
-{
-    z_stream stream = {};
-    // 32 more detect zlib or gzip.
-    if (inflateInit2(&stream, kZlibWindow + 32) != Z_OK)
-    {
-        throw std::runtime_error("cannot start decompressing");
-    }
-    std::string input(bytes);
-    std::string output(room, '\0');
-    stream.next_in = reinterpret_cast<Bytef*>(input.data());
-    stream.avail_in = static_cast<uInt>(input.size());
-    stream.next_out = reinterpret_cast<Bytef*>(output.data());
-    stream.avail_out = static_cast<uInt>(output.size());
-    inflate(&stream, Z_FINISH);
-    output.resize(stream.total_out);
-    inflateEnd(&stream);
-    return output;
-}
-
 std::string CutOff(std::string_view bytes, size_t cut)
 {
     return std::string(bytes.substr(0, bytes.size() > cut ? bytes.size() - cut : 0));

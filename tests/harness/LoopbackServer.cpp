@@ -22,10 +22,7 @@ public:
     Impl() : m_stop(MakeEvent()), m_refuse(MakeEvent())
     {
         m_listener = static_cast<SOCKET>(BindLoopbackSocket(port));
-        // A connection may be gone by the time it is accepted.
-        u_long isNonBlocking = 1;
-        if (listen(m_listener, SOMAXCONN) != 0 ||
-            ioctlsocket(m_listener, static_cast<long>(FIONBIO), &isNonBlocking) != 0)
+        if (listen(m_listener, SOMAXCONN) != 0)
         {
             throw std::runtime_error("cannot listen");
         }
@@ -86,9 +83,11 @@ private:
 
     void Accept()
     {
-        while (WaitForSocket(m_listener, m_refuse.get()))
+        const CSocketEvents events(m_listener, m_refuse.get(), FD_ACCEPT);
+        while (events.Wait())
         {
-            if (const SOCKET socket = accept(m_listener, nullptr, nullptr); socket != INVALID_SOCKET)
+            SOCKET socket;
+            while ((socket = accept(m_listener, nullptr, nullptr)) != INVALID_SOCKET)
             {
                 StartConnection(socket);
             }

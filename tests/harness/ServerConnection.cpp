@@ -12,30 +12,27 @@ namespace
 constexpr size_t kMaxHead = 1 << 20;
 // Milliseconds that a graceful close waits for the client to close; longer than any client needs.
 constexpr DWORD kLinger = 2'000;
+// Milliseconds after which a wait ends without an event: Wine sometimes misses one when many sockets are
+// busy.
+constexpr DWORD kMoment = 250;
 
 } // namespace
 
-bool WaitForSocket(SOCKET socket, HANDLE stop, bool toSend, DWORD timeout)
+CSocketEvents::CSocketEvents(SOCKET socket, HANDLE stop, long events)
+    : m_stop(stop), m_event(CreateEventW(nullptr, FALSE, FALSE, nullptr))
 {
-    const ULONGLONG start = GetTickCount64();
-    while (WaitForSingleObject(stop, 0) == WAIT_TIMEOUT && GetTickCount64() - start < timeout)
-    {
-        fd_set sockets = {1, {socket}};
-        // The time after which `stop` is looked at again, in microseconds.
-        timeval moment = {0, 20'000};
-        // Fails for a socket with an error, which the caller's next call shows.
-        if (select(0, toSend ? nullptr : &sockets, toSend ? &sockets : nullptr, nullptr, &moment) != 0)
-        {
-            return true;
-        }
-    }
-    return false;
+    WSAEventSelect(socket, m_event.get(), events);
 }
 
-CServerConnection::CServerConnection(SOCKET socket, HANDLE stop) : m_socket(socket), m_stop(stop)
+bool CSocketEvents::Wait() const
 {
-    u_long isNonBlocking = 1;
-    ioctlsocket(m_socket, static_cast<long>(FIONBIO), &isNonBlocking);
+    const HANDLE events[] = {m_stop, m_event.get()};
+    return WaitForMultipleObjects(2, events, FALSE, kMoment) != WAIT_OBJECT_0;
+}
+
+CServerConnection::CServerConnection(SOCKET socket, HANDLE stop)
+    : m_socket(socket), m_stop(stop), m_events(socket, stop, FD_READ | FD_WRITE | FD_CLOSE)
+{
 }
 
 CServerConnection::~CServerConnection()
@@ -46,13 +43,17 @@ CServerConnection::~CServerConnection()
 // Receives at least one byte. False when the connection has ended, the server stops or the time is over.
 bool CServerConnection::Receive(DWORD timeout)
 {
+    const ULONGLONG start = GetTickCount64();
     char buffer[16'384];
-    if (!WaitForSocket(m_socket, m_stop, false, timeout))
+    int count;
+    while ((count = recv(m_socket, buffer, sizeof buffer, 0)) < 0)
     {
-        return false;
+        if (WSAGetLastError() != WSAEWOULDBLOCK || GetTickCount64() - start >= timeout || !m_events.Wait())
+        {
+            return false;
+        }
     }
-    const int count = recv(m_socket, buffer, sizeof buffer, 0);
-    m_pending.append(buffer, static_cast<size_t>(std::max(count, 0)));
+    m_pending.append(buffer, static_cast<size_t>(count));
     return count > 0;
 }
 
@@ -88,16 +89,15 @@ bool CServerConnection::SendAll(const std::string& bytes)
 {
     for (size_t sent = 0; sent < bytes.size();)
     {
-        if (!WaitForSocket(m_socket, m_stop, true))
-        {
-            return false;
-        }
         const int count = send(m_socket, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
-        if (count <= 0)
+        if (count > 0)
+        {
+            sent += static_cast<size_t>(count);
+        }
+        else if (WSAGetLastError() != WSAEWOULDBLOCK || !m_events.Wait())
         {
             return false;
         }
-        sent += static_cast<size_t>(count);
     }
     return true;
 }

@@ -13,9 +13,23 @@
 namespace orva::test
 {
 
-/// Waits until the socket can be read from (a listening one: has a connection) or, with `toSend`, written to.
-/// False when the event `stop` is set or after `timeout` milliseconds.
-bool WaitForSocket(SOCKET socket, HANDLE stop, bool toSend = false, DWORD timeout = INFINITE);
+/// Waits for changes of a socket. Its events are used instead of select(), which under Wine now and then does
+/// not return.
+class CSocketEvents
+{
+public:
+    /// Makes the socket non-blocking. `events` are those of WSAEventSelect. `stop` is a manual-reset event
+    /// that ends every wait; it must outlive the object.
+    CSocketEvents(SOCKET socket, HANDLE stop, long events);
+
+    /// Waits for an event, but at most for a moment, so that the caller tries the socket again and again.
+    /// False when `stop` is set.
+    bool Wait() const;
+
+private:
+    const HANDLE m_stop;
+    const UniqueHandle m_event;
+};
 
 class CServerConnection
 {
@@ -41,6 +55,7 @@ private:
 
     const SOCKET m_socket;
     const HANDLE m_stop;
+    const CSocketEvents m_events;
     /// Received and not yet parsed.
     std::string m_pending;
 };

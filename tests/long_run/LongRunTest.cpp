@@ -5,7 +5,7 @@
 #include "harness/Files.h"
 #include "harness/GdiPlusCounter.h"
 #include "harness/ImportHook.h"
-#include "harness/Report.h"
+#include "harness/Thorough.h"
 #include "harness/Watchdog.h"
 #include "long_run/KeptObjects.h"
 #include "long_run/ModuleBlocks.h"

@@ -1,6 +1,6 @@
 // Unusual, broken, slow and cut replies, over the system's WinINet: what the text forms read from them. Where
 // WinINet decides, the outcome is Wine's; Windows may report an error instead.
-#include "harness/Report.h"
+#include "harness/Thorough.h"
 #include "support/HttpFixture.h"
 
 #include <ostream>
