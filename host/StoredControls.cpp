@@ -51,7 +51,7 @@ void RestoreControls(const CCommandBarControls& menus)
     std::wstring texts;
     for (int index = 0; !(texts = ReadStored(index)).empty(); ++index)
     {
-        const std::wstring menuCaption = texts.c_str();
+        const std::wstring menuCaption(texts, 0, texts.find(L'\0'));
         const std::wstring caption = texts.substr(std::min(menuCaption.size() + 1, texts.size())).c_str();
         for (const auto& menu : menus.Items())
         {
