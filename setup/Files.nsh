@@ -57,6 +57,7 @@ Function PutInPlace
   ${EndIf}
   Call PutAside
   ${If} ${Errors}
+    SetErrors
     Return
   ${EndIf}
   System::Call 'kernel32::MoveFileExW(w r0, w r1, i 8) i .r4 ?e'

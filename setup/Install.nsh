@@ -35,6 +35,23 @@ FunctionEnd
   Abort "${TEXT}"
 !macroend
 
+; Puts the new file in the place of the old one, of which a copy is kept.
+!macro ReplaceOrFail FILE
+  StrCpy $0 "${FILE}.new"
+  StrCpy $1 "${FILE}"
+  Call KeepCopy
+  ${IfNot} ${Errors}
+    Call PutInPlace
+  ${Else}
+    SetErrors
+  ${EndIf}
+  ${If} ${Errors}
+    Call PutFilesBack
+    StrCpy $1 "${FILE}"
+    !insertmacro Fail "$(CannotReplace)" ${EXIT_FILE}
+  ${EndIf}
+!macroend
+
 Section "" MAIN
   ; The uninstaller, whose size NSIS does not count.
   AddSize 150
@@ -49,20 +66,10 @@ Section "" MAIN
     !insertmacro Fail "$(CannotWrite)" ${EXIT_FILE}
   ${EndIf}
 
-  StrCpy $1 "$INSTDIR\${UNINSTALLER}"
-  Call Replace
-  ${IfNot} ${Errors}
-    ; Only the DLL counts.
-    StrCpy $IsInUse 0
-    StrCpy $1 "$INSTDIR\${MODULE}"
-    Call Replace
-  ${EndIf}
-  ${If} ${Errors}
-    StrCpy $9 $1
-    Call PutFilesBack
-    StrCpy $1 $9
-    !insertmacro Fail "$(CannotReplace)" ${EXIT_FILE}
-  ${EndIf}
+  !insertmacro ReplaceOrFail "$INSTDIR\${UNINSTALLER}"
+  ; Only the DLL counts.
+  StrCpy $IsInUse 0
+  !insertmacro ReplaceOrFail "$INSTDIR\${MODULE}"
 
   !insertmacro Step "$(Registering)"
   Call SaveRegistration
@@ -88,16 +95,6 @@ Section "" MAIN
     StrCpy $WhatIsDone "$(Done)"
   ${EndIf}
 SectionEnd
-
-; Puts the new file in the place of the old one, of which a copy is kept.
-;   $1: the file; sets the error flag and $FileError if it is as it was
-Function Replace
-  Call KeepCopy
-  ${IfNot} ${Errors}
-    StrCpy $0 "$1.new"
-    Call PutInPlace
-  ${EndIf}
-FunctionEnd
 
 ; The entry in "Programs and Features". Sets the error flag if a value cannot be written.
 Function WriteEntry

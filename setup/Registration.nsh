@@ -6,6 +6,8 @@
 ; Windows' handle of HKEY_LOCAL_MACHINE: 0x80000002 with its sign extended.
 !define LOCAL_MACHINE -2147483646
 !define KEY_ALL_ACCESS 0xF003F
+!define KEY_READ 0x20019
+!define ERROR_FILE_NOT_FOUND 2
 
 ; Inserts a macro for each key that the DLL's registration writes.
 !macro ForEachRegistrationKey DO
@@ -40,16 +42,17 @@
 ; a console window.
 ;   $0: the key, $1: its copy; $2 afterwards: 0, or 1 if there is no such key
 Function CopyKey
-  StrCpy $2 1
-  System::Call 'advapi32::RegOpenKeyExW(p ${LOCAL_MACHINE}, w r0, i 0, i ${KEY_ALL_ACCESS}, *p .r3) i .r4'
-  ${If} $4 = 0
+  StrCpy $2 0
+  System::Call 'advapi32::RegOpenKeyExW(p ${LOCAL_MACHINE}, w r0, i 0, i ${KEY_READ}, *p .r3) i .r4'
+  ${If} $4 = ${ERROR_FILE_NOT_FOUND}
+    StrCpy $2 1
+  ${ElseIf} $4 = 0
     System::Call 'advapi32::RegCreateKeyExW(p ${LOCAL_MACHINE}, w r1, i 0, p 0, i 0, i ${KEY_ALL_ACCESS}, p 0, *p .r5, p 0) i .r4'
     ${If} $4 = 0
       System::Call 'advapi32::RegCopyTreeW(p r3, p 0, p r5)'
       System::Call 'advapi32::RegCloseKey(p r5)'
     ${EndIf}
     System::Call 'advapi32::RegCloseKey(p r3)'
-    StrCpy $2 0
   ${EndIf}
 FunctionEnd
 
