@@ -46,7 +46,10 @@ FunctionEnd
     SetErrors
   ${EndIf}
   ${If} ${Errors}
+    ; What is put back leaves its own results.
+    StrCpy $9 $FileError
     Call PutFilesBack
+    StrCpy $FileError $9
     StrCpy $1 "${FILE}"
     !insertmacro Fail "$(CannotReplace)" ${EXIT_FILE}
   ${EndIf}
