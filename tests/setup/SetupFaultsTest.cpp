@@ -177,7 +177,7 @@ TEST_F(SetupFaultsTest, ASetupThatIsEndedLeavesTheOldDllOrTheNewOneAndTheNextOne
     const ULONGLONG start = GetTickCount64();
     Install(OldVersion());
     const DWORD duration = static_cast<DWORD>(GetTickCount64() - start);
-    const int moments = Repetitions(8, 40);
+    const int moments = Repetitions(5, 40);
     for (int moment = 0; moment < moments; ++moment)
     {
         SCOPED_TRACE("moment " + std::to_string(moment));
