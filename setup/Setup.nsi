@@ -38,7 +38,7 @@ ManifestSupportedOS all
 ShowInstDetails nevershow
 ShowUninstDetails nevershow
 
-; The folder before an update, and the texts of the pages that depend on it.
+; The version before an update, and the texts of the pages that depend on it.
 Var InstalledVersion
 Var WhatHappens
 Var WhatIsDone
@@ -55,8 +55,6 @@ Var FileError
 !define MUI_HEADERIMAGE_UNBITMAP "header.bmp"
 !define MUI_WELCOMEFINISHPAGE_BITMAP "wizard.bmp"
 !define MUI_UNWELCOMEFINISHPAGE_BITMAP "wizard.bmp"
-; Windows need not be restarted: what is left is removed at the next restart anyway.
-!define MUI_FINISHPAGE_NOREBOOTSUPPORT
 
 !define MUI_WELCOMEPAGE_TITLE "$(WelcomeTitle)"
 !define MUI_WELCOMEPAGE_TEXT "$WhatHappens$\r$\n$\r$\n$(OutlookMayStayOpen)"
@@ -64,6 +62,8 @@ Var FileError
 !insertmacro MUI_PAGE_WELCOME
 !insertmacro MUI_PAGE_INSTFILES
 !define MUI_FINISHPAGE_TITLE "$(DoneTitle)"
+; Do not ask for a restart of Windows: nothing depends on it, what is left goes at the next one. Holds for one page.
+!define MUI_FINISHPAGE_NOREBOOTSUPPORT
 !define MUI_FINISHPAGE_TEXT "$WhatIsDone"
 !insertmacro MUI_PAGE_FINISH
 
@@ -73,6 +73,7 @@ Var FileError
 !insertmacro MUI_UNPAGE_WELCOME
 !insertmacro MUI_UNPAGE_INSTFILES
 !define MUI_FINISHPAGE_TITLE "$(UninstalledTitle)"
+!define MUI_FINISHPAGE_NOREBOOTSUPPORT
 !define MUI_FINISHPAGE_TEXT "$WhatIsDone"
 !insertmacro MUI_UNPAGE_FINISH
 

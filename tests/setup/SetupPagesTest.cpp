@@ -32,6 +32,7 @@ struct CPageTexts
     const wchar_t* logStays;
     const wchar_t* uninstall;
     const wchar_t* removed;
+    const wchar_t* disappears;
 };
 
 constexpr CPageTexts kTexts[] = {
@@ -45,7 +46,8 @@ constexpr CPageTexts kTexts[] = {
      L"Version {new} of the ORVA Connector is installed. It is newer than {old}, so nothing was changed.",
      L"The file could not be replaced (Windows error 32):", L"Nothing was changed on this computer.",
      L"the log file that the add-in may have written in your profile stays.", L"&Uninstall",
-     L"The add-in, its folder and its registration are removed."},
+     L"The add-in, its folder and its registration are removed.",
+     L"Outlook is still using the add-in. It disappears when Outlook is restarted"},
     {LANG_GERMAN, L"ORVA Connector {old} Setup",
      L"Das Setup installiert den ORVA Connector {old} für alle Benutzer dieses Computers.", L"&Installieren",
      L"ORVA Connector {old} ist installiert",
@@ -61,7 +63,8 @@ constexpr CPageTexts kTexts[] = {
      L"Die Datei konnte nicht ersetzt werden (Windows-Fehler 32):",
      L"An diesem Computer wurde nichts geändert.",
      L"die Protokolldatei, die das Add-In vielleicht in Ihrem Profil geschrieben hat, bleibt erhalten.",
-     L"&Deinstallieren", L"Das Add-In, sein Ordner und seine Registrierung sind entfernt."},
+     L"&Deinstallieren", L"Das Add-In, sein Ordner und seine Registrierung sind entfernt.",
+     L"Outlook verwendet das Add-In noch. Es verschwindet, wenn Outlook neu gestartet wird"},
     {LANG_SPANISH, L"Instalación de ORVA Connector {old}",
      L"El programa instala ORVA Connector {old} para todos los usuarios de este equipo.", L"&Instalar",
      L"ORVA Connector {old} está instalado",
@@ -77,7 +80,8 @@ constexpr CPageTexts kTexts[] = {
      L"No se ha podido sustituir el archivo (error de Windows 32):",
      L"No se ha cambiado nada en este equipo.",
      L"el archivo de registro que el complemento haya podido escribir en su perfil se conserva.",
-     L"&Desinstalar", L"Se han quitado el complemento, su carpeta y su registro en Outlook."},
+     L"&Desinstalar", L"Se han quitado el complemento, su carpeta y su registro en Outlook.",
+     L"Outlook todavía utiliza el complemento. Desaparecerá cuando se reinicie Outlook"},
     {LANG_TURKISH, L"ORVA Connector {old} Kurulumu",
      L"Kurulum, ORVA Connector {old} sürümünü bu bilgisayarın tüm kullanıcıları için yükler.", L"&Kur",
      L"ORVA Connector {old} yüklendi", L"Outlook, {old} sürümünü bir sonraki başlatılışında kullanır.",
@@ -89,7 +93,8 @@ constexpr CPageTexts kTexts[] = {
      L"değiştirilmedi.",
      L"Dosya değiştirilemedi (Windows hatası 32):", L"Bu bilgisayarda hiçbir şey değiştirilmedi.",
      L"eklentinin profilinize yazmış olabileceği günlük dosyası da kalır.", L"&Kaldır",
-     L"Eklenti, klasörü ve kaydı kaldırıldı."},
+     L"Eklenti, klasörü ve kaydı kaldırıldı.",
+     L"Outlook eklentiyi hâlâ kullanıyor. Eklenti, Outlook yeniden başlatılınca"},
 };
 
 // The texts that a user of this Windows gets: English, if his language is none of them.
@@ -245,6 +250,24 @@ TEST_F(SetupPagesTest, OfTheUninstallerSayWhatIsRemovedAndThatTheLogStays)
     EXPECT_TRUE(WaitUntilGone(first));
     EXPECT_FALSE(FolderExists(InstallFolder()));
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
+}
+
+TEST_F(SetupPagesTest, OfTheUninstallerDoNotAskForARestartOfWindows)
+{
+    Install(OldVersion());
+    const CAddInModule loaded(InstalledModule());
+    EXPECT_EQ(Run(InstalledUninstaller(), {}), kSetupDone);
+    Press(m_texts.logStays, kNext, 0);
+    const HWND last = WaitForPage(m_texts.disappears, 0);
+    for (const HWND control : ChildWindows(last))
+    {
+        const LONG type = GetWindowLongW(control, GWL_STYLE) & BS_TYPEMASK;
+        const bool isButton = WindowClassName(control) == L"Button" && IsWindowVisible(control);
+        EXPECT_FALSE(isButton && type != BS_PUSHBUTTON && type != BS_DEFPUSHBUTTON)
+            << Utf8(WindowText(control));
+    }
+    EXPECT_TRUE(ClickButton(last, kNext));
+    EXPECT_TRUE(WaitUntilGone(last));
 }
 
 } // namespace
