@@ -6,16 +6,21 @@
 
 !macro FileFunctions UN
 
-; Deletes what earlier setups left, as far as nobody uses it.
+; Deletes what this setup and earlier ones left, and sets $IsInUse if somebody still uses a DLL of them.
 Function ${UN}DeleteLeftovers
   Delete "$INSTDIR\*.new"
   Delete "$INSTDIR\*.before"
   Delete "$INSTDIR\*.old"
+  ${If} ${FileExists} "$INSTDIR\${MODULE}.*.old"
+    StrCpy $IsInUse 1
+  ${Else}
+    StrCpy $IsInUse 0
+  ${EndIf}
   ClearErrors
 FunctionEnd
 
-; Moves a file aside and deletes it, now or at the next start of Windows; sets $IsInUse in the second case.
-;   $1: the file; sets the error flag and $FileError if it cannot be moved
+; Moves a file aside.
+;   $1: the file; $3 afterwards: its new name; sets the error flag and $FileError if it cannot be moved
 Function ${UN}PutAside
   StrCpy $2 0
   ${Do}
@@ -29,15 +34,10 @@ Function ${UN}PutAside
   ${EndIf}
 FunctionEnd
 
-; Deletes the file that PutAside has moved to $3.
+; Deletes the file that PutAside has moved to $3, now or at the next start of Windows.
 Function ${UN}DeleteAside
+  Delete /REBOOTOK $3
   ClearErrors
-  Delete $3
-  ${If} ${Errors}
-    StrCpy $IsInUse 1
-    Delete /REBOOTOK $3
-    ClearErrors
-  ${EndIf}
 FunctionEnd
 
 !macroend

@@ -70,8 +70,6 @@ Section "" MAIN
   ${EndIf}
 
   !insertmacro ReplaceOrFail "$INSTDIR\${UNINSTALLER}"
-  ; Only the DLL counts.
-  StrCpy $IsInUse 0
   !insertmacro ReplaceOrFail "$INSTDIR\${MODULE}"
 
   !insertmacro Step "$(Registering)"

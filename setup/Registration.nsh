@@ -9,9 +9,11 @@
 !define KEY_READ 0x20019
 !define ERROR_FILE_NOT_FOUND 2
 
+!define CLASS_KEY "Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}"
+
 ; Inserts a macro for each key that the DLL's registration writes.
 !macro ForEachRegistrationKey DO
-  !insertmacro ${DO} class "Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}"
+  !insertmacro ${DO} class "${CLASS_KEY}"
   !insertmacro ${DO} name "Software\Classes\OrvaOscAddin.Connect"
   !insertmacro ${DO} versioned-name "Software\Classes\OrvaOscAddin.Connect.1"
   !insertmacro ${DO} library "Software\Classes\TypeLib\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"

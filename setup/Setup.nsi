@@ -42,7 +42,7 @@ ShowUninstDetails nevershow
 Var InstalledVersion
 Var WhatHappens
 Var WhatIsDone
-; 1 if a program has the DLL loaded that was replaced or removed.
+; 1 if a program still has a DLL loaded that was replaced or removed.
 Var IsInUse
 ; Windows' code of the last file operation that failed.
 Var FileError

@@ -19,26 +19,30 @@ FunctionEnd
 Section "Uninstall"
   !insertmacro Step "$(Unregistering)"
   Call un.DeleteLeftovers
-  ; The DLL first, because it is the only part that can be refused.
+  ; Moved aside first, because that can be refused, and then nothing has changed yet.
   StrCpy $1 "$INSTDIR\${MODULE}"
+  StrCpy $3 ""
   ${If} ${FileExists} $1
-    ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$1"'
-    ClearErrors
     Call un.PutAside
     ${If} ${Errors}
-      ; It stays, so it stays registered.
-      ExecWait '"$SYSDIR\regsvr32.exe" /s "$1"'
       !insertmacro FailToUninstall "$(CannotRemove)" ${EXIT_FILE}
     ${EndIf}
-    Call un.DeleteAside
+    ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$3"'
   ${EndIf}
   ; If the DLL is missing or damaged, regsvr32 has removed nothing.
   !insertmacro ForEachRegistrationKey DeleteKey
-  ClearErrors
-  EnumRegKey $0 HKLM "Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}" 0
-  ${If} $0 != ""
+  System::Call 'advapi32::RegOpenKeyExW(p ${LOCAL_MACHINE}, w "${CLASS_KEY}", i 0, i ${KEY_READ}, *p .r4) i .r0'
+  ${If} $0 <> ${ERROR_FILE_NOT_FOUND}
+    ${If} $3 != ""
+      Rename $3 $1
+      ExecWait '"$SYSDIR\regsvr32.exe" /s "$1"'
+    ${EndIf}
     !insertmacro FailToUninstall "$(CannotUnregister)" ${EXIT_REGISTRATION}
   ${EndIf}
+  ${If} $3 != ""
+    Call un.DeleteAside
+  ${EndIf}
+  Call un.DeleteLeftovers
   DeleteRegKey HKLM "${SAVED}"
   DeleteRegKey HKLM "${ENTRY}"
   Delete "$INSTDIR\${UNINSTALLER}"

@@ -6,6 +6,7 @@
 #include "harness/Text.h"
 #include "harness/Watchdog.h"
 #include "harness/WindowDriver.h"
+#include "outlook/AddInModule.h"
 #include "setup/SetupFixture.h"
 
 namespace orva::test
@@ -91,6 +92,20 @@ TEST_F(SetupFaultsTest, ADllThatCannotBeRemovedStaysInstalled)
     }
     EXPECT_TRUE(FileExists(InstalledModule()));
     EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), OldVersion().version);
+    Uninstall();
+}
+
+TEST_F(SetupFaultsTest, ARegistrationThatCannotBeRemovedKeepsTheConnectorInstalled)
+{
+    Install(OldVersion());
+    {
+        CObstacle key(Kind::Locked, HKEY_LOCAL_MACHINE, kClassKey);
+        key.Raise();
+        EXPECT_EQ(UninstallInPlace(), kRegistrationFailed);
+    }
+    EXPECT_TRUE(FileExists(InstalledModule()));
+    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), OldVersion().version);
+    Install(OldVersion());
     Uninstall();
 }
 
@@ -187,6 +202,12 @@ TEST_F(SetupFaultsTest, ASetupThatIsEndedLeavesTheOldDllOrTheNewOneAndTheNextOne
             setup.WaitForExit(duration * static_cast<DWORD>(moment) / static_cast<DWORD>(moments));
             setup.End();
         }
+        // The last program that the setup has started may still be at work.
+        EXPECT_TRUE(WaitUntil([] {
+            return RegistryString(HKEY_LOCAL_MACHINE, std::wstring(kClassKey) + L"\\InprocServer32", L"") ==
+                   InstalledModule();
+        }));
+        EXPECT_NE(CAddInModule(InstalledModule()).Create(), nullptr);
         const auto module = ReadFileBytes(InstalledModule());
         EXPECT_TRUE(module == ReadFileBytes(OldVersion().module) ||
                     module == ReadFileBytes(NewVersion().module));

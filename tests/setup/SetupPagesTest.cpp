@@ -256,6 +256,8 @@ TEST_F(SetupPagesTest, OfTheUninstallerDoNotAskForARestartOfWindows)
 {
     Install(OldVersion());
     const CAddInModule loaded(InstalledModule());
+    // So the DLL that is loaded is not even the installed one any more.
+    ASSERT_EQ(Run(NewVersion().setup), kSetupDone);
     EXPECT_EQ(Run(InstalledUninstaller(), {}), kSetupDone);
     Press(m_texts.logStays, kNext, 0);
     const HWND last = WaitForPage(m_texts.disappears, 0);
