@@ -1,5 +1,6 @@
 // Replacing and removing the add-in while a program, as Outlook does, has its DLL loaded.
 #include "harness/Files.h"
+#include "harness/TempFolder.h"
 #include "harness/WindowDriver.h"
 #include "host/MainWindow.h"
 #include "outlook/AddInModule.h"
@@ -70,9 +71,7 @@ TEST_F(SetupInUseTest, UninstallingRemovesAllButTheLoadedDllWhichGoesAtTheNextSt
 {
     Install(OldVersion());
     const auto loaded = std::make_unique<CAddInModule>(InstalledModule());
-    ASSERT_EQ(Run(InstalledUninstaller()), kSetupDone);
-    ASSERT_TRUE(
-        WaitUntil([] { return !DeletedAtNextStart().empty() && !FileExists(InstalledUninstaller()); }));
+    RunUninstaller();
     EXPECT_THAT(ListFolder(InstallFolder()), ElementsAre(Aside(1)));
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey));
@@ -80,28 +79,48 @@ TEST_F(SetupInUseTest, UninstallingRemovesAllButTheLoadedDllWhichGoesAtTheNextSt
                 ElementsAre(InstallFolder() + L"\\" + Aside(1), StartsWith(InstallFolder())));
 }
 
+// The stand-in Outlook, open, with the add-in connected.
+class COpenOutlook
+{
+public:
+    COpenOutlook()
+        : m_host({.program = BuiltFile(L"OutlookHost.exe"),
+                  .arguments = {L"--mode", L"after-startup", L"--trace", m_folder.File(L"trace.txt")}})
+    {
+        EXPECT_TRUE(WaitUntil([this] {
+            return ReadFileBytes(m_folder.File(L"trace.txt"))
+                       .value_or("")
+                       .find("OnAddInsUpdate = 0x00000000") != std::string::npos;
+        })) << DescribeWindows(m_host.Id());
+    }
+
+    /// Closes it as the user does, and asserts that it ends in good order.
+    void Close()
+    {
+        const HWND window = WaitForWindow({.process = m_host.Id(), .className = host::kMainWindowClass});
+        EXPECT_TRUE(PostMessageW(window, WM_CLOSE, 0, 0));
+        EXPECT_EQ(m_host.WaitForExit(), 0u);
+    }
+
+private:
+    CTempFolder m_folder;
+    CChildProcess m_host;
+};
+
 TEST_F(SetupInUseTest, OutlookGoesOnWithTheOldVersionAndItsNextStartHasTheNewOne)
 {
     Install(OldVersion());
-    const std::wstring outlook = BuiltFile(L"OutlookHost.exe");
-    const std::vector<std::wstring> arguments = {L"--mode", L"after-startup"};
-    const auto isOpen = [](const CChildProcess& host) {
-        return WaitForWindow({.process = host.Id(), .className = host::kMainWindowClass}) != nullptr;
-    };
-    CChildProcess first({.program = outlook, .arguments = arguments});
-    ASSERT_TRUE(isOpen(first));
+    COpenOutlook first;
     EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
-    EXPECT_TRUE(FileExists(InstallFolder() + L"\\" + Aside(1)));
-    EXPECT_TRUE(first.IsRunning());
-    first.End();
-    CChildProcess second({.program = outlook, .arguments = arguments});
-    ASSERT_TRUE(isOpen(second));
-    // The new DLL is in use now: it cannot be opened for writing, and the old one is free to go.
+    EXPECT_TRUE(HasContents(Aside(1), OldVersion()));
+    first.Close();
+    COpenOutlook second;
+    // The old DLL is free to go, and now the new one is in use: it is what moves aside.
     EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
     EXPECT_THAT(ListFolder(InstallFolder()),
                 UnorderedElementsAre(L"OrvaOscAddin.dll", Aside(1), L"Uninstall.exe"));
     EXPECT_TRUE(HasContents(Aside(1), NewVersion()));
-    second.End();
+    second.Close();
 }
 
 } // namespace
