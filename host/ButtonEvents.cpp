@@ -41,7 +41,7 @@ HRESULT CButtonEvents::Find(REFIID iid, IConnectionPoint** point)
     return S_OK;
 }
 
-bool CButtonEvents::Raise(IDispatch* button)
+void CButtonEvents::Raise(IDispatch* button)
 {
     // A subscriber may end its subscription, or another's, while it is called.
     std::vector<Microsoft::WRL::ComPtr<IDispatch>> sinks;
@@ -50,6 +50,7 @@ bool CButtonEvents::Raise(IDispatch* button)
         sinks.emplace_back(sink);
     }
 
+    // CancelDefault. It has no effect: a button's own action comes first.
     VARIANT_BOOL cancel = VARIANT_FALSE;
     for (const auto& sink : sinks)
     {
@@ -66,7 +67,6 @@ bool CButtonEvents::Raise(IDispatch* button)
                                 &exception, &argumentError);
         });
     }
-    return cancel != VARIANT_FALSE;
 }
 
 STDMETHODIMP CButtonEvents::QueryInterface(REFIID iid, void** object)

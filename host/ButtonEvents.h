@@ -25,9 +25,8 @@ public:
 
     /// FindConnectionPoint of the container: CONNECT_E_NOCONNECTION for any other event interface.
     HRESULT Find(REFIID iid, IConnectionPoint** point);
-    /// Calls Click(button, CancelDefault) of each subscriber; true when one has set CancelDefault.
-    bool Raise(IDispatch* button);
-    size_t Count() const { return m_sinks.size(); }
+    /// Calls Click(button, CancelDefault) of each subscriber.
+    void Raise(IDispatch* button);
 
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
     STDMETHODIMP_(ULONG) AddRef() override;

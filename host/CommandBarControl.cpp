@@ -181,7 +181,7 @@ IUnknown* CCommandBarButton::OtherInterface(REFIID iid)
     return CCommandBarControl::OtherInterface(iid);
 }
 
-bool CCommandBarButton::Click()
+void CCommandBarButton::Click()
 {
     // A subscriber may delete the button.
     AddRef();
@@ -189,14 +189,8 @@ bool CCommandBarButton::Click()
     {
         m_action();
     }
-    const bool cancel = m_clicks->Point().Raise(this);
+    m_clicks->Point().Raise(this);
     Release();
-    return cancel;
-}
-
-size_t CCommandBarButton::Subscribers() const
-{
-    return m_clicks->Point().Count();
 }
 
 CCommandBarPopup::CCommandBarPopup(CMenuModel& model)

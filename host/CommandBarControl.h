@@ -63,11 +63,8 @@ public:
     explicit CCommandBarButton(CMenuModel& model, std::function<void()> action = {});
 
     long Type() const override { return kControlButton; }
-    /// Carries out the action and raises Click on every subscriber. Returns whether a subscriber has set
-    /// CancelDefault.
-    bool Click();
-    /// Number of subscribers to Click.
-    size_t Subscribers() const;
+    /// Carries out the action and raises Click on every subscriber.
+    void Click();
 
 protected:
     ~CCommandBarButton() override;

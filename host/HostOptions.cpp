@@ -117,7 +117,9 @@ std::wstring ExpandVersion(const std::wstring& text)
 
 int MajorVersion(const std::wstring& version)
 {
-    return static_cast<int>(std::wcstol(version.c_str(), nullptr, 10));
+    // wcstol alone would skip blanks and take a sign.
+    const bool isNumber = !version.empty() && version[0] >= L'0' && version[0] <= L'9';
+    return isNumber ? static_cast<int>(std::wcstol(version.c_str(), nullptr, 10)) : 0;
 }
 
 } // namespace orva::host

@@ -1,11 +1,24 @@
 #include "host/StoredControls.h"
 
+#include <algorithm>
+
 namespace orva::host
 {
 namespace
 {
 
-constexpr DWORD kLongestText = 256;
+// The captions of a stored button's menu and of the button, each with its terminator; empty if there is none.
+std::wstring ReadStored(int index)
+{
+    const std::wstring name = std::to_wstring(index);
+    DWORD size = 0;
+    RegGetValueW(HKEY_CURRENT_USER, kStoredControlsKey, name.c_str(), RRF_RT_REG_MULTI_SZ, nullptr, nullptr,
+                 &size);
+    std::wstring texts(size / sizeof(wchar_t), L'\0');
+    const LSTATUS status = RegGetValueW(HKEY_CURRENT_USER, kStoredControlsKey, name.c_str(),
+                                        RRF_RT_REG_MULTI_SZ, nullptr, texts.data(), &size);
+    return status == ERROR_SUCCESS ? texts : std::wstring();
+}
 
 } // namespace
 
@@ -35,21 +48,16 @@ void StoreControls(const CCommandBarControls& menus)
 
 void RestoreControls(const CCommandBarControls& menus)
 {
-    wchar_t texts[kLongestText];
-    DWORD size = sizeof texts;
-    for (int index = 0; RegGetValueW(HKEY_CURRENT_USER, kStoredControlsKey, std::to_wstring(index).c_str(),
-                                     RRF_RT_REG_MULTI_SZ, nullptr, texts, &size) == ERROR_SUCCESS;
-         ++index, size = sizeof texts)
+    std::wstring texts;
+    for (int index = 0; !(texts = ReadStored(index)).empty(); ++index)
     {
-        const std::wstring menuCaption = texts;
+        const std::wstring menuCaption = texts.c_str();
+        const std::wstring caption = texts.substr(std::min(menuCaption.size() + 1, texts.size())).c_str();
         for (const auto& menu : menus.Items())
         {
             if (menu->Type() == kControlPopup && menu->Caption() == menuCaption)
             {
-                static_cast<CCommandBarPopup*>(menu.Get())
-                    ->Controls()
-                    .AddButton(texts + menuCaption.size() + 1)
-                    .SetLasting(true);
+                static_cast<CCommandBarPopup*>(menu.Get())->Controls().AddButton(caption).SetLasting(true);
             }
         }
     }

@@ -4,13 +4,12 @@
 # absolute form.
 #
 # start_server DIR     starts it with everything it needs below DIR; sets $server_port and $server_log.
-# publish DIR WHAT LANGUAGE   puts UpdateInfo.txt for version WHAT, or the file WHAT as it is, into the web root.
+# publish DIR WHAT LANGUAGE   puts UpdateInfo.txt for version WHAT, or the file WHAT as it is, and an installer into the web
+#                      root, DIR/www; sets $installer_path to its path there.
 # stop_server DIR
 # shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the other libraries
 
 update_info_path=/downloads/outlook/UpdateInfo.txt
-# Large enough to see the progress.
-installer_size=$((4 * 1024 * 1024))
 
 web_host() {
     sed -n 's/^ORVA_WEB_HOST:[A-Z]*=//p' "$build_dir/CMakeCache.txt"
@@ -112,38 +111,20 @@ stop_server() {
 }
 
 publish() {
-    local dir=$1 what=$2 language=$3 folder=$1/www/downloads/outlook installer major minor build
+    local dir=$1 what=$2 language=$3 major minor build
     rm -rf "$dir/www"
-    mkdir -p "$folder"
+    mkdir -p "$dir/www/downloads/outlook"
     if [ -f "$what" ]; then
         cp "$what" "$dir/www$update_info_path"
         # Such a file may offer an installer too.
-        add_installer "$folder/OrvaSetup-$language.exe"
-        return
+        installer_path=/downloads/outlook/OrvaSetup-$language.exe
+    else
+        installer_path=/downloads/outlook/OrvaSetup-$what-$language.exe
+        IFS=. read -r major minor build <<<"$what"
+        sed "s/VERSION/$what/; s/MAJOR/$major/; s/MINOR/$minor/; s/BUILD/$build/; s|LINK|http://$(web_host)$installer_path|" \
+            "$repository/demo/UpdateInfo.txt.in" >"$dir/www$update_info_path"
     fi
-    installer=OrvaSetup-$what-$language.exe
-    IFS=. read -r major minor build <<<"$what"
-    add_installer "$folder/$installer"
-    cat >"$dir/www$update_info_path" <<END
-{
-    "x64": {
-        "majorVersion": $major,
-        "minorVersion": $minor,
-        "buildNumber": $build,
-        "downloadLink": "http://$(web_host)/downloads/outlook/$installer",
-        "description": {
-            "de": "ORVA Connector $what\n\n- Kontakte werden beim Start schneller abgeglichen.\n- Umlaute in Firmennamen werden richtig angezeigt.\n\nBitte schließen Sie Outlook vor der Installation.",
-            "es": "ORVA Connector $what\n\n- Los contactos se sincronizan más rápido al iniciar.\n- Los nombres de empresa con acentos se muestran correctamente.\n\nCierre Outlook antes de la instalación.",
-            "tr": "ORVA Connector $what\n\n- Kişiler başlangıçta daha hızlı eşitlenir.\n- Türkçe karakterli şirket adları doğru gösterilir.\n\nLütfen kurulumdan önce Outlook'u kapatın.",
-            "default": "ORVA Connector $what\n\n- Contacts are brought up to date faster at start-up.\n- Company names with accents are shown correctly.\n\nPlease close Outlook before the installation."
-        }
-    }
-}
-END
-}
-
-# A copy of the demonstration installer, padded to the size; bytes after the image do not matter.
-add_installer() {
-    cp "$build_dir/DemoInstaller.exe" "$1"
-    truncate -s ">$installer_size" "$1"
+    # Padded until it is large enough to see the progress; bytes after the image do not matter.
+    cp "$build_dir/DemoInstaller.exe" "$dir/www$installer_path"
+    truncate -s '>4M' "$dir/www$installer_path"
 }

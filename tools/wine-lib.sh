@@ -3,6 +3,7 @@
 # take_slot     sets and locks $slot, a folder; the lock lasts as long as this shell.
 # start_slot D  makes prefix and display of slot D ready and exports WINEPREFIX, DISPLAY and Wine's settings.
 # make_slots    does so with every slot.
+# run_in_slot PROGRAM.exe [ARGUMENTS...]   runs it in the slot that was started, until it ends; the status is its own.
 # stop_slots    ends the displays and Wine servers of every slot, by the ids noted when they were started.
 #
 # Descriptor 9 holds the lock. Processes that outlive this shell are started without it (9>&-), or the slot would stay
@@ -142,6 +143,19 @@ start_slot() {
     if wineserver -p 9>&- >/dev/null 2>&1; then
         wineboot 9>&- </dev/null >/dev/null 2>&1 || true
     fi
+}
+
+# Into a file that tail follows, not directly: a Wine process that the program starts (the desktop, a service) and that
+# outlives it would hold a pipe open, and its reader would wait for it.
+run_in_slot() {
+    local output=$slot/output.log program status=0
+    # Created here, because tail may start before the program writes.
+    : >"$output"
+    wine "$@" 9>&- >"$output" 2>&1 </dev/null &
+    program=$!
+    tail --lines=+1 --follow --sleep-interval=0.05 --pid="$program" "$output" 9>&-
+    wait "$program" || status=$?
+    return "$status"
 }
 
 # Makes all slots ready at the same time.

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "platform/atl/RegistrationData.h"
+#include "platform/atl/RegistrationWords.h"
 
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace ATL
@@ -42,19 +42,6 @@ struct CRegistrationStep
     bool forceRemove = false;
     bool noRemove = false;
     RegistrationData data;
-};
-
-/// The texts that stand for %NAME%. Names are compared without regard to the case of ASCII letters.
-class CRegistrationReplacements
-{
-public:
-    void Set(std::wstring_view name, std::wstring_view text);
-    void Clear();
-    /// Null when there is no such name.
-    const std::wstring* Find(std::wstring_view name) const;
-
-private:
-    std::vector<std::pair<std::wstring, std::wstring>> m_entries;
 };
 
 /// What came of reading a script.

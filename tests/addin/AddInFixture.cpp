@@ -3,6 +3,7 @@
 #include "harness/Files.h"
 #include "harness/Text.h"
 
+#include <atomic>
 #include <stdexcept>
 
 namespace orva::test
@@ -22,6 +23,26 @@ constexpr const wchar_t* kTypeLibraryKeys[] = {
     L"Software\\Classes\\Interface\\{000C0395-0000-0000-C000-000000000046}",
     L"Software\\Classes\\Interface\\{000C0396-0000-0000-C000-000000000046}",
     L"Software\\Classes\\Interface\\{000C0351-0000-0000-C000-000000000046}",
+};
+
+// The host's type libraries, registered during its lifetime.
+class COfficeLibraries
+{
+public:
+    COfficeLibraries()
+    {
+        for (const wchar_t* const file :
+             {L"platform\\office\\AddInDesignerObjects.tlb", L"platform\\office\\Office.tlb"})
+        {
+            std::wstring path = BuiltFile(file);
+            ComPtr<ITypeLib> library;
+            EXPECT_EQ(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library), S_OK) << Utf8(path);
+            EXPECT_EQ(RegisterTypeLib(library.Get(), path.data(), nullptr), S_OK) << Utf8(path);
+        }
+    }
+
+private:
+    CBothHivesGuard m_keys{kTypeLibraryKeys};
 };
 
 // Switches the log on and registers the libraries and the add-in for the whole test program.
@@ -53,29 +74,20 @@ testing::Environment* const g_machine = testing::AddGlobalTestEnvironment(new CM
 
 } // namespace
 
-CAddInCopy::CAddInCopy(const std::string& before, const std::string& after)
+CAddInCopy::CAddInCopy(const std::vector<std::pair<std::string, std::string>>& changes)
 {
     std::string bytes = ReadFileBytes(BuiltFile(kAddInModule)).value_or("");
-    const size_t found = bytes.find(before);
-    if (before.size() != after.size() || found == std::string::npos ||
-        bytes.find(before, found + 1) != std::string::npos)
+    for (const auto& [before, after] : changes)
     {
-        throw std::runtime_error("the DLL does not hold the bytes exactly once");
+        const size_t found = bytes.find(before);
+        if (before.size() != after.size() || found == std::string::npos ||
+            bytes.find(before, found + 1) != std::string::npos)
+        {
+            throw std::runtime_error("the DLL does not hold the bytes exactly once");
+        }
+        bytes.replace(found, before.size(), after);
     }
-    bytes.replace(found, before.size(), after);
     WriteFileBytes(Path(), bytes);
-}
-
-COfficeLibraries::COfficeLibraries() : m_keys(kTypeLibraryKeys)
-{
-    for (const wchar_t* const file :
-         {L"platform\\office\\AddInDesignerObjects.tlb", L"platform\\office\\Office.tlb"})
-    {
-        std::wstring path = BuiltFile(file);
-        ComPtr<ITypeLib> library;
-        EXPECT_EQ(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &library), S_OK) << Utf8(path);
-        EXPECT_EQ(RegisterTypeLib(library.Get(), path.data(), nullptr), S_OK) << Utf8(path);
-    }
 }
 
 CHostWindow::CHostWindow()
@@ -122,6 +134,14 @@ LRESULT CALLBACK CHostWindow::Procedure(HWND window, UINT message, WPARAM first,
     return DefWindowProcW(window, message, first, second);
 }
 
+HANDLE ActiveContext()
+{
+    HANDLE context = nullptr;
+    GetCurrentActCtx(&context);
+    ReleaseActCtx(context);
+    return context;
+}
+
 CAddInTest::CAddInTest()
 {
     m_module = std::make_unique<CAddInModule>();
@@ -148,7 +168,7 @@ void CAddInTest::Create()
 
 HRESULT CAddInTest::Connect(const wchar_t* version, int mode)
 {
-    m_outlook = std::make_unique<CFakeOutlook>(version);
+    UseOutlook(version);
     Create();
     return ConnectTo(m_outlook->application.Get(), mode);
 }
@@ -156,6 +176,19 @@ HRESULT CAddInTest::Connect(const wchar_t* version, int mode)
 HRESULT CAddInTest::ConnectTo(IDispatch* application, int mode)
 {
     return ConnectAddIn(m_object.Get(), application, mode);
+}
+
+std::vector<std::string> CAddInTest::LinesOfConnecting(int mode)
+{
+    Create();
+    NewLogLines();
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), mode), S_OK);
+    return NewLogLines();
+}
+
+void CAddInTest::ExpectAbout()
+{
+    m_user.OnDialogWith(kAboutClose, [](HWND about) { EXPECT_TRUE(ClickButton(about, kAboutClose)); });
 }
 
 void CAddInTest::ReleaseAll()
@@ -168,6 +201,14 @@ void CAddInTest::ReleaseAll()
     EXPECT_EQ(m_module->CanUnloadNow(), S_OK);
     m_module.reset();
     EXPECT_FALSE(CAddInModule::IsLoaded());
+}
+
+bool CAddInTest::WaitForContextOtherThan(HANDLE context)
+{
+    // The posted function may run after this one has given up.
+    const auto seen = std::make_shared<std::atomic<HANDLE>>(context);
+    m_host.Post([seen] { *seen = ActiveContext(); });
+    return WaitUntil([&] { return *seen != context; });
 }
 
 } // namespace orva::test

@@ -24,6 +24,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orva::test
@@ -37,24 +38,14 @@ inline constexpr IID kConnectInterface = {
 class CAddInCopy
 {
 public:
-    /// Replaces `before` by `after`. Throws std::runtime_error unless both are equally long and `before`
-    /// occurs exactly once.
-    CAddInCopy(const std::string& before, const std::string& after);
+    /// Replaces the first bytes of each pair by the second. Throws std::runtime_error unless both are equally
+    /// long and the first occur exactly once.
+    explicit CAddInCopy(const std::vector<std::pair<std::string, std::string>>& changes);
 
     std::wstring Path() const { return m_folder.File(kAddInModule); }
 
 private:
     CTempFolder m_folder;
-};
-
-/// The host's type libraries, registered for the test's lifetime.
-class COfficeLibraries
-{
-public:
-    COfficeLibraries();
-
-private:
-    CBothHivesGuard m_keys;
 };
 
 /// The host's main window. It records when it is enabled and disabled, and runs functions that are posted to
@@ -80,6 +71,9 @@ private:
     std::vector<bool> m_history;
 };
 
+/// The activation context that is active in this thread; null for the program's own.
+HANDLE ActiveContext();
+
 /// One test with one add-in object in one freshly loaded DLL. Office speaks English; the log is on; every
 /// request reaches the scripted server.
 class CAddInTest : public testing::Test
@@ -92,10 +86,14 @@ protected:
     void LoadInstead(const std::wstring& path);
     /// Creates the add-in's object through its class object.
     void Create();
-    /// Creates the object and connects it to m_outlook; by default without a start-up check.
+    /// Makes m_outlook an Outlook of this version.
+    void UseOutlook(const wchar_t* version) { m_outlook = std::make_unique<CFakeOutlook>(version); }
+    /// Creates the object and connects it to a new m_outlook; by default without a start-up check.
     HRESULT Connect(const wchar_t* version, int mode = ext_cm_AfterStartup);
     /// Calls OnConnection of the created object with any application.
-    HRESULT ConnectTo(IDispatch* application, int mode);
+    HRESULT ConnectTo(IDispatch* application, int mode = ext_cm_AfterStartup);
+    /// Creates the object, connects it to m_outlook and returns the log's lines of the connection.
+    std::vector<std::string> LinesOfConnecting(int mode = ext_cm_AfterStartup);
     /// Releases the object, checks that the module can be unloaded, and unloads it.
     void ReleaseAll();
 
@@ -113,7 +111,12 @@ protected:
 
     /// The log's lines since the last call, or since the test began.
     std::vector<std::string> NewLogLines() { return m_log.NewLines(); }
+    /// Has the user close the About dialog.
+    void ExpectAbout();
     void Publish(const std::string& text) { m_server.On(kUpdateInfoPath, CHttpReply(200, text)); }
+    /// Waits on the user's thread until a window message finds another activation context active in the
+    /// test's thread.
+    bool WaitForContextOtherThan(HANDLE context);
 
     CHostWindow m_host;
     CLoopbackServer m_server;

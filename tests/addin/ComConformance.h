@@ -1,13 +1,10 @@
-// Checks the rules of COM on one object, for every interface, pair and chain of three; and the fixture that
-// the tests of these rules share.
+// The rules of COM that every object keeps, and what the tests of these rules share.
 #pragma once
 
 #include "addin/AddInFixture.h"
 
 #include <functional>
 #include <span>
-#include <string>
-#include <vector>
 
 namespace orva::test
 {
@@ -24,20 +21,6 @@ std::span<const CInterface> AddInInterfaces();
 /// Interfaces that the add-in's object must not claim. The click's sink is an object of its own.
 std::span<const CInterface> ForeignInterfaces();
 
-/// What CheckQueryInterface counted, and the rules that it found broken, one line each.
-struct CConformance
-{
-    size_t interfaces = 0;
-    size_t pairs = 0;
-    size_t chains = 0;
-    size_t refused = 0;
-    std::vector<std::string> violations;
-
-    /// The counts as the report shows them, and "every rule holds" or how many were broken.
-    std::string Counts() const;
-    std::string Verdict() const;
-};
-
 enum class Place
 {
     /// The object itself: its reference count can be read, and a null pointer for the result is refused.
@@ -46,19 +29,15 @@ enum class Place
     Proxy,
 };
 
-/// Asks `object` for everything that QueryInterface promises:
-/// - each of `offered` is given by itself (reflexive), by every other (symmetric) and by what every other
-///   gives (transitive), each time with the same pointer;
-/// - every interface gives the same pointer for IUnknown;
-/// - each of `foreign` is refused with E_NOINTERFACE and a null pointer;
+/// Fails the test unless `object` keeps what QueryInterface promises:
+/// - each of `offered` gives each of them, itself included, with the same pointer that `object` gives, so
+///   that no way from one to another matters; IUnknown should be one of them;
+/// - each of them refuses each of `foreign` with E_NOINTERFACE and a null pointer;
 /// - a null pointer for the result gives E_POINTER;
-/// - when all is released the reference count is as before.
-/// Asserts nothing, so that it can run on any thread.
-CConformance CheckQueryInterface(IUnknown* object, std::span<const CInterface> offered,
-                                 std::span<const CInterface> foreign, Place place = Place::InProcess);
-
-/// Adds a row to the report of conformance and fails the test if a rule was broken.
-void ReportConformance(const std::string& object, const CConformance& conformance);
+/// - when all is released, the reference count is as before.
+/// Callable on any thread.
+void ExpectQueryInterfaceRules(IUnknown* object, std::span<const CInterface> offered,
+                               std::span<const CInterface> foreign, Place place = Place::InProcess);
 
 template <typename Interface> void** Out(Microsoft::WRL::ComPtr<Interface>& pointer)
 {
@@ -96,8 +75,8 @@ protected:
 };
 
 /// Runs `work` on a thread of its own, in an apartment of that kind (COINIT_APARTMENTTHREADED or
-/// COINIT_MULTITHREADED), while this thread dispatches its messages. False if it did not end in time. `work`
-/// must release every interface before it returns.
-bool RunInApartment(DWORD kind, const std::function<void()>& work);
+/// COINIT_MULTITHREADED), while this thread dispatches its messages. Fails the test if it does not end in
+/// time. `work` must release every interface before it returns.
+void RunInApartment(DWORD kind, const std::function<void()>& work);
 
 } // namespace orva::test

@@ -16,8 +16,7 @@ TEST_F(ComConformanceAggregateTest, TheWholeKeepsEveryRuleOfQueryInterface)
 {
     COuter outer;
     CreateInside(outer);
-    ReportConformance("05 an outer object with the add-in's inside",
-                      CheckQueryInterface(&outer, AddInInterfaces(), ForeignInterfaces()));
+    ExpectQueryInterfaceRules(&outer, AddInInterfaces(), ForeignInterfaces());
     EXPECT_EQ(outer.References(), 1u);
     EXPECT_EQ(m_module->CanUnloadNow(), S_FALSE);
     outer.LetGo();
@@ -29,8 +28,7 @@ TEST_F(ComConformanceAggregateTest, TheInnerIdentityKeepsTheRulesForItselfAlone)
     COuter outer;
     CreateInside(outer);
     const CInterface identity[] = {{"IUnknown", IID_IUnknown}};
-    ReportConformance("06 the inner object's own IUnknown",
-                      CheckQueryInterface(*outer.Inner(), identity, ForeignInterfaces()));
+    ExpectQueryInterfaceRules(*outer.Inner(), identity, ForeignInterfaces());
     ComPtr<IUnknown> inner;
     EXPECT_EQ((*outer.Inner())->QueryInterface(IID_IUnknown, Out(inner)), S_OK);
     EXPECT_EQ(CountOf(inner.Get()), 2u);
@@ -76,7 +74,7 @@ TEST_F(ComConformanceAggregateTest, ItConnectsAndIsClicked)
     ASSERT_EQ(outer.QueryInterface(IID__IDTExtensibility2, Out(addIn)), S_OK);
     EXPECT_EQ(addIn->OnConnection(outlook.application.Get(), ext_cm_AfterStartup, nullptr, nullptr), S_OK);
     ASSERT_EQ(outlook.button->Sinks().size(), 1u);
-    m_user.OnDialogWith(kAboutClose, [](HWND dialog) { ClickButton(dialog, kAboutClose); });
+    ExpectAbout();
     m_user.Start();
     outlook.button->Click();
     EXPECT_EQ(m_user.Finish().size(), 1u);

@@ -1,6 +1,5 @@
-// When the module may be unloaded, and that it can be loaded and unloaded repeatedly.
+// When the module may be unloaded, and that COM loads and unloads it.
 #include "addin/ComConformance.h"
-#include "harness/Report.h"
 
 namespace orva::test
 {
@@ -9,8 +8,6 @@ namespace
 
 using Microsoft::WRL::ComPtr;
 using testing::ElementsAre;
-
-constexpr int kRounds = 100;
 
 class ComConformanceModuleTest : public CComConformanceTest
 {
@@ -53,38 +50,14 @@ TEST_F(ComConformanceModuleTest, TheModuleStaysWhileTheServerIsLocked)
     EXPECT_EQ(m_module->CanUnloadNow(), S_OK);
 }
 
-TEST_F(ComConformanceModuleTest, TheModuleIsLoadedUsedAndUnloadedAHundredTimes)
-{
-    int rounds = 0;
-    for (; rounds < kRounds && !HasFailure(); ++rounds)
-    {
-        CFakeOutlook outlook(rounds % 2 == 0 ? kOutlook2007 : kOutlook2010);
-        Create();
-        EXPECT_EQ(ConnectTo(outlook.application.Get(), ext_cm_AfterStartup), S_OK);
-        _bstr_t markup;
-        EXPECT_EQ(
-            Query<IRibbonExtensibility>(IID_IRibbonExtensibility)->GetCustomUI(nullptr, markup.GetAddress()),
-            S_OK);
-        EXPECT_EQ(AddIn()->OnDisconnection(ext_dm_HostShutdown, nullptr), S_OK);
-        ReleaseAll();
-        m_module = std::make_unique<CAddInModule>();
-    }
-    EXPECT_EQ(rounds, kRounds);
-    AddReportRow(
-        "com-conformance",
-        {"10 the module, loaded, connected to Outlook, let go and unloaded",
-         std::to_string(rounds) + " rounds",
-         HasFailure() ? "a round failed" : "DllCanUnloadNow said S_OK and the module went each time"});
-}
-
-TEST_F(ComConformanceModuleTest, ComCreatesTheRegisteredClassAndUnloadsTheModuleAHundredTimes)
+// That nothing is left of a hundred rounds is tested by the long run.
+TEST_F(ComConformanceModuleTest, ComCreatesTheRegisteredClassAndUnloadsTheModuleTimeAndAgain)
 {
     ReleaseAll();
     CLSID classId{};
     ASSERT_EQ(CLSIDFromProgID(kAddInProgId, &classId), S_OK);
     EXPECT_EQ(classId, kAddInClass);
-    int rounds = 0;
-    for (; rounds < kRounds && !HasFailure(); ++rounds)
+    for (int round = 0; round < 3; ++round)
     {
         ComPtr<_IDTExtensibility2> addIn;
         ASSERT_EQ(
@@ -98,10 +71,6 @@ TEST_F(ComConformanceModuleTest, ComCreatesTheRegisteredClassAndUnloadsTheModule
         CoFreeUnusedLibrariesEx(0, 0);
         EXPECT_FALSE(CAddInModule::IsLoaded());
     }
-    EXPECT_EQ(rounds, kRounds);
-    AddReportRow("com-conformance",
-                 {"11 the module, loaded and unloaded by COM itself", std::to_string(rounds) + " rounds",
-                  HasFailure() ? "a round failed" : "in use it stays, unused it goes"});
 }
 
 } // namespace

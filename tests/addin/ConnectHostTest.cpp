@@ -1,18 +1,20 @@
 // What connecting reads from the host, and what follows from the host's version, explorer and application.
-#include "addin/ConnectFixture.h"
+#include "addin/AddInFixture.h"
+#include "addin/ConnectLines.h"
+
+#include <algorithm>
 
 namespace orva::test
 {
 namespace
 {
 
-using testing::Contains;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 
-using ConnectHostTest = CConnectTest;
+class ConnectHostTest : public CAddInTest
+{
+};
 
 TEST_F(ConnectHostTest, AsksTheApplicationForExplorerAndVersionOnceInThisOrder)
 {
@@ -39,15 +41,15 @@ class ConnectVersionTest : public ConnectHostTest, public testing::WithParamInte
 
 TEST_P(ConnectVersionTest, DecidesBetweenMenuCommandBackstageAndNeither)
 {
-    const std::vector<std::string> lines = LinesOfConnecting(GetParam().version, ext_cm_AfterStartup);
+    UseOutlook(GetParam().version);
+    const std::vector<std::string> lines = LinesOfConnecting();
     if (GetParam().hasMenuCommand)
     {
-        EXPECT_THAT(lines, ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup ", kExplorer,
-                                       "CConnect::InsertMenuCommands"));
+        EXPECT_THAT(lines, ElementsAre(kOnConnection, kAfterStartup, kExplorer, kInsert));
     }
     else
     {
-        EXPECT_THAT(lines, ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup "));
+        EXPECT_THAT(lines, ElementsAre(kOnConnection, kAfterStartup));
     }
     EXPECT_EQ(m_outlook->button->Sinks().size(), GetParam().hasMenuCommand ? 1u : 0u);
 
@@ -67,84 +69,81 @@ INSTANTIATE_TEST_SUITE_P(
                     CVersionCase{L"", true, false}, CVersionCase{L"-14", true, false},
                     CVersionCase{L"+14", true, false}));
 
-TEST_F(ConnectHostTest, AVersionThatIsNoTextCountsAsBelow14)
+// A host that answers less than it was asked for, and the lines between the connect mode and the check.
+struct CAnswerCase
 {
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2010);
-    m_outlook->application->Give(L"Version", _variant_t(14L));
-    Create();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
+    const char* name;
+    const wchar_t* version;
+    std::function<void(CFakeOutlook&)> change;
+    std::vector<std::string> lines;
+};
+
+void PrintTo(const CAnswerCase& answer, std::ostream* out)
+{
+    *out << answer.name;
 }
 
-TEST_F(ConnectHostTest, AFailingVersionCountsAsBelow14AndTheCheckRuns)
+class ConnectAnswerTest : public ConnectHostTest, public testing::WithParamInterface<CAnswerCase>
 {
-    Publish(kSameVersion);
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2010);
-    m_outlook->application->Fail(L"Version", E_FAIL);
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_Startup), S_OK);
-    EXPECT_THAT(NewLogLines(), Not(Contains(HasSubstr("Caught exception"))));
-    EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
+};
+
+TEST_P(ConnectAnswerTest, IsAbsorbedAndTheCheckRuns)
+{
+    UseOutlook(GetParam().version);
+    GetParam().change(*m_outlook);
+    std::vector<std::string> lines = LinesOfConnecting(ext_cm_Startup);
+    lines.erase(std::ranges::find(lines, kCheck), lines.end());
+    std::vector<std::string> expected = {kOnConnection, kStartup};
+    expected.insert(expected.end(), GetParam().lines.begin(), GetParam().lines.end());
+    EXPECT_EQ(lines, expected);
+    const bool hasCommand = GetParam().lines.size() == 2;
+    EXPECT_EQ(m_outlook->button->Sinks().size(), hasCommand ? 1u : 0u);
     EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 1u);
-}
-
-TEST_F(ConnectHostTest, WithoutAnExplorerOutlook2007LogsItAndGetsNoCommand)
-{
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
-    m_outlook->application->GiveObject(L"ActiveExplorer", nullptr);
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_THAT(NewLogLines(),
-                ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup ", kNoExplorer));
-    EXPECT_THAT(MemberNames(m_outlook->record),
-                ElementsAre("application.ActiveExplorer", "application.Version"));
     EXPECT_EQ(AddIn()->OnDisconnection(ext_dm_HostShutdown, nullptr), S_OK);
 }
 
-TEST_F(ConnectHostTest, AnActiveExplorerOfAnotherKindCountsAsMissing)
-{
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
-    m_outlook->application->GiveObject(L"ActiveExplorer", m_outlook->commands.Get());
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_THAT(NewLogLines(), Contains(kNoExplorer));
-}
-
-TEST_F(ConnectHostTest, AFailingActiveExplorerCountsAsMissing)
-{
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007);
-    m_outlook->application->Fail(L"ActiveExplorer", E_OUTOFMEMORY);
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_THAT(NewLogLines(),
-                ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup ", kNoExplorer));
-}
-
-TEST_F(ConnectHostTest, WithoutAnExplorerOutlook2010LogsNothingAboutIt)
-{
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2010);
-    m_outlook->application->GiveObject(L"ActiveExplorer", nullptr);
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_THAT(NewLogLines(), ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_AfterStartup "));
-}
+INSTANTIATE_TEST_SUITE_P(
+    Answers, ConnectAnswerTest,
+    testing::Values(
+        CAnswerCase{"a version that is no text counts as below 14",
+                    kOutlook2010,
+                    [](CFakeOutlook& outlook) { outlook.application->Give(L"Version", _variant_t(14L)); },
+                    {kExplorer, kInsert}},
+        CAnswerCase{"a failing version counts as below 14",
+                    kOutlook2010,
+                    [](CFakeOutlook& outlook) { outlook.application->Fail(L"Version", E_FAIL); },
+                    {kExplorer, kInsert}},
+        CAnswerCase{
+            "without an explorer Outlook 2007 gets no command",
+            kOutlook2007,
+            [](CFakeOutlook& outlook) { outlook.application->GiveObject(L"ActiveExplorer", nullptr); },
+            {kNoExplorer}},
+        CAnswerCase{"an explorer of another kind counts as missing",
+                    kOutlook2007,
+                    [](CFakeOutlook& outlook) {
+                        outlook.application->GiveObject(L"ActiveExplorer", outlook.commands.Get());
+                    },
+                    {kNoExplorer}},
+        CAnswerCase{"a failing explorer counts as missing",
+                    kOutlook2007,
+                    [](CFakeOutlook& outlook) { outlook.application->Fail(L"ActiveExplorer", E_FAIL); },
+                    {kNoExplorer}},
+        CAnswerCase{
+            "without an explorer Outlook 2010 logs nothing about it",
+            kOutlook2010,
+            [](CFakeOutlook& outlook) { outlook.application->GiveObject(L"ActiveExplorer", nullptr); },
+            {}}));
 
 TEST_F(ConnectHostTest, AnApplicationOfAnotherKindConnectsWithoutVersionAndExplorerAndIsChecked)
 {
-    Publish(kSameVersion);
-    m_outlook = std::make_unique<CFakeOutlook>(kOutlook2010);
+    UseOutlook(kOutlook2010);
     Create();
     NewLogLines();
     EXPECT_EQ(ConnectTo(m_outlook->explorer.Get(), ext_cm_Startup), S_OK);
     const std::vector<std::string> lines = NewLogLines();
     ASSERT_GE(lines.size(), 4u);
     EXPECT_THAT(std::vector(lines.begin(), lines.begin() + 4),
-                ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_Startup ", kNoExplorer, kCheck));
+                ElementsAre(kOnConnection, kStartup, kNoExplorer, kCheck));
     EXPECT_THAT(m_outlook->record, IsEmpty());
     EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 1u);
 }
@@ -154,7 +153,8 @@ TEST_F(ConnectHostTest, ANullApplicationIsAbsorbed)
     Create();
     NewLogLines();
     EXPECT_EQ(ConnectTo(nullptr, ext_cm_External), S_OK);
-    EXPECT_THAT(NewLogLines(), ElementsAre(kEntry, "CConnect::OnConnection() ext_cm_External ", kNoExplorer));
+    EXPECT_THAT(NewLogLines(),
+                ElementsAre(kOnConnection, "CConnect::OnConnection() ext_cm_External ", kNoExplorer));
 }
 
 } // namespace

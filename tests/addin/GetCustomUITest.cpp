@@ -1,12 +1,9 @@
 // The Backstage markup as Office gets it: for which version, in which language, with which texts.
 #include "addin/AddInFixture.h"
-#include "harness/Files.h"
 #include "harness/Text.h"
-#include "res/resource.h"
 
 #include <msxml2.h>
 
-#include <map>
 #include <string>
 
 namespace orva::test
@@ -68,28 +65,21 @@ TEST_F(GetCustomUITest, ANullResultPointerIsEPointerBeforeAndAfterConnecting)
     EXPECT_THAT(NewLogLines(), ElementsAre("CConnect::GetCustomUI"));
 }
 
-class GetCustomUIVersionTest : public GetCustomUITest, public testing::WithParamInterface<const wchar_t*>
-{
-};
-
-TEST_P(GetCustomUIVersionTest, AnyVersionBut14GetsAnEmptyTextThatIsNotNull)
-{
-    EXPECT_EQ(Connect(GetParam()), S_OK);
-    NewLogLines();
-    EXPECT_EQ(Markup(), L"");
-    EXPECT_THAT(NewLogLines(), ElementsAre("CConnect::GetCustomUI"));
-}
-
-INSTANTIATE_TEST_SUITE_P(Versions, GetCustomUIVersionTest,
-                         testing::Values(kOutlook2007, L"13.0", kOutlook2013, L"16.0", L"no version"));
-
-TEST_F(GetCustomUITest, BeforeConnectionTheTextIsEmpty)
+// Which versions are others is tested with the connection.
+TEST_F(GetCustomUITest, BeforeConnectionAndInAnotherOutlookTheTextIsEmptyAndNotNull)
 {
     Create();
     EXPECT_EQ(Markup(), L"");
+    for (const wchar_t* const version : {kOutlook2007, kOutlook2013})
+    {
+        EXPECT_EQ(Connect(version), S_OK);
+        NewLogLines();
+        EXPECT_EQ(Markup(), L"");
+        EXPECT_THAT(NewLogLines(), ElementsAre("CConnect::GetCustomUI"));
+    }
 }
 
-TEST_F(GetCustomUITest, InEnglishEveryPlaceholderIsFilled)
+TEST_F(GetCustomUITest, InEnglishEveryPlaceholderIsFilledWithItsText)
 {
     EXPECT_EQ(Connect(kOutlook2010), S_OK);
     NewLogLines();
@@ -97,31 +87,18 @@ TEST_F(GetCustomUITest, InEnglishEveryPlaceholderIsFilled)
     EXPECT_THAT(NewLogLines(), ElementsAre("CConnect::GetCustomUI"));
     EXPECT_THAT(Utf8(markup), Not(HasSubstr("__IDS_")));
     EXPECT_THAT(markup, StartsWith(L"\xFEFF<?xml"));
-    EXPECT_THAT(Utf8(markup), HasSubstr("encoding=\"utf-16\""));
     EXPECT_EQ(markup.find(L'\0'), std::wstring::npos);
     EXPECT_TRUE(IsWellFormed(markup));
+    for (const char* const filled :
+         {"id=\"grpDescription\" label=\"ORVA Connector\"", "label=\"More information\"",
+          "helperText=\"The following links provide you with information about use and troubleshooting:\"",
+          "label=\"ORVA Connector information\"", "label=\"FAQs\"", "label=\"About this site\"",
+          "label=\"Version\"", "label=\"Update\"", "screentip=\"Check for new version now\"",
+          "label=\"Version 1.2.0 (64-bit)\""})
+    {
+        EXPECT_THAT(Utf8(markup), HasSubstr(filled));
+    }
 }
-
-// A text of the markup, with the attribute that holds it.
-class GetCustomUITextTest : public GetCustomUITest, public testing::WithParamInterface<const char*>
-{
-};
-
-TEST_P(GetCustomUITextTest, InEnglishTheMarkupHolds)
-{
-    EXPECT_THAT(Utf8(MarkupIn(1033)), HasSubstr(GetParam()));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Texts, GetCustomUITextTest,
-    testing::Values(
-        "id=\"OrvaOSCBackStageTab\" label=\"ORVA\"", "id=\"grpDescription\" label=\"ORVA Connector\"",
-        "label=\"More information\"",
-        "helperText=\"The following links provide you with information about use and troubleshooting:\"",
-        "label=\"ORVA Connector information\"", "label=\"FAQs\"", "label=\"About this site\"",
-        "label=\"Version\"", "label=\"Update\"", "screentip=\"Check for new version now\"",
-        "label=\"Version 1.2.0 (64-bit)\"", "getImage=\"GetImageLogo\"", "getImage=\"GetImageIcon\"",
-        "onAction=\"ButtonClicked\""));
 
 TEST_F(GetCustomUITest, GermanAndTurkishAreFilledAndWellFormed)
 {
@@ -159,12 +136,14 @@ TEST_F(GetCustomUITest, TheRibbonsIdDoesNotMatter)
     EXPECT_EQ(Markup(nullptr), markup);
 }
 
-// Replacements for the product name and the first paragraph, and the product name that the markup then shows.
+constexpr wchar_t kFirstParagraph[] = L"The ORVA Connector links Outlook to the ORVA business network.";
+
+// Other texts in place of the first two paragraphs, and how the first one's label then begins.
 struct CPassesCase
 {
     const char* name;
-    std::wstring productName;
-    std::wstring firstParagraph;
+    std::wstring first;
+    std::wstring second;
     std::string shown;
 };
 
@@ -173,74 +152,72 @@ void PrintTo(const CPassesCase& passes, std::ostream* out)
     *out << passes.name;
 }
 
-// A DLL with other English texts: each placeholder in turn is replaced in all of the markup.
-class GetCustomUIPassesTest : public GetCustomUITest, public testing::WithParamInterface<CPassesCase>
+// A DLL with other English texts, filled up with blanks: each placeholder in turn is replaced in all of the
+// markup.
+class GetCustomUIOrderTest : public GetCustomUITest
 {
 protected:
-    // The block of the English string table that holds both texts: 16 texts, each with its length before it.
-    static std::wstring ReadBlock()
+    static std::pair<std::string, std::string> Change(const std::wstring& before, std::wstring after)
     {
-        const HMODULE module =
-            LoadLibraryExW(BuiltFile(kAddInModule).c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-        const HRSRC resource = FindResourceExW(module, RT_STRING, MAKEINTRESOURCEW(IDS_APPTITLE / kBlock + 1),
-                                               MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US));
-        const auto* const units = static_cast<const wchar_t*>(LockResource(LoadResource(module, resource)));
-        std::wstring block(units, SizeofResource(module, resource) / sizeof(wchar_t));
-        FreeLibrary(module);
-        return block;
+        after.resize(before.size(), L' ');
+        return {Bytes(before), Bytes(after)};
     }
 
-    // The block with other texts, in its old length. Zeros fill its end.
-    static std::wstring Changed(const std::wstring& block, const std::map<UINT, std::wstring>& texts)
-    {
-        std::wstring changed;
-        size_t at = 0;
-        for (UINT id = IDS_APPTITLE / kBlock * kBlock; id % kBlock != 0 || at == 0; ++id)
-        {
-            const size_t length = block.at(at);
-            const auto other = texts.find(id);
-            const std::wstring text = other != texts.end() ? other->second : block.substr(at + 1, length);
-            changed += static_cast<wchar_t>(text.size());
-            changed += text;
-            at += 1 + length;
-        }
-        EXPECT_LE(changed.size(), block.size());
-        changed.resize(block.size());
-        return changed;
-    }
-
+private:
     static std::string Bytes(const std::wstring& text)
     {
         return std::string(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t));
     }
+};
 
-private:
-    static constexpr UINT kBlock = 16;
+class GetCustomUIPassesTest : public GetCustomUIOrderTest, public testing::WithParamInterface<CPassesCase>
+{
 };
 
 TEST_P(GetCustomUIPassesTest, EachPlaceholderIsReplacedInTheResultOfTheEarlierOnes)
 {
-    const std::wstring block = ReadBlock();
-    const std::wstring changed = Changed(
-        block, {{IDS_APPTITLE, GetParam().productName}, {IDS_DESCRIPTION1, GetParam().firstParagraph}});
-    const CAddInCopy copy(Bytes(block), Bytes(changed));
+    const CAddInCopy copy(
+        {Change(kFirstParagraph, GetParam().first),
+         Change(L"It keeps your contacts from the network at hand in Outlook", GetParam().second)});
     LoadInstead(copy.Path());
-    EXPECT_THAT(Utf8(MarkupIn(1033)), HasSubstr("id=\"grpDescription\" label=\"" + GetParam().shown + "\""));
+    EXPECT_THAT(Utf8(MarkupIn(1033)), HasSubstr("id=\"lblText0\" label=\"" + GetParam().shown));
     // The copy cannot be deleted while it is loaded.
     ReleaseAll();
+}
+
+// The placeholders after the first paragraph's, in the order of their replacement.
+constexpr const wchar_t* kOrder[] = {
+    L"__IDS_DESCRIPTION2__",      L"__IDS_DESCRIPTION3__",  L"__IDS_LINKS_TITLE__",
+    L"__IDS_LINKS_DESCRIPTION__", L"__IDS_LINK1_TITLE__",   L"__IDS_LINK1_HREF__",
+    L"__IDS_LINK2_TITLE__",       L"__IDS_LINK2_HREF__",    L"__IDS_LINK3_TITLE__",
+    L"__IDS_LINK3_HREF__",        L"__IDS_VERSION_TITLE__", L"__IDS_VERSION_DESCRIPTION__",
+    L"__IDS_UPDBUTTON_LABEL__",   L"__IDS_UPDBUTTON_TIP__", L"__IDS_VERSION_LINE1__",
+    L"__IDS_VERSION_LINE2__"};
+
+TEST_F(GetCustomUIOrderTest, OfTwoNeighboursThatOverlapTheFirstIsReplaced)
+{
+    for (size_t i = 1; i < std::size(kOrder); ++i)
+    {
+        const std::wstring second = std::wstring(kOrder[i]).substr(2);
+        const CAddInCopy copy({Change(kFirstParagraph, kOrder[i - 1] + second)});
+        LoadInstead(copy.Path());
+        EXPECT_THAT(Utf8(MarkupIn(1033)), HasSubstr(Utf8(second) + " "));
+        // The copy cannot be deleted while it is loaded.
+        ReleaseAll();
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, GetCustomUIPassesTest,
     testing::Values(CPassesCase{"a later placeholder is expanded, its own is not",
-                                L"__IDS_APPTITLE__ __IDS_DESCRIPTION1__ __IDS_LINK2_TITLE__", L"One.",
-                                "__IDS_APPTITLE__ One. FAQs"},
-                    CPassesCase{"an earlier placeholder is not expanded", L"__IDS_DESCRIPTION1__",
-                                L"__IDS_APPTITLE__", "__IDS_APPTITLE__"},
+                                L"__IDS_DESCRIPTION1__ __IDS_LINK2_TITLE__", L"One.",
+                                "__IDS_DESCRIPTION1__ FAQs "},
+                    CPassesCase{"an earlier placeholder is not expanded", L"__IDS_APPTITLE__", L"One.",
+                                "__IDS_APPTITLE__ "},
                     CPassesCase{"of two that overlap the earlier in the table goes first",
-                                L"__IDS_LINK1_TITLE__IDS_DESCRIPTION1__", L"One.", "__IDS_LINK1_TITLEOne."},
-                    CPassesCase{"what an empty text joins is a placeholder again",
-                                L"__IDS___IDS_DESCRIPTION1__LINK2_TITLE__", L"", "FAQs"}));
+                                L"__IDS_LINK1_TITLE__IDS_DESCRIPTION2__", L"One.", "__IDS_LINK1_TITLEOne."},
+                    CPassesCase{"what a text completes is a placeholder again", L"__IDS___IDS_DESCRIPTION2__",
+                                L"LINK2_TITLE__", "FAQs "}));
 
 } // namespace
 } // namespace orva::test

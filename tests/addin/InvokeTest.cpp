@@ -1,5 +1,6 @@
 // The one Invoke behind all of the object's dispatch interfaces: which dispatcher handles which id.
 #include "addin/AddInFixture.h"
+#include "harness/Files.h"
 
 namespace orva::test
 {
@@ -7,13 +8,12 @@ namespace
 {
 
 using Microsoft::WRL::ComPtr;
-using testing::Contains;
 using testing::ElementsAre;
-using testing::Not;
 
 constexpr char kInvoke[] = "CConnect::Invoke";
 constexpr DISPID kClick = 1;
 constexpr DISPID kStartupComplete = 4;
+constexpr DISPID kButtonClicked = 42000;
 
 class InvokeTest : public CAddInTest
 {
@@ -24,17 +24,16 @@ protected:
         NewLogLines();
     }
 
-    static HRESULT Invoke(IDispatch* object, DISPID id, std::vector<VARIANT> reversed = {},
-                          VARIANT* result = nullptr)
+    static HRESULT Invoke(IDispatch* object, DISPID id, std::vector<VARIANT> reversed = {})
     {
         DISPPARAMS parameters{reversed.data(), nullptr, static_cast<UINT>(reversed.size()), 0};
-        return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, result,
+        return object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr,
                               nullptr, nullptr);
     }
 
-    HRESULT Invoke(DISPID id, std::vector<VARIANT> reversed = {}, VARIANT* result = nullptr)
+    HRESULT Invoke(DISPID id, std::vector<VARIANT> reversed = {})
     {
-        return Invoke(Dispatch().Get(), id, std::move(reversed), result);
+        return Invoke(Dispatch().Get(), id, std::move(reversed));
     }
 
     // What Office passes with a click: CancelDefault, then the button.
@@ -47,67 +46,54 @@ protected:
         return arguments;
     }
 
-    static std::vector<VARIANT> NullControl()
+    // Invokes the click, upon which the user sees the About dialog and closes it. Returns Invoke's result.
+    HRESULT Click()
     {
-        std::vector<VARIANT> arguments(1);
-        arguments[0].vt = VT_DISPATCH;
-        return arguments;
-    }
-
-    void ExpectAboutClosedByUser()
-    {
-        m_user.OnDialogWith(kAboutClose, [](HWND dialog) { ClickButton(dialog, kAboutClose); });
+        ExpectAbout();
+        m_user.Start();
+        const HRESULT result = Invoke(kClick, ClickArguments());
+        m_seen = m_user.Finish();
+        EXPECT_EQ(m_seen.size(), 1u);
+        return result;
     }
 
     VARIANT_BOOL m_cancelDefault = VARIANT_FALSE;
+    std::vector<CSeenWindow> m_seen;
 };
 
-// Removes the type library of _IDTExtensibility2 from the registry for its lifetime.
-class CNoExtensibilityLibrary
+// Removes a type library from the registry for its lifetime.
+class CNoLibrary
 {
 public:
-    CNoExtensibilityLibrary() { m_tree.Remove(); }
+    explicit CNoLibrary(const wchar_t* key) : m_tree(HKEY_LOCAL_MACHINE, key) { m_tree.Remove(); }
 
 private:
-    CRegistryTreeGuard m_tree{HKEY_LOCAL_MACHINE,
-                              L"Software\\Classes\\TypeLib\\{AC0714F2-3D04-11D1-AE7D-00A0C90F26F4}"};
+    CRegistryTreeGuard m_tree;
 };
 
-// Removes the add-in's own type library from the registry for its lifetime.
-class CNoOwnLibrary
-{
-public:
-    CNoOwnLibrary() { m_tree.Remove(); }
+constexpr wchar_t kHostsLibraryKey[] = L"Software\\Classes\\TypeLib\\{AC0714F2-3D04-11D1-AE7D-00A0C90F26F4}";
 
-private:
-    CRegistryTreeGuard m_tree{HKEY_LOCAL_MACHINE,
-                              L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"};
-};
-
-TEST_F(InvokeTest, TheRibbonsCallbacksAreFoundByNameOnTheObject)
+TEST_F(InvokeTest, OnlyTheRibbonsCallbacksAreFoundByNameOnTheObject)
 {
-    const ComPtr<IDispatch> dispatch = Dispatch();
-    const std::vector<std::pair<std::wstring, DISPID>> callbacks = {{L"ButtonClicked", 42000},
-                                                                    {L"GetImageLogo", 42001},
-                                                                    {L"GetImageIcon", 42002},
-                                                                    {L"buttonclicked", 42000}};
-    for (const auto& [name, id] : callbacks)
+    struct CName
     {
-        std::wstring copy = name;
-        LPOLESTR names[] = {copy.data()};
-        DISPID found = DISPID_UNKNOWN;
-        EXPECT_EQ(dispatch->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &found), S_OK);
-        EXPECT_EQ(found, id);
+        const wchar_t* name;
+        HRESULT result;
+        DISPID id;
+    };
+    const CName names[] = {{L"ButtonClicked", S_OK, kButtonClicked},
+                           {L"GetImageLogo", S_OK, 42001},
+                           {L"GetImageIcon", S_OK, 42002},
+                           {L"buttonclicked", S_OK, kButtonClicked},
+                           {L"OnConnection", DISP_E_UNKNOWNNAME, DISPID_UNKNOWN}};
+    for (const CName& each : names)
+    {
+        std::wstring copy = each.name;
+        LPOLESTR name = copy.data();
+        DISPID found = 0;
+        EXPECT_EQ(Dispatch()->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &found), each.result);
+        EXPECT_EQ(found, each.id);
     }
-}
-
-TEST_F(InvokeTest, ANameThatIsNoCallbackIsUnknown)
-{
-    wchar_t name[] = L"OnConnection";
-    LPOLESTR names[] = {name};
-    DISPID found = 0;
-    EXPECT_EQ(Dispatch()->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &found), DISP_E_UNKNOWNNAME);
-    EXPECT_EQ(found, DISPID_UNKNOWN);
 }
 
 TEST_F(InvokeTest, TheTypeInformationIsTheCallbacks)
@@ -121,70 +107,42 @@ TEST_F(InvokeTest, TheTypeInformationIsTheCallbacks)
     ASSERT_EQ(information->GetDocumentation(MEMBERID_NIL, name.GetAddress(), nullptr, nullptr, nullptr),
               S_OK);
     EXPECT_STREQ(name, L"IRibbonCallback");
+
+    const std::pair<MEMBERID, const wchar_t*> helpTexts[] = {{MEMBERID_NIL, L"IRibbonCallback Interface"},
+                                                             {42000, L"Button Callback"},
+                                                             {42001, L"GetImageLogo Callback"},
+                                                             {42002, L"GetImageIcon Callback"}};
+    for (const auto& [member, text] : helpTexts)
+    {
+        _bstr_t help;
+        EXPECT_EQ(information->GetDocumentation(member, nullptr, help.GetAddress(), nullptr, nullptr), S_OK);
+        EXPECT_STREQ(help, text);
+    }
 }
 
+// The callbacks' dispatcher refuses the missing argument; any other would not know the id.
 TEST_F(InvokeTest, EveryDispatchInterfaceLeadsToTheSameInvoke)
 {
     for (const IID& iid : {IID_IDispatch, kConnectInterface, IID__IDTExtensibility2, IID_IRibbonExtensibility,
                            __uuidof(IRibbonCallback)})
     {
-        const ComPtr<IDispatch> dispatch = Query<IDispatch>(iid);
-        Publish(kSameVersion);
-        m_user.AnswerBox(kLatest);
-        m_user.Start();
-        NewLogLines();
-        EXPECT_EQ(Invoke(dispatch.Get(), 42000, NullControl()), S_OK);
-        m_user.Finish();
-        const std::vector<std::string> lines = NewLogLines();
-        ASSERT_GE(lines.size(), 3u);
-        EXPECT_THAT(std::vector(lines.begin(), lines.begin() + 3),
-                    ElementsAre(kInvoke, "CConnect::ButtonClicked", "CheckForUpdateExplicit"));
+        EXPECT_EQ(Invoke(Query<IDispatch>(iid).Get(), kButtonClicked), DISP_E_BADPARAMCOUNT);
+        EXPECT_THAT(NewLogLines(), ElementsAre(kInvoke));
     }
 }
 
-TEST_F(InvokeTest, ACallbackWithAWrongArgumentCountIsRefusedByItsDispatcher)
+TEST_F(InvokeTest, AButtonClickedByItsIdRunsTheExplicitCheck)
 {
-    EXPECT_EQ(Invoke(42000), DISP_E_BADPARAMCOUNT);
-    EXPECT_THAT(NewLogLines(), ElementsAre(kInvoke));
-}
-
-TEST_F(InvokeTest, IdsOfTheCallbackRangeWithoutCallbackEndInTheExtensibilityDispatcher)
-{
-    for (DISPID id = 42003; id < 42010; ++id)
-    {
-        EXPECT_EQ(Invoke(id), DISP_E_MEMBERNOTFOUND) << id;
-    }
-    EXPECT_THAT(NewLogLines(), ElementsAre(kInvoke, kInvoke, kInvoke, kInvoke, kInvoke, kInvoke, kInvoke));
-}
-
-TEST_F(InvokeTest, IdsOutsideTheCallbackRangeAreUnknown)
-{
-    for (const DISPID id : {41999, 42010, 0, -1, -4, 6})
-    {
-        EXPECT_EQ(Invoke(id), DISP_E_MEMBERNOTFOUND) << id;
-    }
-}
-
-TEST_F(InvokeTest, OnlyIdsOfTheCallbackRangeAskTheCallbacksDispatcher)
-{
-    const CNoOwnLibrary missing;
-    for (const DISPID id : {42000, 42003, 42009})
-    {
-        EXPECT_EQ(Invoke(id, NullControl()), TYPE_E_LIBNOTREGISTERED) << id;
-    }
-    for (const DISPID id : {41999, 42010})
-    {
-        EXPECT_EQ(Invoke(id), DISP_E_MEMBERNOTFOUND) << id;
-    }
-}
-
-TEST_F(InvokeTest, WithoutTheHostsLibraryEveryOtherIdGivesLibNotRegistered)
-{
-    const CNoExtensibilityLibrary missing;
-    for (const DISPID id : {41999, 42003, 42009, 42010, 4})
-    {
-        EXPECT_EQ(Invoke(id), TYPE_E_LIBNOTREGISTERED) << id;
-    }
+    std::vector<VARIANT> nullControl(1);
+    nullControl[0].vt = VT_DISPATCH;
+    Publish(kSameVersion);
+    m_user.AnswerBox(kLatest).Start();
+    EXPECT_EQ(Invoke(kButtonClicked, nullControl), S_OK);
+    m_user.Finish();
+    const std::vector<std::string> lines = NewLogLines();
+    ASSERT_GE(lines.size(), 3u);
+    EXPECT_THAT(std::vector(lines.begin(), lines.begin() + 3),
+                ElementsAre(kInvoke, "CConnect::ButtonClicked", "CheckForUpdateExplicit"));
 }
 
 TEST_F(InvokeTest, TheLifeCycleCallsCanBeMadeByTheirIds)
@@ -198,6 +156,59 @@ TEST_F(InvokeTest, TheLifeCycleCallsCanBeMadeByTheirIds)
     EXPECT_THAT(NewLogLines(), ElementsAre(kInvoke, "CConnect::OnStartupComplete"));
 }
 
+// A call without arguments: its result, and those without the type library of one of the dispatchers, which
+// show who was asked.
+struct CIdCase
+{
+    DISPID id;
+    HRESULT result;
+    HRESULT withoutTheAddInsLibrary;
+    HRESULT withoutTheHostsLibrary;
+};
+
+void PrintTo(const CIdCase& value, std::ostream* out)
+{
+    *out << value.id;
+}
+
+class InvokeIdTest : public InvokeTest, public testing::WithParamInterface<CIdCase>
+{
+protected:
+    // In a freshly loaded DLL, because it keeps a library that it has found.
+    HRESULT InvokeAfresh()
+    {
+        LoadInstead(BuiltFile(kAddInModule));
+        Create();
+        return Invoke(GetParam().id);
+    }
+};
+
+TEST_P(InvokeIdTest, OnlyIdsOfTheCallbackRangeAskTheCallbacksDispatcherAndUnknownOnesTheExtensibilityOne)
+{
+    EXPECT_EQ(InvokeAfresh(), GetParam().result);
+    {
+        const CNoLibrary missing(kLibraryKey);
+        EXPECT_EQ(InvokeAfresh(), GetParam().withoutTheAddInsLibrary);
+    }
+    const CNoLibrary missing(kHostsLibraryKey);
+    EXPECT_EQ(InvokeAfresh(), GetParam().withoutTheHostsLibrary);
+}
+
+constexpr HRESULT kUnknown = DISP_E_MEMBERNOTFOUND;
+constexpr HRESULT kNoLibrary = TYPE_E_LIBNOTREGISTERED;
+
+INSTANTIATE_TEST_SUITE_P(
+    Ids, InvokeIdTest,
+    testing::Values(CIdCase{41999, kUnknown, kUnknown, kNoLibrary},
+                    CIdCase{kButtonClicked, DISP_E_BADPARAMCOUNT, kNoLibrary, DISP_E_BADPARAMCOUNT},
+                    CIdCase{42003, kUnknown, kNoLibrary, kNoLibrary},
+                    CIdCase{42009, kUnknown, kNoLibrary, kNoLibrary},
+                    CIdCase{42010, kUnknown, kUnknown, kNoLibrary},
+                    CIdCase{kStartupComplete, DISP_E_BADPARAMCOUNT, DISP_E_BADPARAMCOUNT, kNoLibrary},
+                    CIdCase{6, kUnknown, kUnknown, kNoLibrary}, CIdCase{0, kUnknown, kUnknown, kNoLibrary},
+                    CIdCase{-1, kUnknown, kUnknown, kNoLibrary},
+                    CIdCase{-4, kUnknown, kUnknown, kNoLibrary}));
+
 TEST_F(InvokeTest, AClickShowsAboutAndReturnsWhatTheExtensibilityDispatcherSaysOfTwoArguments)
 {
     ComPtr<ITypeLib> library;
@@ -210,47 +221,43 @@ TEST_F(InvokeTest, AClickShowsAboutAndReturnsWhatTheExtensibilityDispatcherSaysO
         information->Invoke(AddIn().Get(), kClick, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr);
     EXPECT_EQ(expected, DISP_E_BADPARAMCOUNT);
 
-    ExpectAboutClosedByUser();
-    m_user.Start();
     NewLogLines();
-    EXPECT_EQ(Invoke(kClick, ClickArguments()), expected);
-    const std::vector<CSeenWindow> seen = m_user.Finish();
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0].owner, m_host.Handle());
-    EXPECT_EQ(m_cancelDefault, VARIANT_FALSE);
+    EXPECT_EQ(Click(), expected);
     const std::vector<std::string> lines = NewLogLines();
     ASSERT_GE(lines.size(), 2u);
     EXPECT_THAT(std::vector(lines.begin(), lines.begin() + 2), ElementsAre(kInvoke, "ShowAboutDialog"));
-    EXPECT_THAT(lines, Not(Contains("CConnect::OnConnection")));
+    EXPECT_THAT(lines, testing::Not(testing::Contains("CConnect::OnConnection")));
+}
+
+TEST_F(InvokeTest, AClickShowsAboutInTheAddInsActivationContext)
+{
+    const HANDLE before = ActiveContext();
+    m_user.Then("another activation context is active", [&] { return WaitForContextOtherThan(before); });
+    ExpectAboutClosedByUser();
+    m_user.Start();
+    Invoke(kClick, ClickArguments());
+    EXPECT_EQ(m_user.Finish().size(), 1u);
+    EXPECT_EQ(ActiveContext(), before);
 }
 
 TEST_F(InvokeTest, AClickShowsAboutEvenWithoutTheHostsLibrary)
 {
-    const CNoExtensibilityLibrary missing;
-    ExpectAboutClosedByUser();
-    m_user.Start();
-    EXPECT_EQ(Invoke(kClick, ClickArguments()), TYPE_E_LIBNOTREGISTERED);
-    EXPECT_EQ(m_user.Finish().size(), 1u);
+    const CNoLibrary missing(kHostsLibraryKey);
+    EXPECT_EQ(Click(), TYPE_E_LIBNOTREGISTERED);
 }
 
 TEST_F(InvokeTest, AClickAfterDisconnectionStillShowsAbout)
 {
     EXPECT_EQ(AddIn()->OnDisconnection(ext_dm_UserClosed, nullptr), S_OK);
-    ExpectAboutClosedByUser();
-    m_user.Start();
-    EXPECT_EQ(Invoke(kClick, ClickArguments()), DISP_E_BADPARAMCOUNT);
-    EXPECT_EQ(m_user.Finish().size(), 1u);
+    EXPECT_EQ(Click(), DISP_E_BADPARAMCOUNT);
 }
 
 TEST_F(InvokeTest, AClickWithoutAVisibleHostWindowShowsAboutWithoutOwner)
 {
     ShowWindow(m_host.Handle(), SW_HIDE);
-    ExpectAboutClosedByUser();
-    m_user.Start();
-    Invoke(kClick, ClickArguments());
-    const std::vector<CSeenWindow> seen = m_user.Finish();
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0].owner, nullptr);
+    EXPECT_EQ(Click(), DISP_E_BADPARAMCOUNT);
+    ASSERT_EQ(m_seen.size(), 1u);
+    EXPECT_EQ(m_seen[0].owner, nullptr);
 }
 
 } // namespace

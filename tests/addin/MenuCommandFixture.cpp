@@ -3,14 +3,6 @@
 namespace orva::test
 {
 
-std::vector<std::string> CMenuCommandTest::Lines()
-{
-    Create();
-    NewLogLines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    return NewLogLines();
-}
-
 CMemberCall CMenuCommandTest::Call(const std::string& member)
 {
     for (const CMemberCall& call : m_outlook->record)

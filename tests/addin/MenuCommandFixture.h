@@ -3,9 +3,7 @@
 
 #include "addin/AddInFixture.h"
 
-#include <memory>
 #include <string>
-#include <vector>
 
 namespace orva::test
 {
@@ -13,13 +11,12 @@ namespace orva::test
 class CMenuCommandTest : public CAddInTest
 {
 protected:
-    CMenuCommandTest() { m_outlook = std::make_unique<CFakeOutlook>(kOutlook2007); }
+    CMenuCommandTest() { UseOutlook(kOutlook2007); }
 
-    /// Connects to m_outlook and returns the log lines of that.
-    std::vector<std::string> Lines();
     /// The first call of this member. Fails the test if there was none.
     CMemberCall Call(const std::string& member);
     HRESULT Disconnect() { return AddIn()->OnDisconnection(ext_dm_HostShutdown, nullptr); }
+    /// Asserts that no command was added, and disconnects.
     void ExpectNoCommand();
 };
 

@@ -16,53 +16,40 @@ using MenuCommandLifeTest = CMenuCommandTest;
 TEST_F(MenuCommandLifeTest, ARefusedSubscriptionIsAbsorbedAndTheCommandStays)
 {
     m_outlook->button->FailAdvise(CONNECT_E_ADVISELIMIT);
-    Lines();
+    LinesOfConnecting();
     EXPECT_THAT(MemberNames(m_outlook->record), Contains("button.Enabled"));
     EXPECT_EQ(m_outlook->button->Advises(), 1);
     // There is a button, but no subscription to end.
     EXPECT_EQ(Disconnect(), CONNECT_E_NOCONNECTION);
 }
 
-TEST_F(MenuCommandLifeTest, DisconnectingEndsTheSubscriptionAndNeitherDeletesNorChangesTheButton)
+TEST_F(MenuCommandLifeTest, DisconnectingEndsTheSubscriptionOnceAndNeitherDeletesNorChangesTheButton)
 {
-    Lines();
+    LinesOfConnecting();
     m_outlook->record.clear();
     EXPECT_EQ(Disconnect(), S_OK);
     EXPECT_THAT(m_outlook->record, IsEmpty());
     EXPECT_EQ(m_outlook->button->Unadvises(), 1);
     EXPECT_THAT(m_outlook->button->Sinks(), IsEmpty());
     EXPECT_EQ(m_outlook->button->Click(), std::nullopt);
+    EXPECT_EQ(Disconnect(), CONNECT_E_NOCONNECTION);
 }
 
 TEST_F(MenuCommandLifeTest, AFailureToEndTheSubscriptionIsReturned)
 {
-    Lines();
+    LinesOfConnecting();
     m_outlook->button->FailUnadvise(E_ACCESSDENIED);
     EXPECT_EQ(Disconnect(), E_ACCESSDENIED);
 }
 
-TEST_F(MenuCommandLifeTest, DisconnectingASecondTimeReturnsNoConnection)
+TEST_F(MenuCommandLifeTest, ASecondConnectionOfTheObjectNeitherSubscribesNorKeepsTheButtonTwice)
 {
-    Lines();
-    EXPECT_EQ(Disconnect(), S_OK);
-    EXPECT_EQ(Disconnect(), CONNECT_E_NOCONNECTION);
-}
-
-TEST_F(MenuCommandLifeTest, ASecondConnectionOfTheObjectDoesNotSubscribeTwice)
-{
-    Lines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
+    const LONG before = m_outlook->button->References();
+    LinesOfConnecting();
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get()), S_OK);
     EXPECT_EQ(m_outlook->button->Advises(), 1);
     EXPECT_EQ(Disconnect(), S_OK);
     EXPECT_THAT(m_outlook->button->Sinks(), IsEmpty());
-}
-
-TEST_F(MenuCommandLifeTest, ASecondConnectionKeepsOneReferenceToTheButton)
-{
-    const LONG before = m_outlook->button->References();
-    Lines();
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
-    EXPECT_EQ(Disconnect(), S_OK);
     EXPECT_EQ(m_outlook->button->References(), before + 1);
     ReleaseAll();
     EXPECT_EQ(m_outlook->button->References(), before);
@@ -70,9 +57,9 @@ TEST_F(MenuCommandLifeTest, ASecondConnectionKeepsOneReferenceToTheButton)
 
 TEST_F(MenuCommandLifeTest, ASecondConnectionWhoseControlIsNoButtonKeepsNone)
 {
-    Lines();
+    LinesOfConnecting();
     m_outlook->commands->GiveObject(L"Add", m_outlook->helpMenu.Get());
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get()), S_OK);
     EXPECT_EQ(Disconnect(), S_OK);
     EXPECT_EQ(m_outlook->button->Unadvises(), 0);
 }
@@ -80,35 +67,39 @@ TEST_F(MenuCommandLifeTest, ASecondConnectionWhoseControlIsNoButtonKeepsNone)
 TEST_F(MenuCommandLifeTest, ReconnectingToOutlook2010ForgetsTheButton)
 {
     const LONG before = m_outlook->button->References();
-    Lines();
+    LinesOfConnecting();
     m_outlook->button->DropSinks();
     m_outlook->application->Give(L"Version", _variant_t(kOutlook2010));
-    EXPECT_EQ(ConnectTo(m_outlook->application.Get(), ext_cm_AfterStartup), S_OK);
+    EXPECT_EQ(ConnectTo(m_outlook->application.Get()), S_OK);
     EXPECT_EQ(m_outlook->button->References(), before);
     EXPECT_EQ(Disconnect(), S_OK);
     EXPECT_EQ(m_outlook->button->Unadvises(), 0);
 }
 
-TEST_F(MenuCommandLifeTest, AClickShowsAboutOwnedByTheHostWindowAndLeavesCancelDefaultAlone)
+TEST_F(MenuCommandLifeTest, EachClickShowsAboutOwnedByTheHostWindowAndLeavesCancelDefaultAlone)
 {
-    Lines();
-    m_user.OnDialogWith(kAboutClose, [](HWND dialog) { ClickButton(dialog, kAboutClose); });
-    m_user.Start();
-    EXPECT_TRUE(m_outlook->button->Click().has_value());
-    const std::vector<CSeenWindow> seen = m_user.Finish();
-    ASSERT_EQ(seen.size(), 1u);
-    EXPECT_EQ(seen[0].caption, kProduct);
-    EXPECT_EQ(seen[0].owner, m_host.Handle());
-    EXPECT_FALSE(seen[0].ownerEnabled);
-    EXPECT_TRUE(IsWindowEnabled(m_host.Handle()));
-    EXPECT_EQ(m_outlook->button->CancelDefault(), VARIANT_FALSE);
+    LinesOfConnecting();
+    for (int click = 1; click <= 2; ++click)
+    {
+        SCOPED_TRACE(click);
+        ExpectAbout();
+        m_user.Start();
+        EXPECT_EQ(m_outlook->button->Click(), DISP_E_BADPARAMCOUNT);
+        const std::vector<CSeenWindow> seen = m_user.Finish();
+        ASSERT_EQ(seen.size(), 1u);
+        EXPECT_EQ(seen[0].caption, kProduct);
+        EXPECT_EQ(seen[0].owner, m_host.Handle());
+        EXPECT_FALSE(seen[0].ownerEnabled);
+        EXPECT_TRUE(IsWindowEnabled(m_host.Handle()));
+        EXPECT_EQ(m_outlook->button->CancelDefault(), VARIANT_FALSE);
+    }
     EXPECT_EQ(Disconnect(), S_OK);
 }
 
 // The dialog has no parent, so its owner is the active window. The add-in itself disables the topmost window.
 TEST_F(MenuCommandLifeTest, AClickDisablesTheTopmostWindowOfTheHostWhileAboutIsShown)
 {
-    Lines();
+    LinesOfConnecting();
     const CHostWindow topmost;
     SetWindowPos(topmost.Handle(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
     SetActiveWindow(m_host.Handle());
@@ -128,22 +119,9 @@ TEST_F(MenuCommandLifeTest, AClickDisablesTheTopmostWindowOfTheHostWhileAboutIsS
     EXPECT_EQ(Disconnect(), S_OK);
 }
 
-TEST_F(MenuCommandLifeTest, TheNextClickShowsAboutAgain)
-{
-    Lines();
-    for (int click = 0; click < 2; ++click)
-    {
-        m_user.OnDialogWith(kAboutClose, [](HWND dialog) { ClickButton(dialog, kAboutClose); });
-        m_user.Start();
-        m_outlook->button->Click();
-        EXPECT_EQ(m_user.Finish().size(), 1u) << click;
-    }
-    EXPECT_EQ(Disconnect(), S_OK);
-}
-
 TEST_F(MenuCommandLifeTest, AClickWhileAboutIsOpenOpensAnotherOwnedByTheFirst)
 {
-    Lines();
+    LinesOfConnecting();
     HWND first = nullptr;
     m_user.OnDialogWith(kAboutClose, [&](HWND dialog) {
         first = dialog;
@@ -168,7 +146,7 @@ TEST_F(MenuCommandLifeTest, AClickWhileAboutIsOpenOpensAnotherOwnedByTheFirst)
 
 TEST_F(MenuCommandLifeTest, AnExplorerThatIsOpenedLaterGetsNoCommandAndTheFirstOnesGoesOn)
 {
-    Lines();
+    LinesOfConnecting();
     CFakeOutlook second(kOutlook2007);
     // As Outlook does: the new window becomes the active explorer, and no add-in is told.
     m_outlook->application->GiveObject(L"ActiveExplorer", second.explorer.Get());
@@ -182,12 +160,12 @@ TEST_F(MenuCommandLifeTest, AnExplorerThatIsOpenedLaterGetsNoCommandAndTheFirstO
 
 TEST_F(MenuCommandLifeTest, TwoObjectsInOneHostHaveOneCommandEach)
 {
-    Lines();
+    LinesOfConnecting();
     const Microsoft::WRL::ComPtr<IUnknown> former = m_object;
     const auto formerAddIn = AddIn();
     CFakeOutlook second(kOutlook2007);
     Create();
-    EXPECT_EQ(ConnectTo(second.application.Get(), ext_cm_AfterStartup), S_OK);
+    EXPECT_EQ(ConnectTo(second.application.Get()), S_OK);
     EXPECT_EQ(m_outlook->button->Sinks().size(), 1u);
     EXPECT_EQ(second.button->Sinks().size(), 1u);
     EXPECT_EQ(Disconnect(), S_OK);

@@ -1,4 +1,5 @@
-// Reads a 64-bit PE file as it lies on disk: what it imports, exports and asks of the loader.
+// Reads a 64-bit PE file as the system maps it, without running any of its code: what it imports, exports and
+// asks of the loader.
 #pragma once
 
 #include <windows.h>
@@ -11,15 +12,23 @@
 namespace orva::test
 {
 
-/// The file's bytes and what its headers say. Every read is checked against the file's end; a malformed file
-/// throws std::runtime_error.
 class CPeImage
 {
 public:
-    /// Reads the file at `path`.
+    /// Maps the file at `path`. Throws std::runtime_error if that fails or it is no 64-bit image.
     explicit CPeImage(const std::wstring& path);
+    ~CPeImage() { UnmapViewOfFile(m_base); }
+    CPeImage(const CPeImage&) = delete;
+    CPeImage& operator=(const CPeImage&) = delete;
 
-    const IMAGE_NT_HEADERS64& Headers() const { return m_headers; }
+    const IMAGE_NT_HEADERS64& Headers() const
+    {
+        return *At<IMAGE_NT_HEADERS64>(static_cast<DWORD>(At<IMAGE_DOS_HEADER>(0)->e_lfanew));
+    }
+    const IMAGE_DATA_DIRECTORY& Directory(int index) const
+    {
+        return Headers().OptionalHeader.DataDirectory[index];
+    }
 
     struct Export
     {
@@ -32,31 +41,21 @@ public:
 
     /// The imported functions of each DLL, its name in capitals. An import by ordinal is "#" and the number.
     std::map<std::string, std::set<std::string>> Imports() const;
-    /// The DLLs that are imported at the first call.
-    bool HasDelayedImports() const { return Directory(IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT).Size != 0; }
 
-    /// Addresses (relative to the image) of the functions that the loader calls for each thread.
-    std::vector<DWORD> TlsCallbacks() const;
+    /// The number of functions that the loader calls for each thread.
+    size_t CountTlsCallbacks() const;
 
-    /// Names of the sections.
-    std::vector<std::string> Sections() const;
-    /// Names of sections that are writable and executable at once.
-    std::vector<std::string> WritableCode() const;
+    /// Names of the sections that have all of these characteristics.
+    std::vector<std::string> Sections(DWORD characteristics = 0) const;
 
 private:
-    const IMAGE_DATA_DIRECTORY& Directory(int index) const
+    // What lies at an address relative to the image.
+    template <typename T> const T* At(DWORD address) const
     {
-        return m_headers.OptionalHeader.DataDirectory[index];
+        return reinterpret_cast<const T*>(m_base + address);
     }
-    /// Offset in the file of an address relative to the image.
-    size_t Offset(DWORD address) const;
-    template <typename T> T ReadAt(size_t offset) const;
-    template <typename T> T Read(DWORD address) const { return ReadAt<T>(Offset(address)); }
-    std::string Text(DWORD address) const;
 
-    std::string m_bytes;
-    IMAGE_NT_HEADERS64 m_headers;
-    std::vector<IMAGE_SECTION_HEADER> m_sections;
+    const char* m_base;
 };
 
 } // namespace orva::test

@@ -3,125 +3,234 @@
 #include "harness/Files.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Text.h"
+#include "harness/Watchdog.h"
 
 #include <algorithm>
-#include <regex>
+#include <cstring>
+#include <stdexcept>
 
 namespace orva::test
 {
 namespace
 {
 
-constexpr const wchar_t* kKnownKeys[] = {
-    L"Software\\Microsoft\\Office", kProgIdKey, kVersionedProgIdKey, kClassKey, kLibraryKey, kInterfaceKey,
-};
+const std::pair<HKEY, const wchar_t*> kHives[] = {{HKEY_LOCAL_MACHINE, L"HKEY_LOCAL_MACHINE"},
+                                                  {HKEY_CURRENT_USER, L"HKEY_CURRENT_USER"}};
 
-void AddLines(CRegistryLines& lines, const std::string& hive, const std::string& exported)
+// In milliseconds. A hive is large, and the machine may be busy.
+constexpr DWORD kExportPatience = 120'000;
+
+void Replace(std::string& text, const std::string& part, const std::string& by)
 {
-    std::string key;
-    for (const std::string& line : SplitLines(exported))
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + by.size()))
     {
-        if (line.starts_with('['))
-        {
-            key = hive + "\\" + line.substr(1, line.size() - 2);
-            lines.insert(key);
-        }
-        else
-        {
-            lines.insert(key + " : " + line);
-        }
+        text.replace(at, part.size(), by);
     }
 }
 
-// Whether the system itself wrote this line when it registered the type library.
-bool IsLibraryLine(const std::string& line)
+std::wstring ReadUtf16(const std::wstring& file)
 {
-    static const std::regex library(
-        R"(^HK..\\Software\\Classes\\(TypeLib\\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786\})"
-        R"(|Interface\\\{CE895442-9981-4315-AA85-4B9A5C7739D8\}))",
-        std::regex::icase);
-    return std::regex_search(line, library);
+    const std::string bytes = ReadFileBytes(file).value_or("");
+    if (!bytes.starts_with("\xFF\xFE"))
+    {
+        throw std::runtime_error("an export is not UTF-16");
+    }
+    std::wstring text(bytes.size() / sizeof(wchar_t) - 1, L'\0');
+    std::memcpy(text.data(), bytes.data() + 2, text.size() * sizeof(wchar_t));
+    return text;
+}
+
+// The lines of an export's text.
+void AddLines(CRegistryLines& lines, const std::string& text)
+{
+    std::string at;
+    std::string line;
+    for (const std::string& part : SplitLines(text))
+    {
+        line += part;
+        if (line.ends_with('\\') && !line.starts_with('['))
+        {
+            // The data continues in the next line, which is indented.
+            line.pop_back();
+            continue;
+        }
+        if (line.starts_with('['))
+        {
+            at = line.find("Wow6432Node") == std::string::npos ? line : "";
+            // Wine writes this key's name otherwise.
+            Replace(at, "\\Classes\\Typelib\\", "\\Classes\\TypeLib\\");
+            line.clear();
+        }
+        if (!at.empty())
+        {
+            lines.insert(line.empty() ? at : at + " " + line);
+        }
+        line.clear();
+    }
+}
+
+void AddExport(CRegistryLines& lines, const std::wstring& key)
+{
+    const CTempFolder folder;
+    const std::wstring file = folder.File(L"export.reg");
+    const CProcessResult result = RunProcess(L"reg.exe", {L"export", key, file, L"/y"}, kExportPatience);
+    if (result.exitCode != 0)
+    {
+        throw std::runtime_error("reg.exe does not export " + Utf8(key) + ": " + result.output);
+    }
+    AddLines(lines, Utf8(ReadUtf16(file)));
+}
+
+// Exports as they should be. HIVE and MODULE stand for a hive and the DLL's path.
+constexpr char kList[] = R"(
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Office]
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Office\Outlook]
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Office\Outlook\Addins]
+)";
+
+constexpr char kEntry[] = R"(
+[HKEY_LOCAL_MACHINE\Software\Microsoft\Office\Outlook\Addins\OrvaOscAddin.Connect]
+"Description"="ORVA Connector"
+"FriendlyName"="ORVA Connector"
+"LoadBehavior"=dword:00000003
+)";
+
+constexpr char kClass[] = R"(
+[HIVE\Software\Classes\OrvaOscAddin.Connect.1]
+@="Connect Class"
+[HIVE\Software\Classes\OrvaOscAddin.Connect.1\CLSID]
+@="{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}"
+[HIVE\Software\Classes\OrvaOscAddin.Connect]
+@="Connect Class"
+[HIVE\Software\Classes\OrvaOscAddin.Connect\CurVer]
+@="OrvaOscAddin.Connect.1"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}]
+@="Connect Class"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\ProgID]
+@="OrvaOscAddin.Connect.1"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\VersionIndependentProgID]
+@="OrvaOscAddin.Connect"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\Programmable]
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\InprocServer32]
+@="MODULE"
+"ThreadingModel"="Apartment"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\TypeLib]
+@="{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"
+[HIVE\Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}\Version]
+@="1.0"
+)";
+
+constexpr char kLibrary[] = R"(
+[HIVE\Software\Classes\TypeLib\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}\1.0]
+@="OrvaOscAddin 1.0 Type Library"
+[HIVE\Software\Classes\TypeLib\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}\1.0\0\win64]
+@="MODULE"
+[HIVE\Software\Classes\Interface\{CE895442-9981-4315-AA85-4B9A5C7739D8}]
+@="IRibbonCallback"
+[HIVE\Software\Classes\Interface\{CE895442-9981-4315-AA85-4B9A5C7739D8}\TypeLib]
+@="{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"
+"Version"="1.0"
+)";
+
+std::vector<std::string> LinesOf(std::string text, const std::string& hive = "")
+{
+    // An export doubles the backslashes of a value.
+    std::string module = Utf8(BuiltFile(kAddInModule));
+    Replace(module, "\\", "\\\\");
+    Replace(text, "HIVE", hive);
+    Replace(text, "MODULE", module);
+    CRegistryLines lines;
+    AddLines(lines, text);
+    return {lines.begin(), lines.end()};
 }
 
 } // namespace
 
-CRegistryLines ReadRegistry(Extent extent)
+CRegistryLines ExportRegistry()
 {
+    SetTestDeadline(2 * kExportPatience);
     CRegistryLines lines;
-    for (const auto& [root, hive] :
-         {std::pair(HKEY_LOCAL_MACHINE, "HKLM"), std::pair(HKEY_CURRENT_USER, "HKCU")})
+    for (const auto& [root, hive] : kHives)
     {
-        if (extent == Extent::Everything)
-        {
-            AddLines(lines, hive, ExportRegistryKey(root, L"Software"));
-            continue;
-        }
-        for (const wchar_t* const key : kKnownKeys)
-        {
-            if (RegistryKeyExists(root, key))
-            {
-                AddLines(lines, hive, ExportRegistryKey(root, key));
-            }
-        }
+        AddExport(lines, std::wstring(hive) + L"\\Software");
     }
-    std::erase_if(lines,
-                  [](const std::string& line) { return line.find("Wow6432Node") != std::string::npos; });
     return lines;
 }
 
 std::vector<std::string> Missing(const CRegistryLines& from, const CRegistryLines& in)
 {
     std::vector<std::string> lines;
-    std::set_difference(in.begin(), in.end(), from.begin(), from.end(), std::back_inserter(lines));
+    std::ranges::set_difference(in, from, std::back_inserter(lines));
     return lines;
 }
 
-std::vector<std::string> AddInLines()
+std::vector<std::string> ListLines()
 {
-    const std::string office = "HKLM\\Software\\Microsoft\\Office";
-    const std::string key = office + "\\Outlook\\Addins\\OrvaOscAddin.Connect";
-    return {office,
-            office + "\\Outlook",
-            office + "\\Outlook\\Addins",
-            key,
-            key + " : Description = REG_SZ \"ORVA Connector\"",
-            key + " : FriendlyName = REG_SZ \"ORVA Connector\"",
-            key + " : LoadBehavior = REG_DWORD 0x00000003"};
+    return LinesOf(kList);
+}
+
+std::vector<std::string> EntryLines()
+{
+    return Joined(ListLines(), LinesOf(kEntry));
 }
 
 std::vector<std::string> ClassLines(const std::string& hive)
 {
-    const std::string classes = hive + "\\Software\\Classes\\";
-    const std::string id = "{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}";
-    const std::string versioned = classes + "OrvaOscAddin.Connect.1";
-    const std::string progId = classes + "OrvaOscAddin.Connect";
-    const std::string key = classes + "CLSID\\" + id;
-    return {versioned,
-            versioned + " : @ = REG_SZ \"Connect Class\"",
-            versioned + "\\CLSID",
-            versioned + "\\CLSID : @ = REG_SZ \"" + id + "\"",
-            progId,
-            progId + " : @ = REG_SZ \"Connect Class\"",
-            progId + "\\CurVer",
-            progId + "\\CurVer : @ = REG_SZ \"OrvaOscAddin.Connect.1\"",
-            key,
-            key + " : @ = REG_SZ \"Connect Class\"",
-            key + "\\ProgID",
-            key + "\\ProgID : @ = REG_SZ \"OrvaOscAddin.Connect.1\"",
-            key + "\\VersionIndependentProgID",
-            key + "\\VersionIndependentProgID : @ = REG_SZ \"OrvaOscAddin.Connect\"",
-            key + "\\Programmable",
-            key + "\\InprocServer32",
-            key + "\\InprocServer32 : @ = REG_SZ \"" + Utf8(BuiltFile(kAddInModule)) + "\"",
-            key + "\\InprocServer32 : ThreadingModel = REG_SZ \"Apartment\"",
-            key + "\\TypeLib",
-            key + "\\TypeLib : @ = REG_SZ \"{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}\"",
-            key + "\\Version",
-            key + "\\Version : @ = REG_SZ \"1.0\""};
+    return LinesOf(kClass, hive);
+}
+
+std::vector<std::string> LibraryLines(const std::string& hive)
+{
+    return LinesOf(kLibrary, hive);
+}
+
+bool IsOfLibrary(const std::string& line)
+{
+    return line.find("\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}") != std::string::npos ||
+           line.find("\\Classes\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}") != std::string::npos;
+}
+
+std::string RegisteredKeys()
+{
+    std::string text;
+    for (const auto& [root, hive] : kHives)
+    {
+        for (const wchar_t* const key :
+             {kOfficeKey, kProgIdKey, kVersionedProgIdKey, kClassKey, kLibraryKey, kInterfaceKey})
+        {
+            text += Utf8(hive) + "\\" + Utf8(key) + "\n" + ExportRegistryKey(root, key);
+        }
+    }
+    return text;
+}
+
+std::vector<std::string> RegisteredParts()
+{
+    // A subkey, because a test may have made the key itself.
+    const std::tuple<const char*, const wchar_t*, const wchar_t*> parts[] = {
+        {"entry", kAddInKey, L""},
+        {"name", kProgIdKey, L"\\CurVer"},
+        {"name with version", kVersionedProgIdKey, L"\\CLSID"},
+        {"class", kClassKey, L"\\InprocServer32"},
+        {"type library", kLibraryKey, L"\\1.0\\0"},
+    };
+    std::vector<std::string> found;
+    for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
+    {
+        for (const auto& [name, key, subkey] : parts)
+        {
+            if (RegistryKeyExists(root, std::wstring(key) + subkey))
+            {
+                found.push_back(std::string(name) + (root == HKEY_CURRENT_USER ? " of the user" : ""));
+            }
+        }
+    }
+    return found;
 }
 
 DWORD RegSvr32(std::vector<std::wstring> options)
 {
+    options.insert(options.begin(), L"/s");
     options.push_back(BuiltFile(kAddInModule));
     return RunProcess(L"regsvr32.exe", options).exitCode;
 }
@@ -129,7 +238,7 @@ DWORD RegSvr32(std::vector<std::wstring> options)
 CRegistrationTest::CRegistrationTest()
 {
     m_guard.Remove();
-    Load(BuiltFile(kAddInModule));
+    Load();
 }
 
 void CRegistrationTest::Load(const std::wstring& path)
@@ -138,25 +247,9 @@ void CRegistrationTest::Load(const std::wstring& path)
     m_module = std::make_unique<CAddInModule>(path);
 }
 
-void CRegistrationTest::Mark(Extent extent)
+void CRegistrationTest::Load()
 {
-    m_extent = extent;
-    m_before = ReadRegistry(extent);
-}
-
-std::vector<std::string> CRegistrationTest::Added(bool withLibrary) const
-{
-    std::vector<std::string> lines = Missing(m_before, ReadRegistry(m_extent));
-    if (!withLibrary)
-    {
-        std::erase_if(lines, IsLibraryLine);
-    }
-    return lines;
-}
-
-std::vector<std::string> CRegistrationTest::Removed() const
-{
-    return Missing(ReadRegistry(m_extent), m_before);
+    Load(BuiltFile(kAddInModule));
 }
 
 } // namespace orva::test

@@ -1,6 +1,7 @@
-// What registration writes to the registry and removes again, called through the DLL's exports.
+// What the commands that register and unregister the add-in write to the registry, and remove again.
 #include "addin/RegistrationFixture.h"
 #include "harness/Files.h"
+#include "harness/ProcessRunner.h"
 #include "harness/Text.h"
 
 namespace orva::test
@@ -9,79 +10,84 @@ namespace
 {
 
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
+using testing::Not;
 using testing::UnorderedElementsAreArray;
 
 class RegistrationTest : public CRegistrationTest
 {
 };
 
-TEST_F(RegistrationTest, MachineRegistrationWritesExactlyTheScriptsAndTheTypeLibrary)
+// How the system's own program is asked to register, and with /u before it to unregister.
+struct CCommandCase
 {
-    Mark(Extent::Everything);
-    EXPECT_EQ(m_module->Register(), S_OK);
-    EXPECT_THAT(Added(), UnorderedElementsAreArray(Joined(AddInLines(), ClassLines("HKLM"))));
-    EXPECT_THAT(Removed(), IsEmpty());
-    EXPECT_THAT(m_log.NewLines(), ElementsAre("DllRegisterServer"));
+    const char* name;
+    std::vector<std::wstring> options;
+    const char* hive;
+    std::vector<std::string> registerLines;
+    std::vector<std::string> unregisterLines;
+};
+
+void PrintTo(const CCommandCase& value, std::ostream* out)
+{
+    *out << value.name;
 }
 
-TEST_F(RegistrationTest, TheTypeLibraryIsRegisteredWithItsPathAndItsInterface)
+class RegistrationCommandTest : public RegistrationTest, public testing::WithParamInterface<CCommandCase>
 {
-    Mark();
-    EXPECT_EQ(m_module->Register(), S_OK);
-    const std::wstring library = std::wstring(kLibraryKey) + L"\\1.0";
-    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, library, L""), L"OrvaOscAddin 1.0 Type Library");
-    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, library + L"\\0\\win64", L""), BuiltFile(kAddInModule));
-    const std::string callback = "HKLM\\Software\\Classes\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}";
-    EXPECT_THAT(Added(true),
-                IsSupersetOf({callback + " : @ = REG_SZ \"IRibbonCallback\"",
-                              callback + "\\TypeLib : @ = REG_SZ \"{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}\"",
-                              callback + "\\TypeLib : Version = REG_SZ \"1.0\""}));
+};
+
+TEST_P(RegistrationCommandTest, WritesExactlyTheScriptsAndTheTypeLibraryAndRemovesAllButOutlooksList)
+{
+    const CRegistryLines before = ExportRegistry();
+    EXPECT_EQ(RegSvr32(GetParam().options), 0u);
+    EXPECT_EQ(m_log.NewLines(), GetParam().registerLines);
+    const CRegistryLines registered = ExportRegistry();
+    std::vector<std::string> added = Missing(before, registered);
+    // Wine registers a type library for the machine even when asked to register it for the user.
+    EXPECT_THAT(added, IsSupersetOf(LibraryLines(IsWine() ? "HKEY_LOCAL_MACHINE" : GetParam().hive)));
+    std::erase_if(added, IsOfLibrary);
+    // The user's list of classes may be new as well.
+    std::erase(added, "[HKEY_CURRENT_USER\\Software\\Classes]");
+    std::erase(added, "[HKEY_CURRENT_USER\\Software\\Classes\\CLSID]");
+    EXPECT_THAT(added, UnorderedElementsAreArray(Joined(EntryLines(), ClassLines(GetParam().hive))));
+    EXPECT_THAT(Missing(registered, before), IsEmpty());
+
+    std::vector<std::wstring> undo = GetParam().options;
+    undo.insert(undo.begin(), L"/u");
+    EXPECT_EQ(RegSvr32(undo), 0u);
+    EXPECT_EQ(m_log.NewLines(), GetParam().unregisterLines);
+    const CRegistryLines after = ExportRegistry();
+    std::vector<std::string> left = Missing(before, after);
+    std::erase(left, "[HKEY_CURRENT_USER\\Software\\Classes]");
+    std::erase(left, "[HKEY_CURRENT_USER\\Software\\Classes\\CLSID]");
+    EXPECT_THAT(left, UnorderedElementsAreArray(ListLines()));
+    EXPECT_THAT(Missing(after, before), IsEmpty());
 }
 
-TEST_F(RegistrationTest, RegisteringTwiceLeavesTheSame)
-{
-    EXPECT_EQ(m_module->Register(), S_OK);
-    Mark();
-    EXPECT_EQ(m_module->Register(), S_OK);
-    EXPECT_THAT(Added(true), IsEmpty());
-    EXPECT_THAT(Removed(), IsEmpty());
-}
+INSTANTIATE_TEST_SUITE_P(
+    Commands, RegistrationCommandTest,
+    testing::Values(
+        CCommandCase{"per machine", {}, "HKEY_LOCAL_MACHINE", {"DllRegisterServer"}, {"DllUnregisterServer"}},
+        CCommandCase{"per user",
+                     {L"/n", L"/i:user"},
+                     "HKEY_CURRENT_USER",
+                     {"DllInstall", "DllRegisterServer"},
+                     {"DllInstall", "DllUnregisterServer"}}));
 
-TEST_F(RegistrationTest, RegisteringRepairsChangedValues)
+TEST_F(RegistrationTest, RegisteringAgainRepairsChangedValues)
 {
     EXPECT_EQ(m_module->Register(), S_OK);
-    Mark();
-    {
-        HKEY key = nullptr;
-        ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, kAddInKey, 0, KEY_SET_VALUE, &key), ERROR_SUCCESS);
-        const DWORD disabled = 2;
-        RegSetValueExW(key, L"LoadBehavior", 0, REG_DWORD, reinterpret_cast<const BYTE*>(&disabled),
-                       sizeof(disabled));
-        RegCloseKey(key);
-        ASSERT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, kClassKey, 0, KEY_ALL_ACCESS, &key), ERROR_SUCCESS);
-        HKEY stray = nullptr;
-        RegCreateKeyExW(key, L"Stray", 0, nullptr, 0, KEY_READ, nullptr, &stray, nullptr);
-        RegCloseKey(stray);
-        RegCloseKey(key);
-    }
+    const std::string before = RegisteredKeys();
+    CRegistryValue behavior(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior");
+    behavior.SetDword(2);
+    CRegistryValue stray(HKEY_LOCAL_MACHINE, std::wstring(kClassKey) + L"\\Stray", L"");
+    stray.SetString(L"whatever");
+    EXPECT_NE(RegisteredKeys(), before);
     EXPECT_EQ(m_module->Register(), S_OK);
-    EXPECT_THAT(Added(true), IsEmpty());
-    EXPECT_THAT(Removed(), IsEmpty());
-}
-
-TEST_F(RegistrationTest, UnregistrationRemovesAllOfItAndLeavesOutlooksListOfAddIns)
-{
-    Mark();
-    EXPECT_EQ(m_module->Register(), S_OK);
-    m_log.NewLines();
-    EXPECT_EQ(m_module->Unregister(), S_OK);
-    EXPECT_THAT(m_log.NewLines(), ElementsAre("DllUnregisterServer"));
-    EXPECT_THAT(Added(true),
-                ElementsAre("HKLM\\Software\\Microsoft\\Office", "HKLM\\Software\\Microsoft\\Office\\Outlook",
-                            "HKLM\\Software\\Microsoft\\Office\\Outlook\\Addins"));
-    EXPECT_THAT(Removed(), IsEmpty());
+    EXPECT_EQ(RegisteredKeys(), before);
 }
 
 TEST_F(RegistrationTest, UnregistrationTakesNothingFromOtherAddIns)
@@ -90,11 +96,10 @@ TEST_F(RegistrationTest, UnregistrationTakesNothingFromOtherAddIns)
     other.SetDword(3);
     CRegistryValue own(HKEY_LOCAL_MACHINE, kAddIns, L"Ours");
     own.SetString(L"kept");
-    Mark();
+    const std::string before = RegisteredKeys();
     EXPECT_EQ(m_module->Register(), S_OK);
     EXPECT_EQ(m_module->Unregister(), S_OK);
-    EXPECT_THAT(Added(true), IsEmpty());
-    EXPECT_THAT(Removed(), IsEmpty());
+    EXPECT_EQ(RegisteredKeys(), before);
 }
 
 TEST_F(RegistrationTest, UnregistrationTakesTheAddInsKeyWithValuesThatOutlookLeftThere)
@@ -103,16 +108,19 @@ TEST_F(RegistrationTest, UnregistrationTakesTheAddInsKeyWithValuesThatOutlookLef
     CRegistryValue left(HKEY_LOCAL_MACHINE, kAddInKey, L"Manifest");
     left.SetString(L"whatever");
     EXPECT_EQ(m_module->Unregister(), S_OK);
-    EXPECT_FALSE(IsAddInEntered());
+    EXPECT_THAT(RegisteredParts(), IsEmpty());
     EXPECT_TRUE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kAddIns));
 }
 
-TEST_F(RegistrationTest, UnregisteringWhatWasNeverRegisteredChangesNothing)
+TEST_F(RegistrationTest, UnregisteringWhatIsNotRegisteredFailsAndChangesNothing)
 {
-    Mark();
-    m_module->Unregister();
-    EXPECT_THAT(Added(true), IsEmpty());
-    EXPECT_THAT(Removed(), IsEmpty());
+    EXPECT_EQ(m_module->Register(), S_OK);
+    EXPECT_EQ(m_module->Unregister(), S_OK);
+    const std::string before = RegisteredKeys();
+    // Wine's result for a type library that is not registered.
+    EXPECT_EQ(m_module->Unregister(), E_INVALIDARG);
+    EXPECT_EQ(m_module->Install(FALSE, L"user"), E_INVALIDARG);
+    EXPECT_EQ(RegisteredKeys(), before);
 }
 
 TEST_F(RegistrationTest, TheThreadsLocaleIsRestored)
@@ -125,33 +133,6 @@ TEST_F(RegistrationTest, TheThreadsLocaleIsRestored)
     EXPECT_EQ(m_module->Unregister(), S_OK);
     EXPECT_EQ(GetThreadLocale(), german);
     SetThreadLocale(before);
-}
-
-TEST_F(RegistrationTest, PerUserRegistrationRedirectsTheClassAndStillEntersTheAddInForTheMachine)
-{
-    Mark(Extent::Everything);
-    EXPECT_EQ(m_module->Install(TRUE, L"user"), S_OK);
-    std::vector<std::string> expected = Joined(AddInLines(), ClassLines("HKCU"));
-    std::vector<std::string> added = Added();
-    // The user's list of classes itself may be new as well.
-    std::erase_if(added, [](const std::string& line) {
-        return line == "HKCU\\Software\\Classes" || line == "HKCU\\Software\\Classes\\CLSID";
-    });
-    EXPECT_THAT(added, UnorderedElementsAreArray(expected));
-    EXPECT_THAT(Removed(), IsEmpty());
-    EXPECT_THAT(m_log.NewLines(), ElementsAre("DllInstall", "DllRegisterServer"));
-}
-
-TEST_F(RegistrationTest, PerUserUnregistrationRemovesItAll)
-{
-    EXPECT_EQ(m_module->Install(TRUE, L"user"), S_OK);
-    EXPECT_EQ(m_module->Install(FALSE, L"user"), S_OK);
-    EXPECT_FALSE(IsRegisteredForUser());
-    EXPECT_FALSE(IsAddInEntered());
-    EXPECT_FALSE(RegistryKeyExists(HKEY_CURRENT_USER, kProgIdKey));
-    EXPECT_FALSE(RegistryKeyExists(HKEY_CURRENT_USER, kVersionedProgIdKey));
-    EXPECT_FALSE(RegistryKeyExists(HKEY_CURRENT_USER, kLibraryKey));
-    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kLibraryKey));
 }
 
 struct CSwitchCase
@@ -172,9 +153,13 @@ class RegistrationSwitchTest : public RegistrationTest, public testing::WithPara
 TEST_P(RegistrationSwitchTest, OnlyTheWholeWordUserInAnyCaseMeansPerUser)
 {
     EXPECT_EQ(m_module->Install(TRUE, GetParam().commandLine), S_OK);
-    EXPECT_EQ(IsRegisteredForUser(), GetParam().isPerUser);
-    EXPECT_EQ(IsRegisteredForMachine(), !GetParam().isPerUser);
-    EXPECT_TRUE(IsAddInEntered());
+    EXPECT_EQ(RegistryKeyExists(HKEY_CURRENT_USER, kClassKey), GetParam().isPerUser);
+    EXPECT_EQ(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey), !GetParam().isPerUser);
+    EXPECT_TRUE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kAddInKey));
+    m_log.NewLines();
+    EXPECT_EQ(m_module->Install(FALSE, GetParam().commandLine), S_OK);
+    EXPECT_THAT(m_log.NewLines(), ElementsAre("DllInstall", "DllUnregisterServer"));
+    EXPECT_THAT(RegisteredParts(), IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Words, RegistrationSwitchTest,
@@ -185,42 +170,43 @@ INSTANTIATE_TEST_SUITE_P(Words, RegistrationSwitchTest,
                                          CSwitchCase{L"use", false}, CSwitchCase{L"machine", false},
                                          CSwitchCase{L"", false}, CSwitchCase{nullptr, false}));
 
-TEST_F(RegistrationTest, InstallingWithoutInstallOnlyUnregistersWhateverTheCommandLine)
-{
-    for (const wchar_t* const commandLine : {L"", L"user", L"user1", L"USER"})
-    {
-        Load(BuiltFile(kAddInModule));
-        EXPECT_EQ(m_module->Register(), S_OK);
-        Mark();
-        m_log.NewLines();
-        m_module->Install(FALSE, commandLine);
-        EXPECT_THAT(m_log.NewLines(), ElementsAre("DllInstall", "DllUnregisterServer"));
-        EXPECT_THAT(Added(true), IsEmpty()) << Utf8(commandLine);
-        EXPECT_FALSE(IsAddInEntered()) << Utf8(commandLine);
-    }
-    Load(BuiltFile(kAddInModule));
-    EXPECT_EQ(m_module->Register(), S_OK);
-    EXPECT_EQ(m_module->Install(FALSE, nullptr), S_OK);
-    EXPECT_FALSE(IsRegisteredForMachine());
-}
-
-TEST_F(RegistrationTest, PerUserUnregistrationLeavesTheMachinesClass)
+// The entry is the machine's in both kinds of registration.
+TEST_F(RegistrationTest, UnregisteringForTheUserTakesTheEntryThatTheMachinesRegistrationNeeds)
 {
     EXPECT_EQ(m_module->Register(), S_OK);
-    m_module->Install(FALSE, L"user");
-    EXPECT_TRUE(IsRegisteredForMachine());
-}
-
-TEST_F(RegistrationTest, PerUserThenPerMachineStandSideBySide)
-{
     EXPECT_EQ(m_module->Install(TRUE, L"user"), S_OK);
-    Load(BuiltFile(kAddInModule));
-    EXPECT_EQ(m_module->Install(TRUE, nullptr), S_OK);
-    EXPECT_TRUE(IsRegisteredForUser());
-    EXPECT_TRUE(IsRegisteredForMachine());
-    EXPECT_EQ(m_module->Install(FALSE, nullptr), S_OK);
-    EXPECT_TRUE(IsRegisteredForUser());
-    EXPECT_FALSE(IsRegisteredForMachine());
+    EXPECT_EQ(m_module->Install(FALSE, L"user"), S_OK);
+    std::vector<std::string> parts = RegisteredParts();
+    // Wine unregisters the machine's type library too.
+    std::erase(parts, "type library");
+    EXPECT_THAT(parts, ElementsAre("name", "name with version", "class"));
+}
+
+// Runs a script and returns its output.
+std::string RunScript(const std::string& text)
+{
+    const CTempFolder folder;
+    WriteFileBytes(folder.File(L"script.vbs"), text);
+    return RunProcess(L"cscript.exe", {L"//nologo", folder.File(L"script.vbs")}).output;
+}
+
+TEST_F(RegistrationTest, AScriptCreatesTheAddInByTheCurrentVersionOfItsNameUntilItIsUnregistered)
+{
+    const std::string script = "version = CreateObject(\"WScript.Shell\").RegRead("
+                               "\"HKCR\\OrvaOscAddin.Connect\\CurVer\\\")\r\n"
+                               "WScript.Echo version & \" \" & TypeName(CreateObject(version))\r\n";
+    EXPECT_EQ(m_module->Register(), S_OK);
+    EXPECT_EQ(RunScript(script), "OrvaOscAddin.Connect.1 IRibbonCallback\r\n");
+    EXPECT_EQ(m_module->Unregister(), S_OK);
+    EXPECT_THAT(RunScript(script), Not(HasSubstr("IRibbonCallback")));
+}
+
+TEST_F(RegistrationTest, AScriptCreatesTheAddInByTheNameWithoutVersion)
+{
+    EXPECT_EQ(m_module->Register(), S_OK);
+    // Windows follows the name to its current version; Wine looks only for a class under the name itself.
+    EXPECT_EQ(RunScript("WScript.Echo TypeName(CreateObject(\"OrvaOscAddin.Connect\"))\r\n"),
+              IsWine() ? "" : "IRibbonCallback\r\n");
 }
 
 } // namespace

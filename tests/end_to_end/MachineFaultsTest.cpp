@@ -2,7 +2,9 @@
 // every case.
 #include "end_to_end/FaultFixture.h"
 #include "end_to_end/Texts.h"
-#include "harness/Files.h"
+
+#include <ostream>
+#include <span>
 
 namespace orva::test
 {
@@ -10,12 +12,11 @@ namespace orva::test
 namespace
 {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Values;
 using testing::ValuesIn;
 
-constexpr char kTable[] = "machine-faults";
 // Wine's settings of which libraries the stand-in loads; an empty text means none.
 constexpr wchar_t kLibrariesKey[] = L"Software\\Wine\\AppDefaults\\OutlookHost.exe\\DllOverrides";
 constexpr const wchar_t* kTypeLibraryKeys[] = {
@@ -25,20 +26,14 @@ constexpr const wchar_t* kTypeLibraryKeys[] = {
     L"Software\\Classes\\TypeLib\\{AC0714F2-3D04-11D1-AE7D-00A0C90F26F4}",
 };
 
-// Removes a key in both hives for its lifetime.
-class CMissingKey
+// Keys that are missing in both hives during its lifetime.
+class CMissingKeys
 {
 public:
-    explicit CMissingKey(const std::wstring& key)
-        : m_machine(HKEY_LOCAL_MACHINE, key), m_user(HKEY_CURRENT_USER, key)
-    {
-        m_machine.Remove();
-        m_user.Remove();
-    }
+    explicit CMissingKeys(std::span<const wchar_t* const> keys) : m_guard(keys) { m_guard.Remove(); }
 
 private:
-    CRegistryTreeGuard m_machine;
-    CRegistryTreeGuard m_user;
+    CBothHivesGuard m_guard;
 };
 
 // Makes a system library impossible to load in the stand-in Outlook.
@@ -60,85 +55,84 @@ private:
     CRegistryValue m_path;
 };
 
-// Faults during a check: the server publishes an offer, and the user chooses "Later".
+// Faults during a check.
 class MachineFaultsTest : public FaultFixture, public testing::WithParamInterface<CheckMode>
 {
-protected:
-    void Run(int number, const std::string& fault)
-    {
-        RunFault(kTable, FaultLabel(number, fault), GetParam());
-    }
-
-    void RunOffer(int number, const std::string& fault)
-    {
-        Publish(NewerBuild(kInstallerUrl));
-        m_user.OnDialog(kOfferCaption, [](HWND dialog) { EXPECT_TRUE(ClickButton(dialog, kLaterButton)); });
-        Run(number, fault);
-        EXPECT_THAT(Observed().shown, ElementsAre(kOfferCaption));
-        EXPECT_THAT(Observed().left, IsEmpty());
-    }
 };
 
 // Faults that last as long as Outlook runs.
 class MachineStartFaultsTest : public FaultFixture
 {
 protected:
-    void RunWithoutAddIn(int number, const std::string& fault)
+    // The start-up check makes its offer in spite of the fault.
+    void ExpectOfferAtStart()
     {
         Publish(NewerBuild(kInstallerUrl));
-        RunFaultyStart(kTable, FaultLabel(number, fault), false);
+        ExpectOffer();
+        RunFaultyStart();
+        EXPECT_THAT(Observed().shown, ElementsAre(kOfferCaption));
+    }
+
+    // Without a language all texts are empty, among them the message about an unreadable file.
+    void ExpectEmptyTextAtStart()
+    {
+        Publish("<html>");
+        m_user.AnswerBox(L"");
+        RunFaultyStart();
+        EXPECT_THAT(Observed().shown, ElementsAre(L""));
+    }
+
+    void ExpectNoAddIn()
+    {
+        Publish(NewerBuild(kInstallerUrl));
+        RunFaultyStart(false);
         EXPECT_THAT(Observed().shown, IsEmpty());
         EXPECT_THAT(Observed().log, IsEmpty());
         EXPECT_THAT(Observed().left, IsEmpty());
     }
 
-    // The start-up check makes its offer in spite of the fault.
-    void ExpectOfferAtStart(int number, const std::string& fault)
-    {
-        Publish(NewerBuild(kInstallerUrl));
-        m_user.OnDialog(kOfferCaption, [](HWND dialog) { EXPECT_TRUE(ClickButton(dialog, kLaterButton)); });
-        RunFaultyStart(kTable, FaultLabel(number, fault), true);
-        EXPECT_THAT(Observed().shown, ElementsAre(kOfferCaption));
-    }
-
     // Ends the fault before the second check by destroying the object that causes it.
     template <typename Fault> void EndFaultWith(std::optional<Fault>& fault)
     {
-        m_removeFault = [this, &fault] {
-            fault.reset();
-            Publish(g_latestInfo);
-        };
+        m_removeFault = [&fault] { fault.reset(); };
     }
 };
 
+// A key or a library without which Outlook cannot load the add-in.
+struct CNeeded
+{
+    const char* name;
+    const wchar_t* value;
+};
+
+void PrintTo(const CNeeded& needed, std::ostream* out)
+{
+    *out << needed.name;
+}
+
+std::string NameOf(const testing::TestParamInfo<CNeeded>& info)
+{
+    return info.param.name;
+}
+
+class MissingKeyTest : public MachineStartFaultsTest, public testing::WithParamInterface<CNeeded>
+{
+};
+
+class MissingLibraryTest : public MachineStartFaultsTest, public testing::WithParamInterface<CNeeded>
+{
+};
+
 INSTANTIATE_TEST_SUITE_P(Modes, MachineFaultsTest, ValuesIn(ModesOfThisRun()), NameOfMode);
+INSTANTIATE_TEST_SUITE_P(Keys, MissingKeyTest,
+                         Values(CNeeded{"Class", kClassKey},
+                                CNeeded{"ClassNameOfItsVersion", kVersionedProgIdKey},
+                                CNeeded{"OutlooksKeyOfTheAddIn", kAddInKey}),
+                         NameOf);
+INSTANTIATE_TEST_SUITE_P(Libraries, MissingLibraryTest,
+                         Values(CNeeded{"Pictures", L"gdiplus"}, CNeeded{"Internet", L"wininet"}), NameOf);
 
 } // namespace
-
-TEST_P(MachineFaultsTest, LogSwitchMissing)
-{
-    CRegistryValue missing(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue);
-    missing.Remove();
-    RunOffer(1, "LogSwitchMissing");
-    EXPECT_THAT(Observed().log, IsEmpty());
-    EXPECT_FALSE(FolderExists(LogFolder()));
-}
-
-TEST_P(MachineFaultsTest, LogFolderIsAFile)
-{
-    DeleteLog();
-    WriteFileBytes(LogFolder(), "kept");
-    RunOffer(2, "LogFolderIsAFile");
-    EXPECT_EQ(ReadFileBytes(LogFolder()), "kept");
-}
-
-TEST_P(MachineFaultsTest, LogFileIsAFolder)
-{
-    CreateDirectoryW(LogFolder().c_str(), nullptr);
-    ASSERT_TRUE(CreateDirectoryW(LogPath().c_str(), nullptr));
-    RunOffer(3, "LogFileIsAFolder");
-    EXPECT_TRUE(FolderExists(LogPath()));
-}
 
 TEST_P(MachineFaultsTest, LogFileHeldByAnotherProgram)
 {
@@ -146,18 +140,14 @@ TEST_P(MachineFaultsTest, LogFileHeldByAnotherProgram)
     const UniqueHandle held(CreateFileW(LogPath().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                         FILE_ATTRIBUTE_NORMAL, nullptr));
     ASSERT_NE(held.get(), INVALID_HANDLE_VALUE);
-    RunOffer(4, "LogFileHeldByAnotherProgram");
+    Publish(NewerBuild(kInstallerUrl));
+    ExpectOffer();
+    RunFault(GetParam());
+    EXPECT_THAT(Observed().shown, ElementsAre(kOfferCaption));
+    EXPECT_EQ(GetFileSize(held.get(), nullptr), 0u);
 }
 
-TEST_P(MachineFaultsTest, LogFileReadOnly)
-{
-    CreateDirectoryW(LogFolder().c_str(), nullptr);
-    WriteFileBytes(LogPath(), "");
-    ASSERT_TRUE(SetFileAttributesW(LogPath().c_str(), FILE_ATTRIBUTE_READONLY));
-    RunOffer(5, "LogFileReadOnly");
-}
-
-TEST_P(MachineFaultsTest, RichEditLibraryMissing)
+TEST_P(MachineFaultsTest, WithoutTheRichEditLibraryThereIsNoOffer)
 {
     if (!CMissingLibrary::IsPossible())
     {
@@ -166,129 +156,87 @@ TEST_P(MachineFaultsTest, RichEditLibraryMissing)
     // Without the control there is no dialog and so no offer. Nothing else fails.
     const CMissingLibrary missing(L"riched20");
     Publish(NewerBuild(kInstallerUrl));
-    Run(14, "RichEditLibraryMissing");
+    RunFault(GetParam());
     EXPECT_THAT(Observed().shown, IsEmpty());
-    EXPECT_THAT(Observed().log, Contains("DetermineUpdateDescription"));
+    EXPECT_EQ(Observed().log.back(), "DetermineUpdateDescription");
 }
 
-TEST_F(MachineStartFaultsTest, TypeLibrariesNotRegistered)
+TEST_F(MachineStartFaultsTest, TheStartUpCheckNeedsNoTypeLibrary)
 {
-    // Office registers its own again when it starts. The start-up check needs none.
-    std::vector<std::unique_ptr<CMissingKey>> missing;
-    for (const wchar_t* const key : kTypeLibraryKeys)
-    {
-        missing.push_back(std::make_unique<CMissingKey>(key));
-    }
-    m_removeFault = [&] {
-        missing.clear();
-        Publish(g_latestInfo);
-    };
-    ExpectOfferAtStart(11, "TypeLibrariesNotRegistered");
+    // Office registers its own again when it starts.
+    std::optional<CMissingKeys> missing(kTypeLibraryKeys);
+    EndFaultWith(missing);
+    ExpectOfferAtStart();
 }
 
-TEST_F(MachineStartFaultsTest, OwnTypeLibraryOfAMissingFile)
+TEST_F(MachineStartFaultsTest, TheStartUpCheckDoesNotNeedItsTypeLibrarysFile)
 {
-    std::optional<CMissingKey> missing(kTypeLibraryKeys[0]);
     std::optional<CRegistryValue> path(std::in_place, HKEY_LOCAL_MACHINE,
-                                       std::wstring(kTypeLibraryKeys[0]) + L"\\1.0\\0\\win64", L"");
+                                       std::wstring(kLibraryKey) + L"\\1.0\\0\\win64", L"");
     path->SetString(L"C:\\no\\such.dll");
-    m_removeFault = [&] {
-        path.reset();
-        missing.reset();
-        Publish(g_latestInfo);
-    };
-    ExpectOfferAtStart(12, "OwnTypeLibraryOfAFileThatIsMissing");
+    EndFaultWith(path);
+    ExpectOfferAtStart();
 }
 
 TEST_F(MachineStartFaultsTest, WithoutItsTypeLibraryTheButtonDoesNothing)
 {
     // Office asks for the dispatch id of the button's callback, which only the library has.
-    std::optional<CMissingKey> missing(kTypeLibraryKeys[0]);
+    std::optional<CMissingKeys> missing(std::span(kTypeLibraryKeys, 1));
     EndFaultWith(missing);
     Publish(NewerBuild(kInstallerUrl));
     m_triggerFault = [this] {
         ClickUpdate();
-        EXPECT_TRUE(WaitForTrace("GetIDsOfNames(ButtonClicked) = 0x8"));
+        EXPECT_TRUE(WaitForTrace("OrvaOscAddin.Connect: GetIDsOfNames(ButtonClicked) = 0x8002801D"));
     };
-    RunFaultyStart(kTable, FaultLabel(13, "OwnTypeLibraryNotRegistered"), true);
+    RunFaultyStart();
     EXPECT_THAT(Observed().shown, IsEmpty());
+    EXPECT_THAT(m_server.Requests(), testing::SizeIs(1));
 }
 
 TEST_F(MachineStartFaultsTest, LanguageSettingsMissing)
 {
-    // Without a language all texts are empty, including the message about an unreadable file.
-    std::optional<CMissingKey> missing(OfficeLanguageKey(14));
+    const std::wstring key = OfficeLanguageKey(14);
+    const wchar_t* const keys[] = {key.c_str()};
+    std::optional<CMissingKeys> missing(keys);
     EndFaultWith(missing);
-    Publish("<html>");
-    AnswerWhateverComes();
-    RunFaultyStart(kTable, FaultLabel(21, "OfficeLanguageMissing"), true);
-    EXPECT_THAT(Observed().shown, ElementsAre(L""));
+    ExpectEmptyTextAtStart();
 }
 
 TEST_F(MachineStartFaultsTest, LanguageThatIsAText)
 {
-    std::optional<CRegistryValue> value;
-    value.emplace(HKEY_CURRENT_USER, OfficeLanguageKey(14), kOfficeLanguageValue);
+    std::optional<CRegistryValue> value(std::in_place, HKEY_CURRENT_USER, OfficeLanguageKey(14),
+                                        kOfficeLanguageValue);
     value->SetString(L"en");
     EndFaultWith(value);
-    Publish("<html>");
-    AnswerWhateverComes();
-    RunFaultyStart(kTable, FaultLabel(22, "OfficeLanguageThatIsAText"), true);
-    EXPECT_EQ(Observed().shown.size(), 1u);
+    ExpectEmptyTextAtStart();
 }
 
-TEST_F(MachineStartFaultsTest, ClassNotRegistered)
+TEST_F(MachineStartFaultsTest, WithoutItsFileTheAddInIsNotLoaded)
 {
-    std::optional<CMissingKey> missing(kClassKey);
-    EndFaultWith(missing);
-    RunWithoutAddIn(31, "ClassNotRegistered");
-}
-
-TEST_F(MachineStartFaultsTest, ClassNameOfItsVersionMissing)
-{
-    std::optional<CMissingKey> missing(L"Software\\Classes\\OrvaOscAddin.Connect.1");
-    EndFaultWith(missing);
-    RunWithoutAddIn(32, "ClassNameOfItsVersionMissing");
-}
-
-TEST_F(MachineStartFaultsTest, AddInKeyMissing)
-{
-    std::optional<CMissingKey> missing(L"Software\\Microsoft\\Office\\Outlook\\Addins\\OrvaOscAddin.Connect");
-    EndFaultWith(missing);
-    RunWithoutAddIn(33, "OutlooksKeyOfTheAddInMissing");
-}
-
-TEST_F(MachineStartFaultsTest, ModuleMissing)
-{
-    std::optional<CRegistryTreeGuard> kept(std::in_place, HKEY_LOCAL_MACHINE, kClassKey);
     std::optional<CRegistryValue> path(std::in_place, HKEY_LOCAL_MACHINE,
                                        std::wstring(kClassKey) + L"\\InprocServer32", L"");
     path->SetString(L"C:\\no\\such.dll");
     EndFaultWith(path);
-    RunWithoutAddIn(34, "AddInsFileMissing");
+    ExpectNoAddIn();
 }
 
-TEST_F(MachineStartFaultsTest, PictureLibraryMissing)
+TEST_P(MissingKeyTest, TheAddInIsNotLoaded)
+{
+    std::optional<CMissingKeys> missing(std::span(&GetParam().value, 1));
+    EndFaultWith(missing);
+    ExpectNoAddIn();
+}
+
+// As without any other library that the DLL imports.
+TEST_P(MissingLibraryTest, TheAddInIsNotLoaded)
 {
     if (!CMissingLibrary::IsPossible())
     {
         GTEST_SKIP() << "takes the library away by Wine's settings";
     }
-    // Without it the DLL cannot be loaded, as without any other imported library.
-    std::optional<CMissingLibrary> missing(L"gdiplus");
+    std::optional<CMissingLibrary> missing(GetParam().value);
     EndFaultWith(missing);
-    RunWithoutAddIn(35, "GdiPlusMissing");
-}
-
-TEST_F(MachineStartFaultsTest, InternetLibraryMissing)
-{
-    if (!CMissingLibrary::IsPossible())
-    {
-        GTEST_SKIP() << "takes the library away by Wine's settings";
-    }
-    std::optional<CMissingLibrary> missing(L"wininet");
-    EndFaultWith(missing);
-    RunWithoutAddIn(36, "WinInetMissing");
+    ExpectNoAddIn();
 }
 
 } // namespace orva::test

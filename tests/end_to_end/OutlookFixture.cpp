@@ -3,7 +3,6 @@
 #include "end_to_end/Texts.h"
 #include "harness/Files.h"
 #include "harness/HostTrace.h"
-#include "harness/Text.h"
 #include "harness/Watchdog.h"
 #include "host/MainWindow.h"
 #include "host/StoredControls.h"
@@ -61,50 +60,6 @@ std::string UpdateInfo(const std::string& major, const std::string& minor, const
 std::string NewerBuild(const std::string& link)
 {
     return UpdateInfo("1", "3", "0", link);
-}
-
-std::vector<std::string> RequestLog(const std::vector<std::string>& response, const std::string& text)
-{
-    const std::string trace = "CHttpRequest::PerformTextRequest";
-    std::vector<std::string> log = {"CheckForUpdate", std::string("CheckForUpdate() ") + kUpdateInfoUrl + " ",
-                                    trace, trace, trace};
-    for (const std::string& line : response)
-    {
-        log.push_back(line.starts_with("CHttpRequest") ? line : trace + "() " + line);
-    }
-    return Joined(std::move(log),
-                  {trace + "() delete resp ", trace + "() deleted resp ",
-                   "CheckForUpdate() TextRequest succeeded ", "CheckForUpdate() " + text + " "});
-}
-
-std::vector<std::string> TextLog(const std::string& text, int status)
-{
-    const std::string length = std::to_string(text.size());
-    const std::string characters = std::to_string(text.size() + 1);
-    std::vector<std::string> response = {"response content lenght " + length,
-                                         "response httpStatus " + std::to_string(status)};
-    if (text.size() >= 3)
-    {
-        response.push_back("check for BOM ");
-    }
-    return RequestLog(Joined(std::move(response), {"newContentLenght " + length, "num_chars " + characters,
-                                                   "ret " + characters, "response " + text}),
-                      text);
-}
-
-std::vector<std::string> StatusLog(int status)
-{
-    return RequestLog({"response content lenght 0", "response httpStatus " + std::to_string(status),
-                       "newContentLenght 0", "num_chars 0"},
-                      "");
-}
-
-std::vector<std::string> NoReplyLog(const std::string& error)
-{
-    return RequestLog({"CHttpRequest::PerformRequest() Caught CInternetException " + error,
-                       "response content lenght 0", "response httpStatus -1", "newContentLenght 0",
-                       "num_chars 0"},
-                      "");
 }
 
 void CInstalledAddIn::SetUp()
@@ -195,16 +150,6 @@ void OutlookFixture::RunToTheEnd(const std::vector<std::wstring>& options)
     }
 }
 
-std::vector<std::wstring> OutlookFixture::Shown() const
-{
-    std::vector<std::wstring> texts;
-    for (const CSeenWindow& seen : m_seen)
-    {
-        texts.push_back(seen.caption == kProduct ? seen.text : seen.caption);
-    }
-    return texts;
-}
-
 std::vector<std::string> OutlookFixture::StartCheckLog() const
 {
     return Between(ReadLogTexts(), "CConnect::OnConnection() check for updates ",
@@ -242,6 +187,11 @@ bool OutlookFixture::WaitForTrace(const std::string& part, int count) const
         return found || !isRunning;
     });
     return found;
+}
+
+void OutlookFixture::ExpectOffer()
+{
+    m_user.OnDialog(kOfferCaption, [](HWND dialog) { EXPECT_TRUE(ClickButton(dialog, kLaterButton)); });
 }
 
 void OutlookFixture::OfferAndInstall(const std::string& link)

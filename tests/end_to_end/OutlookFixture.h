@@ -9,7 +9,6 @@
 #include "harness/ProcessRunner.h"
 #include "harness/ProxySetting.h"
 #include "harness/TempFolder.h"
-#include "harness/Text.h"
 #include "harness/UserScript.h"
 #include "outlook/AddInRegistration.h"
 
@@ -28,15 +27,6 @@ std::string UpdateInfo(const std::string& major, const std::string& minor, const
                        const std::string& link);
 /// One that offers 1.3.0 at this link.
 std::string NewerBuild(const std::string& link);
-
-/// The exact log of a check up to the end of its request.
-std::vector<std::string> RequestLog(const std::vector<std::string>& response, const std::string& text);
-/// The same for a reply with this status, whose body was read as this text.
-std::vector<std::string> TextLog(const std::string& text, int status = 200);
-/// The same for a reply with another status, whose body is not read.
-std::vector<std::string> StatusLog(int status);
-/// The same for a request without a reply; `error` is WinINet's text.
-std::vector<std::string> NoReplyLog(const std::string& error);
 
 /// Registers the DLL once for a whole test program, and restores the registry at its end.
 class CInstalledAddIn : public testing::Environment
@@ -72,8 +62,6 @@ protected:
     /// Starts Outlook, waits for its start and closes it, with the assertions of the functions above.
     void RunToTheEnd(const std::vector<std::wstring>& options = {});
 
-    /// The texts of the windows that came up, in order: a message box's text, another dialog's caption.
-    std::vector<std::wstring> Shown() const;
     /// The log of the start-up check, without the lines around it.
     std::vector<std::string> StartCheckLog() const;
     /// The log of an explicit check after its entry line.
@@ -87,6 +75,8 @@ protected:
 
     /// Publishes this text as the update file.
     void Publish(const std::string& text) { m_server.On(kUpdateInfoPath, CHttpReply(200, text)); }
+    /// Expects the offer of a newer build, for which the user chooses "Later".
+    void ExpectOffer();
     /// Publishes a newer build with this link, and has the user choose "Install".
     void OfferAndInstall(const std::string& link);
     /// Expects the progress dialog; the user does nothing with it.

@@ -1,11 +1,15 @@
-// Failures and bad answers of the update server, at Outlook's start and on the user's request: what is shown
-// and logged, and that Outlook goes on and a second check works.
+// Failures and bad answers of the update server, one of each kind of outcome, at Outlook's start and on the
+// user's request: what is shown and logged, and that Outlook goes on and a second check works. All the
+// replies and files that have the same outcome are in the tests of the classes that read them.
 #include "end_to_end/FaultFixture.h"
-#include "end_to_end/ServerFault.h"
 #include "end_to_end/Texts.h"
 #include "harness/Compression.h"
-#include "harness/Report.h"
-#include "harness/Watchdog.h"
+#include "harness/Text.h"
+
+#include <wininet.h>
+
+#include <optional>
+#include <ostream>
 
 namespace orva::test
 {
@@ -13,73 +17,241 @@ namespace orva::test
 namespace
 {
 
+using testing::AnyOf;
 using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Values;
 using testing::ValuesIn;
 
-constexpr char kTable[] = "server-faults";
-// Numbers of the report's rows: each kind of fault has its range, whatever sample of it runs.
-constexpr int kFirstOutOfReach = 1;
-constexpr int kFirstReset = 11;
-constexpr int kFirstReply = 21;
+using Texts = std::vector<std::wstring>;
+using Log = std::vector<std::string>;
 
-// A fault whose outcome is either that of no reply or that of a reply without a date.
-struct CResetFault
+// The exception's text that ends a check whose reply has no date.
+constexpr char kNoDate[] = "invalid vector<T> subscript";
+
+// What the server does, and the outcome.
+struct CFault
 {
     const char* name;
-    CServerScript script;
-    // Whether part of the text is sent, so that the outcome may be that of a cut text.
-    bool hasText = false;
+    // Absent: nobody listens.
+    std::optional<CServerScript> script;
+    Log log;
+    Texts shownSilently;
+    Texts shownExplicitly;
+    // The end of the log's last line "... Caught exception", if the check ends with one.
+    const char* exception = nullptr;
 };
 
-void PrintTo(const CResetFault& fault, std::ostream* out)
+void PrintTo(const CFault& fault, std::ostream* out)
 {
     *out << fault.name;
 }
 
-std::vector<CResetFault> ResetFaults()
+// The log up to the reply.
+Log Requested()
 {
-    const std::string head = CHttpReply(200, g_latestInfo).Head();
-    constexpr DWORD kStall = 700;
+    const std::string entry = "CHttpRequest::PerformTextRequest";
+    return {"CheckForUpdate", std::string("CheckForUpdate() ") + kUpdateInfoUrl + " ", entry, entry, entry};
+}
+
+// The log of a request that has this result: the body's length, the status, the lines about the body, and the
+// text.
+Log Replied(size_t length, int status, const Log& body, const std::string& text)
+{
+    const std::string prefix = "CHttpRequest::PerformTextRequest() ";
+    Log log = {prefix + "response content lenght " + std::to_string(length),
+               prefix + "response httpStatus " + std::to_string(status)};
+    for (const std::string& line : body)
+    {
+        log.push_back(prefix + line);
+    }
+    return Joined(std::move(log),
+                  {prefix + "delete resp ", prefix + "deleted resp ",
+                   "CheckForUpdate() TextRequest succeeded ", "CheckForUpdate() " + text + " "});
+}
+
+// The log of a check whose request has these lines and no text.
+Log NoText(size_t length, int status, const Log& body)
+{
+    return Joined(Replied(length, status, body, ""), {"CheckForUpdate() inputData.length() == 0 "});
+}
+
+// The log of a check whose request fails with this error of WinINet's.
+Log NoReply(DWORD error)
+{
+    wchar_t text[1024] = L"";
+    FormatMessageW(FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_IGNORE_INSERTS,
+                   GetModuleHandleW(L"wininet.dll"), error, 0, text, 1024, nullptr);
+    // The system's text ends with a line end, which makes a line of its own in the log.
+    const Log lines = {"CHttpRequest::PerformRequest() Caught CInternetException " + CutOff(Utf8(text), 1),
+                       "\r"};
+    return Joined(Joined(Requested(), lines), NoText(0, -1, {"newContentLenght 0", "num_chars 0"}));
+}
+
+// The log of a check that reads this text and then writes these lines.
+Log Parsed(const std::string& text, const Log& then)
+{
+    const std::string length = std::to_string(text.size());
+    const std::string characters = std::to_string(text.size() + 1);
+    const Log body = {"check for BOM ", "newContentLenght " + length, "num_chars " + characters,
+                      "ret " + characters, "response " + text};
+    return Joined(Joined(Requested(), Replied(text.size(), 200, body, text)),
+                  Joined({"CheckForUpdate() parse json "}, then));
+}
+
+// The same for a text that is not wholly JSON.
+Log Unparsed(const std::string& text, const Log& then)
+{
+    return Parsed(text, Joined({"CheckForUpdate() exception thrown while parsing json "}, then));
+}
+
+// The lines of reading a text up to its versions.
+Log Versions(const std::string& minor, const std::string& build)
+{
+    return {"CheckJSONObject", "CheckJSONObject", "CheckForUpdate() majorVersion 1",
+            "CheckForUpdate() minorVersion " + minor, "CheckForUpdate() buildNumber " + build};
+}
+
+CServerScript Reply(const std::string& text)
+{
+    return CHttpReply(200, text);
+}
+
+std::vector<CFault> Faults()
+{
+    const CHttpReply latest(200, g_latestInfo);
+    const std::string html = "<!DOCTYPE html><html><body>Maintenance</body></html>";
+    const std::string newer = NewerBuild("http://h/s.exe");
+    // Cut behind the three numbers, and behind the entry.
+    const std::string numbers = g_latestInfo.substr(0, g_latestInfo.find(",\"downloadLink\""));
+    const std::string entry = CutOff(newer, 1);
+    const std::string noDescription =
+        R"({"x64":{"majorVersion":1,"minorVersion":2,"buildNumber":1,"downloadLink":"http://h/s.exe"}})";
+    const std::string noEntry = R"({"x86":{}})";
+    const std::string wrongType = R"({"x64":{"majorVersion":"1","minorVersion":2,"buildNumber":0}})";
+    const std::string deep(250'000, '[');
     return {
-        {"ClosedBeforeTheRequest", CServerScript()},
-        {"ResetAfterTheRequest", CServerScript().Reset()},
-        {"ResetInTheHead", CServerScript().Send(head.substr(0, 30)).Reset()},
-        {"ResetInTheBody", CServerScript().Send(head + g_latestInfo.substr(0, 60)).Reset(), true},
-        {"StallThenReset", CServerScript().Pause(kStall).Reset()},
-        {"StallInTheBodyThenReset",
-         CServerScript().Send(head + g_latestInfo.substr(0, 60)).Pause(kStall).Reset(), true},
+        {"NobodyListens", std::nullopt, NoReply(ERROR_INTERNET_CANNOT_CONNECT), {}, {kConnectError}},
+        // Wine reads the end of the connection as the end of the head. Windows reports an error, as for a
+        // refused connection.
+        {"HeadCutInItsDate",
+         CServerScript().Send("HTTP/1.1 200 OK\r\nDate: Thu, 20 Jan").Close(),
+         Requested(),
+         {},
+         {kConnectError},
+         kNoDate},
+        {"Status404",
+         CHttpReply(404, "<html>no</html>"),
+         Joined(Requested(), NoText(0, 404, {"newContentLenght 0", "num_chars 0"})),
+         {},
+         {kConnectError}},
+        {"EmptyBody",
+         Reply(""),
+         Joined(Requested(), NoText(0, 200, {"newContentLenght 0", "num_chars 1", "ret 1", "response "})),
+         {},
+         {kConnectError}},
+        {"TextInUtf16",
+         CHttpReply(latest).Header("Content-Type", "text/plain; charset=utf-16"),
+         Joined(Requested(), NoText(g_latestInfo.size(), 200, {})),
+         {},
+         {kConnectError}},
+        {"HtmlPage",
+         Reply(html),
+         Unparsed(html, {"CheckJSONObject"}),
+         {kConnectError},
+         {kConnectError, kNotParsed}},
+        {"BodyCutBehindTheNumbers",
+         CServerScript().Send(latest.Head() + numbers).Close(),
+         Unparsed(numbers, Versions("2", "0")),
+         {kConnectError},
+         {kConnectError, kLatest}},
+        {"FileWithoutItsLastBrace",
+         Reply(entry),
+         Unparsed(entry, Joined(Versions("3", "0"), {"CheckJSONObject", "DetermineUpdateDescription"})),
+         {kConnectError, kOfferCaption},
+         {kConnectError, kOfferCaption}},
+        // The outermost array is in place before the depth is refused.
+        {"A250000FoldArray",
+         Reply(deep),
+         Unparsed(deep, {"CheckJSONObject"}),
+         {kConnectError},
+         {kConnectError, kNotParsed},
+         "value type is 1 not 0"},
+        {"NoEntry",
+         Reply(noEntry),
+         Parsed(noEntry, {"CheckJSONObject", "CheckJSONObject"}),
+         {},
+         {kNotParsed}},
+        {"NewerBuildWithoutADescription",
+         Reply(noDescription),
+         Parsed(noDescription, Joined(Versions("2", "1"), {"CheckJSONObject", "DetermineUpdateDescription"})),
+         {},
+         {kNotParsed}},
+        {"NumberThatIsAText",
+         Reply(wrongType),
+         Parsed(wrongType, {"CheckJSONObject", "CheckJSONObject"}),
+         {},
+         {kNotParsed},
+         "value type is 2 not 4"},
+        {"GzipWithoutItsEnd",
+         CHttpReply(200, CutOff(GzipBytes(g_latestInfo), 8)).Header("Content-Encoding", "gzip"),
+         Parsed(g_latestInfo, Versions("2", "0")),
+         {},
+         {kLatest}},
     };
 }
 
-// The server cannot be reached.
-class ServerOutOfReachTest : public FaultFixture, public testing::WithParamInterface<CheckMode>
+class ServerFaultsTest : public FaultFixture, public testing::WithParamInterface<CFault>
 {
 protected:
-    void ExpectNoReply(const std::string& fault)
+    // Runs the fault. If it raises an exception, the log ends with the line of `caller`, which caught it.
+    void ExpectFault(CheckMode mode, const Texts& shown, const char* caller)
     {
-        const bool isExplicit = GetParam() == CheckMode::Explicit;
-        if (isExplicit)
+        const CFault& fault = GetParam();
+        if (fault.script)
         {
-            m_user.AnswerBox(kConnectError);
+            m_server.On(kUpdateInfoPath, *fault.script);
         }
-        RunFault(kTable, fault, GetParam());
-        EXPECT_THAT(WithoutSystemTexts(Observed().log), ElementsAreArray(NoReply()));
-        ASSERT_EQ(m_seen.size(), isExplicit ? 1u : 0u);
-        if (isExplicit)
+        else
         {
-            EXPECT_EQ(m_seen[0].caption, kProduct);
-            EXPECT_EQ(m_seen[0].ownerCaption, L"Inbox - Stand-in Outlook");
-            EXPECT_FALSE(m_seen[0].ownerEnabled);
+            m_proxy.emplace(m_nobody.Port());
+        }
+        for (const std::wstring& text : shown)
+        {
+            if (text == kOfferCaption)
+            {
+                ExpectOffer();
+            }
+            else
+            {
+                m_user.AnswerBox(text);
+            }
+        }
+        RunFault(mode);
+        Log log = fault.log;
+        if (fault.exception != nullptr)
+        {
+            log.push_back(std::string(caller) + "() Caught exception " + fault.exception);
+        }
+        EXPECT_THAT(Observed().shown, ElementsAreArray(shown));
+        EXPECT_THAT(Observed().log, ElementsAreArray(log));
+        EXPECT_THAT(Observed().left, IsEmpty());
+        for (const CSeenWindow& window : Observed().windows)
+        {
+            if (window.caption == kProduct)
+            {
+                EXPECT_EQ(window.ownerCaption, L"Inbox - Stand-in Outlook");
+                EXPECT_FALSE(window.ownerEnabled);
+            }
         }
     }
+
+    const CRefusingPort m_nobody;
 };
 
-// The connection is reset. Wine's WinINet reports sometimes an error and sometimes the connection's end.
-class ServerResetTest : public FaultFixture,
-                        public testing::WithParamInterface<std::tuple<CResetFault, CheckMode>>
+// The connection is reset.
+class ServerResetTest : public FaultFixture, public testing::WithParamInterface<CheckMode>
 {
 };
 
@@ -87,171 +259,42 @@ class GzipReportTest : public OutlookFixture
 {
 };
 
-// A fault with its number in the report.
-struct CNumberedFault
+std::string NameOf(const testing::TestParamInfo<CFault>& info)
 {
-    int number;
-    CFault fault;
-};
-
-void PrintTo(const CNumberedFault& numbered, std::ostream* out)
-{
-    *out << numbered.fault.name;
+    return info.param.name;
 }
 
-std::vector<CNumberedFault> Numbered(const std::vector<CFault>& faults, int first)
-{
-    std::vector<CNumberedFault> numbered;
-    numbered.reserve(faults.size());
-    for (const CFault& fault : faults)
-    {
-        numbered.push_back({first++, fault});
-    }
-    return numbered;
-}
-
-class ServerFaultsTest : public FaultFixture, public testing::WithParamInterface<CNumberedFault>
-{
-protected:
-    void Expect(const Texts& shown)
-    {
-        for (const std::wstring& text : shown)
-        {
-            if (text == kOfferCaption)
-            {
-                m_user.OnDialog(text, [](HWND dialog) { EXPECT_TRUE(ClickButton(dialog, kLaterButton)); });
-            }
-            else
-            {
-                m_user.AnswerBox(text);
-            }
-        }
-    }
-
-    // Runs the fault. If it raises an exception, the log ends with the line of `caller`, which caught it.
-    void ExpectFault(CheckMode mode, const Texts& shown, const char* caller)
-    {
-        const CFault& fault = GetParam().fault;
-        m_server.On(kUpdateInfoPath, fault.script);
-        Expect(shown);
-        RunFault(kTable, FaultLabel(GetParam().number, fault.name), mode);
-        Log log = fault.log;
-        if (fault.exception != nullptr)
-        {
-            log.push_back(std::string(caller) + "() Caught exception " + fault.exception);
-        }
-        EXPECT_THAT(Observed().shown, ElementsAreArray(shown));
-        EXPECT_THAT(WithoutSystemTexts(Observed().log), ElementsAreArray(log));
-        EXPECT_THAT(Observed().left, IsEmpty());
-    }
-};
-
-std::string NameOf(const testing::TestParamInfo<CNumberedFault>& info)
-{
-    return info.param.fault.name;
-}
-
-std::string NameOfReset(const testing::TestParamInfo<std::tuple<CResetFault, CheckMode>>& info)
-{
-    return std::string(std::get<0>(info.param).name) +
-           (std::get<1>(info.param) == CheckMode::StartUp ? "AtStartUp" : "Explicitly");
-}
-
-int FirstText()
-{
-    return kFirstReply + static_cast<int>(HttpFaults().size());
-}
-
-int FirstHead()
-{
-    return FirstText() + static_cast<int>(TextFaults().size());
-}
-
-INSTANTIATE_TEST_SUITE_P(Http, ServerFaultsTest, ValuesIn(Numbered(HttpFaults(), kFirstReply)), NameOf);
-INSTANTIATE_TEST_SUITE_P(Text, ServerFaultsTest, ValuesIn(Numbered(TextFaults(), FirstText())), NameOf);
-INSTANTIATE_TEST_SUITE_P(Head, ServerFaultsTest, ValuesIn(Numbered(HeadFaults(), FirstHead())), NameOf);
-INSTANTIATE_TEST_SUITE_P(Modes, ServerOutOfReachTest, Values(CheckMode::StartUp, CheckMode::Explicit),
-                         NameOfMode);
-INSTANTIATE_TEST_SUITE_P(Resets, ServerResetTest,
-                         testing::Combine(ValuesIn(ResetFaults()),
-                                          Values(CheckMode::StartUp, CheckMode::Explicit)),
-                         NameOfReset);
+INSTANTIATE_TEST_SUITE_P(Kinds, ServerFaultsTest, ValuesIn(Faults()), NameOf);
+INSTANTIATE_TEST_SUITE_P(Modes, ServerResetTest, Values(CheckMode::StartUp, CheckMode::Explicit), NameOfMode);
 
 } // namespace
 
-TEST_P(ServerOutOfReachTest, ConnectionRefused)
+TEST_P(ServerFaultsTest, AtOutlooksStart)
 {
-    const CRefusingPort port;
-    m_proxy.emplace(port.Port());
-    m_removeFault = [this] {
-        m_proxy.emplace(m_server.Port());
-        Publish(g_latestInfo);
-    };
-    ExpectNoReply(FaultLabel(kFirstOutOfReach, "ConnectionRefused"));
+    ExpectFault(CheckMode::StartUp, GetParam().shownSilently, "CConnect::OnConnection");
 }
 
-TEST_P(ServerOutOfReachTest, ServerEnded)
+TEST_P(ServerFaultsTest, OnTheUsersRequest)
 {
-    CLoopbackServer again;
-    m_server.Refuse();
-    m_removeFault = [&] {
-        m_proxy.emplace(again.Port());
-        again.On(kUpdateInfoPath, CHttpReply(200, g_latestInfo));
-    };
-    ExpectNoReply(FaultLabel(kFirstOutOfReach + 1, "ServerEnded"));
+    ExpectFault(CheckMode::Explicit, GetParam().shownExplicitly, "CConnect::ButtonClicked");
 }
 
-TEST_P(ServerOutOfReachTest, NameNotFound)
+TEST_P(ServerResetTest, IsAFailedRequestOrAReplyWithoutADate)
 {
-    // Reserved for names that do not exist, whatever the network.
-    m_proxy.emplace(L"no-such-server.invalid:80");
-    m_removeFault = [this] {
-        m_proxy.emplace(m_server.Port());
-        Publish(g_latestInfo);
-    };
-    ExpectNoReply(FaultLabel(kFirstOutOfReach + 2, "NameNotFound"));
-}
-
-TEST_P(ServerResetTest, EndsTheCheckAndNothingElse)
-{
-    const auto& [fault, mode] = GetParam();
-    const std::vector<CResetFault> all = ResetFaults();
-    int number = kFirstReset;
-    while (all[static_cast<size_t>(number - kFirstReset)].name != std::string(fault.name))
+    m_server.On(kUpdateInfoPath, CServerScript().Reset());
+    const bool isExplicit = GetParam() == CheckMode::Explicit;
+    if (isExplicit)
     {
-        ++number;
+        m_user.AnswerBox(kConnectError);
     }
-    if (fault.script.Actions().empty())
-    {
-        m_server.OnConnection(fault.script);
-    }
-    else
-    {
-        m_server.On(kUpdateInfoPath, fault.script);
-    }
-    m_removeFault = [this] {
-        m_server.OnConnection(std::nullopt);
-        Publish(g_latestInfo);
-    };
-    AnswerWhateverComes();
-    RunFault(kTable, FaultLabel(number, fault.name), mode);
-
-    const bool isExplicit = mode == CheckMode::Explicit;
+    RunFault(GetParam());
+    EXPECT_EQ(Observed().shown, isExplicit ? Texts{kConnectError} : Texts());
+    // The system reports a reset once. Where Wine's server has taken that report, WinINet reads the end of
+    // the connection instead, as if the reply were complete. On Windows it is always the failure.
     const std::string caller = isExplicit ? "CConnect::ButtonClicked" : "CConnect::OnConnection";
-    const std::string noDate = caller + "() Caught exception " + kNoDateError;
-    ASSERT_FALSE(Observed().log.empty());
-    const std::string last = Observed().log.back();
-    if (last == "CheckForUpdate() inputData.length() == 0 " || last == noDate)
-    {
-        EXPECT_EQ(Observed().shown, isExplicit ? Texts{kConnectError} : Texts());
-    }
-    else
-    {
-        // Taken as the orderly end of the text, which is cut behind the three numbers.
-        EXPECT_TRUE(fault.hasText);
-        EXPECT_EQ(last, "CheckForUpdate() buildNumber 0");
-        EXPECT_EQ(Observed().shown, isExplicit ? (Texts{kConnectError, kLatest}) : Texts{kConnectError});
-    }
+    EXPECT_THAT(Observed().log,
+                AnyOf(ElementsAreArray(NoReply(ERROR_INTERNET_CONNECTION_ABORTED)),
+                      ElementsAreArray(Joined(Requested(), {caller + "() Caught exception " + kNoDate}))));
     EXPECT_THAT(Observed().left, IsEmpty());
 }
 
@@ -261,16 +304,6 @@ TEST_F(GzipReportTest, GzipThatCannotBeDecodedIsReportedOnStandardOutput)
                 CHttpReply(200, CutOff(GzipBytes(g_latestInfo), 8)).Header("Content-Encoding", "gzip"));
     RunToTheEnd();
     EXPECT_THAT(m_outlook->Output(), HasSubstr("Could not decode gzip content"));
-}
-
-TEST_P(ServerFaultsTest, AtOutlooksStart)
-{
-    ExpectFault(CheckMode::StartUp, GetParam().fault.shownSilently, "CConnect::OnConnection");
-}
-
-TEST_P(ServerFaultsTest, OnTheUsersRequest)
-{
-    ExpectFault(CheckMode::Explicit, GetParam().fault.shownExplicitly, "CConnect::ButtonClicked");
 }
 
 } // namespace orva::test

@@ -13,7 +13,6 @@ namespace
 
 using testing::Contains;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::Not;
 
@@ -44,19 +43,6 @@ TEST_F(StartupCheckTest, AsksForTheFileOnceWithItsTrailingQuestionMark)
     EXPECT_EQ(requests[0].Header("Host"), ORVA_WEB_HOST);
     EXPECT_EQ(requests[0].Header("Accept-Encoding"), "gzip");
     EXPECT_EQ(requests[0].body, "");
-}
-
-TEST_F(StartupCheckTest, TheInstalledBuildIsTheLatestAndNothingIsShown)
-{
-    const std::string text = UpdateInfo("1", "2", "0", "");
-    Publish(text);
-    RunToTheEnd();
-    EXPECT_THAT(Shown(), IsEmpty());
-    EXPECT_THAT(StartCheckLog(),
-                ElementsAreArray(Joined(TextLog(text),
-                                        {"CheckForUpdate() parse json ", "CheckJSONObject", "CheckJSONObject",
-                                         "CheckForUpdate() majorVersion 1", "CheckForUpdate() minorVersion 2",
-                                         "CheckForUpdate() buildNumber 0"})));
 }
 
 TEST_F(StartupCheckTest, RunsAtOutlooksOwnStartOnly)
@@ -111,7 +97,7 @@ TEST_F(StartupCheckTest, LaterDownloadsNothingAndIsOfferedAgainAtTheNextStart)
     Publish(NewerBuild(kInstallerUrl));
     for (size_t start = 1; start <= 2; ++start)
     {
-        m_user.OnDialog(kOfferCaption, [](HWND dialog) { EXPECT_TRUE(ClickButton(dialog, kLaterButton)); });
+        ExpectOffer();
         RunToTheEnd();
         EXPECT_EQ(m_server.Requests().size(), start);
     }
@@ -152,39 +138,6 @@ TEST_F(StartupCheckTest, InstallDownloadsAndStartsTheInstaller)
     const std::vector<std::string> log = ReadLogTexts();
     EXPECT_THAT(log, Contains("StartDownloadDialog"));
     EXPECT_THAT(log, Contains("StartDownloadDialog() target path " + Utf8(folder) + "setup.exe"));
-}
-
-TEST_F(StartupCheckTest, CancelDuringTheDownloadLeavesNothingAndSaysHowToTryAgain)
-{
-    CGate gate;
-    const CHttpReply reply(200, std::string(100'000, 'x'));
-    m_server.On(kInstallerPath, CServerScript().Send(reply.Bytes().substr(0, 50'000)).WaitFor(gate).Stall());
-    OfferAndInstall(kInstallerUrl);
-    m_user.OnDialogWith(kProgressBar, [&](HWND dialog) {
-        EXPECT_TRUE(gate.WaitUntilReached());
-        // Wait until the file is being written: a download cancelled before that keeps its empty file.
-        EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download started"), L"Download started");
-        EXPECT_TRUE(ClickButton(dialog, IDCANCEL));
-        EXPECT_EQ(WaitForChildText(dialog, kStatusText, L"Download canceled"), L"Download canceled");
-        EXPECT_FALSE(IsWindowEnabled(ChildById(dialog, IDCANCEL)));
-    });
-    m_user.AnswerBox(kUpdateCanceled);
-    RunToTheEnd();
-    EXPECT_THAT(TempFiles(), ElementsAre(L"osc??????\\"));
-}
-
-TEST_F(StartupCheckTest, TwoDownloadsUseTwoFolders)
-{
-    m_server.On(kInstallerPath, CHttpReply(404));
-    for (int start = 0; start < 2; ++start)
-    {
-        OfferAndInstall(kInstallerUrl);
-        ExpectDownloadDialog();
-        m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
-        RunToTheEnd();
-    }
-    EXPECT_THAT(TempFiles(), ElementsAre(L"osc??????\\", L"osc??????\\"));
-    EXPECT_NE(ListFolder(m_temp.Path())[0], ListFolder(m_temp.Path())[1]);
 }
 
 } // namespace orva::test

@@ -1,6 +1,5 @@
 // Fuzzes the JSON reader and the lookups that the update check makes in its result.
 #include "fuzz/Fuzz.h"
-#include "platform/JsonDump.h"
 #include "support/JsonUtilities.h"
 
 #include <json_spirit.h>
@@ -25,7 +24,7 @@ constexpr double kSmallestComparedReal = 1e-250;
 constexpr double kLargestComparedReal = 1e250;
 constexpr double kRealTolerance = 1e-9;
 
-template <class Value> int Depth(const Value& value)
+int Depth(const wmValue& value)
 {
     int deepest = 0;
     if (value.type() == json_spirit::obj_type)
@@ -47,23 +46,23 @@ template <class Value> int Depth(const Value& value)
     return 0;
 }
 
-template <class String> String Ascii(const std::string& text)
+std::wstring Wide(const std::string& ascii)
 {
-    return String(text.begin(), text.end());
+    return std::wstring(ascii.begin(), ascii.end());
 }
 
-template <class String> String PrintText(const String& text)
+std::wstring PrintText(const std::wstring& text)
 {
-    String printed = Ascii<String>("\"");
-    for (const auto unit : text)
+    std::wstring printed = L"\"";
+    for (const wchar_t unit : text)
     {
-        if (unit == '"' || unit == '\\')
+        if (unit == L'"' || unit == L'\\')
         {
-            printed += static_cast<typename String::value_type>('\\');
+            printed += L'\\';
         }
         printed += unit;
     }
-    return printed + Ascii<String>("\"");
+    return printed + L"\"";
 }
 
 std::string PrintReal(double real)
@@ -81,38 +80,36 @@ std::string PrintReal(double real)
     return std::string(text.data(), end.ptr);
 }
 
-template <class Value> typename Value::String_type Print(const Value& value)
+std::wstring Print(const wmValue& value)
 {
-    using String = typename Value::String_type;
-    String list;
+    std::wstring list;
     switch (value.type())
     {
     case json_spirit::obj_type:
         for (const auto& [name, member] : value.get_obj())
         {
-            list += (list.empty() ? String() : Ascii<String>(",")) + PrintText(name) + Ascii<String>(":") +
-                    Print(member);
+            list += (list.empty() ? L"" : L",") + PrintText(name) + L":" + Print(member);
         }
-        return Ascii<String>("{") + list + Ascii<String>("}");
+        return L"{" + list + L"}";
     case json_spirit::array_type:
         for (const auto& element : value.get_array())
         {
-            list += (list.empty() ? String() : Ascii<String>(",")) + Print(element);
+            list += (list.empty() ? L"" : L",") + Print(element);
         }
-        return Ascii<String>("[") + list + Ascii<String>("]");
+        return L"[" + list + L"]";
     case json_spirit::str_type:
         return PrintText(value.get_str());
     case json_spirit::bool_type:
-        return Ascii<String>(value.get_bool() ? "true" : "false");
+        return value.get_bool() ? L"true" : L"false";
     case json_spirit::int_type:
-        return Ascii<String>(value.is_uint64() ? std::to_string(value.get_uint64())
-                                               : std::to_string(value.get_int64()));
+        return Wide(value.is_uint64() ? std::to_string(value.get_uint64())
+                                      : std::to_string(value.get_int64()));
     case json_spirit::real_type:
-        return Ascii<String>(PrintReal(value.get_real()));
+        return Wide(PrintReal(value.get_real()));
     case json_spirit::null_type:
         break;
     }
-    return Ascii<String>("null");
+    return L"null";
 }
 
 bool IsSameReal(double left, double right)
@@ -122,7 +119,7 @@ bool IsSameReal(double left, double right)
            std::fabs(left - right) <= kRealTolerance * magnitude;
 }
 
-template <class Value> bool IsSame(const Value& left, const Value& right)
+bool IsSame(const wmValue& left, const wmValue& right)
 {
     if (left.type() != right.type())
     {

@@ -50,7 +50,6 @@ CHttpRecord ParseRequestHead(const std::string& head)
     {
         record.method = lines[0].substr(0, first);
         record.target = lines[0].substr(first + 1, last - first - 1);
-        record.version = lines[0].substr(last + 1);
         SplitTarget(record);
     }
     for (size_t i = 1; i < lines.size() && !lines[i].empty(); ++i)

@@ -19,7 +19,6 @@ struct CHttpRecord
     std::string method;
     /// The request's target as sent: "/path?query", or "http://host:80/path?query" to a proxy.
     std::string target;
-    std::string version;
     /// The target's host and port, empty if the target is a path.
     std::string authority;
     /// The target's path without authority and query.
@@ -29,8 +28,6 @@ struct CHttpRecord
     /// In the order and spelling received.
     std::vector<std::pair<std::string, std::string>> headers;
     std::string body;
-    /// Number of the connection it came on, counted from 0.
-    size_t connection = 0;
 
     /// The value of a header, whose name is compared without case; absent if it was not sent.
     std::optional<std::string> Header(std::string_view name) const;

@@ -13,51 +13,12 @@ namespace
 
 constexpr char kLengthHeader[] = "Content-Length";
 
-std::string ReasonOf(int status)
-{
-    switch (status)
-    {
-    case 200:
-        return "OK";
-    case 201:
-        return "Created";
-    case 204:
-        return "No Content";
-    case 301:
-        return "Moved Permanently";
-    case 302:
-        return "Found";
-    case 403:
-        return "Forbidden";
-    case 404:
-        return "Not Found";
-    case 500:
-        return "Internal Server Error";
-    case 503:
-        return "Service Unavailable";
-    default:
-        return "Status";
-    }
-}
-
 } // namespace
 
 CHttpReply::CHttpReply(int status, std::string body)
-    : m_status(status), m_reason(ReasonOf(status)), m_body(std::move(body)),
+    : m_status(status), m_body(std::move(body)),
       m_headers{{"Date", kReplyDate}, {"Content-Type", "text/plain"}, {"Connection", "close"}}
 {
-}
-
-CHttpReply& CHttpReply::Reason(std::string reason)
-{
-    m_reason = std::move(reason);
-    return *this;
-}
-
-CHttpReply& CHttpReply::Body(std::string body)
-{
-    m_body = std::move(body);
-    return *this;
 }
 
 CHttpReply& CHttpReply::Header(const std::string& name, std::string value)
@@ -107,7 +68,8 @@ CHttpReply& CHttpReply::KeepAlive()
 
 std::string CHttpReply::Head() const
 {
-    std::string head = "HTTP/1.1 " + std::to_string(m_status) + " " + m_reason + "\r\n";
+    // Clients look at the number, not at the words.
+    std::string head = "HTTP/1.1 " + std::to_string(m_status) + (m_status == 200 ? " OK\r\n" : " Not OK\r\n");
     for (const auto& [name, value] : m_headers)
     {
         head += name + ": " + value + "\r\n";

@@ -18,8 +18,6 @@ class CHttpReply
 public:
     explicit CHttpReply(int status = 200, std::string body = {});
 
-    CHttpReply& Reason(std::string reason);
-    CHttpReply& Body(std::string body);
     /// Sets a header and replaces those of the same name (compared without case).
     CHttpReply& Header(const std::string& name, std::string value);
     /// Adds a header even if there is one of that name.
@@ -44,7 +42,6 @@ public:
 
 private:
     int m_status;
-    std::string m_reason;
     std::string m_body;
     std::vector<std::pair<std::string, std::string>> m_headers;
     bool m_hasLength = true;

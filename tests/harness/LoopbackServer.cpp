@@ -15,15 +15,6 @@
 namespace orva::test
 {
 
-namespace
-{
-
-// Milliseconds after which a wait polls the socket: Wine sometimes misses an event when many sockets are
-// busy.
-constexpr DWORD kPollInterval = 250;
-
-} // namespace
-
 // The server's state, its accepting thread and one thread per connection.
 class CLoopbackServer::Impl
 {
@@ -31,7 +22,10 @@ public:
     Impl() : m_stop(MakeEvent()), m_refuse(MakeEvent())
     {
         m_listener = static_cast<SOCKET>(BindLoopbackSocket(port));
-        if (listen(m_listener, SOMAXCONN) != 0)
+        // A connection may be gone by the time it is accepted.
+        u_long isNonBlocking = 1;
+        if (listen(m_listener, SOMAXCONN) != 0 ||
+            ioctlsocket(m_listener, static_cast<long>(FIONBIO), &isNonBlocking) != 0)
         {
             throw std::runtime_error("cannot listen");
         }
@@ -43,12 +37,7 @@ public:
     {
         Refuse();
         SetEvent(m_stop.get());
-        std::vector<UniqueHandle> threads;
-        {
-            const std::lock_guard lock(mutex);
-            threads.swap(m_threads);
-        }
-        for (const UniqueHandle& thread : threads)
+        for (const UniqueHandle& thread : m_threads)
         {
             WaitForSingleObject(thread.get(), INFINITE);
         }
@@ -66,9 +55,7 @@ public:
     std::map<std::string, std::deque<CServerScript>> nextScripts;
     CServerScript otherScript = CHttpReply(404, "not found");
     std::optional<CServerScript> connectionScript;
-    std::deque<CServerScript> nextConnectionScripts;
     std::vector<CHttpRecord> requests;
-    size_t connections = 0;
     size_t openConnections = 0;
 
 private:
@@ -99,14 +86,9 @@ private:
 
     void Accept()
     {
-        const UniqueHandle acceptEvent(WSACreateEvent());
-        WSAEventSelect(m_listener, acceptEvent.get(), FD_ACCEPT);
-        const HANDLE events[] = {m_refuse.get(), acceptEvent.get()};
-        while (WSAWaitForMultipleEvents(2, events, FALSE, kPollInterval, FALSE) != WSA_WAIT_EVENT_0)
+        while (WaitForSocket(m_listener, m_refuse.get()))
         {
-            WSAResetEvent(acceptEvent.get());
-            SOCKET socket;
-            while ((socket = accept(m_listener, nullptr, nullptr)) != INVALID_SOCKET)
+            if (const SOCKET socket = accept(m_listener, nullptr, nullptr); socket != INVALID_SOCKET)
             {
                 StartConnection(socket);
             }
@@ -117,17 +99,10 @@ private:
     void StartConnection(SOCKET socket)
     {
         KeepSocketToThisProcess(socket);
-        auto start = std::make_unique<ConnectionStart>();
-        start->server = this;
         const std::lock_guard lock(mutex);
-        start->connection = std::make_unique<CServerConnection>(socket, m_stop.get(), connections++);
+        auto start = std::make_unique<ConnectionStart>(ConnectionStart{
+            this, std::make_unique<CServerConnection>(socket, m_stop.get()), connectionScript});
         ++openConnections;
-        start->script = connectionScript;
-        if (!nextConnectionScripts.empty())
-        {
-            start->script = std::move(nextConnectionScripts.front());
-            nextConnectionScripts.pop_front();
-        }
         m_threads.emplace_back(reinterpret_cast<HANDLE>(
             _beginthreadex(nullptr, 0, ConnectionEntry, start.release(), 0, nullptr)));
     }
@@ -215,12 +190,6 @@ void CLoopbackServer::OnConnection(std::optional<CServerScript> script)
     m_impl->connectionScript = std::move(script);
 }
 
-void CLoopbackServer::OnNextConnection(CServerScript script)
-{
-    const std::lock_guard lock(m_impl->mutex);
-    m_impl->nextConnectionScripts.push_back(std::move(script));
-}
-
 void CLoopbackServer::Refuse()
 {
     m_impl->Refuse();
@@ -247,17 +216,6 @@ bool CLoopbackServer::WaitForRequests(size_t count, DWORD timeout) const
             return m_impl->requests.size() >= count;
         },
         timeout);
-}
-
-size_t CLoopbackServer::Connections() const
-{
-    const std::lock_guard lock(m_impl->mutex);
-    return m_impl->connections;
-}
-
-bool CLoopbackServer::WaitForConnections(size_t count, DWORD timeout) const
-{
-    return WaitUntil([&] { return Connections() >= count; }, timeout);
 }
 
 bool CLoopbackServer::WaitUntilIdle(DWORD timeout) const

@@ -40,8 +40,6 @@ public:
     /// Runs the script on every new connection instead of reading a request from it. An empty script closes
     /// at once; std::nullopt goes back to reading requests.
     void OnConnection(std::optional<CServerScript> script);
-    /// Runs the script on the next connection only, before the script of OnConnection.
-    void OnNextConnection(CServerScript script);
     /// Stops listening; later connections are refused.
     void Refuse();
 
@@ -49,9 +47,6 @@ public:
     std::vector<CHttpRecord> RequestsFor(const std::string& path) const;
     /// Waits until `count` requests have been received with their bodies.
     bool WaitForRequests(size_t count, DWORD timeout = kPatience) const;
-    /// Number of connections accepted so far.
-    size_t Connections() const;
-    bool WaitForConnections(size_t count, DWORD timeout = kPatience) const;
     /// Waits until no connection is open.
     bool WaitUntilIdle(DWORD timeout = kPatience) const;
 

@@ -1,7 +1,6 @@
 #include "harness/ProcessRunner.h"
 
 #include "harness/CommandLine.h"
-#include "harness/InheritedHandles.h"
 #include "harness/Text.h"
 
 #include <process.h>
@@ -21,6 +20,9 @@ constexpr UINT kEndedCode = 0xE0D0;
 constexpr DWORD kDebugInterval = 50;
 
 constexpr int kStartAttempts = 3;
+// The pipe is read when somebody asks for the output or waits for the end. A program must not have to wait
+// for that.
+constexpr DWORD kPipeSize = 1 << 20;
 
 // The job of every program started here and of their children. The system ends them all when this process
 // ends, for whatever reason.
@@ -38,8 +40,8 @@ HANDLE ChildrensJob()
 
 } // namespace
 
-// The process, a thread that reads its output and, with `debug`, a thread that starts it and receives its
-// debug events.
+// The process, the pipe with its output and, with `debug`, a thread that starts it and receives its debug
+// events.
 class CChildProcess::Impl
 {
 public:
@@ -48,11 +50,11 @@ public:
         SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
         HANDLE readEnd = nullptr;
         HANDLE writeEnd = nullptr;
-        if (!CreatePipe(&readEnd, &writeEnd, &inherit, 0))
+        if (!CreatePipe(&readEnd, &writeEnd, &inherit, kPipeSize))
         {
             throw std::runtime_error("cannot make a pipe");
         }
-        m_output.reset(readEnd);
+        m_pipe.reset(readEnd);
         m_writeEnd.reset(writeEnd);
         SetHandleInformation(readEnd, HANDLE_FLAG_INHERIT, 0);
         if (options.debug)
@@ -73,7 +75,6 @@ public:
             throw std::runtime_error("cannot start " + Utf8(options.program) + ": " +
                                      std::to_string(m_error));
         }
-        m_reader.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, ReadEntry, this, 0, nullptr)));
     }
 
     ~Impl()
@@ -83,26 +84,37 @@ public:
             End();
         }
         WaitForDebugger();
-        CancelReader();
-        WaitForSingleObject(m_reader.get(), INFINITE);
     }
 
     bool IsRunning() const { return WaitForSingleObject(m_process.get(), 0) == WAIT_TIMEOUT; }
 
     std::optional<DWORD> WaitForExit(DWORD timeout)
     {
-        if (WaitForSingleObject(m_process.get(), timeout) != WAIT_OBJECT_0)
+        const auto hasEnded = [this] {
+            Output();
+            return !IsRunning();
+        };
+        if (!WaitUntil(hasEnded, timeout))
         {
             return std::nullopt;
         }
         WaitForDebugger();
-        // A grandchild may hold the pipe open, so the reader may never end; by then it has read what the
-        // program itself wrote.
-        constexpr DWORD kDrainTime = 1'000;
-        WaitForSingleObject(m_reader.get(), kDrainTime);
         DWORD code = 0;
         GetExitCodeProcess(m_process.get(), &code);
         return code;
+    }
+
+    std::string Output()
+    {
+        const std::lock_guard lock(mutex);
+        // Asked before each read: a child of the program may hold the pipe open.
+        for (DWORD size = 0; PeekNamedPipe(m_pipe.get(), nullptr, 0, nullptr, &size, nullptr) && size > 0;)
+        {
+            std::string bytes(size, '\0');
+            ReadFile(m_pipe.get(), bytes.data(), size, &size, nullptr);
+            m_output += bytes.substr(0, size);
+        }
+        return m_output;
     }
 
     void End()
@@ -112,8 +124,7 @@ public:
     }
 
     DWORD id = 0;
-    mutable std::mutex mutex;
-    std::string output;
+    std::mutex mutex;
     std::vector<std::string> debugLines;
 
 private:
@@ -123,25 +134,28 @@ private:
         return 0;
     }
 
-    static unsigned __stdcall ReadEntry(void* self)
-    {
-        static_cast<Impl*>(self)->Read();
-        return 0;
-    }
-
     void Create()
     {
         SECURITY_ATTRIBUTES inherit = {sizeof inherit, nullptr, TRUE};
         const UniqueHandle nullDevice(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
                                                   &inherit, OPEN_EXISTING, 0, nullptr));
-        CInheritedHandles inherited({nullDevice.get(), m_writeEnd.get()});
+        // Only these. Otherwise a child could inherit this process's own output, and the reader of that
+        // output would wait until the child ends.
+        HANDLE inherited[] = {nullDevice.get(), m_writeEnd.get()};
+        SIZE_T size = 0;
+        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        std::vector<BYTE> bytes(size);
+        const auto attributes = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(bytes.data());
+        InitializeProcThreadAttributeList(attributes, 1, 0, &size);
+        UpdateProcThreadAttribute(attributes, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, inherited,
+                                  sizeof inherited, nullptr, nullptr);
         STARTUPINFOEXW startup = {};
         startup.StartupInfo.cb = sizeof startup;
         startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
         startup.StartupInfo.hStdInput = nullDevice.get();
         startup.StartupInfo.hStdOutput = m_writeEnd.get();
         startup.StartupInfo.hStdError = m_writeEnd.get();
-        startup.lpAttributeList = inherited.Get();
+        startup.lpAttributeList = attributes;
         std::wstring commandLine = JoinCommandLine(m_options.program, m_options.arguments);
         std::wstring environment = EnvironmentBlock(m_options.environment);
         PROCESS_INFORMATION information = {};
@@ -152,17 +166,16 @@ private:
         }
         // Wine 8 sometimes fails with ERROR_INTERNAL_ERROR and succeeds at the next attempt.
         BOOL isStarted = FALSE;
-        for (int attempt = 0; attempt < kStartAttempts && !isStarted; ++attempt)
+        m_error = ERROR_INTERNAL_ERROR;
+        for (int attempt = 0; attempt < kStartAttempts && m_error == ERROR_INTERNAL_ERROR; ++attempt)
         {
             isStarted =
                 CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, environment.data(),
                                m_options.folder.empty() ? nullptr : m_options.folder.c_str(),
                                &startup.StartupInfo, &information);
-            if (!isStarted && GetLastError() != ERROR_INTERNAL_ERROR)
-            {
-                break;
-            }
+            m_error = isStarted ? ERROR_SUCCESS : GetLastError();
         }
+        DeleteProcThreadAttributeList(attributes);
         if (isStarted)
         {
             m_process.reset(information.hProcess);
@@ -170,10 +183,6 @@ private:
             ResumeThread(information.hThread);
             CloseHandle(information.hThread);
             id = information.dwProcessId;
-        }
-        else
-        {
-            m_error = GetLastError();
         }
     }
 
@@ -237,26 +246,6 @@ private:
         debugLines.push_back(std::move(line));
     }
 
-    void Read()
-    {
-        char buffer[4'096];
-        DWORD count = 0;
-        while (ReadFile(m_output.get(), buffer, sizeof buffer, &count, nullptr) && count > 0)
-        {
-            const std::lock_guard lock(mutex);
-            output.append(buffer, count);
-        }
-    }
-
-    void CancelReader()
-    {
-        // A grandchild that outlives the program keeps the pipe open and the reader waiting.
-        while (WaitForSingleObject(m_reader.get(), kDebugInterval) == WAIT_TIMEOUT)
-        {
-            CancelSynchronousIo(m_reader.get());
-        }
-    }
-
     void WaitForDebugger()
     {
         if (m_debugger)
@@ -267,11 +256,11 @@ private:
 
     const CProcessOptions m_options;
     UniqueHandle m_started;
-    UniqueHandle m_output;
+    UniqueHandle m_pipe;
     UniqueHandle m_writeEnd;
     UniqueHandle m_process;
     UniqueHandle m_debugger;
-    UniqueHandle m_reader;
+    std::string m_output;
     DWORD m_error = 0;
 };
 
@@ -296,8 +285,7 @@ std::optional<DWORD> CChildProcess::WaitForExit(DWORD timeout)
 
 std::string CChildProcess::Output() const
 {
-    const std::lock_guard lock(m_impl->mutex);
-    return m_impl->output;
+    return m_impl->Output();
 }
 
 std::vector<std::string> CChildProcess::DebugLines() const

@@ -13,7 +13,14 @@ namespace orva::test
 namespace
 {
 
-constexpr REGSAM kView = KEY_WOW64_64KEY;
+void Check(LSTATUS status, const char* what, const std::wstring& name)
+{
+    if (status != ERROR_SUCCESS)
+    {
+        throw std::runtime_error(std::string("cannot ") + what + " " + Utf8(name) + ": " +
+                                 std::to_string(status));
+    }
+}
 
 struct KeyCloser
 {
@@ -22,21 +29,10 @@ struct KeyCloser
 };
 using UniqueKey = std::unique_ptr<HKEY, KeyCloser>;
 
-UniqueKey OpenKey(HKEY root, const std::wstring& path, REGSAM access = KEY_READ)
+UniqueKey OpenKey(HKEY root, const std::wstring& path)
 {
     HKEY key = nullptr;
-    RegOpenKeyExW(root, path.c_str(), 0, access | kView, &key);
-    return UniqueKey(key);
-}
-
-UniqueKey CreateKey(HKEY root, const std::wstring& path)
-{
-    HKEY key = nullptr;
-    if (const LSTATUS error = RegCreateKeyExW(root, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | kView,
-                                              nullptr, &key, nullptr))
-    {
-        throw std::runtime_error("cannot create the key " + Utf8(path) + ": " + std::to_string(error));
-    }
+    RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, &key);
     return UniqueKey(key);
 }
 
@@ -57,59 +53,79 @@ std::optional<CRegistrySnapshot::Value> ReadValue(HKEY key, const std::wstring& 
     return value;
 }
 
-void WriteValue(HKEY key, const std::wstring& name, DWORD type, const std::vector<BYTE>& bytes)
+void WriteValue(HKEY root, const std::wstring& key, const std::wstring& name,
+                const CRegistrySnapshot::Value& value)
 {
-    if (const LSTATUS error =
-            RegSetValueExW(key, name.c_str(), 0, type, bytes.data(), static_cast<DWORD>(bytes.size())))
-    {
-        throw std::runtime_error("cannot set the value " + Utf8(name) + ": " + std::to_string(error));
-    }
+    Check(RegSetKeyValueW(root, key.c_str(), name.c_str(), value.type, value.bytes.data(),
+                          static_cast<DWORD>(value.bytes.size())),
+          "set the value", name);
 }
 
-CRegistrySnapshot SnapshotOf(HKEY key)
+// The names that `enumerate` gives for the numbers from 0.
+template <typename Enumerate> std::vector<std::wstring> Names(Enumerate enumerate)
 {
     // The longest name that the registry allows, and a terminator.
     constexpr DWORD kNameSize = 16'384;
     std::vector<wchar_t> name(kNameSize);
-    CRegistrySnapshot snapshot;
-    for (DWORD i = 0;; ++i)
+    std::vector<std::wstring> names;
+    DWORD length = kNameSize;
+    while (enumerate(static_cast<DWORD>(names.size()), name.data(), &length) == ERROR_SUCCESS)
     {
-        DWORD length = kNameSize;
-        if (RegEnumValueW(key, i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+        names.emplace_back(name.data(), length);
+        length = kNameSize;
+    }
+    return names;
+}
+
+CRegistrySnapshot SnapshotOf(HKEY key)
+{
+    CRegistrySnapshot snapshot;
+    for (const std::wstring& name : Names([=](DWORD index, wchar_t* text, DWORD* length) {
+             return RegEnumValueW(key, index, text, length, nullptr, nullptr, nullptr, nullptr);
+         }))
+    {
+        if (auto value = ReadValue(key, name))
         {
-            break;
-        }
-        const std::wstring text(name.data(), length);
-        if (auto value = ReadValue(key, text))
-        {
-            snapshot.values.emplace(text, std::move(*value));
+            snapshot.values.emplace(name, std::move(*value));
         }
     }
-    for (DWORD i = 0;; ++i)
+    for (const std::wstring& name : Names([=](DWORD index, wchar_t* text, DWORD* length) {
+             return RegEnumKeyExW(key, index, text, length, nullptr, nullptr, nullptr, nullptr);
+         }))
     {
-        DWORD length = kNameSize;
-        if (RegEnumKeyExW(key, i, name.data(), &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+        if (const UniqueKey sub = OpenKey(key, name))
         {
-            break;
-        }
-        const std::wstring text(name.data(), length);
-        if (const UniqueKey sub = OpenKey(key, text))
-        {
-            snapshot.keys.emplace(text, SnapshotOf(sub.get()));
+            snapshot.keys.emplace(name, SnapshotOf(sub.get()));
         }
     }
     return snapshot;
 }
 
-void Restore(HKEY key, const CRegistrySnapshot& snapshot)
+void Restore(HKEY root, const std::wstring& path, const CRegistrySnapshot& snapshot)
 {
+    HKEY key = nullptr;
+    Check(RegCreateKeyW(root, path.c_str(), &key), "create the key", path);
+    const UniqueKey created(key);
     for (const auto& [name, value] : snapshot.values)
     {
-        WriteValue(key, name, value.type, value.bytes);
+        WriteValue(root, path, name, value);
     }
     for (const auto& [name, sub] : snapshot.keys)
     {
-        Restore(CreateKey(key, name).get(), sub);
+        Restore(root, path + L"\\" + name, sub);
+    }
+}
+
+// Carries out what a destructor must not let fail.
+template <typename Act> void Report(Act act)
+{
+    try
+    {
+        act();
+    }
+    catch (const std::exception& error)
+    {
+        std::fprintf(stderr, "%s\n", error.what());
     }
 }
 
@@ -194,27 +210,15 @@ CRegistryValue::CRegistryValue(HKEY root, std::wstring key, std::wstring name)
 {
     if (const UniqueKey opened = OpenKey(m_root, m_key))
     {
-        if (auto value = ReadValue(opened.get(), m_name))
-        {
-            m_existed = true;
-            m_type = value->type;
-            m_bytes = std::move(value->bytes);
-        }
+        m_before = ReadValue(opened.get(), m_name);
     }
 }
 
 CRegistryValue::~CRegistryValue()
 {
-    if (m_existed)
+    if (m_before)
     {
-        try
-        {
-            WriteValue(CreateKey(m_root, m_key).get(), m_name, m_type, m_bytes);
-        }
-        catch (const std::exception& error)
-        {
-            std::fprintf(stderr, "%s\n", error.what());
-        }
+        Report([this] { WriteValue(m_root, m_key, m_name, *m_before); });
         return;
     }
     Remove();
@@ -240,15 +244,12 @@ void CRegistryValue::SetString(const std::wstring& value)
 
 void CRegistryValue::SetBytes(const std::vector<BYTE>& bytes, DWORD type)
 {
-    WriteValue(CreateKey(m_root, m_key).get(), m_name, type, bytes);
+    WriteValue(m_root, m_key, m_name, {type, bytes});
 }
 
 void CRegistryValue::Remove()
 {
-    if (const UniqueKey key = OpenKey(m_root, m_key, KEY_SET_VALUE))
-    {
-        RegDeleteValueW(key.get(), m_name.c_str());
-    }
+    RegDeleteKeyValueW(m_root, m_key.c_str(), m_name.c_str());
 }
 
 CRegistryTreeGuard::CRegistryTreeGuard(HKEY root, std::wstring key)
@@ -258,17 +259,10 @@ CRegistryTreeGuard::CRegistryTreeGuard(HKEY root, std::wstring key)
 
 CRegistryTreeGuard::~CRegistryTreeGuard()
 {
-    try
+    Remove();
+    if (m_before)
     {
-        DeleteRegistryKey(m_root, m_key);
-        if (m_before)
-        {
-            Restore(CreateKey(m_root, m_key).get(), *m_before);
-        }
-    }
-    catch (const std::exception& error)
-    {
-        std::fprintf(stderr, "%s\n", error.what());
+        Report([this] { Restore(m_root, m_key, *m_before); });
     }
 }
 
@@ -318,23 +312,16 @@ std::optional<std::wstring> RegistryString(HKEY root, const std::wstring& key, c
 
 std::optional<DWORD> RegistryDword(HKEY root, const std::wstring& key, const std::wstring& name)
 {
-    const UniqueKey opened = OpenKey(root, key);
-    const auto value = opened ? ReadValue(opened.get(), name) : std::nullopt;
     DWORD number = 0;
-    if (!value || value->type != REG_DWORD || value->bytes.size() != sizeof number)
-    {
-        return std::nullopt;
-    }
-    std::memcpy(&number, value->bytes.data(), sizeof number);
-    return number;
+    DWORD size = sizeof number;
+    const LSTATUS status =
+        RegGetValueW(root, key.c_str(), name.c_str(), RRF_RT_REG_DWORD, nullptr, &number, &size);
+    return status == ERROR_SUCCESS ? std::optional(number) : std::nullopt;
 }
 
 void DeleteRegistryKey(HKEY root, const std::wstring& key)
 {
-    if (OpenKey(root, key))
-    {
-        RegDeleteTreeW(root, key.c_str());
-    }
+    RegDeleteTreeW(root, key.c_str());
 }
 
 } // namespace orva::test

@@ -12,12 +12,24 @@
 namespace orva::test
 {
 
+/// A copy of a key tree: values and subkeys.
+struct CRegistrySnapshot
+{
+    struct Value
+    {
+        DWORD type = REG_NONE;
+        std::vector<BYTE> bytes;
+    };
+    std::map<std::wstring, Value> values;
+    std::map<std::wstring, CRegistrySnapshot> keys;
+};
+
 /// One value that a test changes. The destructor restores it and removes the keys that had to be created for
 /// it. Failures throw std::runtime_error, except in the destructor.
 class CRegistryValue
 {
 public:
-    /// `key` is the path under `root` in the 64-bit view. Changes nothing yet.
+    /// `key` is the path under `root`. Changes nothing yet.
     CRegistryValue(HKEY root, std::wstring key, std::wstring name);
     ~CRegistryValue();
     CRegistryValue(const CRegistryValue&) = delete;
@@ -33,24 +45,9 @@ private:
     HKEY m_root;
     std::wstring m_key;
     std::wstring m_name;
-    bool m_existed = false;
-    DWORD m_type = REG_NONE;
-    std::vector<BYTE> m_bytes;
+    std::optional<CRegistrySnapshot::Value> m_before;
     /// The topmost key that did not exist before; empty if all existed.
     std::wstring m_missingKey;
-};
-
-/// A copy of a key tree: values and subkeys.
-struct CRegistrySnapshot
-{
-    struct Value
-    {
-        DWORD type = REG_NONE;
-        std::vector<BYTE> bytes;
-        bool operator==(const Value&) const = default;
-    };
-    std::map<std::wstring, Value> values;
-    std::map<std::wstring, CRegistrySnapshot> keys;
 };
 
 /// Restores a key tree at destruction as it was at construction.

@@ -10,18 +10,32 @@ namespace
 
 // A head that has no end by this size is taken as complete.
 constexpr size_t kMaxHead = 1 << 20;
-// Milliseconds after which a wait polls the socket: Wine sometimes misses an event when many sockets are
-// busy.
-constexpr DWORD kPollInterval = 250;
 // Milliseconds that a graceful close waits for the client to close; longer than any client needs.
 constexpr DWORD kLinger = 2'000;
 
 } // namespace
 
-CServerConnection::CServerConnection(SOCKET socket, HANDLE stop, size_t number)
-    : m_socket(socket), m_stop(stop), m_number(number), m_event(WSACreateEvent())
+bool WaitForSocket(SOCKET socket, HANDLE stop, bool toSend, DWORD timeout)
 {
-    WSAEventSelect(m_socket, m_event.get(), FD_READ | FD_WRITE | FD_CLOSE);
+    const ULONGLONG start = GetTickCount64();
+    while (WaitForSingleObject(stop, 0) == WAIT_TIMEOUT && GetTickCount64() - start < timeout)
+    {
+        fd_set sockets = {1, {socket}};
+        // The time after which `stop` is looked at again, in microseconds.
+        timeval moment = {0, 20'000};
+        // Fails for a socket with an error, which the caller's next call shows.
+        if (select(0, toSend ? nullptr : &sockets, toSend ? &sockets : nullptr, nullptr, &moment) != 0)
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+CServerConnection::CServerConnection(SOCKET socket, HANDLE stop) : m_socket(socket), m_stop(stop)
+{
+    u_long isNonBlocking = 1;
+    ioctlsocket(m_socket, static_cast<long>(FIONBIO), &isNonBlocking);
 }
 
 CServerConnection::~CServerConnection()
@@ -29,39 +43,17 @@ CServerConnection::~CServerConnection()
     closesocket(m_socket);
 }
 
-// Waits for an event of the socket. May return true without one, so callers must poll the socket. False when
-// the server stops or after `timeout` milliseconds.
-bool CServerConnection::WaitForEvent(DWORD timeout)
-{
-    const HANDLE events[] = {m_stop, m_event.get()};
-    const DWORD woken = WSAWaitForMultipleEvents(2, events, FALSE, std::min(timeout, kPollInterval), FALSE);
-    return woken == WSA_WAIT_EVENT_0 + 1 || (woken == WSA_WAIT_TIMEOUT && timeout > kPollInterval);
-}
-
-// Receives at least one byte. False when the connection has ended or the server stops.
-bool CServerConnection::Receive()
+// Receives at least one byte. False when the connection has ended, the server stops or the time is over.
+bool CServerConnection::Receive(DWORD timeout)
 {
     char buffer[16'384];
-    while (!m_peerClosed)
+    if (!WaitForSocket(m_socket, m_stop, false, timeout))
     {
-        WSAResetEvent(m_event.get());
-        const int count = recv(m_socket, buffer, sizeof buffer, 0);
-        if (count > 0)
-        {
-            m_pending.append(buffer, static_cast<size_t>(count));
-            return true;
-        }
-        if (count < 0 && WSAGetLastError() == WSAEWOULDBLOCK)
-        {
-            if (WaitForEvent())
-            {
-                continue;
-            }
-            return false;
-        }
-        m_peerClosed = true;
+        return false;
     }
-    return false;
+    const int count = recv(m_socket, buffer, sizeof buffer, 0);
+    m_pending.append(buffer, static_cast<size_t>(std::max(count, 0)));
+    return count > 0;
 }
 
 std::optional<CHttpRecord> CServerConnection::ReadRequest()
@@ -77,7 +69,6 @@ std::optional<CHttpRecord> CServerConnection::ReadRequest()
     }
     head = std::min(head, m_pending.size() - 4) + 4;
     CHttpRecord record = ParseRequestHead(m_pending.substr(0, head));
-    record.connection = m_number;
     m_pending.erase(0, head);
     const size_t length = AnnouncedLength(record);
     while (m_pending.size() < length)
@@ -97,17 +88,16 @@ bool CServerConnection::SendAll(const std::string& bytes)
 {
     for (size_t sent = 0; sent < bytes.size();)
     {
-        WSAResetEvent(m_event.get());
-        const int count = send(m_socket, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
-        if (count > 0)
-        {
-            sent += static_cast<size_t>(count);
-            continue;
-        }
-        if (WSAGetLastError() != WSAEWOULDBLOCK || !WaitForEvent())
+        if (!WaitForSocket(m_socket, m_stop, true))
         {
             return false;
         }
+        const int count = send(m_socket, bytes.data() + sent, static_cast<int>(bytes.size() - sent), 0);
+        if (count <= 0)
+        {
+            return false;
+        }
+        sent += static_cast<size_t>(count);
     }
     return true;
 }
@@ -138,21 +128,8 @@ void CServerConnection::CloseGracefully()
     // Closing a socket with unread data sends a reset, which could cost the client the end of the reply. So
     // the client's close is awaited.
     shutdown(m_socket, SD_SEND);
-    const ULONGLONG end = GetTickCount64() + kLinger;
-    char buffer[16'384];
-    for (;;)
+    while (Receive(kLinger))
     {
-        WSAResetEvent(m_event.get());
-        const int count = recv(m_socket, buffer, sizeof buffer, 0);
-        const ULONGLONG now = GetTickCount64();
-        if (count == 0 || (count < 0 && WSAGetLastError() != WSAEWOULDBLOCK) || now >= end)
-        {
-            return;
-        }
-        if (count < 0 && !WaitForEvent(static_cast<DWORD>(end - now)))
-        {
-            return;
-        }
     }
 }
 

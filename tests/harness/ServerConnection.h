@@ -13,24 +13,27 @@
 namespace orva::test
 {
 
+/// Waits until the socket can be read from (a listening one: has a connection) or, with `toSend`, written to.
+/// False when the event `stop` is set or after `timeout` milliseconds.
+bool WaitForSocket(SOCKET socket, HANDLE stop, bool toSend = false, DWORD timeout = INFINITE);
+
 class CServerConnection
 {
 public:
     /// Owns the socket and makes it non-blocking. `stop` is a manual-reset event that ends every wait; it
-    /// must outlive the object. `number` is stored in the records of the requests.
-    CServerConnection(SOCKET socket, HANDLE stop, size_t number);
+    /// must outlive the object.
+    CServerConnection(SOCKET socket, HANDLE stop);
     ~CServerConnection();
     CServerConnection(const CServerConnection&) = delete;
     CServerConnection& operator=(const CServerConnection&) = delete;
 
-    /// The next request; nothing once the client has ended the connection or the server stops.
+    /// The next request; nothing once the connection has ended or the server stops.
     std::optional<CHttpRecord> ReadRequest();
     /// Runs the script. True if the next request may be read from the connection.
     bool Play(const CServerScript& script);
 
 private:
-    bool WaitForEvent(DWORD timeout = INFINITE);
-    bool Receive();
+    bool Receive(DWORD timeout = INFINITE);
     bool SendAll(const std::string& bytes);
     bool Send(const CServerScript::Action& action);
     bool IsStopping(DWORD wait);
@@ -38,9 +41,6 @@ private:
 
     const SOCKET m_socket;
     const HANDLE m_stop;
-    const size_t m_number;
-    const UniqueHandle m_event;
-    bool m_peerClosed = false;
     /// Received and not yet parsed.
     std::string m_pending;
 };

@@ -15,9 +15,10 @@ namespace
 
 std::wstring EnvironmentText(const wchar_t* name)
 {
-    wchar_t text[MAX_PATH];
-    const DWORD length = GetEnvironmentVariableW(name, text, MAX_PATH);
-    return std::wstring(text, length < MAX_PATH ? length : 0);
+    // With the terminator; 0 if there is no such variable.
+    std::wstring text(GetEnvironmentVariableW(name, nullptr, 0), L'\0');
+    text.resize(GetEnvironmentVariableW(name, text.data(), static_cast<DWORD>(text.size())));
+    return text;
 }
 
 void SetEnvironmentText(const wchar_t* name, const std::wstring& value)

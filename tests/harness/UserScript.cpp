@@ -20,16 +20,6 @@ namespace
 // Milliseconds between two searches for dialogs.
 constexpr DWORD kLookInterval = 5;
 
-// Presses a button of a message box. Windows gives the "OK" of a box without "Cancel" the id IDCANCEL.
-bool PressButton(HWND window, int id)
-{
-    if (ClickButton(window, id))
-    {
-        return true;
-    }
-    return id == IDOK && ClickButton(window, IDCANCEL);
-}
-
 } // namespace
 
 // The steps, the thread that runs them, and the dialogs that it has seen.
@@ -46,9 +36,9 @@ public:
         std::function<std::string(HWND)> act;
     };
 
-    explicit Impl(DWORD processId) : process(processId), m_stop(MakeEvent()), m_finish(MakeEvent()) {}
+    explicit Impl(DWORD processId) : process(processId), m_stop(MakeEvent()) {}
 
-    ~Impl() { Join(false); }
+    ~Impl() { Join(); }
 
     void Start()
     {
@@ -58,22 +48,20 @@ public:
         m_thread.reset(reinterpret_cast<HANDLE>(_beginthreadex(nullptr, 0, Entry, this, 0, nullptr)));
     }
 
-    void Join(bool waitForSteps)
+    void Join()
     {
         if (m_thread)
         {
-            SetEvent(waitForSteps ? m_finish.get() : m_stop.get());
+            SetEvent(m_stop.get());
             WaitForSingleObject(m_thread.get(), INFINITE);
             m_thread.reset();
             // Ready for another run with steps of its own.
             ResetEvent(m_stop.get());
-            ResetEvent(m_finish.get());
             steps.clear();
         }
     }
 
     DWORD process;
-    DWORD patience = kPatience;
     std::vector<Step> steps;
     mutable std::mutex mutex;
     std::vector<CSeenWindow> seen;
@@ -114,7 +102,8 @@ private:
         failures.push_back(std::move(text));
     }
 
-    bool IsStopped(DWORD wait = 0) const { return WaitForSingleObject(m_stop.get(), wait) == WAIT_OBJECT_0; }
+    // Waits a moment for the end of the script.
+    bool IsStopped() const { return WaitForSingleObject(m_stop.get(), kLookInterval) == WAIT_OBJECT_0; }
 
     void Run()
     {
@@ -124,11 +113,10 @@ private:
             good = RunStep(steps[i], i + 1);
         }
         // After the last step, or after a failure, every further dialog is unexpected and is closed.
-        const HANDLE ends[] = {m_stop.get(), m_finish.get()};
         do
         {
             CloseUnexpected();
-        } while (WaitForMultipleObjects(2, ends, FALSE, kLookInterval) == WAIT_TIMEOUT);
+        } while (!IsStopped());
         CloseUnexpected();
     }
 
@@ -201,14 +189,14 @@ private:
 
     std::optional<CSeenWindow> AwaitDialog(const std::string& name)
     {
-        const ULONGLONG end = GetTickCount64() + patience;
+        const ULONGLONG end = GetTickCount64() + kPatience;
         for (;;)
         {
             if (std::optional<CSeenWindow> dialog = NextDialog())
             {
                 return dialog;
             }
-            if (IsStopped(kLookInterval))
+            if (IsStopped())
             {
                 Fail(name + "had not come up when the script was ended");
                 return std::nullopt;
@@ -222,7 +210,6 @@ private:
     }
 
     UniqueHandle m_stop;
-    UniqueHandle m_finish;
     UniqueHandle m_thread;
     // Visible dialogs that have been handled.
     std::vector<HWND> m_known;
@@ -237,48 +224,46 @@ CUserScript::~CUserScript()
 
 CUserScript& CUserScript::AnswerBox(std::wstring text, int buttonId)
 {
-    const std::string what = "message box \"" + Utf8(text) + "\"";
+    std::string what = "message box \"" + Utf8(text) + "\"";
     m_impl->steps.push_back(
-        {what, [text = std::move(text)](const CSeenWindow& seen) { return seen.text == text; },
+        {std::move(what), [text = std::move(text)](const CSeenWindow& seen) { return seen.text == text; },
          [buttonId](HWND window) {
-             return PressButton(window, buttonId) ? std::string()
-                                                  : "has no button " + std::to_string(buttonId) + " to press";
+             // Windows gives the "OK" of a box without "Cancel" the id IDCANCEL.
+             const bool isPressed =
+                 ClickButton(window, buttonId) || (buttonId == IDOK && ClickButton(window, IDCANCEL));
+             return isPressed ? "" : "has no button " + std::to_string(buttonId) + " to press";
          }});
     return *this;
 }
 
 CUserScript& CUserScript::OnDialog(std::wstring caption, std::function<void(HWND)> act)
 {
-    const std::string what = "dialog \"" + Utf8(caption) + "\"";
-    m_impl->steps.push_back(
-        {what, [caption = std::move(caption)](const CSeenWindow& seen) { return seen.caption == caption; },
-         [act = std::move(act)](HWND window) {
-             act(window);
-             return std::string();
-         }});
-    return *this;
+    std::string what = "dialog \"" + Utf8(caption) + "\"";
+    return Expect(
+        std::move(what),
+        [caption = std::move(caption)](const CSeenWindow& seen) { return seen.caption == caption; },
+        std::move(act));
 }
 
 CUserScript& CUserScript::OnDialogWith(int childId, std::function<void(HWND)> act)
 {
-    const std::string what = "dialog with control " + std::to_string(childId);
-    m_impl->steps.push_back({what,
-                             [childId](const CSeenWindow& seen) {
-                                 return std::any_of(
-                                     seen.controls.begin(), seen.controls.end(),
-                                     [=](const auto& control) { return control.first == childId; });
-                             },
-                             [act = std::move(act)](HWND window) {
-                                 act(window);
-                                 return std::string();
-                             }});
-    return *this;
+    const auto hasChild = [childId](const CSeenWindow& seen) {
+        return std::ranges::any_of(seen.controls,
+                                   [=](const auto& control) { return control.first == childId; });
+    };
+    return Expect("dialog with control " + std::to_string(childId), hasChild, std::move(act));
 }
 
 CUserScript& CUserScript::OnAnyDialog(std::function<void(HWND)> act)
 {
-    m_impl->steps.push_back({"any dialog", [](const CSeenWindow&) { return true; },
-                             [act = std::move(act)](HWND window) {
+    return Expect(
+        "any dialog", [](const CSeenWindow&) { return true; }, std::move(act));
+}
+
+CUserScript& CUserScript::Expect(std::string what, std::function<bool(const CSeenWindow&)> matches,
+                                 std::function<void(HWND)> act)
+{
+    m_impl->steps.push_back({std::move(what), std::move(matches), [act = std::move(act)](HWND window) {
                                  act(window);
                                  return std::string();
                              }});
@@ -293,12 +278,6 @@ CUserScript& CUserScript::Then(std::string what, std::function<bool()> act)
     return *this;
 }
 
-CUserScript& CUserScript::Patience(DWORD milliseconds)
-{
-    m_impl->patience = milliseconds;
-    return *this;
-}
-
 void CUserScript::Start()
 {
     m_impl->Start();
@@ -310,18 +289,18 @@ void CUserScript::StartFor(DWORD process)
     m_impl->Start();
 }
 
-std::vector<CSeenWindow> CUserScript::Finish(bool waitForSteps)
+std::vector<CSeenWindow> CUserScript::Finish()
 {
-    for (const std::string& failure : FinishQuietly(waitForSteps))
+    for (const std::string& failure : FinishQuietly())
     {
         ADD_FAILURE() << failure;
     }
     return Seen();
 }
 
-std::vector<std::string> CUserScript::FinishQuietly(bool waitForSteps)
+std::vector<std::string> CUserScript::FinishQuietly()
 {
-    m_impl->Join(waitForSteps);
+    m_impl->Join();
     const std::lock_guard lock(m_impl->mutex);
     return std::exchange(m_impl->failures, {});
 }

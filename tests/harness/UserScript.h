@@ -38,24 +38,25 @@ public:
     CUserScript& OnAnyDialog(std::function<void(HWND)> act);
     /// Calls `act` between two windows, for instance to wait for another thread; false is a failure.
     CUserScript& Then(std::string what, std::function<bool()> act);
-    /// How long each step waits for its window, in milliseconds.
-    CUserScript& Patience(DWORD milliseconds);
 
     void Start();
     /// Starts with another process than the one given at construction. Dialogs that it already shows count as
     /// new.
     void StartFor(DWORD process);
-    /// Ends the script, adds each failure to the test, and returns the dialogs that were seen. Waits for the
-    /// remaining steps with `waitForSteps`; otherwise a step that is not done is a failure. Call it on the
-    /// test's thread.
-    std::vector<CSeenWindow> Finish(bool waitForSteps = false);
+    /// Ends the script, adds each failure to the test, and returns the dialogs that were seen. A step that is
+    /// not done is a failure. Call it on the test's thread.
+    std::vector<CSeenWindow> Finish();
     /// Like Finish, but returns the failures' texts instead of adding them to the test.
-    std::vector<std::string> FinishQuietly(bool waitForSteps = false);
+    std::vector<std::string> FinishQuietly();
     /// The dialogs that have been seen so far.
     std::vector<CSeenWindow> Seen() const;
 
 private:
     class Impl;
+
+    CUserScript& Expect(std::string what, std::function<bool(const CSeenWindow&)> matches,
+                        std::function<void(HWND)> act);
+
     std::unique_ptr<Impl> m_impl;
 };
 

@@ -42,9 +42,9 @@ bool PumpUntil(const std::function<bool()>& condition, DWORD timeout)
         timeout);
 }
 
-UniqueHandle MakeEvent(bool set)
+UniqueHandle MakeEvent()
 {
-    UniqueHandle event(CreateEventW(nullptr, TRUE, set ? TRUE : FALSE, nullptr));
+    UniqueHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     if (!event)
     {
         throw std::runtime_error("cannot create an event");

@@ -35,6 +35,6 @@ struct HandleCloser
 using UniqueHandle = std::unique_ptr<HANDLE, HandleCloser>;
 
 /// A new manual-reset event. Throws std::runtime_error if it cannot be created.
-UniqueHandle MakeEvent(bool set = false);
+UniqueHandle MakeEvent();
 
 } // namespace orva::test

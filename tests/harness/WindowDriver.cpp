@@ -51,8 +51,7 @@ BOOL CALLBACK AddWindow(HWND window, LPARAM list)
 
 bool Matches(HWND window, const CWindowQuery& query)
 {
-    return (query.process == 0 || WindowProcess(window) == query.process) &&
-           (!query.visible || IsWindowVisible(window)) &&
+    return (query.process == 0 || WindowProcess(window) == query.process) && IsWindowVisible(window) &&
            (!query.className || WindowClassName(window) == *query.className) &&
            (!query.childId || ChildById(window, *query.childId) != nullptr) &&
            (!query.caption || WindowText(window) == *query.caption);
@@ -212,22 +211,20 @@ bool PostKey(HWND window, WORD virtualKey)
     return true;
 }
 
-bool ChooseLastMenuItem(HWND window, wchar_t letter)
+bool OpenMenuAtLastItem(HWND window, wchar_t letter)
 {
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
     PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, letter);
-    if (WaitForWindow({.process = process, .className = kMenuClass}) == nullptr)
+    if (WaitForWindow({.process = WindowProcess(window), .className = kMenuClass}) == nullptr)
     {
         return false;
     }
     // From the first item, VK_UP goes to the last.
-    for (const WORD key : {WORD{VK_UP}, WORD{VK_RETURN}})
-    {
-        PostMessageW(window, WM_KEYDOWN, key, 0);
-        PostMessageW(window, WM_KEYUP, key, 0);
-    }
-    return true;
+    return PostKey(window, VK_UP);
+}
+
+bool ChooseLastMenuItem(HWND window, wchar_t letter)
+{
+    return OpenMenuAtLastItem(window, letter) && PostKey(window, VK_RETURN);
 }
 
 HWND FocusOf(HWND window)

@@ -11,7 +11,7 @@
 namespace orva::test
 {
 
-/// Properties of a top-level window; those that are not set match any.
+/// Properties of a visible top-level window; those that are not set match any.
 struct CWindowQuery
 {
     /// 0: any process.
@@ -20,7 +20,6 @@ struct CWindowQuery
     std::optional<std::wstring> className = {};
     /// The id of a control in the window.
     std::optional<int> childId = {};
-    bool visible = true;
 };
 
 /// Window class of dialogs and message boxes.
@@ -57,8 +56,10 @@ bool ClickButton(HWND window, int id);
 bool TypeKey(HWND window, WORD virtualKey, bool shift = false);
 /// Posts the key's down and up messages to the window that has the focus in the given window's thread.
 bool PostKey(HWND window, WORD virtualKey);
-/// Opens the menu with this letter and chooses its last item, with posted messages, so the window need not be
+/// Opens the menu with this letter and goes to its last item, with posted messages, so the window need not be
 /// in the foreground. False if the menu did not open in time.
+bool OpenMenuAtLastItem(HWND window, wchar_t letter);
+/// The same, and chooses the item.
 bool ChooseLastMenuItem(HWND window, wchar_t letter);
 /// The control that has the keyboard focus in the thread of the given window, or null.
 HWND FocusOf(HWND window);

@@ -1,13 +1,11 @@
-// The fixtures for registry, folders, processes, debugger output and log: what they report and restore.
-#include "harness/CommandLine.h"
-#include "harness/DebugOutput.h"
+// The fixtures for registry, folders, processes, watchdog and log: what they restore, and what they must not
+// overlook.
 #include "harness/Files.h"
 #include "harness/LogFile.h"
 #include "harness/ProcessRunner.h"
-#include "harness/ProxySetting.h"
 #include "harness/Registry.h"
 #include "harness/TempFolder.h"
-#include "harness/Text.h"
+#include "harness/Watchdog.h"
 
 #include <gmock/gmock.h>
 
@@ -25,6 +23,13 @@ using testing::HasSubstr;
 constexpr wchar_t kKey[] = L"Software\\OrvaHarnessTest";
 constexpr wchar_t kDeepKey[] = L"Software\\OrvaHarnessTest\\a\\b";
 
+CProcessOptions Helper(const std::wstring& test)
+{
+    return {.program = BuiltFile(L"test_harness_tests.exe"),
+            .arguments = {L"--gtest_filter=HelperProgram." + test},
+            .environment = {{L"ORVA_HELPER", L"1"}}};
+}
+
 } // namespace
 
 TEST(RegistryTest, AValueIsRestoredAndCreatedKeysAreRemoved)
@@ -34,11 +39,11 @@ TEST(RegistryTest, AValueIsRestoredAndCreatedKeysAreRemoved)
     {
         CRegistryValue value(HKEY_CURRENT_USER, kDeepKey, L"v");
         value.SetDword(7);
-        EXPECT_EQ(RegistryDword(HKEY_CURRENT_USER, kDeepKey, L"v"), 7u);
         {
             CRegistryValue inner(HKEY_CURRENT_USER, kDeepKey, L"v");
             inner.SetString(L"text");
             EXPECT_EQ(RegistryString(HKEY_CURRENT_USER, kDeepKey, L"v"), L"text");
+            EXPECT_EQ(RegistryDword(HKEY_CURRENT_USER, kDeepKey, L"v"), std::nullopt);
             inner.Remove();
             EXPECT_EQ(RegistryString(HKEY_CURRENT_USER, kDeepKey, L"v"), std::nullopt);
         }
@@ -48,53 +53,38 @@ TEST(RegistryTest, AValueIsRestoredAndCreatedKeysAreRemoved)
     EXPECT_TRUE(RegistryKeyExists(HKEY_CURRENT_USER, L"Software"));
 }
 
-TEST(RegistryTest, ExportsATreeAsText)
+TEST(RegistryTest, ATreeIsExportedWholeAndRestoredAsItWas)
 {
-    CRegistryTreeGuard guard(HKEY_CURRENT_USER, kKey);
-    guard.Remove();
+    CRegistryTreeGuard outer(HKEY_CURRENT_USER, kKey);
+    outer.Remove();
     EXPECT_EQ(ExportRegistryKey(HKEY_CURRENT_USER, kKey), "(no key)\n");
     CRegistryValue(HKEY_CURRENT_USER, kDeepKey, L"x").SetDword(1);
+    CRegistryValue(HKEY_CURRENT_USER, kDeepKey, L"").SetString(L"gone");
     CRegistryValue number(HKEY_CURRENT_USER, kKey, L"number");
     number.SetDword(3);
     CRegistryValue text(HKEY_CURRENT_USER, kDeepKey, L"");
     text.SetString(L"sch\u00f6n");
+    CRegistryValue unterminated(HKEY_CURRENT_USER, kDeepKey, L"raw");
+    unterminated.SetBytes({'a', 0}, REG_SZ);
     CRegistryValue bytes(HKEY_CURRENT_USER, kDeepKey, L"bytes");
     bytes.SetBytes({1, 0xFF});
-    EXPECT_EQ(ExportRegistryKey(HKEY_CURRENT_USER, kKey), "[Software\\OrvaHarnessTest]\n"
-                                                          "number = REG_DWORD 0x00000003\n"
-                                                          "[Software\\OrvaHarnessTest\\a]\n"
-                                                          "[Software\\OrvaHarnessTest\\a\\b]\n"
-                                                          "@ = REG_SZ \"sch\xc3\xb6n\"\n"
-                                                          "bytes = hex(3) 01 ff\n");
-}
-
-TEST(RegistryTest, ATreeIsRestoredAsItWas)
-{
-    CRegistryTreeGuard outer(HKEY_CURRENT_USER, kKey);
-    CRegistryValue value(HKEY_CURRENT_USER, kDeepKey, L"v");
-    value.SetString(L"kept");
-    const std::string before = ExportRegistryKey(HKEY_CURRENT_USER, kKey);
+    const std::string exported = "[Software\\OrvaHarnessTest]\n"
+                                 "number = REG_DWORD 0x00000003\n"
+                                 "[Software\\OrvaHarnessTest\\a]\n"
+                                 "[Software\\OrvaHarnessTest\\a\\b]\n"
+                                 "@ = REG_SZ \"sch\xc3\xb6n\"\n"
+                                 "bytes = hex(3) 01 ff\n"
+                                 "raw = REG_SZ \"a(not terminated)\"\n";
+    EXPECT_EQ(ExportRegistryKey(HKEY_CURRENT_USER, kKey), exported);
     {
         CRegistryTreeGuard guard(HKEY_CURRENT_USER, kKey);
         guard.Remove();
         EXPECT_FALSE(RegistryKeyExists(HKEY_CURRENT_USER, kKey));
     }
-    EXPECT_EQ(ExportRegistryKey(HKEY_CURRENT_USER, kKey), before);
+    EXPECT_EQ(ExportRegistryKey(HKEY_CURRENT_USER, kKey), exported);
 }
 
-TEST(RegistryTest, TheProxySettingIsRestored)
-{
-    constexpr wchar_t kSettings[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
-    const std::string before = ExportRegistryKey(HKEY_CURRENT_USER, kSettings);
-    {
-        const CProxySetting proxy(4711);
-        EXPECT_EQ(RegistryDword(HKEY_CURRENT_USER, kSettings, L"ProxyEnable"), 1u);
-        EXPECT_EQ(RegistryString(HKEY_CURRENT_USER, kSettings, L"ProxyServer"), L"127.0.0.1:4711");
-    }
-    EXPECT_EQ(ExportRegistryKey(HKEY_CURRENT_USER, kSettings), before);
-}
-
-TEST(FilesTest, ATempFolderIsRemovedWithItsContent)
+TEST(FilesTest, ATempFolderIsListedWholeAndRemovedWithItsContent)
 {
     std::wstring path;
     {
@@ -102,6 +92,7 @@ TEST(FilesTest, ATempFolderIsRemovedWithItsContent)
         const CTempFolder other;
         path = folder.Path();
         EXPECT_NE(path, other.Path());
+        EXPECT_TRUE(ListFolder(path).empty());
         CreateDirectoryW(folder.File(L"sub").c_str(), nullptr);
         WriteFileBytes(folder.File(L"sub\\f"), std::string("a\0b", 3));
         SetFileAttributesW(folder.File(L"sub\\f").c_str(), FILE_ATTRIBUTE_READONLY);
@@ -114,88 +105,45 @@ TEST(FilesTest, ATempFolderIsRemovedWithItsContent)
     EXPECT_FALSE(FolderExists(path));
 }
 
-TEST(FilesTest, APrivateTempIsTheTemporaryFolder)
+TEST(FilesTest, APrivateTempIsTheTemporaryFolderAndTheOldOneIsRestoredWhateverItsLength)
 {
-    wchar_t before[MAX_PATH], during[MAX_PATH], after[MAX_PATH];
-    GetTempPathW(MAX_PATH, before);
+    const CPrivateTemp outer;
+    const std::wstring usual = outer.Path();
+    const std::wstring longOne = usual + L"\\" + std::wstring(300, L'x');
+    for (const std::wstring& before : {usual, longOne})
     {
-        const CPrivateTemp temp;
-        GetTempPathW(MAX_PATH, during);
-        EXPECT_EQ(during, temp.Path() + L"\\");
-        EXPECT_NE(std::wstring(during), before);
+        SetEnvironmentVariableW(L"TEMP", before.c_str());
+        {
+            const CPrivateTemp temp;
+            wchar_t during[MAX_PATH];
+            GetTempPathW(MAX_PATH, during);
+            EXPECT_EQ(during, temp.Path() + L"\\");
+        }
+        std::wstring after(1'000, L'\0');
+        after.resize(GetEnvironmentVariableW(L"TEMP", after.data(), static_cast<DWORD>(after.size())));
+        EXPECT_EQ(after, before);
     }
-    GetTempPathW(MAX_PATH, after);
-    EXPECT_STREQ(after, before);
 }
 
 TEST(ProcessRunnerTest, CapturesOutputAndExitCode)
 {
     const CProcessResult result = RunProcess(L"cmd.exe", {L"/c", L"echo hello& exit 5"});
     EXPECT_EQ(result.exitCode, 5u);
-    EXPECT_THAT(result.output, HasSubstr("hello"));
+    EXPECT_EQ(result.output, "hello\r\n");
 }
 
-TEST(ProcessRunnerTest, EndsAProgramThatDoesNotEnd)
+TEST(ProcessRunnerTest, AProgramThatDoesNotEndHasNoExitCodeUntilItIsEnded)
 {
-    CChildProcess process({.program = BuiltFile(L"test_harness_tests.exe"),
-                           .arguments = {L"--gtest_filter=HelperProgram.Waits"},
-                           .environment = {{L"ORVA_HELPER", L"1"}}});
+    CChildProcess process(Helper(L"Waits"));
     EXPECT_EQ(process.WaitForExit(200), std::nullopt);
     EXPECT_TRUE(process.IsRunning());
     process.End();
     EXPECT_FALSE(process.IsRunning());
 }
 
-TEST(ProcessRunnerTest, FailsForAMissingProgram)
-{
-    EXPECT_THROW(CChildProcess({.program = L"Z:\\no\\such.exe"}), std::runtime_error);
-    EXPECT_THROW(CChildProcess({.program = L"Z:\\no\\such.exe", .debug = true}), std::runtime_error);
-}
-
-TEST(ProcessRunnerTest, CollectsDebuggerOutputOfAnotherProcess)
-{
-    CChildProcess process({.program = BuiltFile(L"test_harness_tests.exe"),
-                           .arguments = {L"--gtest_filter=HelperProgram.Speaks"},
-                           .environment = {{L"ORVA_HELPER", L"1"}},
-                           .debug = true});
-    EXPECT_EQ(process.WaitForExit(), 0u) << process.Output();
-    EXPECT_THAT(process.DebugLines(), testing::IsSupersetOf({"one", "two "}));
-}
-
-TEST(ProcessRunnerTest, QuotesArgumentsAsTheyAreSplit)
-{
-    const std::vector<std::wstring> arguments = {L"plain", L"two words", L"",      L"quo\"te",
-                                                 L"end\\", L"a b\\",     L"\\\\\""};
-    int count = 0;
-    wchar_t** const parts = CommandLineToArgvW(JoinCommandLine(L"x y.exe", arguments).c_str(), &count);
-    ASSERT_EQ(static_cast<size_t>(count), arguments.size() + 1);
-    for (size_t i = 0; i < arguments.size(); ++i)
-    {
-        EXPECT_EQ(arguments[i], parts[i + 1]);
-    }
-    LocalFree(parts);
-}
-
-TEST(WatchdogTest, EndsAHungTestAndNamesIt)
-{
-    const CProcessResult result = [] {
-        CChildProcess process({.program = BuiltFile(L"test_harness_tests.exe"),
-                               .arguments = {L"--gtest_filter=HelperProgram.Hangs"},
-                               .environment = {{L"ORVA_HELPER", L"1"}}});
-        const auto code = process.WaitForExit();
-        return CProcessResult{code.value_or(0), process.Output()};
-    }();
-    EXPECT_EQ(result.exitCode, 97u);
-    EXPECT_THAT(result.output, HasSubstr("[   HANG   ] HelperProgram.Hangs exceeded its time."));
-    EXPECT_THAT(result.output, HasSubstr("Last part: waiting for nothing"));
-}
-
 TEST(ProcessRunnerTest, ProgramsEndWithTheProcessThatStartedThem)
 {
-    std::optional<CChildProcess> starter(
-        std::in_place, CProcessOptions{.program = BuiltFile(L"test_harness_tests.exe"),
-                                       .arguments = {L"--gtest_filter=HelperProgram.StartsAnother"},
-                                       .environment = {{L"ORVA_HELPER", L"1"}}});
+    std::optional<CChildProcess> starter(std::in_place, Helper(L"StartsAnother"));
     const std::string mark = "started ";
     ASSERT_TRUE(WaitUntil(
         [&] { return starter->Output().find('\n', starter->Output().find(mark)) != std::string::npos; }));
@@ -208,29 +156,15 @@ TEST(ProcessRunnerTest, ProgramsEndWithTheProcessThatStartedThem)
     EXPECT_EQ(WaitForSingleObject(other.get(), kPatience), WAIT_OBJECT_0);
 }
 
-TEST(WatchdogTest, ACrashEndsTheProgramWithItsAddress)
+TEST(WatchdogTest, EndsAHungTestAndNamesIt)
 {
-    CChildProcess process(
-        {.program = BuiltFile(L"test_harness_tests.exe"),
-         .arguments = {L"--gtest_filter=HelperProgram.Crashes", L"--gtest_catch_exceptions=0"},
-         .environment = {{L"ORVA_HELPER", L"1"}}});
-    EXPECT_EQ(process.WaitForExit(), 98u);
-    EXPECT_THAT(process.Output(),
-                HasSubstr("HelperProgram.Crashes: exception 0xc0000005 at test_harness_tests.exe+0x"));
+    CChildProcess process(Helper(L"Hangs"));
+    EXPECT_EQ(process.WaitForExit(), static_cast<DWORD>(kHangExitCode));
+    EXPECT_THAT(process.Output(), HasSubstr("[   HANG   ] HelperProgram.Hangs exceeded its time."));
+    EXPECT_THAT(process.Output(), HasSubstr("Last part: waiting for nothing"));
 }
 
-TEST(DebugOutputTest, CollectsOwnOutput)
-{
-    CDebugOutput output;
-    OutputDebugStringA("plain text ");
-    OutputDebugStringA("");
-    OutputDebugStringA("second");
-    EXPECT_THAT(output.Lines(), ElementsAre("plain text ", "", "second"));
-    output.Clear();
-    EXPECT_TRUE(output.Lines().empty());
-}
-
-TEST(LogFileTest, ParsesLines)
+TEST(LogFileTest, ALineThatIsNoEntryIsReadAsAWhole)
 {
     const CDebugLogOn log;
     EXPECT_EQ(RegistryDword(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue), 1u);
@@ -243,17 +177,7 @@ TEST(LogFileTest, ParsesLines)
                                             "[2011-01-20 14:03:08] cut"));
     EXPECT_EQ(ReadLogEntries()[1].time, "2011-01-20 14:03:08");
     EXPECT_EQ(ReadLogEntries()[2].time, "");
-    EXPECT_TRUE(WaitForLogText("F() message ", 0));
     EXPECT_FALSE(WaitForLogText("F() message", 0));
-}
-
-TEST(TextTest, ConvertsAndSplits)
-{
-    EXPECT_EQ(Utf8(L"\u00e4\u20ac"), "\xc3\xa4\xe2\x82\xac");
-    EXPECT_EQ(Widen("\xc3\xa4\xe2\x82\xac"), L"\u00e4\u20ac");
-    EXPECT_THAT(SplitLines("a\r\n\nb"), ElementsAre("a", "", "b"));
-    EXPECT_THAT(SplitLines("a\n"), ElementsAre("a"));
-    EXPECT_TRUE(SplitLines("").empty());
 }
 
 } // namespace orva::test

@@ -1,12 +1,10 @@
-// The program that the harness's own tests start: it waits, writes debugger output, hangs or crashes on
-// request.
+// The program that the harness's own tests start: it waits, hangs or starts another on request.
 #include "harness/Files.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Watchdog.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <cstdio>
 
 namespace orva::test
@@ -30,15 +28,6 @@ TEST(HelperProgram, Waits)
     }
 }
 
-TEST(HelperProgram, Speaks)
-{
-    if (IsAsked())
-    {
-        OutputDebugStringA("one");
-        OutputDebugStringA("two ");
-    }
-}
-
 TEST(HelperProgram, Hangs)
 {
     if (IsAsked())
@@ -58,17 +47,6 @@ TEST(HelperProgram, StartsAnother)
         std::printf("started %lu\n", static_cast<unsigned long>(other.Id()));
         std::fflush(stdout);
         Sleep(INFINITE);
-    }
-}
-
-TEST(HelperProgram, Crashes)
-{
-    if (IsAsked())
-    {
-        // An address that is never mapped. Not null, which the checked build's checks would catch first.
-        constexpr uintptr_t kNothing = 16;
-        volatile int* volatile nowhere = reinterpret_cast<volatile int*>(kNothing);
-        *nowhere = 1;
     }
 }
 

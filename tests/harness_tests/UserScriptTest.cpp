@@ -1,11 +1,10 @@
-// The user on a second thread and the window driver, with real message boxes.
+// The user on a second thread and the window driver, with real message boxes: what they must not overlook.
 #include "harness/UserScript.h"
-
-#include "harness/Watchdog.h"
 
 #include <gmock/gmock.h>
 
-#include <thread>
+#include <functional>
+#include <stdexcept>
 
 namespace orva::test
 {
@@ -13,180 +12,118 @@ namespace orva::test
 namespace
 {
 
-using testing::ElementsAre;
 using testing::HasSubstr;
 
-// A window that can own message boxes.
-class COwner
+// A script that is not carried out, the boxes that come up, and the failures that must be reported.
+struct CBadScript
 {
-public:
-    COwner()
-        : m_window(CreateWindowExW(0, L"STATIC", L"the owner", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 200,
-                                   100, nullptr, nullptr, nullptr, nullptr))
-    {
-    }
-    ~COwner() { DestroyWindow(m_window); }
-    COwner(const COwner&) = delete;
-    COwner& operator=(const COwner&) = delete;
-    HWND Get() const { return m_window; }
-
-private:
-    HWND m_window;
+    const char* name;
+    std::function<void(CUserScript&)> write;
+    std::vector<const wchar_t*> boxes;
+    std::vector<const char*> failures;
 };
 
-} // namespace
-
-TEST(UserScriptTest, AnswersBoxesInOrderAndReportsThem)
+void PrintTo(const CBadScript& script, std::ostream* out)
 {
-    const COwner owner;
-    CUserScript user;
-    user.AnswerBox(L"first").AnswerBox(L"second?", IDNO);
-    user.Start();
-    EXPECT_EQ(MessageBoxW(owner.Get(), L"first", L"caption one", MB_OK), IDOK);
-    EXPECT_EQ(MessageBoxW(nullptr, L"second?", L"caption two", MB_YESNO), IDNO);
-    const std::vector<CSeenWindow> seen = user.Finish();
-
-    ASSERT_EQ(seen.size(), 2u);
-    EXPECT_EQ(seen[0].caption, L"caption one");
-    EXPECT_EQ(seen[0].text, L"first");
-    EXPECT_EQ(seen[0].buttons.size(), 1u);
-    EXPECT_EQ(seen[0].owner, owner.Get());
-    EXPECT_EQ(seen[0].ownerCaption, L"the owner");
-    EXPECT_FALSE(seen[0].ownerEnabled);
-    EXPECT_EQ(seen[1].text, L"second?");
-    EXPECT_EQ(seen[1].buttons.size(), 2u);
-    EXPECT_EQ(seen[1].owner, nullptr);
+    *out << script.name;
 }
 
-TEST(UserScriptTest, TwoEqualBoxesAreTwoSteps)
+class UserScriptTest : public testing::TestWithParam<CBadScript>
 {
-    CUserScript user;
-    user.AnswerBox(L"same").AnswerBox(L"same");
-    user.Start();
-    MessageBoxW(nullptr, L"same", L"c", MB_OK);
-    MessageBoxW(nullptr, L"same", L"c", MB_OK);
-    EXPECT_EQ(user.Finish().size(), 2u);
-}
+};
 
-TEST(UserScriptTest, AWrongWindowIsAFailureAndDoesNotHang)
+TEST_P(UserScriptTest, FailsAndClosesEveryBox)
 {
     CUserScript user;
-    user.AnswerBox(L"expected");
+    GetParam().write(user);
     user.Start();
-    MessageBoxW(nullptr, L"actual", L"c", MB_OK);
-    MessageBoxW(nullptr, L"more", L"c", MB_OK);
+    for (const wchar_t* const box : GetParam().boxes)
+    {
+        MessageBoxW(nullptr, box, L"c", MB_OK);
+    }
     const std::vector<std::string> failures = user.FinishQuietly();
-    EXPECT_THAT(failures, ElementsAre(HasSubstr("came up instead: \"c\": \"actual\""),
-                                      HasSubstr("Unexpected window \"c\": \"more\"")));
+    ASSERT_EQ(failures.size(), GetParam().failures.size()) << testing::PrintToString(failures);
+    for (size_t i = 0; i < failures.size(); ++i)
+    {
+        EXPECT_THAT(failures[i], HasSubstr(GetParam().failures[i]));
+    }
 }
 
-TEST(UserScriptTest, AWindowThatNeverComesIsAFailure)
+const CBadScript kBadScripts[] = {
+    {"AnotherBox",
+     [](CUserScript& user) { user.AnswerBox(L"expected"); },
+     {L"actual", L"more"},
+     {"Step 1 (message box \"expected\"): came up instead: \"c\": \"actual\"",
+      "Unexpected window \"c\": \"more\""}},
+    {"ABoxAfterTheLastStep", [](CUserScript&) {}, {L"unasked"}, {"Unexpected window \"c\": \"unasked\""}},
+    {"NoBox",
+     [](CUserScript& user) { user.AnswerBox(L"expected"); },
+     {},
+     {"Step 1 (message box \"expected\"): had not come up when the script was ended"}},
+    {"OneBoxForTwoSteps",
+     [](CUserScript& user) { user.AnswerBox(L"same").AnswerBox(L"same"); },
+     {L"same"},
+     {"Step 2 (message box \"same\"): had not come up when the script was ended"}},
+    {"ABoxWithoutTheButton",
+     [](CUserScript& user) { user.AnswerBox(L"?", IDRETRY); },
+     {L"?"},
+     {"Step 1 (message box \"?\"): has no button 4 to press"}},
+    {"ADialogWithoutTheControl",
+     [](CUserScript& user) { user.OnDialogWith(4711, [](HWND) {}); },
+     {L"?"},
+     {"Step 1 (dialog with control 4711): came up instead: "}},
+    {"AnotherCaption",
+     [](CUserScript& user) { user.OnDialog(L"expected", [](HWND) {}); },
+     {L"?"},
+     {"Step 1 (dialog \"expected\"): came up instead: "}},
+    {"AFalseCondition",
+     [](CUserScript& user) { user.Then("the moon is blue", [] { return false; }); },
+     {},
+     {"Step 1 (the moon is blue): did not happen"}},
+    {"AnException",
+     [](CUserScript& user) { user.Then("throws", []() -> bool { throw std::runtime_error("so"); }); },
+     {},
+     {"Step 1 (throws): exception: so"}},
+};
+
+INSTANTIATE_TEST_SUITE_P(Scripts, UserScriptTest, testing::ValuesIn(kBadScripts),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(WindowDriverTest, AQueryFindsOnlyWhatMatchesAllOfIt)
 {
-    CUserScript user;
-    user.Patience(50).AnswerBox(L"expected");
-    user.Start();
-    EXPECT_THAT(user.FinishQuietly(true),
-                ElementsAre(HasSubstr("Step 1 (message box \"expected\"): did not come up")));
+    const HWND window = CreateWindowExW(0, L"STATIC", L"the window", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
+                                        200, 100, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(FindTopLevelWindow({.caption = L"the window", .className = L"Static"}), window);
+    EXPECT_EQ(FindTopLevelWindow({.process = 4, .caption = L"the window"}), nullptr);
+    EXPECT_EQ(FindTopLevelWindow({.caption = L"another"}), nullptr);
+    EXPECT_EQ(FindTopLevelWindow({.caption = L"the window", .className = kDialogClass}), nullptr);
+    EXPECT_EQ(FindTopLevelWindow({.caption = L"the window", .childId = 3}), nullptr);
+    EXPECT_FALSE(WaitUntilGone(window, 0));
+    EnableWindow(window, FALSE);
+    EXPECT_TRUE(WaitUntilEnabled(window, false, 0));
+    EXPECT_FALSE(WaitUntilEnabled(window, true, 20));
+    ShowWindow(window, SW_HIDE);
+    EXPECT_TRUE(WaitUntilGone(window, 0));
+    EXPECT_EQ(FindTopLevelWindow({.caption = L"the window"}), nullptr);
+    DestroyWindow(window);
 }
 
-TEST(UserScriptTest, EndingBeforeAStepIsAFailure)
+TEST(WindowDriverTest, OnlyAButtonThatCanBePressedIsClicked)
 {
-    CUserScript user;
-    user.AnswerBox(L"expected");
-    user.Start();
-    EXPECT_THAT(user.FinishQuietly(), ElementsAre(HasSubstr("had not come up when the script was ended")));
+    const HWND window = CreateWindowExW(0, L"STATIC", L"the window", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10,
+                                        200, 100, nullptr, nullptr, nullptr, nullptr);
+    const HWND button = CreateWindowExW(0, L"BUTTON", L"b", WS_CHILD | WS_VISIBLE, 0, 0, 20, 20, window,
+                                        reinterpret_cast<HMENU>(IDOK), nullptr, nullptr);
+    EXPECT_TRUE(ClickButton(window, IDOK));
+    EXPECT_FALSE(ClickButton(window, IDCANCEL));
+    EnableWindow(button, FALSE);
+    EXPECT_FALSE(ClickButton(window, IDOK));
+    EnableWindow(button, TRUE);
+    ShowWindow(button, SW_HIDE);
+    EXPECT_FALSE(ClickButton(window, IDOK));
+    DestroyWindow(window);
 }
 
-TEST(UserScriptTest, AWindowAfterTheLastStepIsAFailure)
-{
-    CUserScript user;
-    user.Start();
-    MessageBoxW(nullptr, L"unasked", L"c", MB_YESNOCANCEL);
-    EXPECT_THAT(user.FinishQuietly(), ElementsAre(HasSubstr("Unexpected window \"c\": \"unasked\"")));
-}
-
-TEST(UserScriptTest, ADialogIsOperatedWhileItStaysOpen)
-{
-    const COwner owner;
-    bool between = false;
-    CUserScript user;
-    HWND first = nullptr;
-    user.OnDialog(L"outer", [&](HWND window) { first = window; })
-        .Then("a word between", [&] { return between = true; })
-        .OnDialogWith(IDCANCEL, [&](HWND window) {
-            EXPECT_TRUE(ClickButton(window, IDCANCEL));
-            EXPECT_TRUE(ClickButton(first, IDOK));
-        });
-    user.Start();
-    // The second box comes up on a thread of its own while the first is open.
-    const UniqueHandle thread(CreateThread(
-        nullptr, 0,
-        [](void*) -> DWORD {
-            WaitForWindow({.caption = L"outer"});
-            return static_cast<DWORD>(MessageBoxW(nullptr, L"?", L"inner", MB_OKCANCEL));
-        },
-        nullptr, 0, nullptr));
-    EXPECT_EQ(MessageBoxW(owner.Get(), L"!", L"outer", MB_OK), IDOK);
-    EXPECT_EQ(WaitForSingleObject(thread.get(), kPatience), WAIT_OBJECT_0);
-    EXPECT_EQ(user.Finish().size(), 2u);
-    EXPECT_TRUE(between);
-}
-
-TEST(WindowDriverTest, TypedKeysReachTheFocusedButton)
-{
-    CUserScript user;
-    user.OnDialog(L"keys", [](HWND window) {
-        EXPECT_TRUE(TypeKey(window, VK_TAB));
-        EXPECT_TRUE(WaitUntil([&] { return FocusOf(window) == ChildById(window, IDNO); }));
-        EXPECT_TRUE(TypeKey(window, VK_RETURN));
-    });
-    user.Start();
-    EXPECT_EQ(MessageBoxW(nullptr, L"?", L"keys", MB_YESNO), IDNO);
-    user.Finish();
-}
-
-TEST(WindowDriverTest, PostedKeysReachTheFocusedButton)
-{
-    CUserScript user;
-    user.OnDialog(L"keys", [](HWND window) {
-        EXPECT_TRUE(WaitUntil([&] { return FocusOf(window) != nullptr; }));
-        EXPECT_TRUE(PostKey(window, VK_ESCAPE));
-    });
-    user.Start();
-    EXPECT_EQ(MessageBoxW(nullptr, L"?", L"keys", MB_OKCANCEL), IDCANCEL);
-    user.Finish();
-}
-
-TEST(WindowDriverTest, FindsAndReadsWindows)
-{
-    const COwner owner;
-    EXPECT_EQ(FindTopLevelWindow({.caption = L"the owner"}), owner.Get());
-    EXPECT_EQ(FindTopLevelWindow({.caption = L"the owner", .className = L"Static"}), owner.Get());
-    EXPECT_EQ(FindTopLevelWindow({.process = 4, .caption = L"the owner"}), nullptr);
-    EXPECT_EQ(FindTopLevelWindow({.caption = L"the owner", .childId = 3}), nullptr);
-    EXPECT_EQ(WindowText(owner.Get()), L"the owner");
-    EnableWindow(owner.Get(), FALSE);
-    EXPECT_THAT(DescribeWindows(), HasSubstr("\"the owner\" (Static, disabled)"));
-    EXPECT_TRUE(WaitUntilEnabled(owner.Get(), false, 0));
-    EXPECT_FALSE(WaitUntilEnabled(owner.Get(), true, 20));
-    ShowWindow(owner.Get(), SW_HIDE);
-    EXPECT_TRUE(WaitUntilGone(owner.Get(), 0));
-}
-
-TEST(WindowDriverTest, SaysWhichWindowDoesNotAnswer)
-{
-    const UniqueHandle shown(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    const UniqueHandle looked(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    std::thread busy([&] {
-        const COwner owner;
-        SetEvent(shown.get());
-        // Handles no messages meanwhile.
-        WaitForSingleObject(looked.get(), INFINITE);
-    });
-    EXPECT_EQ(WaitForSingleObject(shown.get(), kTestDeadline), WAIT_OBJECT_0);
-    EXPECT_THAT(DescribeWindows(), HasSubstr("\"the owner\" (Static, does not answer)"));
-    SetEvent(looked.get());
-    busy.join();
-}
+} // namespace
 
 } // namespace orva::test

@@ -40,6 +40,7 @@ HostFixture::HostFixture()
 HostFixture::~HostFixture()
 {
     m_host.reset();
+    // In reverse order, because they share keys.
     while (!m_values.empty())
     {
         m_values.pop_back();
@@ -58,12 +59,10 @@ void HostFixture::StartHost(const std::vector<std::wstring>& options, const std:
 {
     m_host.reset();
     m_tracePath = m_folder.File(L"trace" + std::to_wstring(++m_runs) + L".log");
-    CProcessOptions process;
-    process.program = BuiltFile(L"OutlookHost.exe");
-    process.arguments = options;
-    process.arguments.push_back(L"--trace");
-    process.arguments.push_back(m_tracePath);
-    process.environment[L"ORVA_FAKE_ADDIN_FAULT"] = fault;
+    CProcessOptions process = {.program = BuiltFile(L"OutlookHost.exe"),
+                               .arguments = options,
+                               .environment = {{L"ORVA_FAKE_ADDIN_FAULT", fault}}};
+    process.arguments.insert(process.arguments.end(), {L"--trace", m_tracePath});
     if (!markup.empty())
     {
         const std::wstring path = m_folder.File(L"markup.xml");
@@ -75,10 +74,7 @@ void HostFixture::StartHost(const std::vector<std::wstring>& options, const std:
 
 HWND HostFixture::MainWindow()
 {
-    CWindowQuery query;
-    query.process = m_host->Id();
-    query.className = orva::host::kMainWindowClass;
-    return WaitForWindow(query);
+    return WaitForWindow({.process = m_host->Id(), .className = orva::host::kMainWindowClass});
 }
 
 int HostFixture::CloseHost()

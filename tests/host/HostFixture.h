@@ -10,7 +10,6 @@
 
 #include <windows.h>
 
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,7 +36,11 @@ protected:
     int CloseHost();
     /// Like CloseHost, but without WM_CLOSE.
     int WaitForHost();
-    DWORD HostProcess() const { return m_host->Id(); }
+    /// Waits for the message box that the fake add-in shows for the fault "box"; null when there is none in
+    /// time.
+    HWND WaitForBox() const { return WaitForWindow({.process = m_host->Id(), .caption = L"Fake add-in"}); }
+    /// Presses the box's only button.
+    static bool CloseBox(HWND box) { return ClickButton(box, IDOK) || ClickButton(box, IDCANCEL); }
     /// What the host has written to standard output and error.
     std::string Output() const { return m_host->Output(); }
 
@@ -53,7 +56,6 @@ protected:
 
     /// LoadBehavior of the fake add-in under HKEY_CURRENT_USER.
     void SetLoadBehavior(DWORD value);
-    const CTempFolder& Folder() const { return m_folder; }
 
 private:
     CTempFolder m_folder;

@@ -8,88 +8,97 @@ namespace
 
 using namespace orva::host;
 
-struct Parsed
+using Arguments = std::vector<std::wstring>;
+
+HostOptions Parse(const Arguments& arguments)
 {
-    bool ok;
     HostOptions options;
     std::wstring error;
-};
-
-Parsed Parse(const std::vector<std::wstring>& arguments)
-{
-    Parsed parsed{};
-    parsed.ok = ParseOptions(arguments, parsed.options, parsed.error);
-    return parsed;
+    EXPECT_TRUE(ParseOptions(arguments, options, error));
+    EXPECT_EQ(error, L"");
+    return options;
 }
 
 TEST(HostOptions, WithoutArgumentsIsVersion14AtStartup)
 {
-    const Parsed parsed = Parse({});
-    EXPECT_TRUE(parsed.ok);
-    EXPECT_EQ(parsed.options.version, L"14.0.4760.1000");
-    EXPECT_EQ(parsed.options.mode, ConnectMode::Startup);
-    EXPECT_FALSE(parsed.options.fastShutdown);
-    EXPECT_EQ(parsed.options.traceFile, L"");
+    const HostOptions options = Parse({});
+    EXPECT_EQ(options.version, L"14.0.4760.1000");
+    EXPECT_EQ(options.mode, ConnectMode::Startup);
+    EXPECT_EQ(options.traceFile, L"");
 }
 
-TEST(HostOptions, ShortVersionsBecomeFullOnes)
+TEST(HostOptions, ShortVersionsBecomeFullOnesAndAnyOtherTextIsTakenAsItIs)
 {
-    EXPECT_EQ(Parse({L"--office", L"12"}).options.version, L"12.0.6423.1000");
-    EXPECT_EQ(Parse({L"--office", L"14"}).options.version, L"14.0.4760.1000");
-    EXPECT_EQ(Parse({L"--office", L"15"}).options.version, L"15.0.4420.1017");
-}
-
-TEST(HostOptions, AnyOtherVersionTextIsTakenAsItIs)
-{
-    EXPECT_EQ(Parse({L"--office", L"beta 3"}).options.version, L"beta 3");
+    const std::pair<const wchar_t*, const wchar_t*> versions[] = {{L"12", L"12.0.6423.1000"},
+                                                                  {L"14", L"14.0.4760.1000"},
+                                                                  {L"15", L"15.0.4420.1017"},
+                                                                  {L"beta 3", L"beta 3"}};
+    for (const auto& [given, version] : versions)
+    {
+        EXPECT_EQ(Parse({L"--office", given}).version, version);
+    }
 }
 
 TEST(HostOptions, ReadsEveryMode)
 {
-    EXPECT_EQ(Parse({L"--mode", L"after-startup"}).options.mode, ConnectMode::AfterStartup);
-    EXPECT_EQ(Parse({L"--mode", L"startup"}).options.mode, ConnectMode::Startup);
-    EXPECT_EQ(Parse({L"--mode", L"external"}).options.mode, ConnectMode::External);
-    EXPECT_EQ(Parse({L"--mode", L"command-line"}).options.mode, ConnectMode::CommandLine);
+    const std::pair<const wchar_t*, ConnectMode> modes[] = {{L"after-startup", ConnectMode::AfterStartup},
+                                                            {L"startup", ConnectMode::Startup},
+                                                            {L"external", ConnectMode::External},
+                                                            {L"command-line", ConnectMode::CommandLine}};
+    for (const auto& [name, mode] : modes)
+    {
+        EXPECT_EQ(Parse({L"--mode", name}).mode, mode);
+    }
 }
 
 TEST(HostOptions, ReadsEverySwitchByItself)
 {
-    EXPECT_TRUE(Parse({L"--no-explorer"}).options.noExplorer);
-    EXPECT_TRUE(Parse({L"--fast-shutdown"}).options.fastShutdown);
-    EXPECT_TRUE(Parse({L"--backstage"}).options.backstage);
-    EXPECT_TRUE(Parse({L"--empty-menu-bar"}).options.emptyMenuBar);
-    EXPECT_TRUE(Parse({L"--last-control-not-popup"}).options.lastControlNotPopup);
-    EXPECT_TRUE(Parse({L"--quit-after-startup"}).options.quitAfterStartup);
-    EXPECT_FALSE(Parse({L"--no-explorer"}).options.fastShutdown);
+    constexpr std::pair<const wchar_t*, bool HostOptions::*> kSwitches[] = {
+        {L"--no-explorer", &HostOptions::noExplorer},
+        {L"--fast-shutdown", &HostOptions::fastShutdown},
+        {L"--backstage", &HostOptions::backstage},
+        {L"--empty-menu-bar", &HostOptions::emptyMenuBar},
+        {L"--last-control-not-popup", &HostOptions::lastControlNotPopup},
+        {L"--quit-after-startup", &HostOptions::quitAfterStartup}};
+    for (const auto& [given, expected] : kSwitches)
+    {
+        const HostOptions options = Parse({given});
+        for (const auto& [name, member] : kSwitches)
+        {
+            EXPECT_EQ(options.*member, member == expected);
+        }
+    }
 }
 
-TEST(HostOptions, UnknownOptionIsRefusedByName)
+TEST(HostOptions, RefusesWhatItDoesNotKnowAndSaysWhy)
 {
-    const Parsed parsed = Parse({L"--backstage", L"--colour"});
-    EXPECT_FALSE(parsed.ok);
-    EXPECT_EQ(parsed.error, L"unknown option: --colour");
+    const std::pair<Arguments, const wchar_t*> refused[] = {
+        {{L"--backstage", L"--colour"}, L"unknown option: --colour"},
+        {{L"--trace"}, L"--trace needs a value"},
+        {{L"--mode", L"later"},
+         L"--mode is one of startup, after-startup, external, command-line, not later"}};
+    for (const auto& [arguments, why] : refused)
+    {
+        HostOptions options;
+        std::wstring error;
+        EXPECT_FALSE(ParseOptions(arguments, options, error));
+        EXPECT_EQ(error, why);
+    }
 }
 
-TEST(HostOptions, OptionWithoutItsValueIsRefused)
+TEST(HostOptions, MajorVersionIsTheLeadingIntegerAndNothingElse)
 {
-    const Parsed parsed = Parse({L"--trace"});
-    EXPECT_FALSE(parsed.ok);
-    EXPECT_EQ(parsed.error, L"--trace needs a value");
-}
-
-TEST(HostOptions, UnknownModeIsRefused)
-{
-    const Parsed parsed = Parse({L"--mode", L"later"});
-    EXPECT_FALSE(parsed.ok);
-    EXPECT_EQ(parsed.error, L"--mode is one of startup, after-startup, external, command-line, not later");
-}
-
-TEST(HostOptions, MajorVersionIsTheLeadingInteger)
-{
-    EXPECT_EQ(MajorVersion(L"12.0.6423.1000"), 12);
-    EXPECT_EQ(MajorVersion(L"15"), 15);
-    EXPECT_EQ(MajorVersion(L"beta 3"), 0);
-    EXPECT_EQ(MajorVersion(L""), 0);
+    const std::pair<const wchar_t*, int> versions[] = {{L"12.0.6423.1000", 12},
+                                                       {L"15", 15},
+                                                       {L"beta 3", 0},
+                                                       {L"", 0},
+                                                       {L" 14", 0},
+                                                       {L"+14", 0},
+                                                       {L"-14", 0}};
+    for (const auto& [text, major] : versions)
+    {
+        EXPECT_EQ(MajorVersion(text), major) << testing::PrintToString(text);
+    }
 }
 
 } // namespace

@@ -52,83 +52,38 @@ TEST_F(HostRunTest, CallsTheAddInInOutlooksOrder)
     }
 }
 
-TEST_F(HostRunTest, VersionIsAskedOfTheApplicationByName)
+TEST_F(HostRunTest, OnlyAStartUpIsFollowedByOnStartupComplete)
 {
-    StartHost({L"--office", L"15", L"--quit-after-startup"});
-    ASSERT_EQ(WaitForHost(), 0);
-    EXPECT_TRUE(HasTrace("add-in -> Outlook: Application.Version = 0x00000000; \"15.0.4420.1017\""))
-        << TraceText();
-}
-
-TEST_F(HostRunTest, LaterConnectionGetsNoOnStartupComplete)
-{
-    const std::pair<const wchar_t*, const char*> modes[] = {{L"after-startup", "0"}, {L"external", "2"}};
-    for (const auto& [mode, number] : modes)
+    struct CMode
     {
-        StartHost({L"--mode", mode, L"--quit-after-startup"});
+        const wchar_t* name;
+        const char* number;
+        bool isStartUp;
+    };
+    for (const auto& [name, number, isStartUp] :
+         {CMode{L"after-startup", "0", false}, CMode{L"external", "2", false},
+          CMode{L"command-line", "3", true}})
+    {
+        StartHost({L"--mode", name, L"--quit-after-startup"});
         ASSERT_EQ(WaitForHost(), 0);
         EXPECT_TRUE(HasTrace(kTo + "OnConnection(ConnectMode " + number + ") = 0x00000000")) << TraceText();
-        EXPECT_THAT(Trace(), Not(Contains(HasSubstr("OnStartupComplete"))));
-        EXPECT_TRUE(HasTrace(kTo + "OnDisconnection(ext_dm_HostShutdown) = 0x00000000"));
+        EXPECT_EQ(HasTrace(kTo + "OnStartupComplete = 0x00000000"), isStartUp) << number;
     }
 }
 
-TEST_F(HostRunTest, CommandLineModeIsAStartUp)
+TEST_F(HostRunTest, AFailedConnectionIsTracedAndOutlookGoesOnWithoutTheAddIn)
 {
-    StartHost({L"--mode", L"command-line", L"--quit-after-startup"});
-    ASSERT_EQ(WaitForHost(), 0);
-    EXPECT_TRUE(HasTrace(kTo + "OnConnection(ConnectMode 3) = 0x00000000")) << TraceText();
-    EXPECT_TRUE(HasTrace(kTo + "OnStartupComplete = 0x00000000"));
-}
-
-TEST_F(HostRunTest, OnlyLoadBehaviorThreeIsLoaded)
-{
-    SetLoadBehavior(2);
-    StartHost({L"--quit-after-startup"});
-    ASSERT_EQ(WaitForHost(), 0);
-    EXPECT_TRUE(HasTrace("Outlook: add-in OrvaHostTest.FakeAddIn has LoadBehavior 2, not loaded"))
-        << TraceText();
-    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("CoCreateInstance"))));
-}
-
-TEST_F(HostRunTest, WithoutAnExplorerTheAddInGetsNone)
-{
-    StartHost({L"--no-explorer", L"--office", L"12", L"--quit-after-startup"});
-    ASSERT_EQ(WaitForHost(), 0);
-    EXPECT_TRUE(HasTrace("add-in -> Outlook: Application.ActiveExplorer = 0x00000000; nothing"))
-        << TraceText();
-    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("Explorer.CommandBars"))));
-}
-
-TEST_F(HostRunTest, FastShutdownDoesNotNotifyTheAddIn)
-{
-    StartHost({L"--fast-shutdown", L"--office", L"12"});
-    ASSERT_TRUE(WaitForTrace("Outlook: start-up complete"));
-    EXPECT_EQ(CloseHost(), 0);
-    EXPECT_TRUE(HasTrace("Outlook: fast shutdown")) << TraceText();
-    EXPECT_TRUE(HasTrace("Outlook: ended")) << TraceText();
-    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("OnBeginShutdown"))));
-    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("OnDisconnection"))));
-    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("DllCanUnloadNow"))));
-}
-
-TEST_F(HostRunTest, FailingConnectionIsReleasedAndOutlookGoesOn)
-{
-    StartHost({L"--quit-after-startup"}, L"fail");
-    ASSERT_EQ(WaitForHost(), 0);
-    EXPECT_TRUE(HasTrace(kTo + "OnConnection(ConnectMode 1) = 0x80004005")) << TraceText();
-    EXPECT_TRUE(HasTrace("Outlook: OrvaHostTest.FakeAddIn unloaded")) << TraceText();
-    EXPECT_TRUE(HasTrace("Outlook: start-up complete"));
-    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("OnStartupComplete"))));
-}
-
-TEST_F(HostRunTest, ExceptionOutOfTheAddInIsTracedAndOutlookGoesOn)
-{
-    StartHost({L"--quit-after-startup"}, L"throw");
-    ASSERT_EQ(WaitForHost(), 0);
-    EXPECT_TRUE(HasTrace(kTo + "OnConnection(ConnectMode 1) = 0x8000FFFF; a C++ exception left the call"))
-        << TraceText();
-    EXPECT_TRUE(HasTrace("Outlook: start-up complete"));
+    const std::pair<const wchar_t*, const char*> faults[] = {
+        {L"fail", "0x80004005"}, {L"throw", "0x8000FFFF; a C++ exception left the call"}};
+    for (const auto& [fault, result] : faults)
+    {
+        StartHost({L"--quit-after-startup"}, fault);
+        ASSERT_EQ(WaitForHost(), 0);
+        EXPECT_TRUE(HasTrace(kTo + "OnConnection(ConnectMode 1) = " + result)) << TraceText();
+        EXPECT_TRUE(HasTrace("Outlook: OrvaHostTest.FakeAddIn unloaded")) << TraceText();
+        EXPECT_TRUE(HasTrace("Outlook: start-up complete"));
+        EXPECT_THAT(Trace(), Not(Contains(HasSubstr("OnStartupComplete"))));
+    }
 }
 
 TEST_F(HostRunTest, CrashInTheAddInIsTheTracesLastLine)
@@ -138,14 +93,6 @@ TEST_F(HostRunTest, CrashInTheAddInIsTheTracesLastLine)
     const std::vector<std::string> lines = Trace();
     ASSERT_FALSE(lines.empty());
     EXPECT_EQ(lines.back(), "Outlook: crashed with exception 0xC0000005");
-}
-
-TEST_F(HostRunTest, MainWindowIsVisibleBeforeTheAddInConnects)
-{
-    StartHost({L"--quit-after-startup"});
-    ASSERT_EQ(WaitForHost(), 0);
-    EXPECT_LT(TraceIndex("Outlook: main window shown"),
-              TraceIndex("Outlook -> OrvaHostTest.FakeAddIn: CoCreateInstance = 0x00000000"));
 }
 
 TEST_F(HostRunTest, BadOptionEndsWithStatusTwoAndSaysWhy)

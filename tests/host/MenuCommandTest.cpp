@@ -1,17 +1,17 @@
 // A command that an add-in adds to the menu: shown, chosen, and gone at the next start.
-#include "harness/Text.h"
+#include "host/CommandBars.h"
 #include "host/HostFixture.h"
+#include "host/StoredControls.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <wrl/client.h>
 
 namespace
 {
 
+using namespace orva::host;
 using namespace orva::test;
-using testing::Contains;
-using testing::HasSubstr;
-using testing::Not;
 
 const char kHelpAlone[] = "Outlook: menu &Help: Stand-in Outlook &Help | &About Stand-in Outlook";
 const char kHelpWithCommand[] =
@@ -21,18 +21,16 @@ const char kClicked[] = "Outlook -> add-in: CommandBarButton.Click = 0x00000000"
 class MenuCommandTest : public HostFixture
 {
 protected:
-    void Start(const std::vector<std::wstring>& more = {}, const std::wstring& fault = {})
+    void Start(const std::wstring& fault = {})
     {
-        std::vector<std::wstring> options = {L"--office", L"12"};
-        options.insert(options.end(), more.begin(), more.end());
-        StartHost(options, fault);
+        StartHost({L"--office", L"12"}, fault);
         ASSERT_TRUE(WaitForTrace("Outlook: start-up complete")) << TraceText();
     }
 
     // Starts and closes Outlook. Returns the trace's lines about its menus.
     std::vector<std::string> MenuOfOneRun(const std::wstring& fault = {})
     {
-        Start({}, fault);
+        Start(fault);
         EXPECT_EQ(CloseHost(), 0);
         std::vector<std::string> lines = Trace();
         std::erase_if(lines, [](const std::string& line) { return !line.starts_with("Outlook: menu &"); });
@@ -57,43 +55,20 @@ protected:
     }
 };
 
-TEST_F(MenuCommandTest, StandsAtTheEndOfTheHelpMenu)
+TEST_F(MenuCommandTest, TheAddInsCallsAndItsClickAreTraced)
 {
     Start();
-    EXPECT_TRUE(WaitForTrace(kHelpWithCommand)) << TraceText();
-    EXPECT_EQ(CloseHost(), 0);
-}
-
-TEST_F(MenuCommandTest, CallsOfTheAddInAreTraced)
-{
-    Start();
-    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarControls.Add(1, missing, missing, missing, -1 (I2)) = "
-                         "0x00000000; object"))
-        << TraceText();
-    EXPECT_TRUE(HasTrace(
-        "add-in -> Outlook: CommandBarButton.Caption := \"Fake command\" [locale 1024] = 0x00000000"))
-        << TraceText();
-    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarButton.Advise(_CommandBarButtonEvents) = 0x00000000"));
-    ASSERT_EQ(CloseHost(), 0);
-    EXPECT_TRUE(
-        HasTrace("add-in -> Outlook: CommandBarButton.Unadvise(_CommandBarButtonEvents) = 0x00000000"));
-    EXPECT_TRUE(HasTrace("Outlook: OrvaHostTest.FakeAddIn unloaded")) << TraceText();
-}
-
-TEST_F(MenuCommandTest, ChoosingItRaisesClickWithItsTwoArguments)
-{
-    Start();
-    ChooseLastItem(L'h');
     // With other arguments than a button and a by-reference Boolean, the fake add-in returns a failure.
+    ChooseLastItem(L'h');
     EXPECT_TRUE(WaitForTrace(kClicked)) << TraceText();
-    EXPECT_EQ(CloseHost(), 0);
-}
-
-TEST_F(MenuCommandTest, IsThereOnceAfterEachStart)
-{
-    for (int start = 0; start < 2; ++start)
+    ASSERT_EQ(CloseHost(), 0);
+    for (const char* const call :
+         {"CommandBarControls.Add(1, missing, missing, missing, -1 (I2)) = 0x00000000; object",
+          "CommandBarButton.Caption := \"Fake command\" [locale 1024] = 0x00000000",
+          "CommandBarButton.Advise(_CommandBarButtonEvents) = 0x00000000",
+          "CommandBarButton.Unadvise(_CommandBarButtonEvents) = 0x00000000"})
     {
-        EXPECT_EQ(MenuOfOneRun(), WithHelp(kHelpWithCommand));
+        EXPECT_TRUE(HasTrace(std::string("add-in -> Outlook: ") + call)) << TraceText();
     }
 }
 
@@ -113,41 +88,42 @@ TEST_F(MenuCommandTest, ThatIsNotTemporaryIsStillThereAtTheNextStartWithoutTheAd
     EXPECT_EQ(MenuOfOneRun(), WithHelp(kHelpWithCommand));
 }
 
-TEST_F(MenuCommandTest, EmptyMenuBarHasNoItem)
+TEST_F(MenuCommandTest, IsRestoredWhateverTheLengthOfItsCaption)
 {
-    Start({L"--empty-menu-bar"});
-    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarControls.Count = 0x00000000; 0")) << TraceText();
-    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarControls.Item(0) = 0x80070057")) << TraceText();
-    EXPECT_EQ(CloseHost(), 0);
-    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("Outlook: menu"))));
-}
+    CTrace trace;
+    CMenuModel model(trace);
+    const std::vector<std::wstring> captions = {L"short", std::wstring(300, L'x'), L"after it"};
+    const Microsoft::WRL::ComPtr<CCommandBar> stored = new CCommandBar(model);
+    CCommandBarControls& items = stored->Controls().AddPopup(L"&Menu").Controls();
+    for (const std::wstring& caption : captions)
+    {
+        items.AddButton(caption).SetLasting(true);
+    }
+    StoreControls(stored->Controls());
 
-TEST_F(MenuCommandTest, LastControlThatIsNoPopupHasNoControls)
-{
-    Start({L"--last-control-not-popup"});
-    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarControls.Item(8) = 0x00000000; object"))
-        << TraceText();
-    EXPECT_TRUE(HasTrace("add-in -> Outlook: CommandBarButton.GetIDsOfNames(Controls) = 0x80020006"))
-        << TraceText();
-    EXPECT_THAT(Trace(), Not(Contains(HasSubstr("CommandBarControls.Add"))));
-    EXPECT_EQ(CloseHost(), 0);
+    const Microsoft::WRL::ComPtr<CCommandBar> next = new CCommandBar(model);
+    const CCommandBarControls& restored = next->Controls().AddPopup(L"&Menu").Controls();
+    RestoreControls(next->Controls());
+    std::vector<std::wstring> found;
+    for (const auto& item : restored.Items())
+    {
+        found.push_back(item->Caption());
+    }
+    EXPECT_EQ(found, captions);
 }
 
 TEST_F(MenuCommandTest, OutlookClosesOnlyWhenTheAddInsDialogIsGone)
 {
-    Start({}, L"box");
+    Start(L"box");
     ChooseLastItem(L'h');
-    CWindowQuery query;
-    query.process = HostProcess();
-    query.caption = L"Fake add-in";
-    const HWND box = WaitForWindow(query);
+    const HWND box = WaitForBox();
     ASSERT_NE(box, nullptr) << TraceText();
     const HWND main = MainWindow();
     EXPECT_FALSE(IsWindowEnabled(main));
     SendMessageW(main, WM_CLOSE, 0, 0);
     EXPECT_TRUE(IsWindow(main));
     EXPECT_FALSE(HasTrace("Outlook: shutting down"));
-    ASSERT_TRUE(ClickButton(box, IDOK) || ClickButton(box, IDCANCEL)) << DescribeWindows(HostProcess());
+    ASSERT_TRUE(CloseBox(box));
     EXPECT_EQ(WaitForHost(), 0);
     EXPECT_LT(TraceIndex(kClicked), TraceIndex("Outlook: shutting down"));
 }

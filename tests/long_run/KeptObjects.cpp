@@ -27,6 +27,7 @@ CKeptObjects::CKeptObjects(HMODULE module)
 
 CKeptObjects::~CKeptObjects()
 {
+    Discard();
     s_current = nullptr;
 }
 

@@ -8,8 +8,8 @@
 namespace orva::test
 {
 
-/// Counts brushes and fonts during its lifetime: the add-in leaves its dialogs' brushes and the bold font of
-/// the About dialog on purpose. One object at a time.
+/// Counts brushes and fonts during its lifetime, and deletes them at its end: the add-in leaves its dialogs'
+/// brushes and the bold font of the About dialog on purpose. One object at a time.
 class CKeptObjects
 {
 public:
@@ -21,8 +21,6 @@ public:
     /// Those that still exist: some of Wine's controls delete the brush that they were given.
     long long Brushes() const;
     long long Fonts() const;
-    /// All brushes that the DLL created and did not delete.
-    long long BrushesMade() const { return static_cast<long long>(m_brushes.size()); }
     /// Deletes them all.
     void Discard();
 

@@ -1,15 +1,18 @@
 // The add-in loaded, used and unloaded many times in one process, and what the process still holds
 // afterwards.
 #include "addin/AddInFixture.h"
+#include "harness/Compression.h"
+#include "harness/Files.h"
+#include "harness/GdiPlusCounter.h"
+#include "harness/ImportHook.h"
 #include "harness/Report.h"
 #include "harness/Watchdog.h"
-#include "long_run/InstallerCounter.h"
 #include "long_run/KeptObjects.h"
 #include "long_run/ModuleBlocks.h"
-#include "long_run/PersistentUser.h"
 #include "long_run/ProcessFigures.h"
 
-#include <cstdio>
+#include <shellapi.h>
+
 #include <optional>
 
 namespace orva::test
@@ -25,6 +28,18 @@ constexpr WORD kOfferTemplate = 9;
 constexpr DWORD kThoroughDeadline = 12 * 60'000;
 constexpr DWORD kShortDeadline = 120'000;
 
+constexpr int kWarmUps = 3;
+constexpr long long kHeapSlack = 64LL * 1024;
+constexpr long long kPrivateSlack = 4LL * 1024;
+// Heap bytes that the system's own libraries keep for each call. Measured under Wine: 0 for markup and
+// pictures, some 150 a check, 250 an offer, 370 an About dialog, 520 a download, none of it allocated by
+// the DLL.
+constexpr long long kHeapPerCall = 512;
+
+constexpr char kNewer[] =
+    R"({"x64":{"majorVersion":9,"minorVersion":0,"buildNumber":0,)"
+    R"("downloadLink":"http://files.test/setup.exe","description":{"default":"News."}}})";
+
 INT_PTR CALLBACK BareDialog(HWND dialog, UINT message, WPARAM, LPARAM)
 {
     if (message == WM_INITDIALOG)
@@ -34,18 +49,65 @@ INT_PTR CALLBACK BareDialog(HWND dialog, UINT message, WPARAM, LPARAM)
     return FALSE;
 }
 
+int g_installers = 0;
+
+// Takes the place of the system's function and starts nothing.
+BOOL WINAPI CountInstaller(SHELLEXECUTEINFOW*)
+{
+    ++g_installers;
+    return TRUE;
+}
+
+// Publishes an update-information file during its lifetime, and leaves nothing in the process.
+class CPublisher
+{
+public:
+    explicit CPublisher(const std::string& text)
+    {
+        // Compressed, so that what inflating leaves is seen too.
+        m_server.On(kUpdateInfoPath, CHttpReply(200, GzipBytes(text)).Header("Content-Encoding", "gzip"));
+        m_server.On(kInstaller, CHttpReply(200, std::string(20'000, 'x')));
+    }
+
+private:
+    CLoopbackServer m_server;
+    CProxySetting m_proxy{m_server.Port()};
+};
+
+// What the repetitions of something have left in the process.
+struct CRemains
+{
+    CProcessFigures growth;
+    long long brushes = 0;
+    long long fonts = 0;
+    // Bytes that the DLL itself has allocated and not freed.
+    long long ownBytes = 0;
+};
+
 class LongRunTest : public testing::Test
 {
 protected:
     LongRunTest() { SetTestDeadline(IsThorough() ? kThoroughDeadline : kShortDeadline); }
 
+    ~LongRunTest() override { Unload(); }
+
     // Loads the DLL and makes and connects an object.
-    void Load(int mode = ext_cm_AfterStartup)
+    void Load(const std::wstring& path)
     {
-        m_module = std::make_unique<CAddInModule>();
+        m_module = std::make_unique<CAddInModule>(path);
         m_object = m_module->Create();
-        Connect(mode);
+        Connect(ext_cm_AfterStartup);
     }
+
+    // Loads it and watches what it takes from now on.
+    void LoadAndWatch(const std::wstring& path = BuiltFile(kAddInModule))
+    {
+        Load(path);
+        m_kept.emplace(Module());
+        m_blocks.emplace(Module());
+    }
+
+    static HMODULE Module() { return GetModuleHandleW(kAddInModule); }
 
     void Connect(int mode)
     {
@@ -55,116 +117,107 @@ protected:
 
     void Unload()
     {
+        m_blocks.reset();
+        m_kept.reset();
         m_object.Reset();
-        ASSERT_EQ(m_module->CanUnloadNow(), S_OK);
-        m_module.reset();
-        ASSERT_FALSE(CAddInModule::IsLoaded());
+        if (m_module != nullptr)
+        {
+            EXPECT_EQ(m_module->CanUnloadNow(), S_OK);
+            m_module.reset();
+            EXPECT_FALSE(CAddInModule::IsLoaded());
+        }
     }
 
-    void ButtonClicked()
+    template <typename Interface> ComPtr<Interface> Query()
     {
-        ComPtr<IRibbonCallback> callback;
-        ASSERT_EQ(m_object.As(&callback), S_OK);
-        EXPECT_EQ(callback->ButtonClicked(nullptr), S_OK);
+        ComPtr<Interface> found;
+        EXPECT_EQ(m_object.As(&found), S_OK);
+        return found;
     }
 
-    // What a part of the test has left in the process.
-    struct Remains
+    // Clicks the Backstage's button that often. Each time the user presses `button` in the offer, and watches
+    // the download that may follow.
+    void ClickUpdate(int count, int button)
     {
-        CProcessFigures before;
-        CProcessFigures after;
-        long long brushes = 0;
-        long long brushesMade = 0;
-        long long fonts = 0;
-        // Bytes that the DLL itself has allocated and not freed, once m_blocks is set.
-        long long ownBytes = 0;
-        CProcessFigures Growth() const { return after - before; }
-    };
+        CUserScript user;
+        for (int i = 0; i < count; ++i)
+        {
+            user.OnDialogWith(button, [=](HWND offer) { EXPECT_TRUE(ClickButton(offer, button)); });
+            if (button == kInstallButton)
+            {
+                user.OnDialogWith(kProgressBar, [](HWND) {});
+            }
+        }
+        user.Start();
+        for (int i = 0; i < count; ++i)
+        {
+            EXPECT_EQ(Query<IRibbonCallback>()->ButtonClicked(nullptr), S_OK);
+        }
+        user.Finish();
+    }
 
     // Runs `part` with the number of repetitions, after a few to warm up.
-    template <typename Part> Remains Repeat(const std::string& name, int count, Part part)
+    template <typename Part> CRemains Repeat(int count, Part part)
     {
-        NoteTestPart(name);
         part(kWarmUps);
         if (m_kept)
         {
             m_kept->Discard();
         }
-        Remains left;
-        left.before = CProcessFigures::Take();
+        CRemains left;
+        const CProcessFigures before = CProcessFigures::Take();
         const long long ownBefore = m_blocks ? m_blocks->Bytes() : 0;
-        const ULONGLONG start = GetTickCount64();
         part(count);
-        const ULONGLONG end = GetTickCount64();
-        left.after = CProcessFigures::Take();
+        left.growth = CProcessFigures::Take() - before;
         left.ownBytes = (m_blocks ? m_blocks->Bytes() : 0) - ownBefore;
         if (m_kept)
         {
             left.brushes = m_kept->Brushes();
-            left.brushesMade = m_kept->BrushesMade();
             left.fonts = m_kept->Fonts();
-            m_kept->Discard();
         }
-        const CProcessFigures growth = left.Growth();
-        std::printf("%s: %d times in %llu ms; handles %+lld, GDI %+lld, USER %+lld, private KiB %+lld, "
-                    "heap bytes %+lld, the DLL's own %+lld, threads %+lld; %lld of %lld brushes and %lld "
-                    "fonts kept\n",
-                    name.c_str(), count, end - start, growth.handles, growth.gdiObjects, growth.userObjects,
-                    growth.privateKib, growth.heapBytes, left.ownBytes, growth.threads, left.brushes,
-                    left.brushesMade, left.fonts);
-        std::fflush(stdout);
         return left;
     }
 
-    // Checks what is left and reports it. `bitmaps` is how many bitmaps Wine's dialogs have left.
-    static void Check(const std::string& name, int count, const Remains& left, long long heapPerCall,
-                      long long bitmaps = 0)
+    // The pictures that Wine's dialogs leave: those of that many dialogs of the offer's template, without the
+    // add-in's code. The add-in must have shown a dialog before, for the classes of the template's controls.
+    long long CountPicturesOfBareDialogs(int count)
     {
-        const CProcessFigures growth = left.Growth();
-        EXPECT_LE(growth.handles, kSlack) << name;
-        EXPECT_LE(growth.threads, kSlack) << name;
-        EXPECT_EQ(growth.userObjects, 0) << name;
-        EXPECT_EQ(growth.gdiObjects, left.brushes + left.fonts + bitmaps) << name;
-        EXPECT_EQ(left.ownBytes, 0) << name;
-        EXPECT_LE(growth.heapBytes, count * heapPerCall + kHeapSlack) << name;
-        EXPECT_LE(growth.privateKib, count * heapPerCall / 1024 + kPrivateSlack) << name;
-
-        std::string remains =
-            left.brushes == 0 ? "nothing" : std::to_string(left.brushes) + " brushes, kept on purpose";
-        if (left.fonts != 0)
-        {
-            remains += "; " + std::to_string(left.fonts) + " bold fonts, kept on purpose";
-        }
-        if (left.brushesMade != left.brushes)
-        {
-            remains += "; another " + std::to_string(left.brushesMade - left.brushes) +
-                       " brushes were deleted by Wine's controls";
-        }
-        if (bitmaps != 0)
-        {
-            remains += "; " + std::to_string(bitmaps) + " pictures of Wine's, which a bare dialog leaves too";
-        }
-        if (growth.heapBytes > kHeapSlack)
-        {
-            remains += "; " + std::to_string(growth.heapBytes / count) +
-                       " bytes of heap each time, none of it taken by the DLL";
-        }
-        AddReportRow("long-run",
-                     {name, std::to_string(count), FromTo(left.before.handles, left.after.handles),
-                      FromTo(left.before.gdiObjects, left.after.gdiObjects),
-                      FromTo(left.before.userObjects, left.after.userObjects),
-                      FromTo(left.before.privateKib, left.after.privateKib),
-                      FromTo(left.before.heapBytes / 1024, left.after.heapBytes / 1024),
-                      FromTo(left.before.threads, left.after.threads), remains});
+        const CRemains bare = Repeat(count, [](int times) {
+            for (int i = 0; i < times; ++i)
+            {
+                EXPECT_EQ(DialogBoxParamW(Module(), MAKEINTRESOURCEW(kOfferTemplate), nullptr, BareDialog, 0),
+                          IDOK);
+            }
+        });
+        EXPECT_LE(bare.growth.gdiObjects, count);
+        return bare.growth.gdiObjects;
     }
 
-    static constexpr int kWarmUps = 3;
-    static constexpr long long kHeapSlack = 64LL * 1024;
-    static constexpr long long kPrivateSlack = 4LL * 1024;
-    // Heap bytes that the system's own libraries keep for each call. Measured under Wine: 0 for markup and
-    // pictures, some 150 a check, 250 an offer, 370 an About dialog, 520 a download, none of it allocated by
-    // the DLL.
-    static constexpr long long kHeapPerCall = 512;
+    // Records what is left and asserts that it is nothing but the brushes and fonts that the add-in leaves on
+    // purpose, and `pictures` of Wine's.
+    static void ExpectNothingElseLeft(int count, const CRemains& left, long long heapPerCall = kHeapPerCall,
+                                      long long pictures = 0)
+    {
+        const CProcessFigures& growth = left.growth;
+        RecordProperty("repetitions", count);
+        RecordProperty("handles_left", static_cast<int>(growth.handles));
+        RecordProperty("threads_left", static_cast<int>(growth.threads));
+        RecordProperty("user_objects_left", static_cast<int>(growth.userObjects));
+        RecordProperty("gdi_objects_left", static_cast<int>(growth.gdiObjects));
+        RecordProperty("brushes_left_on_purpose", static_cast<int>(left.brushes));
+        RecordProperty("fonts_left_on_purpose", static_cast<int>(left.fonts));
+        RecordProperty("pictures_left_by_wine", static_cast<int>(pictures));
+        RecordProperty("heap_bytes_left_each_time", static_cast<int>(growth.heapBytes / count));
+        RecordProperty("bytes_left_by_the_dll_itself", static_cast<int>(left.ownBytes));
+        RecordProperty("private_kib_left", static_cast<int>(growth.privateKib));
+        EXPECT_LE(growth.handles, kSlack);
+        EXPECT_LE(growth.threads, kSlack);
+        EXPECT_EQ(growth.userObjects, 0);
+        EXPECT_EQ(growth.gdiObjects, left.brushes + left.fonts + pictures);
+        EXPECT_EQ(left.ownBytes, 0);
+        EXPECT_LE(growth.heapBytes, count * heapPerCall + kHeapSlack);
+        EXPECT_LE(growth.privateKib, count * heapPerCall / 1024 + kPrivateSlack);
+    }
 
     CHostWindow m_host;
     CFakeOutlook m_outlook{kOutlook2010};
@@ -175,132 +228,125 @@ protected:
     std::optional<CModuleBlocks> m_blocks;
 };
 
-// Publishes an update-information file during its lifetime, and leaves nothing in the process.
-class CPublisher
+TEST_F(LongRunTest, LoadingConnectingAndUnloadingLeavesNothing)
 {
-public:
-    explicit CPublisher(const std::string& text)
-    {
-        m_server.On(kUpdateInfoPath, CHttpReply(200, text));
-        m_server.On(kInstaller, CHttpReply(200, std::string(20'000, 'x')));
-    }
-
-private:
-    CLoopbackServer m_server;
-    CProxySetting m_proxy{m_server.Port()};
-};
-
-constexpr char kNewer[] =
-    R"({"x64":{"majorVersion":9,"minorVersion":0,"buildNumber":0,)"
-    R"("downloadLink":"http://files.test/setup.exe","description":{"default":"News."}}})";
-
-TEST_F(LongRunTest, LeavesOnlyItsBrushesAndFonts)
-{
-    Load();
-    Unload();
-
     // Enough to notice half a kilobyte that is left each time.
-    const int loads = Repetitions(150, 1000);
-    const Remains loading = Repeat("loading", loads, [this](int count) {
-        for (int i = 0; i < count; ++i)
+    const int count = Repetitions(150, 1000);
+    const CRemains left = Repeat(count, [this](int times) {
+        for (int i = 0; i < times && !HasFailure(); ++i)
         {
-            Load();
+            Load(BuiltFile(kAddInModule));
             Unload();
         }
     });
-    Check("01 DLL loaded, connected, unloaded", loads, loading, 0);
+    ExpectNothingElseLeft(count, left, 0);
+}
 
-    Load();
-    const HMODULE module = GetModuleHandleW(kAddInModule);
-    m_kept.emplace(module);
-    m_blocks.emplace(module);
-    const CInstallerCounter installers(module);
-
-    const int checks = Repetitions(20, 1000);
-    const Remains checking = Repeat("checks", checks, [this](int count) {
+TEST_F(LongRunTest, UpdateChecksLeaveNothing)
+{
+    LoadAndWatch();
+    const int count = Repetitions(20, 1000);
+    const CRemains left = Repeat(count, [this](int times) {
         const CPublisher publisher(kSameVersion);
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < times; ++i)
         {
             Connect(ext_cm_Startup);
         }
     });
-    Check("02 update checks", checks, checking, kHeapPerCall);
+    ExpectNothingElseLeft(count, left);
+}
 
-    const int texts = Repetitions(20, 1000);
-    ComPtr<CFakeObject> control = new CFakeObject(m_outlook.record, "control", {});
-    const Remains asking = Repeat("markup and pictures", texts, [&](int count) {
-        ComPtr<IRibbonExtensibility> ribbon;
-        ASSERT_EQ(m_object.As(&ribbon), S_OK);
-        ComPtr<IRibbonCallback> callback;
-        ASSERT_EQ(m_object.As(&callback), S_OK);
-        for (int i = 0; i < count; ++i)
+TEST_F(LongRunTest, MarkupAndPicturesLeaveNothing)
+{
+    LoadAndWatch();
+    const int count = Repetitions(20, 1000);
+    const ComPtr<CFakeObject> control = new CFakeObject(m_outlook.record, "control", {});
+    const CRemains left = Repeat(count, [&](int times) {
+        for (int i = 0; i < times; ++i)
         {
-            BSTR markup = nullptr;
-            ASSERT_EQ(ribbon->GetCustomUI(nullptr, &markup), S_OK);
-            ASSERT_GT(SysStringLen(markup), 0u);
-            SysFreeString(markup);
+            _bstr_t markup;
+            ASSERT_EQ(Query<IRibbonExtensibility>()->GetCustomUI(nullptr, markup.GetAddress()), S_OK);
+            ASSERT_GT(markup.length(), 0u);
             ComPtr<IPictureDisp> logo;
             ComPtr<IPictureDisp> icon;
-            ASSERT_EQ(callback->GetImageLogo(control.Get(), &logo), S_OK);
-            ASSERT_EQ(callback->GetImageIcon(control.Get(), &icon), S_OK);
+            ASSERT_EQ(Query<IRibbonCallback>()->GetImageLogo(control.Get(), &logo), S_OK);
+            ASSERT_EQ(Query<IRibbonCallback>()->GetImageIcon(control.Get(), &icon), S_OK);
             ASSERT_TRUE(logo && icon);
         }
     });
-    Check("03 Backstage markup and both pictures", texts, asking, kHeapPerCall);
+    ExpectNothingElseLeft(count, left);
+}
 
-    const int offers = Repetitions(6, 300);
-    const Remains offering = Repeat("offers", offers, [&](int count) {
+TEST_F(LongRunTest, APictureThatIsMissingLeavesOneStartOfGdiPlusEachTimeAndNothingElse)
+{
+    // The name of the pictures' resource type, after its length.
+    const CAddInCopy copy({{std::string("\x03\0P\0N\0G\0", 8), std::string("\x03\0X\0N\0G\0", 8)}});
+    LoadAndWatch(copy.Path());
+    const int count = Repetitions(20, 1000);
+    const ComPtr<CFakeObject> control = new CFakeObject(m_outlook.record, "control", {});
+    std::optional<CGdiPlusCounter> counter(Module());
+    const CRemains left = Repeat(count, [&](int times) {
+        for (int i = 0; i < times; ++i)
+        {
+            ComPtr<IPictureDisp> picture;
+            ASSERT_EQ(Query<IRibbonCallback>()->GetImageLogo(control.Get(), &picture), S_OK);
+            ASSERT_EQ(picture.Get(), nullptr);
+        }
+    });
+    EXPECT_EQ(counter->starts - counter->ends, kWarmUps + count);
+    ExpectNothingElseLeft(count, left);
+    counter.reset();
+    // The copy cannot be deleted while it is loaded.
+    Unload();
+}
+
+TEST_F(LongRunTest, OffersAnsweredLaterLeaveOnlyTheirBrushes)
+{
+    LoadAndWatch();
+    const int count = Repetitions(6, 300);
+    const CRemains left = Repeat(count, [this](int times) {
         const CPublisher publisher(kNewer);
-        CPersistentUser user(kLaterButton);
-        for (int i = 0; i < count; ++i)
-        {
-            ButtonClicked();
-        }
-        EXPECT_EQ(user.Leave(), count);
+        ClickUpdate(times, kLaterButton);
     });
-    // The same dialog template without the add-in's code.
-    const Remains bare = Repeat("bare dialogs", offers, [&](int count) {
-        for (int i = 0; i < count; ++i)
+    ExpectNothingElseLeft(count, left, kHeapPerCall, CountPicturesOfBareDialogs(count));
+}
+
+TEST_F(LongRunTest, AboutDialogsLeaveOnlyTheirBrushesAndOneFontEach)
+{
+    LoadAndWatch();
+    const int count = Repetitions(6, 300);
+    const CRemains left = Repeat(count, [this](int times) {
+        CUserScript user;
+        for (int i = 0; i < times; ++i)
         {
-            EXPECT_EQ(DialogBoxParamW(module, MAKEINTRESOURCEW(kOfferTemplate), nullptr, BareDialog, 0),
-                      IDOK);
+            user.OnDialogWith(kAboutClose, [](HWND about) { EXPECT_TRUE(ClickButton(about, kAboutClose)); });
         }
-    });
-    const long long bitmaps = bare.Growth().gdiObjects;
-    Check("07 for comparison: the offer's template in a bare dialog", offers, bare, kHeapPerCall, bitmaps);
-    EXPECT_LE(bitmaps, offers);
-
-    Check("04 offers, answered Later", offers, offering, kHeapPerCall, bitmaps);
-
-    const int abouts = Repetitions(6, 300);
-    const Remains showing = Repeat("About", abouts, [&](int count) {
-        CPersistentUser user(kAboutClose);
-        ComPtr<IDispatch> dispatch;
-        ASSERT_EQ(m_object.As(&dispatch), S_OK);
-        for (int i = 0; i < count; ++i)
+        user.Start();
+        for (int i = 0; i < times; ++i)
         {
             DISPPARAMS none{};
-            dispatch->Invoke(kClick, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &none, nullptr, nullptr,
-                             nullptr);
+            Query<IDispatch>()->Invoke(kClick, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &none, nullptr,
+                                       nullptr, nullptr);
         }
-        EXPECT_EQ(user.Leave(), count);
+        user.Finish();
     });
-    Check("05 About dialogs", abouts, showing, kHeapPerCall, bitmaps);
-    EXPECT_EQ(showing.fonts, abouts);
+    ExpectNothingElseLeft(count, left, kHeapPerCall, CountPicturesOfBareDialogs(count));
+    EXPECT_EQ(left.fonts, count);
+}
 
-    const int downloads = Repetitions(6, 300);
-    const Remains downloading = Repeat("downloads", downloads, [&](int count) {
+TEST_F(LongRunTest, DownloadsLeaveOnlyTheBrushesOfTheirOffers)
+{
+    LoadAndWatch();
+    const CImportHook execute(Module(), "shell32.dll", "ShellExecuteExW", &CountInstaller);
+    g_installers = 0;
+    const int count = Repetitions(6, 300);
+    const CRemains left = Repeat(count, [this](int times) {
         const CPrivateTemp temp;
         const CPublisher publisher(kNewer);
-        const CPersistentUser user(kInstallButton);
-        const int before = CInstallerCounter::Count();
-        for (int i = 0; i < count; ++i)
-        {
-            ButtonClicked();
-        }
-        EXPECT_EQ(CInstallerCounter::Count() - before, count);
+        ClickUpdate(times, kInstallButton);
     });
-    Check("06 offers, answered Install, downloaded", downloads, downloading, kHeapPerCall, bitmaps);
+    EXPECT_EQ(g_installers, kWarmUps + count);
+    ExpectNothingElseLeft(count, left, kHeapPerCall, CountPicturesOfBareDialogs(count));
 }
 
 } // namespace

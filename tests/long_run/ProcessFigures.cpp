@@ -156,9 +156,4 @@ CProcessFigures CProcessFigures::operator-(const CProcessFigures& before) const
             privateKib - before.privateKib, heapBytes - before.heapBytes,   threads - before.threads};
 }
 
-std::string FromTo(long long before, long long after)
-{
-    return std::to_string(before) + " -> " + std::to_string(after);
-}
-
 } // namespace orva::test

@@ -3,8 +3,6 @@
 
 #include <windows.h>
 
-#include <string>
-
 namespace orva::test
 {
 
@@ -27,8 +25,5 @@ struct CProcessFigures
 
 /// How many handles or threads the system may keep for itself, however often something is done.
 inline constexpr long long kSlack = 4;
-
-/// "before -> after"
-std::string FromTo(long long before, long long after);
 
 } // namespace orva::test

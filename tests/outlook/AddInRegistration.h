@@ -14,7 +14,6 @@ inline constexpr wchar_t kAddInProgId[] = L"OrvaOscAddin.Connect.1";
 inline constexpr wchar_t kOfficeKey[] = L"Software\\Microsoft\\Office";
 inline constexpr wchar_t kAddIns[] = L"Software\\Microsoft\\Office\\Outlook\\Addins";
 inline constexpr wchar_t kAddInKey[] = L"Software\\Microsoft\\Office\\Outlook\\Addins\\OrvaOscAddin.Connect";
-inline constexpr wchar_t kClasses[] = L"Software\\Classes";
 inline constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}";
 inline constexpr wchar_t kLibraryKey[] =
     L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}";

@@ -78,19 +78,6 @@ STDMETHODIMP CFakeButton::FindConnectionPoint(REFIID iid, IConnectionPoint** poi
     return S_OK;
 }
 
-STDMETHODIMP CFakeButton::GetConnectionInterface(IID* iid)
-{
-    *iid = DIID__CommandBarButtonEvents;
-    return S_OK;
-}
-
-STDMETHODIMP CFakeButton::GetConnectionPointContainer(IConnectionPointContainer** container)
-{
-    *container = this;
-    AddRef();
-    return S_OK;
-}
-
 STDMETHODIMP CFakeButton::Advise(IUnknown* sink, DWORD* cookie)
 {
     ++m_advises;

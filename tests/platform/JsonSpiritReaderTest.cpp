@@ -3,14 +3,20 @@
 
 #include <gtest/gtest.h>
 
+#include <exception>
+#include <type_traits>
 #include <vector>
 
 namespace
 {
 
+using json_spirit::Error_position;
 using json_spirit::wmValue;
 using orva::test::ReadAndDump;
 using orva::test::WidenAscii;
+
+// A handler of standard exceptions does not take it.
+static_assert(!std::is_base_of_v<std::exception, Error_position>);
 
 struct Case
 {
@@ -26,27 +32,26 @@ void CheckReading(const std::vector<Case>& cases)
     }
 }
 
-std::string Nested(int levels, const std::string& open, const std::string& inner, const std::string& close)
+std::string Repeated(int count, const std::string& part)
 {
     std::string text;
-    for (int i = 0; i < levels; ++i)
+    for (int i = 0; i < count; ++i)
     {
-        text += open;
-    }
-    text += inner;
-    for (int i = 0; i < levels; ++i)
-    {
-        text += close;
+        text += part;
     }
     return text;
 }
 
-} // namespace
+std::string Nested(int levels, const std::string& open, const std::string& inner, const std::string& close)
+{
+    return Repeated(levels, open) + inner + Repeated(levels, close);
+}
 
 TEST(JsonSpiritReader, TheRootMayBeAnyValue)
 {
     CheckReading({
-        {"{}", "{}"},
+        {R"({"x64":{"majorVersion":1,"description":{"default":"new"}},"list":[1,[2,{}],"3"]})",
+         "{'list':[1 [2 {}] '3'] 'x64':{'description':{'default':'new'} 'majorVersion':1}}"},
         {"[]", "[]"},
         {"\"text\"", "'text'"},
         {"\"\"", "''"},
@@ -58,29 +63,13 @@ TEST(JsonSpiritReader, TheRootMayBeAnyValue)
     });
 }
 
-TEST(JsonSpiritReader, ReadsNestedObjectsAndArrays)
-{
-    CheckReading({
-        {R"({"x64":{"majorVersion":1,"description":{"default":"new"}},"list":[1,[2,{}],"3"]})",
-         "{'list':[1 [2 {}] '3'] 'x64':{'description':{'default':'new'} 'majorVersion':1}}"},
-    });
-}
-
 TEST(JsonSpiritReader, SkipsWhiteSpaceBetweenTokens)
 {
     CheckReading({
         {" \t\r\n\v\f{ \"a\" \n:\t1 , \"b\" : [ 1 , 2 ] } ", "{'a':1 'b':[1 2]}"},
         {"\"a  b\"", "'a  b'"},
         {"[1 2]", "[1] !not an array 1:4"},
-    });
-}
-
-TEST(JsonSpiritReader, KnowsNoComments)
-{
-    CheckReading({
-        {"// x\n1", "null !not a value 1:1"},
-        {"/* x */ 1", "null !not a value 1:1"},
-        {"[1 /* x */]", "[1] !not an array 1:4"},
+        {"[t rue]", "[] !not an array 1:2"},
     });
 }
 
@@ -97,35 +86,30 @@ TEST(JsonSpiritReader, IgnoresWhatFollowsTheFirstValue)
     });
 }
 
-TEST(JsonSpiritReader, TextWithoutAValueIsNotAValueAndLeavesTheTargetNull)
+TEST(JsonSpiritReader, TextThatStartsWithNoValueIsNotAValueAndLeavesTheTargetNull)
 {
     CheckReading({
         {"", "null !not a value 1:1"},
         {"   ", "null !not a value 1:4"},
         {"\r\n\r\n  <html>", "null !not a value 3:3"},
-        {"x", "null !not a value 1:1"},
         {"}", "null !not a value 1:1"},
         {"]", "null !not a value 1:1"},
-        {":", "null !not a value 1:1"},
-        {",", "null !not a value 1:1"},
         {"'a'", "null !not a value 1:1"},
-    });
-}
-
-TEST(JsonSpiritReader, ByteOrderMarkIsNotAValue)
-{
-    EXPECT_EQ(ReadAndDump(L"\xFEFF{}"), "null !not a value 1:1");
-}
-
-TEST(JsonSpiritReader, LiteralsAreLowerCaseOnly)
-{
-    CheckReading({
         {"True", "null !not a value 1:1"},
         {"FALSE", "null !not a value 1:1"},
         {"Null", "null !not a value 1:1"},
         {"tru", "null !not a value 1:1"},
-        {"[t rue]", "[] !not an array 1:2"},
+        {"// no comments\n1", "null !not a value 1:1"},
+        {"/* no comments */ 1", "null !not a value 1:1"},
     });
+    EXPECT_EQ(ReadAndDump(L"\xFEFF{}"), "null !not a value 1:1") << "a byte-order mark";
+}
+
+TEST(JsonSpiritReader, AnErrorBeforeTheFirstValueLeavesTheTargetAsItIs)
+{
+    wmValue value(7);
+    EXPECT_THROW(json_spirit::read_or_throw(std::wstring(L"x"), value), Error_position);
+    EXPECT_EQ(value.get_int(), 7);
 }
 
 TEST(JsonSpiritReader, ObjectsThatDoNotEndAreNotObjects)
@@ -134,14 +118,12 @@ TEST(JsonSpiritReader, ObjectsThatDoNotEndAreNotObjects)
         {"{", "{} !not an object 1:2"},
         {"{ ", "{} !not an object 1:3"},
         {"{\"a\":1", "{'a':1} !not an object 1:7"},
-        {"{\"a\":1,", "{'a':1} !not an object 1:7"},
         {"{\"a\":1,}", "{'a':1} !not an object 1:7"},
         {"{\"a\":1]", "{'a':1} !not an object 1:7"},
         {"{\"a\":1 \"b\":2}", "{'a':1} !not an object 1:8"},
         {"{,}", "{} !not an object 1:2"},
         {"{a:1}", "{} !not an object 1:2"},
         {"{1:1}", "{} !not an object 1:2"},
-        {"{\"a", "{} !not an object 1:2"},
         {"{\"a\":1,\"b", "{'a':1} !not an object 1:7"},
     });
 }
@@ -150,9 +132,7 @@ TEST(JsonSpiritReader, MembersWithoutColonHaveNoColonInPair)
 {
     CheckReading({
         {"{\"a\"", "{} !no colon in pair 1:5"},
-        {"{\"a\"}", "{} !no colon in pair 1:5"},
         {"{\"a\" 1}", "{} !no colon in pair 1:6"},
-        {"{\"a\",\"b\":1}", "{} !no colon in pair 1:5"},
         {"{\"a\":1,\"b\"}", "{'a':1} !no colon in pair 1:11"},
     });
 }
@@ -161,9 +141,7 @@ TEST(JsonSpiritReader, MembersWithoutValueAreNotAValue)
 {
     CheckReading({
         {"{\"a\":", "{} !not a value 1:6"},
-        {"{\"a\":}", "{} !not a value 1:6"},
         {"{\"a\": x}", "{} !not a value 1:7"},
-        {"{\"a\":,\"b\":1}", "{} !not a value 1:6"},
         {"{\"a\":1,\"b\":}", "{'a':1} !not a value 1:12"},
         {"{\"a\":\"open}", "{} !not a value 1:6"},
     });
@@ -174,12 +152,11 @@ TEST(JsonSpiritReader, ArraysThatDoNotEndAreNotArrays)
     CheckReading({
         {"[", "[] !not an array 1:2"},
         {"[1", "[1] !not an array 1:3"},
-        {"[1,", "[1] !not an array 1:3"},
         {"[1,]", "[1] !not an array 1:3"},
         {"[,1]", "[] !not an array 1:2"},
         {"[1}", "[1] !not an array 1:3"},
-        {"[x]", "[] !not an array 1:2"},
         {"[\"a", "[] !not an array 1:2"},
+        {"[1 /* no comments */]", "[1] !not an array 1:4"},
     });
 }
 
@@ -196,30 +173,33 @@ TEST(JsonSpiritReader, AfterAnErrorEverythingReadSoFarStaysInTheTarget)
     });
 }
 
-TEST(JsonSpiritReader, AnErrorBeforeTheFirstValueLeavesTheTargetAsItIs)
+TEST(JsonSpiritReader, ErrorPositionsCountLinesAndColumnsFromOne)
 {
-    wmValue value(7);
-    EXPECT_THROW(json_spirit::read_or_throw(std::wstring(L"x"), value), json_spirit::Error_position);
-    EXPECT_EQ(value.get_int(), 7);
+    CheckReading({
+        {"{\n  \"a\": 1,\n  \"b\" 2\n}", "{'a':1} !no colon in pair 3:7"},
+        {"[1,\r\n2,\r\n x]", "[1 2] !not an array 2:2"},
+        {"\r\r x", "null !not a value 3:2"},
+        {"\tx", "null !not a value 1:5"},
+    });
 }
 
 TEST(JsonSpiritReader, ARepeatedNameKeepsTheLastValue)
 {
     CheckReading({
-        {R"({"a":1,"a":2})", "{'a':2}"},
         {R"({"a":{"b":1},"a":{"c":2}})", "{'a':{'c':2}}"},
         {R"({"a":{"b":1},"a":null})", "{'a':null}"},
         {R"({"a":1,"A":2})", "{'A':2 'a':1}"},
     });
 }
 
-TEST(JsonSpiritReader, StringsMayHoldRawControlCharactersAndLineBreaks)
+TEST(JsonSpiritReader, StringsMayHoldRawControlCharactersAndWideOnes)
 {
     CheckReading({
         {"\"a\r\n\tb\x01\"", "'a<0D><0A><09>b<01>'"},
         {std::string("\"a\0b\"", 5), "'a<00>b'"},
         {"{\"a\nb\":1}", "{'a<0A>b':1}"},
     });
+    EXPECT_EQ(ReadAndDump(L"{\"\x20AC\":\"\x0416\xD83D\xDE00\"}"), "{'<20AC>':'<416><D83D><DE00>'}");
 }
 
 TEST(JsonSpiritReader, StringsEndAtTheFirstQuoteThatIsNotEscaped)
@@ -231,7 +211,6 @@ TEST(JsonSpiritReader, StringsEndAtTheFirstQuoteThatIsNotEscaped)
         {R"("a\")", "null !not a value 1:1"},
         {"\"a\\", "null !not a value 1:1"},
         {"\"", "null !not a value 1:1"},
-        {"\"abc", "null !not a value 1:1"},
     });
 }
 
@@ -241,13 +220,9 @@ TEST(JsonSpiritReader, ResolvesEscapes)
         {R"("\t\b\f\n\r\\\/\"")", R"('<09><08><0C><0A><0D>\/"')"},
         {R"("\u0041\u007a\x42")", "'AzB'"},
         {R"("\u00e4\xE4\u00FF")", "'<E4><E4><FF>'"},
+        {R"("\u20AC\uD83D\uDE00\uffff")", "'<20AC><D83D><DE00><FFFF>'"},
         {R"({"\u0061\t":1})", "{'a<09>':1}"},
     });
-}
-
-TEST(JsonSpiritReader, UnicodeEscapesAreOneUtf16UnitEach)
-{
-    EXPECT_EQ(ReadAndDump(L"\"\\u20AC\\uD83D\\uDE00\\uffff\""), "'<20AC><D83D><DE00><FFFF>'");
 }
 
 TEST(JsonSpiritReader, OtherEscapedCharactersAreDropped)
@@ -262,11 +237,6 @@ TEST(JsonSpiritReader, OtherEscapedCharactersAreDropped)
         {R"("\xg1")", "'g1'"},
         {R"("\u")", "''"},
     });
-}
-
-TEST(JsonSpiritReader, KeepsWideCharactersOfTheText)
-{
-    EXPECT_EQ(ReadAndDump(L"{\"\x20AC\":\"\x0416\xD83D\xDE00\"}"), "{'<20AC>':'<416><D83D><DE00>'}");
 }
 
 TEST(JsonSpiritReader, NumbersWithADotOrAnExponentAreReals)
@@ -294,7 +264,6 @@ TEST(JsonSpiritReader, OtherNumbersAreIntegers)
         {"-7", "-7"},
         {"+7", "7"},
         {"007", "7"},
-        {"2147483648", "2147483648"},
         {"9223372036854775807", "9223372036854775807"},
         {"-9223372036854775808", "-9223372036854775808"},
         {"9223372036854775808", "9223372036854775808u"},
@@ -319,70 +288,26 @@ TEST(JsonSpiritReader, NumbersThatFitNothingAreNotAValue)
     });
 }
 
-TEST(JsonSpiritReader, ErrorPositionsCountLinesAndColumnsFromOne)
-{
-    CheckReading({
-        {"{\n  \"a\": 1,\n  \"b\" 2\n}", "{'a':1} !no colon in pair 3:7"},
-        {"[1,\r\n2,\r\n x]", "[1 2] !not an array 2:2"},
-        {"\r\r x", "null !not a value 3:2"},
-        {"\tx", "null !not a value 1:5"},
-    });
-}
-
-TEST(JsonSpiritReader, TheErrorIsNotAStandardException)
-{
-    wmValue value;
-    try
-    {
-        json_spirit::read_or_throw(L"x", value);
-        FAIL() << "read";
-    }
-    catch (const std::exception&)
-    {
-        FAIL() << "a standard exception";
-    }
-    catch (const json_spirit::Error_position& error)
-    {
-        EXPECT_EQ(error.reason_, "not a value");
-    }
-}
-
-TEST(JsonSpiritReader, ReadsSixtyFourLevels)
+TEST(JsonSpiritReader, ReadsSixtyFourLevelsOfWhatIsOpenAtOnce)
 {
     CheckReading({
         {Nested(64, "[", "", "]"), Nested(64, "[", "", "]")},
         {Nested(64, "{\"a\":", "1", "}"), Nested(64, "{'a':", "1", "}")},
         {Nested(32, "[{\"a\":", "1", "}]"), Nested(32, "[{'a':", "1", "}]")},
+        {"[[]" + Repeated(1000, ",[[]]") + "]", "[[]" + Repeated(1000, " [[]]") + "]"},
     });
-}
-
-TEST(JsonSpiritReader, LevelsCountWhatIsOpenAtOnce)
-{
-    std::string text = "[[]";
-    std::string expected = "[[]";
-    for (int i = 0; i < 1000; ++i)
-    {
-        text += ",[[]]";
-        expected += " [[]]";
-    }
-    CheckReading({{text + "]", expected + "]"}});
 }
 
 TEST(JsonSpiritReader, TheSixtyFifthLevelIsASyntaxErrorThatKeepsTheOthers)
 {
-    CheckReading({
-        {Nested(65, "[", "", "]"), Nested(64, "[", "", "]") + " !nested too deeply 1:65"},
-        {Nested(65, "{\"a\":", "1", "}"), Nested(63, "{'a':", "{}", "}") + " !nested too deeply 1:321"},
-    });
-}
-
-TEST(JsonSpiritReader, AQuarterOfAMillionBracketsIsASyntaxErrorAndNoStackOverflow)
-{
     constexpr int kBrackets = 250'000;
     CheckReading({
+        {Nested(65, "[", "", "]"), Nested(64, "[", "", "]") + " !nested too deeply 1:65"},
         {std::string(kBrackets, '['), Nested(64, "[", "", "]") + " !nested too deeply 1:65"},
-        {Nested(kBrackets, "{\"a\":", "", ""), Nested(63, "{'a':", "{}", "}") + " !nested too deeply 1:321"},
+        {Repeated(kBrackets, "{\"a\":"), Nested(63, "{'a':", "{}", "}") + " !nested too deeply 1:321"},
         {"{\"x64\":{\"majorVersion\":2},\"junk\":" + std::string(kBrackets, '['),
          "{'junk':" + Nested(63, "[", "", "]") + " 'x64':{'majorVersion':2}} !nested too deeply 1:97"},
     });
 }
+
+} // namespace

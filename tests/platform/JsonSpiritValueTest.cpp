@@ -4,13 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <vector>
 
 namespace
 {
 
 using namespace json_spirit;
 using orva::test::Dump;
+
+// They appear in the text of the type error.
+static_assert(obj_type == 0 && array_type == 1 && str_type == 2 && bool_type == 3 && int_type == 4 &&
+              real_type == 5 && null_type == 6);
 
 wmValue Read(const std::wstring& text)
 {
@@ -19,43 +22,23 @@ wmValue Read(const std::wstring& text)
     return value;
 }
 
-std::string ErrorOf(const std::function<void()>& access)
+TEST(JsonSpiritValue, KnowsItsType)
 {
-    try
+    const struct
     {
-        access();
-    }
-    catch (const std::runtime_error& error)
+        const wchar_t* text;
+        Value_type type;
+    } rows[] = {
+        {L"{}", obj_type},     {L"[]", array_type},  {L"\"\"", str_type},
+        {L"false", bool_type}, {L"0", int_type},     {L"18446744073709551615", int_type},
+        {L"0.0", real_type},   {L"null", null_type},
+    };
+    for (const auto& [text, type] : rows)
     {
-        return error.what();
+        EXPECT_EQ(Read(text).type(), type) << text;
+        EXPECT_EQ(Read(text).is_null(), type == null_type) << text;
     }
-    return "no error";
-}
-
-} // namespace
-
-TEST(JsonSpiritValue, TypesAreNumberedInTheirOrder)
-{
-    EXPECT_EQ(static_cast<int>(Read(L"{}").type()), 0);
-    EXPECT_EQ(static_cast<int>(Read(L"[]").type()), 1);
-    EXPECT_EQ(static_cast<int>(Read(L"\"\"").type()), 2);
-    EXPECT_EQ(static_cast<int>(Read(L"true").type()), 3);
-    EXPECT_EQ(static_cast<int>(Read(L"1").type()), 4);
-    EXPECT_EQ(static_cast<int>(Read(L"18446744073709551615").type()), 4);
-    EXPECT_EQ(static_cast<int>(Read(L"1.0").type()), 5);
-    EXPECT_EQ(static_cast<int>(Read(L"null").type()), 6);
-    EXPECT_EQ(obj_type, 0);
-    EXPECT_EQ(null_type, 6);
-}
-
-TEST(JsonSpiritValue, OnlyNullIsNull)
-{
     EXPECT_TRUE(wmValue().is_null());
-    EXPECT_TRUE(Read(L"null").is_null());
-    for (const wchar_t* text : {L"{}", L"[]", L"\"\"", L"false", L"0", L"0.0"})
-    {
-        EXPECT_FALSE(Read(text).is_null()) << text;
-    }
 }
 
 TEST(JsonSpiritValue, AccessorsGiveTheValue)
@@ -64,39 +47,50 @@ TEST(JsonSpiritValue, AccessorsGiveTheValue)
     EXPECT_EQ(Read(L"[1,2]").get_array().size(), 2U);
     EXPECT_EQ(Read(L"\"x\"").get_str(), L"x");
     EXPECT_TRUE(Read(L"true").get_bool());
-    EXPECT_EQ(Read(L"-5").get_int(), -5);
     EXPECT_EQ(Read(L"-5000000000").get_int64(), -5000000000LL);
     EXPECT_EQ(Read(L"1.5").get_real(), 1.5);
 }
 
 TEST(JsonSpiritValue, GetIntCutsToTheLow32Bits)
 {
+    EXPECT_EQ(Read(L"-5").get_int(), -5);
     EXPECT_EQ(Read(L"2147483647").get_int(), 2147483647);
     EXPECT_EQ(Read(L"2147483648").get_int(), -2147483647 - 1);
-    EXPECT_EQ(Read(L"4294967296").get_int(), 0);
     EXPECT_EQ(Read(L"4294967298").get_int(), 2);
-    EXPECT_EQ(Read(L"9223372036854775807").get_int(), -1);
     EXPECT_EQ(Read(L"-9223372036854775808").get_int(), 0);
     EXPECT_EQ(Read(L"18446744073709551615").get_int(), -1);
 }
 
 TEST(JsonSpiritValue, AWrongAccessorSaysFoundAndExpectedType)
 {
-    EXPECT_EQ(ErrorOf([] { Read(L"\"1\"").get_int(); }), "value type is 2 not 4");
-    EXPECT_EQ(ErrorOf([] { Read(L"1.0").get_int(); }), "value type is 5 not 4");
-    EXPECT_EQ(ErrorOf([] { Read(L"null").get_int(); }), "value type is 6 not 4");
-    EXPECT_EQ(ErrorOf([] { Read(L"[]").get_obj(); }), "value type is 1 not 0");
-    EXPECT_EQ(ErrorOf([] { Read(L"{}").get_array(); }), "value type is 0 not 1");
-    EXPECT_EQ(ErrorOf([] { Read(L"1").get_str(); }), "value type is 4 not 2");
-    EXPECT_EQ(ErrorOf([] { Read(L"0").get_bool(); }), "value type is 4 not 3");
-    EXPECT_EQ(ErrorOf([] { Read(L"true").get_int64(); }), "value type is 3 not 4");
-    EXPECT_EQ(ErrorOf([] { Read(L"1").get_real(); }), "value type is 4 not 5");
-}
-
-TEST(JsonSpiritValue, TheNarrowKindHasTheSameErrors)
-{
-    EXPECT_EQ(ErrorOf([] { wmValue(L"1").get_int(); }), "value type is 2 not 4");
-    EXPECT_EQ(ErrorOf([] { wmValue().get_obj(); }), "value type is 6 not 0");
+    const struct
+    {
+        std::function<void()> access;
+        const char* error;
+    } rows[] = {
+        {[] { Read(L"\"1\"").get_int(); }, "value type is 2 not 4"},
+        {[] { Read(L"1.0").get_int(); }, "value type is 5 not 4"},
+        {[] { Read(L"null").get_int(); }, "value type is 6 not 4"},
+        {[] { Read(L"[]").get_obj(); }, "value type is 1 not 0"},
+        {[] { Read(L"{}").get_array(); }, "value type is 0 not 1"},
+        {[] { Read(L"1").get_str(); }, "value type is 4 not 2"},
+        {[] { Read(L"0").get_bool(); }, "value type is 4 not 3"},
+        {[] { Read(L"true").get_int64(); }, "value type is 3 not 4"},
+        {[] { Read(L"1").get_real(); }, "value type is 4 not 5"},
+    };
+    for (const auto& [access, error] : rows)
+    {
+        std::string thrown = "nothing";
+        try
+        {
+            access();
+        }
+        catch (const std::runtime_error& e)
+        {
+            thrown = e.what();
+        }
+        EXPECT_EQ(thrown, error);
+    }
 }
 
 TEST(JsonSpiritValue, CopiesAreDeep)
@@ -126,3 +120,5 @@ TEST(JsonSpiritValue, EqualityGoesByTypeAndContent)
     EXPECT_FALSE(Read(L"1") == Read(L"1.0"));
     EXPECT_FALSE(Read(L"null") == Read(L"false"));
 }
+
+} // namespace

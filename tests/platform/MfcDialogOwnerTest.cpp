@@ -14,168 +14,131 @@ namespace
 
 using namespace orva::test;
 
+// Notes how things are in its last moment.
+class COwnedDialog : public CDialog
+{
+public:
+    COwnedDialog(HWND parent, HWND main) : CDialog(IDD_PLAIN, CWnd::FromHandle(parent)), m_main(main) {}
+    BOOL m_enabledAtLast = FALSE;
+    HWND m_activeAtLast = nullptr;
+
+protected:
+    BOOL OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) override
+    {
+        if (message == WM_DESTROY)
+        {
+            m_enabledAtLast = ::IsWindowEnabled(m_main);
+            m_activeAtLast = ::GetActiveWindow();
+        }
+        return CDialog::OnWndMsg(message, wParam, lParam, result);
+    }
+
+private:
+    const HWND m_main;
+};
+
 class MfcDialogOwner : public testing::Test
 {
 protected:
     MfcDialogOwner() { SetActiveWindow(m_main); }
 
-    // Runs a dialog with that parent (null: none) and calls `look` with it while it is up.
-    void Run(HWND parent, const std::function<void(HWND)>& look)
+    // Runs a dialog with that parent (null: none). While it is up, it must belong to `owner`, and that and
+    // the main window must be disabled.
+    void Run(COwnedDialog& dialog, HWND owner)
     {
-        CDialog dialog(IDD_PLAIN, CWnd::FromHandle(parent));
         CUserScript user;
-        user.OnDialog(L"Plain", [look](HWND window) {
-            look(window);
+        user.OnDialog(L"Plain", [&](HWND window) {
+            EXPECT_EQ(owner, GetWindow(window, GW_OWNER));
+            EXPECT_FALSE(IsWindowEnabled(owner));
+            EXPECT_FALSE(IsWindowEnabled(m_main));
             EXPECT_TRUE(ClickButton(window, IDOK));
         });
         user.Start();
         EXPECT_EQ(IDOK, dialog.DoModal());
         user.Finish();
     }
+    void Run(HWND parent, HWND owner)
+    {
+        COwnedDialog dialog(parent, m_main);
+        Run(dialog, owner);
+    }
 
     AFX_MAINTAIN_STATE2 m_state{AfxGetStaticModuleState()};
     const CTestWindow m_main;
 };
 
-TEST_F(MfcDialogOwner, ParentIsDisabledMeanwhileAndActiveAfterwards)
+TEST_F(MfcDialogOwner, ParentIsDisabledMeanwhileAndEnabledAndActiveBeforeTheDialogGoes)
 {
-    Run(m_main, [this](HWND window) {
-        EXPECT_EQ(m_main, GetWindow(window, GW_OWNER));
-        EXPECT_FALSE(IsWindowEnabled(m_main));
-    });
+    // Otherwise the system activates another program's window, because ours cannot be.
+    COwnedDialog dialog(m_main, m_main);
+    Run(dialog, m_main);
+    EXPECT_TRUE(dialog.m_enabledAtLast);
+    EXPECT_EQ(m_main, dialog.m_activeAtLast);
     EXPECT_TRUE(IsWindowEnabled(m_main));
     EXPECT_EQ(m_main, GetActiveWindow());
     EXPECT_EQ(m_main, GetFocus());
 }
 
-TEST_F(MfcDialogOwner, ParentIsEnabledAndActiveBeforeTheDialogGoes)
-{
-    // Otherwise the system activates another program's window, because ours cannot be.
-    class CLastLookDialog : public CDialog
-    {
-    public:
-        explicit CLastLookDialog(HWND main) : CDialog(IDD_PLAIN, CWnd::FromHandle(main)), m_main(main) {}
-        BOOL m_enabled = FALSE;
-        HWND m_active = nullptr;
-
-    protected:
-        BOOL OnWndMsg(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) override
-        {
-            if (message == WM_DESTROY)
-            {
-                m_enabled = ::IsWindowEnabled(m_main);
-                m_active = ::GetActiveWindow();
-            }
-            return CDialog::OnWndMsg(message, wParam, lParam, result);
-        }
-
-    private:
-        const HWND m_main;
-    } dialog(m_main);
-    CUserScript user;
-    user.OnDialog(L"Plain", [](HWND window) { EXPECT_TRUE(ClickButton(window, IDOK)); });
-    user.Start();
-    EXPECT_EQ(IDOK, dialog.DoModal());
-    user.Finish();
-    EXPECT_TRUE(dialog.m_enabled);
-    EXPECT_EQ(m_main, dialog.m_active);
-}
-
 TEST_F(MfcDialogOwner, ParentThatWasDisabledStaysSo)
 {
     EnableWindow(m_main, FALSE);
-    Run(m_main, [this](HWND window) {
-        EXPECT_EQ(m_main, GetWindow(window, GW_OWNER));
-        EXPECT_FALSE(IsWindowEnabled(m_main));
-    });
+    Run(m_main, m_main);
     EXPECT_FALSE(IsWindowEnabled(m_main));
 }
 
 TEST_F(MfcDialogOwner, ChildAsParentStandsForItsTopLevelWindow)
 {
     const CTestWindow child(m_main, WS_CHILD | WS_VISIBLE);
-    Run(child, [&](HWND window) {
-        EXPECT_EQ(m_main, GetWindow(window, GW_OWNER));
-        EXPECT_FALSE(IsWindowEnabled(m_main));
-        EXPECT_TRUE(GetWindowLongPtrW(child, GWL_STYLE) & WS_CHILD);
-    });
+    const CTestWindow grandchild(child, WS_CHILD | WS_VISIBLE);
+    Run(grandchild, m_main);
+    // The system would look for the window above a child, too; the owner is found before.
+    HWND top = m_main;
+    EXPECT_EQ(m_main, CWnd::GetSafeOwner_(grandchild, &top));
+    EXPECT_EQ(nullptr, top) << "the owner itself is not the window to be disabled besides";
     EXPECT_TRUE(IsWindowEnabled(m_main));
 }
 
 TEST_F(MfcDialogOwner, WindowAboveAPopupParentIsDisabledToo)
 {
     const CTestWindow popup(m_main, WS_POPUP | WS_CAPTION | WS_VISIBLE);
-    Run(popup, [&](HWND window) {
-        EXPECT_EQ(popup, GetWindow(window, GW_OWNER));
-        EXPECT_FALSE(IsWindowEnabled(popup));
-        EXPECT_FALSE(IsWindowEnabled(m_main));
-    });
+    Run(popup, popup);
     EXPECT_TRUE(IsWindowEnabled(popup));
     EXPECT_TRUE(IsWindowEnabled(m_main));
     EXPECT_EQ(popup, GetActiveWindow());
+    EnableWindow(m_main, FALSE);
+    Run(popup, popup);
+    EXPECT_FALSE(IsWindowEnabled(m_main)) << "one that is disabled already is nobody's to enable";
 }
 
 TEST_F(MfcDialogOwner, WithoutAParentTheThreadsActiveWindowIsTheOwner)
 {
-    Run(nullptr, [this](HWND window) {
-        EXPECT_EQ(m_main, GetWindow(window, GW_OWNER));
-        EXPECT_FALSE(IsWindowEnabled(m_main));
-    });
+    Run(nullptr, m_main);
     EXPECT_TRUE(IsWindowEnabled(m_main));
     EXPECT_EQ(m_main, GetActiveWindow());
+    const CTestWindow popup(m_main, WS_POPUP | WS_CAPTION | WS_VISIBLE);
+    SetActiveWindow(popup);
+    Run(nullptr, popup);
+    EXPECT_TRUE(IsWindowEnabled(popup));
 }
 
 TEST_F(MfcDialogOwner, WithoutAParentADisabledActiveWindowIsTheOwnerAndStaysDisabled)
 {
     EnableWindow(m_main, FALSE);
     SetActiveWindow(m_main);
-    const HWND active = GetActiveWindow();
-    Run(nullptr, [=](HWND window) { EXPECT_EQ(active, GetWindow(window, GW_OWNER)); });
+    Run(nullptr, GetActiveWindow());
     EXPECT_FALSE(IsWindowEnabled(m_main));
 }
 
-TEST_F(MfcDialogOwner, DialogInADialogBelongsToTheOuterOne)
+TEST_F(MfcDialogOwner, WithoutAParentTheMainWindowsLastActivePopupIsTheOwner)
 {
-    class COuterDialog : public CDialog
-    {
-    public:
-        COuterDialog() : CDialog(IDD_OWN_BUTTONS) {}
-        HWND m_window = nullptr;
-        INT_PTR m_inner = 0;
-
-    protected:
-        afx_msg void OnProceed()
-        {
-            m_window = m_hWnd;
-            CDialog inner(IDD_PLAIN);
-            m_inner = inner.DoModal();
-            EXPECT_TRUE(::IsWindowEnabled(m_hWnd));
-            EXPECT_EQ(m_hWnd, ::GetActiveWindow());
-            OnCancel();
-        }
-        BOOL OnCommand(WPARAM wParam, LPARAM lParam) override
-        {
-            if (LOWORD(wParam) == IDC_PROCEED)
-            {
-                OnProceed();
-                return TRUE;
-            }
-            return CDialog::OnCommand(wParam, lParam);
-        }
-    } outer;
-    CUserScript user;
-    user.OnDialog(L"Own buttons", [](HWND window) { EXPECT_TRUE(ClickButton(window, IDC_PROCEED)); });
-    user.OnDialog(L"Plain", [&](HWND window) {
-        EXPECT_EQ(outer.m_window, GetWindow(window, GW_OWNER));
-        EXPECT_FALSE(IsWindowEnabled(outer.m_window));
-        EXPECT_FALSE(IsWindowEnabled(m_main));
-        EXPECT_TRUE(ClickButton(window, IDOK));
-    });
-    user.Start();
-    EXPECT_EQ(IDCANCEL, outer.DoModal());
-    user.Finish();
-    EXPECT_EQ(IDOK, outer.m_inner);
-    EXPECT_TRUE(IsWindowEnabled(m_main));
+    AFX_MODULE_STATE other(GetModuleHandleW(L"kernel32.dll"));
+    AFX_MANAGE_STATE(&other)
+    const CTestWindow popup(m_main, WS_POPUP | WS_CAPTION | WS_VISIBLE);
+    SetActiveWindow(popup);
+    CWinApp app(L"Name");
+    app.m_pMainWnd = CWnd::FromHandle(m_main);
+    EXPECT_EQ(popup, CWnd::GetSafeOwner_(nullptr, nullptr));
+    EXPECT_EQ(m_main, CWnd::GetSafeOwner_(m_main, nullptr)) << "a parent that is given is taken as it is";
 }
 
 } // namespace

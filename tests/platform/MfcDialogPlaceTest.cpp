@@ -1,4 +1,4 @@
-// Where a modal dialog comes up.
+// Where a modal dialog comes up, and where a window is centred.
 #include "MfcResources.h"
 #include "MfcTestWindow.h"
 
@@ -10,6 +10,9 @@
 
 namespace
 {
+
+// Without a caption, so that no window manager moves it.
+constexpr DWORD kPlain = WS_POPUP | WS_VISIBLE;
 
 // Notes its place when it is shown, before a window manager has a say, and ends.
 class CPlacedDialog : public CDialog
@@ -50,74 +53,91 @@ protected:
     }
     ~MfcDialogPlace() override { m_parent.Detach(); }
 
-    RECT PlaceOf(CPlacedDialog& dialog)
+    RECT PlaceOf(UINT id, std::optional<POINT> movesTo = {})
     {
+        CPlacedDialog dialog(id, &m_parent);
+        dialog.m_movesTo = movesTo;
         EXPECT_EQ(IDOK, dialog.DoModal());
         return dialog.m_shownAt;
     }
-    void ExpectCentred(const RECT& rect)
-    {
-        RECT owner = {};
-        GetWindowRect(m_owner, &owner);
-        EXPECT_NEAR(owner.left + owner.right, rect.left + rect.right, 2);
-        EXPECT_NEAR(owner.top + owner.bottom, rect.top + rect.bottom, 2);
-    }
-    POINT OwnersClientOrigin() const
-    {
-        POINT origin = {0, 0};
-        ClientToScreen(m_owner, &origin);
-        return origin;
-    }
 
     AFX_MAINTAIN_STATE2 m_state{AfxGetStaticModuleState()};
-    // Without a caption, so that no window manager moves it.
-    const CTestWindow m_owner{nullptr, WS_POPUP | WS_VISIBLE};
+    const CTestWindow m_owner{nullptr, kPlain};
     CWnd m_parent;
 };
 
-TEST_F(MfcDialogPlace, IsCentredOverItsOwner)
+TEST_F(MfcDialogPlace, TemplateOfEitherFormIsCentredOverTheOwner)
 {
-    CPlacedDialog dialog(IDD_PLAIN, &m_parent);
-    ExpectCentred(PlaceOf(dialog));
+    RECT owner = {};
+    GetWindowRect(m_owner, &owner);
+    for (const UINT id : {UINT{IDD_PLAIN}, UINT{IDD_OLD_FORM}})
+    {
+        const RECT rect = PlaceOf(id);
+        EXPECT_NEAR(owner.left + owner.right, rect.left + rect.right, 2) << id;
+        EXPECT_NEAR(owner.top + owner.bottom, rect.top + rect.bottom, 2) << id;
+    }
 }
 
-TEST_F(MfcDialogPlace, TemplateOfTheOldFormIsCentredToo)
+TEST_F(MfcDialogPlace, TemplateOfEitherFormWithAPositionKeepsIt)
 {
-    CPlacedDialog dialog(IDD_OLD_FORM, &m_parent);
-    ExpectCentred(PlaceOf(dialog));
-}
-
-TEST_F(MfcDialogPlace, TemplateWithAPositionKeepsIt)
-{
-    CPlacedDialog dialog(IDD_POSITIONED, &m_parent);
-    const RECT rect = PlaceOf(dialog);
-    const POINT origin = OwnersClientOrigin();
-    // Some dialog units right of and below the owner's corner; whether its frame counts differs by system.
-    EXPECT_GT(rect.left, origin.x + 20);
-    EXPECT_LT(rect.left, origin.x + 80);
-    EXPECT_GT(rect.top, origin.y - 10);
-    EXPECT_LT(rect.top, origin.y + 60);
-}
-
-TEST_F(MfcDialogPlace, TemplateOfTheOldFormWithAPositionKeepsIt)
-{
-    CPlacedDialog dialog(IDD_OLD_POSITIONED, &m_parent);
-    EXPECT_LT(PlaceOf(dialog).left, OwnersClientOrigin().x + 80);
+    POINT origin = {0, 0};
+    ClientToScreen(m_owner, &origin);
+    for (const UINT id : {UINT{IDD_POSITIONED}, UINT{IDD_OLD_POSITIONED}})
+    {
+        const RECT rect = PlaceOf(id);
+        // Some dialog units right of and below the owner's corner; whether its frame counts differs by
+        // system.
+        EXPECT_GT(rect.left, origin.x + 20) << id;
+        EXPECT_LT(rect.left, origin.x + 80) << id;
+        EXPECT_GT(rect.top, origin.y - 10) << id;
+        EXPECT_LT(rect.top, origin.y + 60) << id;
+    }
 }
 
 TEST_F(MfcDialogPlace, AbsolutePlacementIsNotCentred)
 {
-    CPlacedDialog dialog(IDD_ABSOLUTE, &m_parent);
-    EXPECT_LT(PlaceOf(dialog).left, 100);
+    EXPECT_LT(PlaceOf(IDD_ABSOLUTE).left, 100);
 }
 
 TEST_F(MfcDialogPlace, DialogMovedByOnInitDialogStaysThere)
 {
-    CPlacedDialog dialog(IDD_PLAIN, &m_parent);
-    dialog.m_movesTo = {33, 44};
-    const RECT rect = PlaceOf(dialog);
+    const RECT rect = PlaceOf(IDD_PLAIN, POINT{33, 44});
     EXPECT_EQ(33, rect.left);
     EXPECT_EQ(44, rect.top);
+}
+
+TEST(MfcCenterWindow, IsOverTheVisibleOwnerAndInsideTheWorkArea)
+{
+    RECT work = {};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    const POINT middle = {(work.left + work.right) / 2, (work.top + work.bottom) / 2};
+    const struct
+    {
+        const char* what;
+        DWORD ownersStyle;
+        POINT owner; // 600 by 500
+        POINT expected;
+    } rows[] = {
+        {"the owner's middle", kPlain, {200, 150}, {300, 250}},
+        {"inside the work area", kPlain, {-550, -450}, {0, 0}},
+        {"over no hidden owner", WS_POPUP, {0, 0}, {middle.x - 200, middle.y - 150}},
+    };
+    for (const auto& [what, ownersStyle, owner, expected] : rows)
+    {
+        SCOPED_TRACE(what);
+        const CTestWindow main(nullptr, ownersStyle);
+        SetWindowPos(main, nullptr, owner.x, owner.y, 600, 500, SWP_NOZORDER);
+        const CTestWindow popup(main, WS_POPUP);
+        SetWindowPos(popup, nullptr, 10, 10, 400, 300, SWP_NOZORDER);
+        CWnd wnd;
+        wnd.Attach(popup);
+        wnd.CenterWindow();
+        wnd.Detach();
+        RECT rect = {};
+        GetWindowRect(popup, &rect);
+        EXPECT_EQ(expected.x, rect.left);
+        EXPECT_EQ(expected.y, rect.top);
+    }
 }
 
 } // namespace

@@ -14,59 +14,63 @@ namespace
 
 using orva::test::Utf8;
 
-class CCountedException : public CException
-{
-public:
-    explicit CCountedException(int& deaths) : m_deaths(deaths) {}
-    ~CCountedException() override { ++m_deaths; }
-
-private:
-    int& m_deaths;
-};
-
-std::wstring SystemMessage(DWORD error)
+// The text of the error in that module's message table (null: the system's); empty if it has none.
+std::string MessageOf(DWORD error, HMODULE module = nullptr)
 {
     wchar_t text[1024] = {};
-    FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error, 0, text,
-                   static_cast<DWORD>(std::size(text)), nullptr);
-    return text;
+    FormatMessageW((module ? FORMAT_MESSAGE_FROM_HMODULE : FORMAT_MESSAGE_FROM_SYSTEM) |
+                       FORMAT_MESSAGE_IGNORE_INSERTS,
+                   module, error, 0, text, static_cast<DWORD>(std::size(text)), nullptr);
+    return Utf8(text);
 }
 
 TEST(MfcException, DeleteDestroysAnExceptionFromTheHeap)
 {
+    class CCountedException : public CException
+    {
+    public:
+        explicit CCountedException(int& deaths) : m_deaths(deaths) {}
+        ~CCountedException() override { ++m_deaths; }
+
+    private:
+        int& m_deaths;
+    };
     int deaths = 0;
     CException* const exception = new CCountedException(deaths);
     exception->Delete();
     EXPECT_EQ(1, deaths);
 }
 
-TEST(MfcException, BaseHasNoTextAndClearsTheBuffer)
+TEST(MfcException, TextIsTheSystemsOrWinInetsOrNoneAndThereIsNoHelp)
 {
-    const CException exception;
-    wchar_t text[8] = L"before";
-    UINT help = 7;
-    EXPECT_FALSE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text)), &help));
-    EXPECT_EQ(L'\0', text[0]);
-    EXPECT_EQ(0U, help);
-    EXPECT_FALSE(exception.GetErrorMessage(nullptr, 0));
-}
-
-TEST(MfcException, FileExceptionGivesTheSystemsText)
-{
-    const CFileException exception(CFileException::fileNotFound, ERROR_FILE_NOT_FOUND, L"C:\\x");
-    wchar_t text[1024] = {};
-    EXPECT_TRUE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text))));
-    ASSERT_FALSE(SystemMessage(ERROR_FILE_NOT_FOUND).empty());
-    EXPECT_EQ(Utf8(SystemMessage(ERROR_FILE_NOT_FOUND)), Utf8(text));
-}
-
-TEST(MfcException, FileExceptionWithoutWin32ErrorHasNoText)
-{
-    const CFileException exception(CFileException::diskFull);
-    EXPECT_EQ(-1, exception.m_lOsError);
-    wchar_t text[16] = L"before";
-    EXPECT_FALSE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text))));
-    EXPECT_EQ(L'\0', text[0]);
+    // Windows' wininet.dll holds a message table, Wine's does not: there such an error has no text.
+    const HMODULE winInet = LoadLibraryW(L"wininet.dll");
+    const CException base;
+    const CFileException notFound(CFileException::fileNotFound, ERROR_FILE_NOT_FOUND, L"C:\\x");
+    const CFileException withoutError(CFileException::diskFull);
+    const CInternetException invalid(ERROR_INVALID_PARAMETER);
+    const CInternetException notResolved(ERROR_INTERNET_NAME_NOT_RESOLVED);
+    const CInternetException unknown(0xE1234567);
+    ASSERT_NE("", MessageOf(ERROR_FILE_NOT_FOUND));
+    const std::pair<const CException&, std::string> rows[] = {
+        {base, ""},
+        {notFound, MessageOf(ERROR_FILE_NOT_FOUND)},
+        {withoutError, ""},
+        {invalid, MessageOf(ERROR_INVALID_PARAMETER)},
+        {notResolved, MessageOf(ERROR_INTERNET_NAME_NOT_RESOLVED, winInet)},
+        {unknown, ""},
+    };
+    for (const auto& [exception, expected] : rows)
+    {
+        wchar_t text[1024] = L"before";
+        UINT help = 7;
+        EXPECT_EQ(!expected.empty(),
+                  exception.GetErrorMessage(text, static_cast<UINT>(std::size(text)), &help));
+        EXPECT_EQ(expected, Utf8(text));
+        EXPECT_EQ(0U, help);
+    }
+    EXPECT_FALSE(base.GetErrorMessage(nullptr, 0));
+    EXPECT_EQ(-1, withoutError.m_lOsError);
 }
 
 TEST(MfcException, TextIsCutToTheBufferWithItsTerminator)
@@ -75,45 +79,15 @@ TEST(MfcException, TextIsCutToTheBufferWithItsTerminator)
     wchar_t text[8];
     std::wmemset(text, L'#', std::size(text));
     EXPECT_TRUE(exception.GetErrorMessage(text, 5));
-    EXPECT_EQ(Utf8(SystemMessage(ERROR_FILE_NOT_FOUND).substr(0, 4)), Utf8(text));
+    EXPECT_EQ(MessageOf(ERROR_FILE_NOT_FOUND).substr(0, 4), Utf8(text));
     EXPECT_EQ(L'#', text[5]);
-}
-
-TEST(MfcException, InternetExceptionTakesASystemErrorFromTheSystem)
-{
-    const CInternetException exception(ERROR_INVALID_PARAMETER);
-    wchar_t text[1024] = {};
-    EXPECT_TRUE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text))));
-    EXPECT_EQ(Utf8(SystemMessage(ERROR_INVALID_PARAMETER)), Utf8(text));
-}
-
-// Windows' wininet.dll holds a message table, Wine's does not: there such an error has no text.
-TEST(MfcException, InternetExceptionTakesItsTextFromWinInetsMessageTable)
-{
-    wchar_t expected[1024] = {};
-    const BOOL hasText = FormatMessageW(FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_IGNORE_INSERTS,
-                                        LoadLibraryW(L"wininet.dll"), ERROR_INTERNET_NAME_NOT_RESOLVED, 0,
-                                        expected, static_cast<DWORD>(std::size(expected)), nullptr) != 0;
-    const CInternetException exception(ERROR_INTERNET_NAME_NOT_RESOLVED);
-    wchar_t text[1024] = L"before";
-    UINT help = 7;
-    EXPECT_EQ(hasText, exception.GetErrorMessage(text, static_cast<UINT>(std::size(text)), &help));
-    EXPECT_EQ(Utf8(expected), Utf8(text));
-    EXPECT_EQ(0U, help);
-}
-
-TEST(MfcException, UnknownErrorHasNoText)
-{
-    const CInternetException exception(0xE1234567);
-    wchar_t text[16] = L"before";
-    EXPECT_FALSE(exception.GetErrorMessage(text, static_cast<UINT>(std::size(text))));
-    EXPECT_EQ(L'\0', text[0]);
 }
 
 TEST(MfcException, ThrowInternetExceptionTakesTheLastErrorUnlessOneIsGiven)
 {
     for (const DWORD given : {DWORD{0}, DWORD{ERROR_INTERNET_TIMEOUT}})
     {
+        DWORD thrown = 0;
         SetLastError(ERROR_INTERNET_CANNOT_CONNECT);
         try
         {
@@ -121,10 +95,11 @@ TEST(MfcException, ThrowInternetExceptionTakesTheLastErrorUnlessOneIsGiven)
         }
         catch (CInternetException* exception)
         {
-            EXPECT_EQ(given != 0 ? given : ERROR_INTERNET_CANNOT_CONNECT, exception->m_dwError);
+            thrown = exception->m_dwError;
             EXPECT_EQ(42U, exception->m_dwContext);
             exception->Delete();
         }
+        EXPECT_EQ(given != 0 ? given : ERROR_INTERNET_CANNOT_CONNECT, thrown);
     }
 }
 

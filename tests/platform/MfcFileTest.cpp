@@ -41,7 +41,12 @@ template <typename F> std::optional<CFileFailure> FailureOf(F action)
     return std::nullopt;
 }
 
-bool CanOpen(const std::wstring& path, DWORD access, DWORD share)
+// Flags that callers add up.
+static_assert((CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite) == 0x1021);
+static_assert(CFile::modeRead == 0 && CFile::modeReadWrite == 2 && CFile::shareExclusive == 0x10 &&
+              CFile::shareDenyNone == 0x40 && CFile::modeNoTruncate == 0x2000 && CFile::typeBinary == 0x8000);
+
+bool CanOpen(const std::wstring& path, DWORD access, DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE)
 {
     const HANDLE file =
         CreateFileW(path.c_str(), access, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -56,46 +61,33 @@ bool CanOpen(const std::wstring& path, DWORD access, DWORD share)
 class MfcFile : public testing::Test
 {
 protected:
-    // Writes `content` to the test's file.
-    void Fill(const std::string& content)
+    // Opens the test's file for writing, with more flags.
+    void Create(CFile& file, UINT flags = 0)
     {
-        CFile file;
-        ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite));
-        file.Write(content.data(), static_cast<UINT>(content.length()));
+        ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite | flags));
     }
 
     CTempFolder m_folder;
     std::wstring m_path = m_folder.File(L"file.bin");
 };
 
-TEST_F(MfcFile, FlagsHaveTheOriginalsValues)
-{
-    EXPECT_EQ(0x1021U, CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite);
-    EXPECT_EQ(0U, +CFile::modeRead);
-    EXPECT_EQ(2U, +CFile::modeReadWrite);
-    EXPECT_EQ(0x10U, +CFile::shareExclusive);
-    EXPECT_EQ(0x40U, +CFile::shareDenyNone);
-    EXPECT_EQ(0x2000U, +CFile::modeNoTruncate);
-    EXPECT_EQ(0x8000U, +CFile::typeBinary);
-}
-
-TEST_F(MfcFile, StartsClosed)
-{
-    CFile file;
-    EXPECT_EQ(CFile::hFileNull, file.m_hFile);
-    EXPECT_EQ(INVALID_HANDLE_VALUE, file.m_hFile);
-}
-
 TEST_F(MfcFile, CreatesAndWrites)
 {
     CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeReadWrite));
+    EXPECT_EQ(INVALID_HANDLE_VALUE, file.m_hFile);
+    Create(file);
     EXPECT_NE(CFile::hFileNull, file.m_hFile);
     file.Write("hello\n", 6);
     file.Write("world", 5);
     file.Write(nullptr, 0);
     file.Close();
     EXPECT_EQ("hello\nworld", ReadFileBytes(m_path));
+    Create(file, CFile::modeNoTruncate);
+    file.Close();
+    EXPECT_EQ("hello\nworld", ReadFileBytes(m_path));
+    Create(file);
+    file.Close();
+    EXPECT_EQ("", ReadFileBytes(m_path));
 }
 
 TEST_F(MfcFile, RelativeNameBecomesTheFullPath)
@@ -113,54 +105,24 @@ TEST_F(MfcFile, RelativeNameBecomesTheFullPath)
     EXPECT_EQ(Utf8(m_path), failure->fileName);
 }
 
-TEST_F(MfcFile, CreateEmptiesAnExistingFile)
+TEST_F(MfcFile, ShareFlagSaysWhatOthersMay)
 {
-    Fill("before");
-    CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite));
-    file.Close();
-    EXPECT_EQ("", ReadFileBytes(m_path));
-}
-
-TEST_F(MfcFile, CreateWithNoTruncateKeepsTheContent)
-{
-    Fill("before");
-    CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeNoTruncate | CFile::modeWrite));
-    file.Close();
-    EXPECT_EQ("before", ReadFileBytes(m_path));
-}
-
-TEST_F(MfcFile, DenyWriteLetsOthersReadOnly)
-{
-    CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyWrite));
-    EXPECT_TRUE(CanOpen(m_path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE));
-    EXPECT_FALSE(CanOpen(m_path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE));
-}
-
-TEST_F(MfcFile, DenyReadLetsOthersWriteOnly)
-{
-    CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyRead));
-    EXPECT_FALSE(CanOpen(m_path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE));
-    EXPECT_TRUE(CanOpen(m_path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE));
-}
-
-TEST_F(MfcFile, DenyNoneLetsOthersReadAndWrite)
-{
-    CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite | CFile::shareDenyNone));
-    EXPECT_TRUE(CanOpen(m_path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE));
-}
-
-TEST_F(MfcFile, ExclusiveAndCompatKeepOthersOut)
-{
-    for (const UINT share : {UINT{CFile::shareExclusive}, UINT{CFile::shareCompat}})
+    const struct
+    {
+        UINT share;
+        bool mayRead;
+        bool mayWrite;
+    } rows[] = {
+        {CFile::shareCompat, false, false},   {CFile::shareExclusive, false, false},
+        {CFile::shareDenyWrite, true, false}, {CFile::shareDenyRead, false, true},
+        {CFile::shareDenyNone, true, true},
+    };
+    for (const auto& [share, mayRead, mayWrite] : rows)
     {
         CFile file;
-        ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite | share));
-        EXPECT_FALSE(CanOpen(m_path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE)) << share;
+        Create(file, share);
+        EXPECT_EQ(mayRead, CanOpen(m_path, GENERIC_READ)) << share;
+        EXPECT_EQ(mayWrite, CanOpen(m_path, GENERIC_WRITE)) << share;
     }
 }
 
@@ -169,7 +131,7 @@ TEST_F(MfcFile, HandleIsInheritedUnlessToldOtherwise)
     for (const UINT inherit : {UINT{0}, UINT{CFile::modeNoInherit}})
     {
         CFile file;
-        ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite | inherit));
+        Create(file, inherit);
         DWORD flags = 0;
         ASSERT_TRUE(GetHandleInformation(file.m_hFile, &flags));
         EXPECT_EQ(inherit == 0, (flags & HANDLE_FLAG_INHERIT) != 0);
@@ -212,12 +174,15 @@ TEST_F(MfcFile, FailedOpenTellsTheWin32ErrorBothWays)
         EXPECT_EQ(Utf8(path), Utf8(exception.m_strFileName.GetString()));
         EXPECT_EQ(CFile::hFileNull, file.m_hFile);
     }
+    CFile file;
+    EXPECT_FALSE(file.Open(nullptr, CFile::modeRead));
+    EXPECT_EQ(DWORD{ERROR_PATH_NOT_FOUND}, GetLastError());
 }
 
 TEST_F(MfcFile, FileInUseIsASharingViolation)
 {
     CFile first;
-    ASSERT_TRUE(first.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite));
+    Create(first);
     CFile second;
     CFileException exception;
     EXPECT_FALSE(second.Open(m_path.c_str(), CFile::modeRead, &exception));
@@ -225,46 +190,31 @@ TEST_F(MfcFile, FileInUseIsASharingViolation)
     EXPECT_EQ(ERROR_SHARING_VIOLATION, exception.m_lOsError);
 }
 
-TEST_F(MfcFile, OpenWithoutNameFails)
+TEST_F(MfcFile, CloseAnotherOpenAndTheDestructorReleaseTheFile)
 {
     CFile file;
-    EXPECT_FALSE(file.Open(nullptr, CFile::modeRead));
-    EXPECT_EQ(DWORD{ERROR_PATH_NOT_FOUND}, GetLastError());
-}
-
-TEST_F(MfcFile, OpenAgainClosesTheFormerFile)
-{
-    CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite));
-    ASSERT_TRUE(file.Open(m_folder.File(L"other").c_str(), CFile::modeCreate | CFile::modeWrite));
-    EXPECT_TRUE(CanOpen(m_path, GENERIC_READ, 0));
-}
-
-TEST_F(MfcFile, DestructorCloses)
-{
-    {
-        CFile file;
-        ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite));
-        EXPECT_FALSE(CanOpen(m_path, GENERIC_READ, FILE_SHARE_WRITE));
-    }
-    EXPECT_TRUE(CanOpen(m_path, GENERIC_READ, 0));
-}
-
-TEST_F(MfcFile, CloseReleasesTheFileAndMayBeRepeated)
-{
-    CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite));
+    Create(file);
+    EXPECT_FALSE(CanOpen(m_path, GENERIC_READ));
     file.Close();
     EXPECT_EQ(CFile::hFileNull, file.m_hFile);
     EXPECT_TRUE(CanOpen(m_path, GENERIC_READ, 0));
-    EXPECT_FALSE(FailureOf([&] { file.Close(); }));
+    EXPECT_FALSE(FailureOf([&] { file.Close(); })) << "it is closed already";
     file.Abort();
+
+    Create(file);
+    ASSERT_TRUE(file.Open(m_folder.File(L"other").c_str(), CFile::modeCreate | CFile::modeWrite));
+    EXPECT_TRUE(CanOpen(m_path, GENERIC_READ, 0));
+    {
+        CFile brief;
+        Create(brief);
+    }
+    EXPECT_TRUE(CanOpen(m_path, GENERIC_READ, 0));
 }
 
 TEST_F(MfcFile, FailedCloseThrowsAndLeavesTheObjectClosed)
 {
     CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite));
+    Create(file);
     CloseHandle(file.m_hFile);
     const auto failure = FailureOf([&] { file.Close(); });
     ASSERT_TRUE(failure);
@@ -277,31 +227,26 @@ TEST_F(MfcFile, FailedCloseThrowsAndLeavesTheObjectClosed)
 TEST_F(MfcFile, AbortIgnoresFailures)
 {
     CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeCreate | CFile::modeWrite));
+    Create(file);
     CloseHandle(file.m_hFile);
     EXPECT_FALSE(FailureOf([&] { file.Abort(); }));
     EXPECT_EQ(CFile::hFileNull, file.m_hFile);
 }
 
-TEST_F(MfcFile, WriteToAFileOpenedForReadingThrowsAccessDenied)
-{
-    Fill("content");
-    CFile file;
-    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeRead));
-    const auto failure = FailureOf([&] { file.Write("x", 1); });
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(CFileException::accessDenied, failure->cause);
-    EXPECT_EQ(ERROR_ACCESS_DENIED, failure->osError);
-    EXPECT_EQ(Utf8(m_path), failure->fileName);
-}
-
-TEST_F(MfcFile, WritingToAClosedFileThrows)
+TEST_F(MfcFile, WritingToAFileThatIsClosedOrOpenForReadingThrows)
 {
     CFile file;
-    const auto failure = FailureOf([&] { file.Write("x", 1); });
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(CFileException::invalidFile, failure->cause);
     EXPECT_FALSE(FailureOf([&] { file.Write("", 0); }));
+    const auto closed = FailureOf([&] { file.Write("x", 1); });
+    ASSERT_TRUE(closed);
+    EXPECT_EQ(CFileException::invalidFile, closed->cause);
+    Create(file);
+    ASSERT_TRUE(file.Open(m_path.c_str(), CFile::modeRead));
+    const auto readOnly = FailureOf([&] { file.Write("x", 1); });
+    ASSERT_TRUE(readOnly);
+    EXPECT_EQ(CFileException::accessDenied, readOnly->cause);
+    EXPECT_EQ(ERROR_ACCESS_DENIED, readOnly->osError);
+    EXPECT_EQ(Utf8(m_path), readOnly->fileName);
 }
 
 // A pipe that does not wait takes what fits, which is the one way to a write that succeeds in part only.

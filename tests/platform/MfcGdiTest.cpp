@@ -11,7 +11,7 @@ bool Exists(HGDIOBJ object)
     return GetObjectType(object) != 0;
 }
 
-TEST(MfcGdi, BrushPaintsARectangleAndThePreviousOneComesBack)
+TEST(MfcGdi, BrushPaintsARectangleAndSelectionAndColoursReturnThePreviousOnes)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState())
     CDC dc;
@@ -30,20 +30,13 @@ TEST(MfcGdi, BrushPaintsARectangleAndThePreviousOneComesBack)
     EXPECT_EQ(RGB(255, 0, 0), GetPixel(dc.m_hDC, 6, 6));
     EXPECT_EQ(RGB(0, 0, 0), GetPixel(dc.m_hDC, 7, 7));
     EXPECT_EQ(brush.m_hObject, dc.SelectObject(previous)->m_hObject);
-
-    SelectObject(dc.m_hDC, previousBitmap);
-    DeleteObject(bitmap);
-}
-
-TEST(MfcGdi, ColoursReturnThePreviousOnes)
-{
-    CDC dc;
-    dc.m_hDC = CreateCompatibleDC(nullptr);
-    ASSERT_TRUE(dc.m_hDC);
     EXPECT_EQ(RGB(255, 255, 255), dc.SetBkColor(RGB(1, 2, 3)));
     EXPECT_EQ(RGB(1, 2, 3), dc.SetBkColor(0));
     EXPECT_EQ(RGB(0, 0, 0), dc.SetTextColor(RGB(4, 5, 6)));
     EXPECT_EQ(RGB(4, 5, 6), dc.SetTextColor(0));
+
+    SelectObject(dc.m_hDC, previousBitmap);
+    DeleteObject(bitmap);
 }
 
 TEST(MfcGdi, ObjectIsDeletedWithItsOwner)

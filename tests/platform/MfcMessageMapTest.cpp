@@ -113,65 +113,47 @@ protected:
     using Calls = std::vector<std::string>;
 };
 
-TEST_F(MfcMessageMap, DerivedEntryGoesBeforeTheBaseClasss)
+TEST_F(MfcMessageMap, DerivedEntryGoesBeforeTheBaseClassWhichServesTheRest)
 {
     EXPECT_EQ(2, m_wnd.SendMessage(kOwnMessage));
-    EXPECT_EQ(Calls{"derived own"}, m_wnd.m_calls);
-}
-
-TEST_F(MfcMessageMap, BaseEntryServesWhatTheDerivedMapHasNot)
-{
     EXPECT_EQ(12, m_wnd.SendMessage(kBaseMessage, 5, 7));
-    EXPECT_EQ(Calls{"base"}, m_wnd.m_calls);
+    EXPECT_EQ((Calls{"derived own", "base"}), m_wnd.m_calls);
 }
 
-TEST_F(MfcMessageMap, VirtualHandlerNamedByTheBaseIsCalledInTheDerivedClass)
-{
-    m_wnd.SendMessage(WM_COMMAND, 9);
-    EXPECT_EQ(Calls{"derived virtual"}, m_wnd.m_calls);
-}
-
-TEST_F(MfcMessageMap, ButtonClickReachesItsHandlerAndAnswersOne)
+TEST_F(MfcMessageMap, CommandReachesTheHandlerOfItsIdAndCode)
 {
     const CTestWindow button(m_window, WS_CHILD, L"BUTTON");
-    EXPECT_EQ(1, m_wnd.SendMessage(WM_COMMAND, MAKEWPARAM(20, BN_CLICKED),
-                                   reinterpret_cast<LPARAM>(static_cast<HWND>(button))));
-    EXPECT_EQ(Calls{"clicked"}, m_wnd.m_calls);
+    const struct
+    {
+        const char* what;
+        WPARAM wParam;
+        HWND control;
+        LRESULT result;
+        Calls calls;
+    } rows[] = {
+        {"a click", MAKEWPARAM(20, BN_CLICKED), button, 1, {"clicked"}},
+        {"another notification is no click", MAKEWPARAM(20, BN_SETFOCUS), button, 0, {}},
+        {"an accelerator's code counts as a command", MAKEWPARAM(7, 1), nullptr, 1, {"base command"}},
+        {"an unknown command is the window's own affair", 8, nullptr, 0, {}},
+        {"a virtual handler named by the base", 9, nullptr, 1, {"derived virtual"}},
+    };
+    for (const auto& [what, wParam, control, result, calls] : rows)
+    {
+        SCOPED_TRACE(what);
+        m_wnd.m_calls.clear();
+        EXPECT_EQ(result, m_wnd.SendMessage(WM_COMMAND, wParam, reinterpret_cast<LPARAM>(control)));
+        EXPECT_EQ(calls, m_wnd.m_calls);
+    }
 }
 
-TEST_F(MfcMessageMap, OtherNotificationOfTheButtonIsNoClick)
-{
-    const CTestWindow button(m_window, WS_CHILD, L"BUTTON");
-    EXPECT_EQ(0, m_wnd.SendMessage(WM_COMMAND, MAKEWPARAM(20, BN_SETFOCUS),
-                                   reinterpret_cast<LPARAM>(static_cast<HWND>(button))));
-    EXPECT_EQ(Calls{}, m_wnd.m_calls);
-}
-
-TEST_F(MfcMessageMap, AcceleratorCodeCountsAsACommand)
-{
-    EXPECT_EQ(1, m_wnd.SendMessage(WM_COMMAND, MAKEWPARAM(7, 1)));
-    EXPECT_EQ(Calls{"base command"}, m_wnd.m_calls);
-}
-
-TEST_F(MfcMessageMap, UnknownCommandGoesToTheWindowsOwnProcedure)
-{
-    EXPECT_EQ(0, m_wnd.SendMessage(WM_COMMAND, 8));
-    EXPECT_EQ(Calls{}, m_wnd.m_calls);
-}
-
-TEST_F(MfcMessageMap, NotificationPassesItsHeaderAndItsResult)
+TEST_F(MfcMessageMap, NotificationOfItsCodeAndControlPassesItsHeaderAndItsResult)
 {
     m_wnd.m_notifyResult = 42;
     EXPECT_EQ(42, Notify(30, UINT(NM_CLICK), m_window));
     EXPECT_EQ(Calls{"link 30"}, m_wnd.m_calls);
-}
-
-TEST_F(MfcMessageMap, NotificationOfAnotherCodeOrControlIsNotHandled)
-{
-    m_wnd.m_notifyResult = 42;
     EXPECT_EQ(0, Notify(30, UINT(NM_DBLCLK), m_window));
     EXPECT_EQ(0, Notify(31, UINT(NM_CLICK), m_window));
-    EXPECT_EQ(Calls{}, m_wnd.m_calls);
+    EXPECT_EQ(Calls{"link 30"}, m_wnd.m_calls);
 }
 
 TEST_F(MfcMessageMap, HandlerInfoIsFilledWithoutACall)
@@ -214,17 +196,12 @@ TEST_F(MfcMessageMap, EachControlColorMessageReachesOneHandlerWithTheControlsKin
     ReleaseDC(m_window, dc);
 }
 
-TEST_F(MfcMessageMap, CloseWithoutTheDefaultLeavesTheWindow)
+TEST_F(MfcMessageMap, CloseWithoutTheDefaultLeavesTheWindowAndDestroyIsHandledOnce)
 {
     EXPECT_EQ(0, m_wnd.SendMessage(WM_CLOSE));
-    EXPECT_EQ(Calls{"close"}, m_wnd.m_calls);
     EXPECT_TRUE(IsWindow(m_window));
-}
-
-TEST_F(MfcMessageMap, DestroyIsHandledOnce)
-{
     m_wnd.DestroyWindow();
-    EXPECT_EQ(Calls{"destroy"}, m_wnd.m_calls);
+    EXPECT_EQ((Calls{"close", "destroy"}), m_wnd.m_calls);
 }
 
 } // namespace

@@ -37,54 +37,28 @@ static_assert(!CFormattable<CConvertible> && !CFormattable<std::wstring> && !CFo
               !CFormattable<char[4]> && !CFormattable<long long> && !CFormattable<double> &&
               !CFormattable<void*> && !CFormattable<int*>);
 
-TEST(MfcStringFormat, FillsInIntegers)
+TEST(MfcStringFormat, FillsInIntegersAndTexts)
 {
     EXPECT_EQ("1.2.0", Formatted(L"%d.%d.%d", 1, 2, 0));
     EXPECT_EQ("-2147483648 2147483647", Formatted(L"%d %d", -2147483647 - 1, 2147483647L));
     EXPECT_EQ("-1", Formatted(L"%d", 0xFFFFFFFFu));
     EXPECT_EQ("7 1", Formatted(L"%d %d", Colour::Green, true));
-}
-
-TEST(MfcStringFormat, FillsInTexts)
-{
     EXPECT_EQ("<a> <b>", Formatted(L"<%s> <%s>", L"a", CString(L"b")));
-    EXPECT_EQ("Gr\xC3\xBC\xC3\x9F"
-              "e",
-              Formatted(L"%s", L"Gr\u00FC\u00DFe"));
+    EXPECT_EQ(Utf8(L"Gr\u00FC\u00DFe"), Formatted(L"%s", L"Gr\u00FC\u00DFe"));
     EXPECT_EQ("(null)", Formatted(L"%s", static_cast<LPCWSTR>(nullptr)));
     EXPECT_EQ(std::string(5000, 'x'), Formatted(L"%s", std::wstring(5000, L'x').c_str()));
+    EXPECT_EQ("100 %s %d", Formatted(L"%d %s", 100, L"%s %d")) << "texts are no formats";
 }
 
-TEST(MfcStringFormat, TextsAreNoFormats)
-{
-    EXPECT_EQ("100 %s %d", Formatted(L"%d %s", 100, L"%s %d"));
-}
-
-TEST(MfcStringFormat, TwoPercentSignsAreOne)
-{
-    EXPECT_EQ("50 % %s", Formatted(L"%d %% %%s", 50));
-}
-
-TEST(MfcStringFormat, PlaceholderWithoutAnArgumentOrOfTheOtherKindStays)
+TEST(MfcStringFormat, WhatDoesNotAgreeStaysAsItIsWritten)
 {
     EXPECT_EQ("1 %d %s", Formatted(L"%d %d %s", 1));
     EXPECT_EQ("%s %d", Formatted(L"%s %d", 1, L"a"));
     EXPECT_EQ("%d 2", Formatted(L"%d %d", L"a", 2)) << "the argument of the wrong kind is used up";
-}
-
-TEST(MfcStringFormat, EveryOtherPercentSignStaysAndUsesNoArgument)
-{
-    EXPECT_EQ("%x %5d 1", Formatted(L"%x %5d %d", 1));
+    EXPECT_EQ("50 % %s", Formatted(L"%d %% %%s", 50)) << "two percent signs are one";
+    EXPECT_EQ("%x %5d 1", Formatted(L"%x %5d %d", 1)) << "another use of the sign takes no argument";
     EXPECT_EQ("%n%", Formatted(L"%n%", 1));
-}
-
-TEST(MfcStringFormat, ArgumentsLeftOverAreIgnored)
-{
-    EXPECT_EQ("1", Formatted(L"%d", 1, 2, L"a"));
-}
-
-TEST(MfcStringFormat, NoFormatIsTheEmptyText)
-{
+    EXPECT_EQ("1", Formatted(L"%d", 1, 2, L"a")) << "arguments left over are ignored";
     EXPECT_EQ("", Formatted(nullptr, 1));
 }
 

@@ -32,16 +32,10 @@ template <typename F> bool RefusesArgument(F action)
     return false;
 }
 
-TEST(MfcString, StartsEmpty)
-{
-    const CString text;
-    EXPECT_TRUE(text.IsEmpty());
-    EXPECT_EQ(0, text.GetLength());
-    EXPECT_STREQ(L"", text);
-}
-
 TEST(MfcString, NullPointersAreEmptyTexts)
 {
+    EXPECT_EQ("", Utf8Of(CString()));
+    EXPECT_STREQ(L"", CString());
     constexpr LPCWSTR nothing = nullptr;
     CString text(nothing);
     EXPECT_TRUE(text.IsEmpty());
@@ -62,6 +56,7 @@ TEST(MfcString, CountedConstructorKeepsZeroUnits)
     EXPECT_EQ(3, text.GetLength());
     EXPECT_EQ(std::string("a\0b", 3), Utf8Of(text));
     EXPECT_TRUE(RefusesArgument([] { CString(L"abc", -1); }));
+    EXPECT_EQ(2, CString(L"\U0001F4E7").GetLength()) << "units are counted";
 }
 
 TEST(MfcString, CopiesAreIndependent)
@@ -74,11 +69,6 @@ TEST(MfcString, CopiesAreIndependent)
     original.Empty();
     EXPECT_TRUE(original.IsEmpty());
     EXPECT_EQ("one", Utf8Of(copy));
-}
-
-TEST(MfcString, LengthCountsUnits)
-{
-    EXPECT_EQ(2, CString(L"\U0001F4E7").GetLength());
 }
 
 TEST(MfcString, TheRestIsCutToTheText)
@@ -137,14 +127,6 @@ TEST(MfcString, TakesPartsOfItself)
     EXPECT_EQ("cde", Utf8Of(text));
     text = text.GetString() + 1;
     EXPECT_EQ("de", Utf8Of(text));
-}
-
-TEST(MfcString, ConvertsToWideStringAndBack)
-{
-    const CString text(L"abc");
-    const std::wstring wide(text);
-    EXPECT_EQ(L"abc", wide);
-    EXPECT_TRUE(text == wide.c_str());
 }
 
 TEST(MfcString, BufferKeepsTheTextAndIsCutAtTheFirstZero)

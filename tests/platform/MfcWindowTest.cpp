@@ -19,6 +19,7 @@ namespace
 {
 
 using orva::test::CDebugOutput;
+using orva::test::kPatience;
 using orva::test::PumpUntil;
 using orva::test::WindowText;
 
@@ -85,6 +86,27 @@ WNDPROC ProcedureOf(HWND window)
     return reinterpret_cast<WNDPROC>(GetWindowLongPtrW(window, GWLP_WNDPROC));
 }
 
+// A window with the object that subclasses it.
+class MfcSubclassedWindow : public testing::Test
+{
+protected:
+    MfcSubclassedWindow() { EXPECT_TRUE(m_wnd.SubclassWindow(m_window)); }
+
+    const CTestWindow m_window;
+    const WNDPROC m_before = ProcedureOf(m_window);
+    CWatchedWnd m_wnd;
+};
+
+// Starts a worker whose object the caller owns.
+std::unique_ptr<CWinThread> BeginOwned(AFX_THREADPROC function, void* parameter)
+{
+    std::unique_ptr<CWinThread> thread(
+        AfxBeginThread(function, parameter, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED));
+    thread->m_bAutoDelete = FALSE;
+    thread->ResumeThread();
+    return thread;
+}
+
 TEST(MfcWindow, HandleWithoutAnObjectGetsATemporaryOneThatIsTheSameEachTime)
 {
     AFX_MANAGE_STATE(AfxGetStaticModuleState())
@@ -143,20 +165,6 @@ TEST(MfcWindow, TemporaryObjectsEndWithTheirBlockAndLeaveTheWindow)
     EXPECT_TRUE(IsWindow(inner));
 }
 
-TEST(MfcWindow, MessageHandlersLeaveNoTemporaryObjectsBehind)
-{
-    const CTestWindow window;
-    CWatchedWnd wnd;
-    ASSERT_TRUE(wnd.SubclassWindow(window));
-    const size_t before = AfxGetThreadState().TemporaryCount();
-    for (int i = 0; i < 10; ++i)
-    {
-        wnd.SendMessage(WM_SETCURSOR, reinterpret_cast<WPARAM>(wnd.m_hWnd), MAKELPARAM(HTCLIENT, 0));
-        wnd.SendMessage(kNested);
-    }
-    EXPECT_EQ(before, AfxGetThreadState().TemporaryCount());
-}
-
 TEST(MfcWindow, AttachedObjectIsNotFoundFromAnotherThread)
 {
     const CTestWindow window;
@@ -167,40 +175,29 @@ TEST(MfcWindow, AttachedObjectIsNotFoundFromAnotherThread)
         HWND window;
         CWnd* answer;
     } question = {window, &wnd};
-    CWinThread* thread = AfxBeginThread(
+    const auto thread = BeginOwned(
         [](LPVOID parameter) -> UINT {
             auto* asked = static_cast<CQuestion*>(parameter);
             asked->answer = CWnd::FromHandlePermanent(asked->window);
             return 0;
         },
-        &question, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
-    ASSERT_TRUE(thread);
-    thread->m_bAutoDelete = FALSE;
-    thread->ResumeThread();
-    WaitForSingleObject(thread->m_hThread, INFINITE);
-    delete thread;
+        &question);
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread->m_hThread, kPatience));
     EXPECT_EQ(nullptr, question.answer);
     wnd.Detach();
 }
 
-TEST(MfcWindow, SubclassingPutsItsProcedureBeforeTheWindows)
+TEST_F(MfcSubclassedWindow, SubclassingPutsItsProcedureBeforeTheWindows)
 {
-    const CTestWindow window;
-    const WNDPROC before = ProcedureOf(window);
-    CWatchedWnd wnd;
-    EXPECT_TRUE(wnd.SubclassWindow(window));
-    EXPECT_EQ(1, wnd.m_preSubclass);
-    EXPECT_NE(before, ProcedureOf(window));
+    EXPECT_EQ(1, m_wnd.m_preSubclass);
+    EXPECT_NE(m_before, ProcedureOf(m_window));
 }
 
-TEST(MfcWindow, ObjectIsDetachedWithTheWindowsLastMessage)
+TEST_F(MfcSubclassedWindow, ObjectIsDetachedWithTheWindowsLastMessage)
 {
-    const CTestWindow window;
-    CWatchedWnd wnd;
-    ASSERT_TRUE(wnd.SubclassWindow(window));
-    DestroyWindow(window);
-    EXPECT_EQ(nullptr, wnd.m_hWnd);
-    EXPECT_EQ(1, wnd.m_postNcDestroy);
+    DestroyWindow(m_window);
+    EXPECT_EQ(nullptr, m_wnd.m_hWnd);
+    EXPECT_EQ(1, m_wnd.m_postNcDestroy);
 }
 
 TEST(MfcWindow, DestructorDestroysTheWindow)
@@ -223,70 +220,57 @@ TEST(MfcWindow, DestroyWindowDetachesAWindowThatWasOnlyAttached)
     EXPECT_FALSE(wnd.DestroyWindow());
 }
 
-TEST(MfcWindow, StandardExceptionEndsAtTheWindowProcedureAndIsTraced)
+TEST_F(MfcSubclassedWindow, ExceptionOfAHandlerEndsAtTheWindowProcedureAndIsTraced)
 {
-    const CTestWindow window;
-    CWatchedWnd wnd;
-    ASSERT_TRUE(wnd.SubclassWindow(window));
-    const CDebugOutput output;
-    EXPECT_EQ(0, wnd.SendMessage(kThrowStandard));
-    EXPECT_THAT(output.Lines(), testing::Contains("AfxCallWndProc: broken\n"));
+    const std::pair<UINT, const char*> rows[] = {
+        {kThrowStandard, "AfxCallWndProc: broken\n"},
+        {kThrowOwn, "AfxCallWndProc: CException \n"},
+        {kThrowNumber, "AfxCallWndProc: unknown exception\n"},
+    };
+    for (const auto& [message, trace] : rows)
+    {
+        const CDebugOutput output;
+        EXPECT_EQ(0, m_wnd.SendMessage(message));
+        EXPECT_THAT(output.Lines(), testing::Contains(trace));
+    }
+    EXPECT_EQ(1, m_wnd.m_exceptionDeaths);
 }
 
-TEST(MfcWindow, OwnExceptionIsDeletedAndTraced)
+TEST_F(MfcSubclassedWindow, PaintingThatThrowsIsNotAskedForAgain)
 {
-    const CTestWindow window;
-    CWatchedWnd wnd;
-    ASSERT_TRUE(wnd.SubclassWindow(window));
-    const CDebugOutput output;
-    EXPECT_EQ(0, wnd.SendMessage(kThrowOwn));
-    EXPECT_EQ(1, wnd.m_exceptionDeaths);
-    EXPECT_THAT(output.Lines(), testing::Contains("AfxCallWndProc: CException \n"));
+    m_wnd.m_throwOnPaint = true;
+    InvalidateRect(m_window, nullptr, TRUE);
+    m_wnd.UpdateWindow();
+    EXPECT_FALSE(GetUpdateRect(m_window, nullptr, FALSE));
+    m_wnd.m_throwOnPaint = false;
 }
 
-TEST(MfcWindow, AnythingElseThrownIsContainedToo)
+TEST_F(MfcSubclassedWindow, CurrentMessageIsTheOuterOneAgainAfterANestedOne)
 {
-    const CTestWindow window;
-    CWatchedWnd wnd;
-    ASSERT_TRUE(wnd.SubclassWindow(window));
-    const CDebugOutput output;
-    EXPECT_EQ(0, wnd.SendMessage(kThrowNumber));
-    EXPECT_THAT(output.Lines(), testing::Contains("AfxCallWndProc: unknown exception\n"));
+    m_wnd.SendMessage(kNested);
+    EXPECT_EQ(kNested, m_wnd.m_currentAfterNesting);
 }
 
-TEST(MfcWindow, PaintingThatThrowsIsNotAskedForAgain)
+TEST_F(MfcSubclassedWindow, MessageHandlersLeaveNoTemporaryObjectsBehind)
 {
-    const CTestWindow window;
-    CWatchedWnd wnd;
-    ASSERT_TRUE(wnd.SubclassWindow(window));
-    wnd.m_throwOnPaint = true;
-    InvalidateRect(window, nullptr, TRUE);
-    wnd.UpdateWindow();
-    EXPECT_FALSE(GetUpdateRect(window, nullptr, FALSE));
-    wnd.m_throwOnPaint = false;
+    const size_t before = AfxGetThreadState().TemporaryCount();
+    for (int i = 0; i < 10; ++i)
+    {
+        m_wnd.SendMessage(WM_SETCURSOR, reinterpret_cast<WPARAM>(m_wnd.m_hWnd), MAKELPARAM(HTCLIENT, 0));
+        m_wnd.SendMessage(kNested);
+    }
+    EXPECT_EQ(before, AfxGetThreadState().TemporaryCount());
 }
 
-TEST(MfcWindow, CurrentMessageIsTheOuterOneAgainAfterANestedOne)
+TEST_F(MfcSubclassedWindow, WindowProcedureSwitchesToTheModulesOwnState)
 {
-    const CTestWindow window;
-    CWatchedWnd wnd;
-    ASSERT_TRUE(wnd.SubclassWindow(window));
-    wnd.SendMessage(kNested);
-    EXPECT_EQ(kNested, wnd.m_currentAfterNesting);
-}
-
-TEST(MfcWindow, WindowProcedureSwitchesToTheModulesOwnState)
-{
-    const CTestWindow window;
-    CWatchedWnd wnd;
-    ASSERT_TRUE(wnd.SubclassWindow(window));
     AFX_MODULE_STATE foreign(GetModuleHandleW(L"kernel32.dll"));
     {
         AFX_MANAGE_STATE(&foreign)
-        ::SendMessage(window, kNested, 0, 0);
+        ::SendMessage(m_window, kNested, 0, 0);
         EXPECT_EQ(&foreign, AfxGetModuleState());
     }
-    EXPECT_EQ(AfxGetStaticModuleState(), wnd.m_stateInHandler);
+    EXPECT_EQ(AfxGetStaticModuleState(), m_wnd.m_stateInHandler);
 }
 
 TEST(MfcWindow, ControlsAreReachedByTheirIds)
@@ -319,7 +303,7 @@ TEST(MfcWindow, WorkerMaySetTheTextOfASubclassedControlWhileTheWindowsThreadRuns
     const CTestWindow label(window, WS_CHILD | WS_VISIBLE, L"STATIC");
     CStatic control;
     ASSERT_TRUE(control.SubclassWindow(label));
-    CWinThread* thread = AfxBeginThread(
+    const auto thread = BeginOwned(
         [](LPVOID parameter) -> UINT {
             for (int i = 1; i <= 200; ++i)
             {
@@ -327,12 +311,8 @@ TEST(MfcWindow, WorkerMaySetTheTextOfASubclassedControlWhileTheWindowsThreadRuns
             }
             return 0;
         },
-        &control, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
-    ASSERT_TRUE(thread);
-    thread->m_bAutoDelete = FALSE;
-    thread->ResumeThread();
-    EXPECT_TRUE(PumpUntil([=] { return WaitForSingleObject(thread->m_hThread, 0) == WAIT_OBJECT_0; }));
-    delete thread;
+        &control);
+    EXPECT_TRUE(PumpUntil([&] { return WaitForSingleObject(thread->m_hThread, 0) == WAIT_OBJECT_0; }));
     EXPECT_EQ(L"200", WindowText(label));
 }
 

@@ -2,6 +2,7 @@
 #include "harness/Text.h"
 #include "res/ModuleResources.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -136,91 +137,69 @@ constexpr char kButton[] = "#128";
 constexpr char kStatic[] = "#130";
 
 constexpr DWORD kShown = WS_CHILD | WS_VISIBLE;
+// No system menu, and so no close box.
 constexpr DWORD kDialogStyle = WS_POPUP | WS_CAPTION | DS_MODALFRAME | DS_SETFONT;
 
-void ExpectCommonFields(const CTemplate& dialog)
+void ExpectTemplate(WORD id, DWORD style, const char* rectangle, const char* caption,
+                    const std::vector<CControl>& controls)
 {
-    EXPECT_EQ(dialog.font, "MS Shell Dlg");
-    EXPECT_EQ(dialog.pointSize, 8);
+    const CTemplate dialog = ReadTemplate(id);
+    EXPECT_EQ(dialog.style, style);
+    EXPECT_EQ(dialog.extendedStyle, 0u);
+    EXPECT_EQ(dialog.rectangle, rectangle);
+    EXPECT_EQ(dialog.caption, caption);
     EXPECT_EQ(dialog.menu, "");
     EXPECT_EQ(dialog.windowClass, "");
-    EXPECT_EQ(dialog.extendedStyle, 0u);
-    EXPECT_EQ(dialog.style & WS_SYSMENU, 0u) << "no close box";
-}
-
-void ExpectControls(const CTemplate& dialog, const std::vector<CControl>& expected)
-{
-    ASSERT_EQ(dialog.controls.size(), expected.size());
-    for (size_t index = 0; index != expected.size(); ++index)
-    {
-        EXPECT_EQ(dialog.controls[index], expected[index]) << "control " << index;
-    }
+    EXPECT_EQ(dialog.font, "MS Shell Dlg");
+    EXPECT_EQ(dialog.pointSize, 8);
+    EXPECT_THAT(dialog.controls, testing::ElementsAreArray(controls));
 }
 } // namespace
 
 TEST(DialogTemplatesTest, UpdateAvailable)
 {
-    const CTemplate dialog = ReadTemplate(9);
-    ExpectCommonFields(dialog);
-    EXPECT_EQ(dialog.style, kDialogStyle | DS_SETFOREGROUND);
-    EXPECT_EQ(dialog.rectangle, "0,0 231x178");
-    EXPECT_EQ(dialog.caption, "Update available");
-    ExpectControls(
-        dialog,
-        {
-            {203, "RICHEDIT20W", "",
-             kShown | WS_BORDER | WS_VSCROLL | ES_MULTILINE | ES_AUTOHSCROLL | ES_READONLY, "2,38 227x119"},
-            {206, kStatic, "#2000", kShown | SS_BITMAP, "3,0 88x34"},
-            {204, kButton, "Button1", kShown | BS_DEFPUSHBUTTON | WS_TABSTOP, "163,162 66x14"},
-            {205, kButton, "Button2", kShown | BS_PUSHBUTTON | WS_TABSTOP, "2,162 62x14"},
-            {207, kStatic, "Static", kShown | SS_LEFT | WS_GROUP, "104,5 124x8", WS_EX_TRANSPARENT},
-            {208, kStatic, "Static", kShown | SS_LEFT | WS_GROUP, "104,17 123x8"},
-        });
+    constexpr DWORD richEdit = kShown | WS_BORDER | WS_VSCROLL | ES_MULTILINE | ES_AUTOHSCROLL | ES_READONLY;
+    constexpr DWORD text = kShown | SS_LEFT | WS_GROUP;
+    ExpectTemplate(9, kDialogStyle | DS_SETFOREGROUND, "0,0 231x178", "Update available",
+                   {{203, "RICHEDIT20W", "", richEdit, "2,38 227x119"},
+                    {206, kStatic, "#2000", kShown | SS_BITMAP, "3,0 88x34"},
+                    {204, kButton, "Button1", kShown | BS_DEFPUSHBUTTON | WS_TABSTOP, "163,162 66x14"},
+                    {205, kButton, "Button2", kShown | BS_PUSHBUTTON | WS_TABSTOP, "2,162 62x14"},
+                    {207, kStatic, "Static", text, "104,5 124x8", WS_EX_TRANSPARENT},
+                    {208, kStatic, "Static", text, "104,17 123x8"}});
 }
 
 TEST(DialogTemplatesTest, Download)
 {
-    const CTemplate dialog = ReadTemplate(163);
-    ExpectCommonFields(dialog);
-    EXPECT_EQ(dialog.style, kDialogStyle);
-    EXPECT_EQ(dialog.rectangle, "0,0 231x105");
-    EXPECT_EQ(dialog.caption, "Lade Update herunter");
     constexpr DWORD text = kShown | SS_LEFTNOWORDWRAP | SS_NOPREFIX;
-    ExpectControls(dialog, {
-                               {2001, kStatic, "", text, "7,8 214x8"},
-                               {2002, kStatic, "", text, "7,21 214x8"},
-                               {202, "MSCTLS_PROGRESS32", "", kShown, "7,35 214x10"},
-                               {2789, kStatic, "Restzeit", text, "7,52 64x8"},
-                               {2003, kStatic, "", text, "73,52 148x8"},
-                               {2790, kStatic, "", text, "7,65 64x8"},
-                               {2004, kStatic, "", text, "73,65 148x8"},
-                               {2, kButton, "Abbruch", kShown | BS_PUSHBUTTON | WS_TABSTOP, "171,83 50x14"},
-                           });
+    ExpectTemplate(163, kDialogStyle, "0,0 231x105", "Lade Update herunter",
+                   {{2001, kStatic, "", text, "7,8 214x8"},
+                    {2002, kStatic, "", text, "7,21 214x8"},
+                    {202, "MSCTLS_PROGRESS32", "", kShown, "7,35 214x10"},
+                    {2789, kStatic, "Restzeit", text, "7,52 64x8"},
+                    {2003, kStatic, "", text, "73,52 148x8"},
+                    {2790, kStatic, "", text, "7,65 64x8"},
+                    {2004, kStatic, "", text, "73,65 148x8"},
+                    {2, kButton, "Abbruch", kShown | BS_PUSHBUTTON | WS_TABSTOP, "171,83 50x14"}});
 }
 
 TEST(DialogTemplatesTest, About)
 {
-    const CTemplate dialog = ReadTemplate(164);
-    ExpectCommonFields(dialog);
-    EXPECT_EQ(dialog.style, kDialogStyle);
-    EXPECT_EQ(dialog.rectangle, "0,0 533x242");
     constexpr DWORD text = kShown | SS_LEFT | WS_GROUP;
     constexpr DWORD link = kShown | WS_TABSTOP;
-    ExpectControls(dialog,
-                   {
-                       {206, kStatic, "#2000", kShown | SS_BITMAP, "7,7 88x34"},
-                       {216, kStatic, "Static", text, "9,48 244x8"},
-                       {209, kStatic, "Static", text, "9,63 244x158"},
-                       {217, kButton, "Static", kShown | BS_GROUPBOX, "266,39 256x88"},
-                       {218, kStatic, "Static", text, "272,50 239x21"},
-                       {213, "SYSLINK", "<a>SysLink</a>", link, "272,78 238x9"},
-                       {214, "SYSLINK", "<a>SysLink</a>", link, "272,94 238x9"},
-                       {215, "SYSLINK", "<a>SysLink</a>", link, "272,110 238x9"},
-                       {219, kButton, "Static", kShown | BS_GROUPBOX, "266,128 256x89"},
-                       {220, kStatic, "Static", text, "272,139 238x26"},
-                       {223, kButton, "Button1", kShown | BS_PUSHBUTTON | WS_TABSTOP, "273,164 62x14"},
-                       {221, kStatic, "Static", text, "272,188 236x13"},
-                       {222, kStatic, "Static", text, "272,202 236x13"},
-                       {224, kButton, "Button2", kShown | BS_DEFPUSHBUTTON | WS_TABSTOP, "455,221 66x14"},
-                   });
+    ExpectTemplate(164, kDialogStyle, "0,0 533x242", "Dialog",
+                   {{206, kStatic, "#2000", kShown | SS_BITMAP, "7,7 88x34"},
+                    {216, kStatic, "Static", text, "9,48 244x8"},
+                    {209, kStatic, "Static", text, "9,63 244x158"},
+                    {217, kButton, "Static", kShown | BS_GROUPBOX, "266,39 256x88"},
+                    {218, kStatic, "Static", text, "272,50 239x21"},
+                    {213, "SYSLINK", "<a>SysLink</a>", link, "272,78 238x9"},
+                    {214, "SYSLINK", "<a>SysLink</a>", link, "272,94 238x9"},
+                    {215, "SYSLINK", "<a>SysLink</a>", link, "272,110 238x9"},
+                    {219, kButton, "Static", kShown | BS_GROUPBOX, "266,128 256x89"},
+                    {220, kStatic, "Static", text, "272,139 238x26"},
+                    {223, kButton, "Button1", kShown | BS_PUSHBUTTON | WS_TABSTOP, "273,164 62x14"},
+                    {221, kStatic, "Static", text, "272,188 236x13"},
+                    {222, kStatic, "Static", text, "272,202 236x13"},
+                    {224, kButton, "Button2", kShown | BS_DEFPUSHBUTTON | WS_TABSTOP, "455,221 66x14"}});
 }

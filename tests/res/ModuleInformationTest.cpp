@@ -1,6 +1,7 @@
 // The version resource, the manifest and the type library of the module.
+#include "harness/Files.h"
 #include "harness/Text.h"
-#include "res/ModuleResources.h"
+#include "res/resource.h"
 
 #include <gtest/gtest.h>
 #include <wrl/client.h>
@@ -8,40 +9,35 @@
 #include <windows.h>
 #include <oleauto.h>
 
-using Microsoft::WRL::ComPtr;
 using namespace orva::test;
 
 namespace
 {
-std::wstring ProgramPath()
-{
-    wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    return path;
-}
+// This program, which carries the module's resources.
+const std::wstring g_program = BuiltFile(L"test_res.exe");
 
-// The module's version resource as the system reads it from the file.
+// The version resource as the system reads it from the file.
 class CVersionInformation
 {
 public:
     CVersionInformation()
     {
-        const std::wstring path = ProgramPath();
         DWORD ignored = 0;
-        m_bytes.resize(GetFileVersionInfoSizeW(path.c_str(), &ignored));
-        GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(m_bytes.size()), m_bytes.data());
+        m_bytes.resize(GetFileVersionInfoSizeW(g_program.c_str(), &ignored));
+        GetFileVersionInfoW(g_program.c_str(), 0, static_cast<DWORD>(m_bytes.size()), m_bytes.data());
     }
 
-    const void* Query(const wchar_t* block) const
+    const void* Query(const std::wstring& block) const
     {
         void* value = nullptr;
         UINT length = 0;
-        return VerQueryValueW(m_bytes.data(), block, &value, &length) && length != 0 ? value : nullptr;
+        return VerQueryValueW(m_bytes.data(), block.c_str(), &value, &length) && length != 0 ? value
+                                                                                             : nullptr;
     }
 
     std::string Entry(const std::wstring& name) const
     {
-        const void* value = Query((L"\\StringFileInfo\\040904b0\\" + name).c_str());
+        const void* value = Query(L"\\StringFileInfo\\040904b0\\" + name);
         return value != nullptr ? Utf8(static_cast<const wchar_t*>(value)) : "(none)";
     }
 
@@ -60,27 +56,28 @@ TEST(ModuleInformationTest, TheVersionResourceSays1001AndNamesTheFile)
     EXPECT_EQ(fixed->dwProductVersionMS, 0x00010000u);
     EXPECT_EQ(fixed->dwProductVersionLS, 0x00000001u);
     EXPECT_EQ(fixed->dwFileType, static_cast<DWORD>(VFT_DLL));
-    EXPECT_EQ(version.Entry(L"FileVersion"), "1.0.0.1");
-    EXPECT_EQ(version.Entry(L"ProductVersion"), "1.0.0.1");
-    EXPECT_EQ(version.Entry(L"InternalName"), "OrvaOscAddin.dll");
-    EXPECT_EQ(version.Entry(L"OriginalFilename"), "OrvaOscAddin.dll");
-    EXPECT_EQ(version.Entry(L"ProductName"), "ORVA Connector");
-    EXPECT_EQ(version.Entry(L"CompanyName"), "ORVA");
-    EXPECT_EQ(version.Entry(L"FileDescription"), "ORVA Connector add-in for Microsoft Outlook");
-    EXPECT_EQ(version.Entry(L"LegalCopyright"), "\u00A9 2011 ORVA. All rights reserved.");
+    const std::pair<const wchar_t*, const char*> entries[] = {
+        {L"FileVersion", "1.0.0.1"},
+        {L"ProductVersion", "1.0.0.1"},
+        {L"InternalName", "OrvaOscAddin.dll"},
+        {L"OriginalFilename", "OrvaOscAddin.dll"},
+        {L"ProductName", "ORVA Connector"},
+        {L"CompanyName", "ORVA"},
+        {L"FileDescription", "ORVA Connector add-in for Microsoft Outlook"},
+        {L"LegalCopyright", "\u00A9 2011 ORVA. All rights reserved."}};
+    for (const auto& [name, text] : entries)
+    {
+        EXPECT_EQ(version.Entry(name), text) << Utf8(name);
+    }
 }
 
 TEST(ModuleInformationTest, TheManifestGivesDialogsCommonControls6)
 {
-    const auto languages = ResourceLanguages(RT_MANIFEST, 2);
-    ASSERT_EQ(languages.size(), 1u);
-
-    const std::wstring path = ProgramPath();
     ACTCTXW context = {};
     context.cbSize = sizeof(context);
     context.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
-    context.lpSource = path.c_str();
-    context.lpResourceName = MAKEINTRESOURCEW(2);
+    context.lpSource = g_program.c_str();
+    context.lpResourceName = MAKEINTRESOURCEW(IDR_MANIFEST);
     context.hModule = GetModuleHandleW(nullptr);
     const HANDLE made = CreateActCtxW(&context);
     ASSERT_NE(made, INVALID_HANDLE_VALUE);
@@ -95,18 +92,13 @@ TEST(ModuleInformationTest, TheManifestGivesDialogsCommonControls6)
     ReleaseActCtx(made);
 }
 
-TEST(ModuleInformationTest, TheTypeLibraryIsTheAddins)
+// Its id, its version and its interface are proven where it is registered.
+TEST(ModuleInformationTest, TheTypeLibraryHasItsName)
 {
-    ComPtr<ITypeLib> library;
-    ASSERT_EQ(LoadTypeLibEx((ProgramPath() + L"\\1").c_str(), REGKIND_NONE, &library), S_OK);
-    TLIBATTR* attributes = nullptr;
-    ASSERT_EQ(library->GetLibAttr(&attributes), S_OK);
-    wchar_t id[40] = {};
-    StringFromGUID2(attributes->guid, id, 40);
-    EXPECT_EQ(Utf8(id), "{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}");
-    EXPECT_EQ(attributes->wMajorVerNum, 1);
-    EXPECT_EQ(attributes->wMinorVerNum, 0);
-    library->ReleaseTLibAttr(attributes);
+    Microsoft::WRL::ComPtr<ITypeLib> library;
+    ASSERT_EQ(
+        LoadTypeLibEx((g_program + L"\\" + std::to_wstring(IDR_TYPELIB)).c_str(), REGKIND_NONE, &library),
+        S_OK);
     BSTR name = nullptr;
     library->GetDocumentation(-1, &name, nullptr, nullptr, nullptr);
     EXPECT_EQ(Utf8(name), "OrvaOscAddinLib");

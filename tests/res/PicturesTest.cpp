@@ -1,5 +1,6 @@
 // The pictures that the module carries: sizes, depths, and what is transparent.
 #include "res/ModuleResources.h"
+#include "res/resource.h"
 
 #include <gtest/gtest.h>
 #include <wrl/client.h>
@@ -54,10 +55,10 @@ protected:
     {
         const int right = static_cast<int>(bitmap.GetWidth()) - 1;
         const int bottom = static_cast<int>(bitmap.GetHeight()) - 1;
-        EXPECT_EQ(Pixel(bitmap, 0, 0).GetAlpha(), 0);
-        EXPECT_EQ(Pixel(bitmap, right, 0).GetAlpha(), 0);
-        EXPECT_EQ(Pixel(bitmap, 0, bottom).GetAlpha(), 0);
-        EXPECT_EQ(Pixel(bitmap, right, bottom).GetAlpha(), 0);
+        for (const auto& [x, y] : {POINT{0, 0}, POINT{right, 0}, POINT{0, bottom}, POINT{right, bottom}})
+        {
+            EXPECT_EQ(Pixel(bitmap, x, y).GetAlpha(), 0) << x << "," << y;
+        }
         int opaque = 0;
         for (int y = 0; y <= bottom; ++y)
         {
@@ -79,38 +80,36 @@ DWORD BigEndian(const std::vector<BYTE>& bytes, size_t position)
                               bytes.at(position + 2) << 8 | bytes.at(position + 3));
 }
 
-// Width, height, depth of a channel and colour type 6 (red, green, blue, alpha), from the file's own header.
-void ExpectRgbaHeader(WORD id, DWORD width, DWORD height)
-{
-    const auto bytes = ReadResource(L"PNG", id);
-    ASSERT_TRUE(bytes.has_value());
-    ASSERT_EQ(std::string(bytes->begin(), bytes->begin() + 8), "\x89PNG\r\n\x1a\n");
-    EXPECT_EQ(BigEndian(*bytes, 16), width);
-    EXPECT_EQ(BigEndian(*bytes, 20), height);
-    EXPECT_EQ(bytes->at(24), 8);
-    EXPECT_EQ(bytes->at(25), 6);
-}
 } // namespace
 
-TEST_F(PicturesTest, TheLogoIs132By55RgbaWithTransparentCorners)
+TEST_F(PicturesTest, ThePngsAreRgbaOfTheirSizesWithTransparentCorners)
 {
-    ExpectRgbaHeader(208, 132, 55);
-    const auto logo = Png(208);
-    ASSERT_EQ(logo->GetLastStatus(), Gdiplus::Ok);
-    ExpectTransparentCornersAndOpaqueInside(*logo);
-}
-
-TEST_F(PicturesTest, TheIconIs36By36RgbaWithTransparentCorners)
-{
-    ExpectRgbaHeader(207, 36, 36);
-    const auto icon = Png(207);
-    ASSERT_EQ(icon->GetLastStatus(), Gdiplus::Ok);
-    ExpectTransparentCornersAndOpaqueInside(*icon);
+    struct CPicture
+    {
+        WORD id;
+        DWORD width;
+        DWORD height;
+    };
+    for (const auto& [id, width, height] : {CPicture{IDR_LOGO_PNG, 132, 55}, CPicture{IDR_ICON_PNG, 36, 36}})
+    {
+        SCOPED_TRACE(id);
+        const auto bytes = ReadResource(L"PNG", id);
+        ASSERT_TRUE(bytes.has_value());
+        ASSERT_EQ(std::string(bytes->begin(), bytes->begin() + 8), "\x89PNG\r\n\x1a\n");
+        // From the file's own header: eight bits a channel, and colour type 6 (red, green, blue, alpha).
+        EXPECT_EQ(BigEndian(*bytes, 16), width);
+        EXPECT_EQ(BigEndian(*bytes, 20), height);
+        EXPECT_EQ(bytes->at(24), 8);
+        EXPECT_EQ(bytes->at(25), 6);
+        const auto picture = Png(id);
+        ASSERT_EQ(picture->GetLastStatus(), Gdiplus::Ok);
+        ExpectTransparentCornersAndOpaqueInside(*picture);
+    }
 }
 
 TEST_F(PicturesTest, TheBitmapIs132By55In24Bits)
 {
-    const auto bytes = ReadResource(RT_BITMAP, 2000);
+    const auto bytes = ReadResource(RT_BITMAP, IDB_LOGO);
     ASSERT_TRUE(bytes.has_value());
     BITMAPINFOHEADER header;
     ASSERT_GE(bytes->size(), sizeof(header));
@@ -123,8 +122,8 @@ TEST_F(PicturesTest, TheBitmapIs132By55In24Bits)
 
 TEST_F(PicturesTest, TheBitmapIsTheLogoOnWhite)
 {
-    const auto logo = Png(208);
-    Gdiplus::Bitmap bitmap(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(2000));
+    const auto logo = Png(IDR_LOGO_PNG);
+    Gdiplus::Bitmap bitmap(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDB_LOGO));
     ASSERT_EQ(bitmap.GetLastStatus(), Gdiplus::Ok);
     EXPECT_EQ(Pixel(bitmap, 0, 0).GetValue(), 0xFFFFFFFFu);
     EXPECT_EQ(Pixel(bitmap, 131, 54).GetValue(), 0xFFFFFFFFu);

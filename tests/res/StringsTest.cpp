@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <regex>
 
@@ -39,6 +40,7 @@ const std::map<UINT, std::string> kFixedEnglish = {
     {114, "Update"},
     {115, "Check for new version now"},
     {116, "Update information could not be parsed."},
+    {117, "\u00A9 2011 ORVA. All rights reserved."},
     {118, "New update available"},
     {119, "Install"},
     {120, "Later"},
@@ -66,6 +68,20 @@ const std::map<UINT, std::string> kFixedEnglish = {
     {142, "http://" ORVA_WEB_HOST "/app/user?op=imprint"},
 };
 
+// Calls `check` for every text of every language, with the language and the id in failure messages.
+template <typename Check> void ForEachText(Check check)
+{
+    for (const WORD language : kLanguages)
+    {
+        SCOPED_TRACE(LanguageName(language));
+        for (UINT id = kFirstId; id <= kLastId; ++id)
+        {
+            SCOPED_TRACE(id);
+            check(language, id, Text(language, id));
+        }
+    }
+}
+
 // The placeholders of a format in their order, "%%" included.
 std::vector<std::string> Placeholders(const std::string& format)
 {
@@ -74,24 +90,6 @@ std::vector<std::string> Placeholders(const std::string& format)
             std::sregex_token_iterator()};
 }
 } // namespace
-
-TEST(StringsTest, TheTablesAreStoredUnderTheirFourLanguagesOnly)
-{
-    for (const WORD block : {WORD{7}, WORD{8}, WORD{9}})
-    {
-        EXPECT_EQ(ResourceLanguages(RT_STRING, block), (std::vector<WORD>{10, 31, 1031, 1033})) << block;
-    }
-    EXPECT_TRUE(ResourceLanguages(RT_STRING, 6).empty());
-    EXPECT_TRUE(ResourceLanguages(RT_STRING, 10).empty());
-}
-
-TEST(StringsTest, NoBlockIsNamedLikeAStringSoTheSecondSearchFindsNothing)
-{
-    for (UINT id = kFirstId; id <= kLastId; ++id)
-    {
-        EXPECT_TRUE(ResourceLanguages(RT_STRING, static_cast<WORD>(id)).empty()) << id;
-    }
-}
 
 TEST(StringsTest, EveryIdHasATextInEveryLanguageAndNoOtherIdHasOne)
 {
@@ -111,83 +109,58 @@ TEST(StringsTest, TheEnglishTextsAreExact)
     {
         EXPECT_EQ(Text(kEnglish, id), text) << id;
     }
-    // All texts but the first two paragraphs and the legal notice.
-    EXPECT_EQ(kFixedEnglish.size(), kLastId - kFirstId + 1 - 3);
-}
-
-TEST(StringsTest, LinksAndProductNameAreTheSameInEveryLanguage)
-{
-    for (const WORD language : kLanguages)
-    {
-        for (const UINT id : {102u, 109u, 111u, 142u})
-        {
-            EXPECT_EQ(Text(language, id), kFixedEnglish.at(id)) << LanguageName(language);
-        }
-    }
+    // All texts but the first two paragraphs.
+    EXPECT_EQ(kFixedEnglish.size(), kLastId - kFirstId + 1 - 2);
 }
 
 TEST(StringsTest, EveryTranslationKeepsThePlaceholdersInTheirOrder)
 {
     EXPECT_EQ(Placeholders(Text(kEnglish, 128)), (std::vector<std::string>{"%s", "%%", "%s"}));
     EXPECT_EQ(Placeholders(Text(kEnglish, 140)), (std::vector<std::string>{"%d", "%d", "%d", "%d"}));
-    for (const WORD language : kLanguages)
-    {
-        for (UINT id = kFirstId; id <= kLastId; ++id)
-        {
-            EXPECT_EQ(Placeholders(Text(language, id)), Placeholders(Text(kEnglish, id)))
-                << LanguageName(language) << " " << id << ": " << Text(language, id);
-        }
-    }
+    ForEachText([](WORD, UINT id, const std::string& text) {
+        EXPECT_EQ(Placeholders(text), Placeholders(Text(kEnglish, id))) << text;
+    });
 }
 
-TEST(StringsTest, TheCanceledMessageHasOneLineBreakAndInnerQuotesInEveryLanguage)
+TEST(StringsTest, OnlyTheCanceledMessageHasALineBreakAndOneInEveryLanguage)
+{
+    ForEachText([](WORD, UINT id, const std::string& text) {
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), id == 132 ? 1 : 0) << text;
+        EXPECT_EQ(text.find('\\'), std::string::npos) << text;
+    });
+}
+
+TEST(StringsTest, TheRequestAndTheCanceledMessageNameTheButtonAsItIsLabelled)
 {
     for (const WORD language : kLanguages)
     {
-        const std::string text = Text(language, 132);
-        const size_t lineBreak = text.find('\n');
-        ASSERT_NE(lineBreak, std::string::npos) << text;
-        EXPECT_EQ(text.find('\n', lineBreak + 1), std::string::npos) << text;
-        EXPECT_EQ(text.find('\\'), std::string::npos) << text;
-        // The text between the quotes is the button's label.
-        EXPECT_NE(text.find('"' + Text(language, 114) + '"', lineBreak), std::string::npos) << text;
+        const std::string label = Text(language, 114);
+        const std::string canceled = Text(language, 132);
+        EXPECT_NE(canceled.find('"' + label + '"', canceled.find('\n')), std::string::npos) << canceled;
+        // In English only the message does.
+        if (language != kEnglish)
+        {
+            EXPECT_NE(Text(language, 113).find(label), std::string::npos) << Text(language, 113);
+        }
     }
 }
 
 TEST(StringsTest, OnlyTheLatestVersionMessageEndsInABlankAndDoesSoInEveryLanguage)
 {
-    for (const WORD language : kLanguages)
-    {
-        for (UINT id = kFirstId; id <= kLastId; ++id)
-        {
-            const std::string text = Text(language, id);
-            ASSERT_FALSE(text.empty());
-            EXPECT_EQ(text.back() == ' ', id == 137) << LanguageName(language) << " " << id;
-            EXPECT_NE(text.front(), ' ') << LanguageName(language) << " " << id;
-            EXPECT_EQ(text.find("  "), std::string::npos) << LanguageName(language) << " " << id;
-        }
-    }
+    ForEachText([](WORD, UINT id, const std::string& text) {
+        EXPECT_EQ(text.ends_with(' '), id == 137) << text;
+        EXPECT_FALSE(text.starts_with(' ')) << text;
+        EXPECT_EQ(text.find("  "), std::string::npos) << text;
+    });
 }
 
 TEST(StringsTest, OfTheBackstageTextsOnlyTheSpanishRequestIsNotFitForMarkup)
 {
-    std::vector<UINT> ids = {140, 141, 142};
-    for (UINT id = 102; id <= 117; ++id)
-    {
-        if (id != 116)
-        {
-            ids.push_back(id);
-        }
-    }
-    for (const WORD language : kLanguages)
-    {
-        for (const UINT id : ids)
-        {
-            const bool fit = Text(language, id).find_first_of("\"<>&") == std::string::npos;
-            EXPECT_EQ(fit, !(language == kSpanish && id == 113)) << LanguageName(language) << " " << id;
-        }
-    }
-    EXPECT_NE(Text(kSpanish, 113).find("\"Actualizar\""), std::string::npos);
+    ForEachText([](WORD language, UINT id, const std::string& text) {
+        const bool isInBackstage = (id >= 102 && id <= 117 && id != 116) || id >= 140;
+        const bool isFit = text.find_first_of("\"<>&") == std::string::npos;
+        EXPECT_TRUE(!isInBackstage || isFit == !(language == kSpanish && id == 113)) << text;
+    });
 }
 
 TEST(StringsTest, TheFixedTranslationsAreExact)
@@ -203,6 +176,8 @@ TEST(StringsTest, TheFixedTranslationsAreExact)
           {120, "Später"},
           {121, "Fehler beim Herstellen der Verbindung mit dem Updateserver."},
           {124, "Die Datei konnte nicht erstellt werden. Fehlercode: %d"},
+          {138, "Über den ORVA Connector..."},
+          {139, "Schließen"},
           {140, "Version %d.%d.%d (%d-Bit)"}}},
         {kSpanish,
          {{104,
@@ -212,6 +187,7 @@ TEST(StringsTest, TheFixedTranslationsAreExact)
            "Este complemento le informa sobre ORVA Connector y se encarga de que esté siempre actualizado: "
            "al "
            "iniciarse Outlook, busca una versión más reciente, que solo se instala con su consentimiento."},
+          {106, "Más información"},
           {116, "No se pudo analizar la información de actualización."},
           {124, "No se pudo crear el archivo. Código de error: %d"},
           {132, "Se ha cancelado la descarga de la actualización.\nHaga clic en el botón \"Actualizar\" para "
@@ -220,11 +196,13 @@ TEST(StringsTest, TheFixedTranslationsAreExact)
           {134, "No se pudo crear el directorio temporal."},
           {140, "Version %d.%d.%d (%d-Bit)"}}},
         {kTurkish,
-         {{113, "ORVA Connector eklentisinin en son sürümünü yüklediğinizden emin olmak için lütfen Güncelle "
+         {{101, "İptal"},
+          {113, "ORVA Connector eklentisinin en son sürümünü yüklediğinizden emin olmak için lütfen Güncelle "
                 "düğmesine tıklayın."},
           {116, "Güncelleme bilgileri ayrıştırılamadı."},
           {124, "Dosya oluşturulamadı. Hata kodu: %d"},
           {125, "%s - %s"},
+          {127, "Aktarım hızı:"},
           {129, "%dkb - %dkb"},
           {133, "URL ayrıştırılamadı: %s"},
           {137, "ORVA Connector'ın en son sürümü zaten yüklü. "},
@@ -239,32 +217,14 @@ TEST(StringsTest, TheFixedTranslationsAreExact)
     }
 }
 
-TEST(StringsTest, TheRequestNamesTheButtonAsItIsLabelled)
+TEST(StringsTest, NoTextHasACharacterOfABrokenEncoding)
 {
-    for (const WORD language : {kGerman, kSpanish, kTurkish})
-    {
-        EXPECT_NE(Text(language, 113).find(Text(language, 114)), std::string::npos) << LanguageName(language);
-    }
-}
-
-TEST(StringsTest, SpecialCharactersOfEachLanguageArriveAsTheyWereWritten)
-{
-    EXPECT_EQ(ModuleString(kEnglish, 117), L"\u00A9 2011 ORVA. All rights reserved.");
-    EXPECT_EQ(ModuleString(kGerman, 139), L"Schlie\u00DFen");
-    EXPECT_EQ(ModuleString(kGerman, 138), L"\u00DCber den ORVA Connector...");
-    EXPECT_EQ(ModuleString(kSpanish, 106), L"M\u00E1s informaci\u00F3n");
-    EXPECT_EQ(ModuleString(kTurkish, 101), L"\u0130ptal");
-    EXPECT_EQ(ModuleString(kTurkish, 127), L"Aktar\u0131m h\u0131z\u0131:");
-    for (const WORD language : kLanguages)
-    {
-        for (UINT id = kFirstId; id <= kLastId; ++id)
-        {
-            // Characters that appear when UTF-8 is read with another code page or cannot be decoded.
-            EXPECT_EQ(ModuleString(language, id).find_first_of(L"\u00C3\u00C2\u00C4\u00C5\uFFFD"),
-                      std::wstring::npos)
-                << Text(language, id);
-        }
-    }
+    ForEachText([](WORD language, UINT id, const std::string& text) {
+        // These appear when UTF-8 is read with another code page or cannot be decoded.
+        EXPECT_EQ(ModuleString(language, id).find_first_of(L"\u00C3\u00C2\u00C4\u00C5\uFFFD"),
+                  std::wstring::npos)
+            << text;
+    });
 }
 
 TEST(StringsTest, TheTranslationsAreTranslated)

@@ -1,5 +1,4 @@
 // What a setup does when it cannot do its work: it says why, and the machine is as it was.
-#include "addin/RegistrationObstacle.h"
 #include "harness/Files.h"
 #include "harness/Report.h"
 #include "harness/TempFolder.h"
@@ -7,6 +6,7 @@
 #include "harness/Watchdog.h"
 #include "harness/WindowDriver.h"
 #include "outlook/AddInModule.h"
+#include "setup/RegistrationObstacle.h"
 #include "setup/SetupFixture.h"
 
 namespace orva::test

@@ -1,60 +1,21 @@
-// The debug log: its switch, its file and its lines.
-//
-// The switch is read once per process, so each case runs in a process of its own: this program again, with
-// one of the disabled tests of the suite DebugLogChild as its script.
+// The debug log's entries: their forms, where they go, and the process-wide log.
 #include "support/DebugLog.h"
 
 #include "harness/DebugOutput.h"
-#include "harness/Files.h"
 #include "harness/ImportHook.h"
-#include "harness/LogFile.h"
 #include "harness/ProcessRunner.h"
-#include "harness/Registry.h"
-#include "harness/TempFolder.h"
+#include "support/LogFixture.h"
 
-#include <gmock/gmock.h>
-
-#include <windows.h>
-
-#include <cerrno>
 #include <cstdlib>
 #include <ctime>
-#include <optional>
 #include <utility>
 
 namespace
 {
 
 using namespace orva::test;
+using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
-
-constexpr size_t kLargestKeptFile = 1'048'576;
-constexpr char kOldLine[] = "[2011-01-20 14:03:07] CConnect::OnConnection\r\n";
-
-// Runs one script in a new process, in `folder` if one is given, and returns its debugger output.
-std::vector<std::string> RunScript(const std::string& name, const std::wstring& folder = {})
-{
-    wchar_t program[MAX_PATH];
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    const std::string filter = "--gtest_filter=DebugLogChild.DISABLED_" + name;
-    CProcessOptions options;
-    options.program = program;
-    options.arguments = {L"--gtest_also_run_disabled_tests", std::wstring(filter.begin(), filter.end())};
-    options.folder = folder;
-    options.debug = true;
-    CChildProcess child(options);
-    const std::optional<DWORD> code = child.WaitForExit();
-    EXPECT_EQ(code, 0u) << child.Output();
-    EXPECT_THAT(child.Output(), testing::HasSubstr("[  PASSED  ] 1 test."));
-    return child.DebugLines();
-}
-
-int __cdecl WriteNothing(int, const void*, unsigned)
-{
-    errno = ENOSPC;
-    return -1;
-}
 
 // The thread whose next allocation fails; 0 for none.
 DWORD g_threadWithoutMemory = 0;
@@ -71,241 +32,75 @@ void* __cdecl FailOnce(size_t size)
     return nullptr;
 }
 
-// Every test starts without the switch in either hive and without a log.
-class DebugLog : public testing::Test
-{
-protected:
-    DebugLog()
-        : m_userTree(HKEY_CURRENT_USER, kLogSwitchKey), m_machineTree(HKEY_LOCAL_MACHINE, kLogSwitchKey),
-          m_user(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue),
-          m_machine(HKEY_LOCAL_MACHINE, kLogSwitchKey, kLogSwitchValue)
-    {
-        m_userTree.Remove();
-        m_machineTree.Remove();
-        DeleteLog();
-    }
-    ~DebugLog() override { DeleteLog(); }
-
-    void ExpectOff()
-    {
-        EXPECT_THAT(RunScript("WritesOneEntry"), ElementsAre("CConnect::OnConnection"));
-        EXPECT_FALSE(FolderExists(LogFolder()));
-    }
-
-    void ExpectOn()
-    {
-        EXPECT_THAT(RunScript("WritesOneEntry"), ElementsAre("CConnect::OnConnection"));
-        EXPECT_THAT(ReadLogTexts(), ElementsAre("CConnect::OnConnection"));
-    }
-
-    void WriteOldLog(const std::string& bytes)
-    {
-        CreateDirectoryW(LogFolder().c_str(), nullptr);
-        WriteFileBytes(LogPath(), bytes);
-    }
-
-    CRegistryTreeGuard m_userTree;
-    CRegistryTreeGuard m_machineTree;
-    CRegistryValue m_user;
-    CRegistryValue m_machine;
-};
+// The log of this process is closed: it was created, or will be, while the switch is off.
+using DebugLog = CLogTest;
 
 } // namespace
-
-TEST(DebugLogChild, DISABLED_WritesOneEntry)
-{
-    WriteDebugLog(GetDebugLog(), "CConnect::OnConnection");
-}
-
-TEST(DebugLogChild, DISABLED_WritesEveryForm)
-{
-    WriteDebugLog(GetDebugLog(), "CHttpRequest::PerformTextRequest");
-    WriteDebugLog(GetDebugLog(), "CHttpRequest::PerformTextRequest", "response httpStatus", 200);
-    WriteDebugLog(GetDebugLog(), "F", "negative", -2147483647 - 1);
-    WriteDebugLog(GetDebugLog(), "F", "status", static_cast<std::int32_t>(4294967295u));
-    WriteDebugLog(GetDebugLog(), "F", "narrow", std::string("\xE4 text"));
-    WriteDebugLog(GetDebugLog(), "F", "literal", "a b");
-    WriteDebugLog(GetDebugLog(), "F", "wide", std::wstring(L"\x00E4\x0416\x20AC"));
-    WriteDebugLog(GetDebugLog(), "CheckForUpdate", "TextRequest succeeded", "");
-    WriteDebugLog(GetDebugLog(), "F", "", std::wstring());
-    WriteDebugLog(GetDebugLog(), "");
-    LogEntry("CConnect::OnConnection");
-    LogMessage("CConnect::OnConnection", "check for updates");
-}
-
-TEST(DebugLogChild, DISABLED_ReadsTheFileAfterEachEntry)
-{
-    for (const char* text : {"one", "two", "three"})
-    {
-        WriteDebugLog(GetDebugLog(), text);
-        ASSERT_FALSE(ReadLogTexts().empty());
-        EXPECT_EQ(ReadLogTexts().back(), text);
-    }
-}
-
-TEST(DebugLogChild, DISABLED_SharesTheFile)
-{
-    WriteDebugLog(GetDebugLog(), "mine");
-    const HANDLE other = CreateFileW(LogPath().c_str(), FILE_APPEND_DATA | GENERIC_READ,
-                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(other, INVALID_HANDLE_VALUE) << GetLastError();
-    DWORD written = 0;
-    EXPECT_TRUE(WriteFile(other, "theirs\r\n", 8, &written, nullptr));
-    CloseHandle(other);
-    WriteDebugLog(GetDebugLog(), "mine again");
-}
-
-TEST(DebugLogChild, DISABLED_TogglesTheSwitchBetweenTwoEntries)
-{
-    WriteDebugLog(GetDebugLog(), "first");
-    CRegistryValue value(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue);
-    value.SetDword(GetDebugLog().IsOpen() ? 0 : 1);
-    WriteDebugLog(GetDebugLog(), "second");
-}
-
-TEST(DebugLogChild, DISABLED_WritesTwoEntriesInOneSecond)
-{
-    for (int attempt = 0; attempt < 20; ++attempt)
-    {
-        const std::time_t start = std::time(nullptr);
-        WriteDebugLog(GetDebugLog(), "early");
-        WriteDebugLog(GetDebugLog(), "late");
-        if (std::time(nullptr) == start)
-        {
-            return;
-        }
-    }
-    FAIL() << "no two entries in one second";
-}
-
-TEST(DebugLogChild, DISABLED_WritesToAFullDisk)
-{
-    WriteDebugLog(GetDebugLog(), "kept");
-    {
-        const CImportHook fullDisk(GetModuleHandleW(nullptr), "msvcrt.dll", "_write", &WriteNothing);
-        WriteDebugLog(GetDebugLog(), "lost");
-    }
-    WriteDebugLog(GetDebugLog(), "F", "lost", 1);
-}
-
-TEST(DebugLogChild, DISABLED_KeepsOneLogFile)
-{
-    EXPECT_EQ(&GetDebugLog(), &GetDebugLog());
-    EXPECT_TRUE(GetDebugLog().IsOpen());
-}
-
-TEST(DebugLogChild, DISABLED_WritesTwoMebibytes)
-{
-    const std::string text(4096, 'x');
-    for (int i = 0; i < 512; ++i)
-    {
-        WriteDebugLog(GetDebugLog(), text);
-    }
-}
-
-TEST_F(DebugLog, WithoutTheSwitchEntriesReachTheDebuggerAndNoFileIsMade)
-{
-    ExpectOff();
-}
-
-TEST_F(DebugLog, AnythingButOneIsOff)
-{
-    for (const DWORD value : {0u, 2u, 0x01000000u, 0xFFFFFFFFu, 0x101u})
-    {
-        SCOPED_TRACE(value);
-        m_user.SetDword(value);
-        ExpectOff();
-    }
-}
-
-TEST_F(DebugLog, OneIsOn)
-{
-    m_user.SetDword(1);
-    ExpectOn();
-}
-
-TEST_F(DebugLog, OneInTheMachineHiveIsOn)
-{
-    m_machine.SetDword(1);
-    ExpectOn();
-}
-
-TEST_F(DebugLog, TheUserHiveWinsOverTheMachineHive)
-{
-    m_user.SetDword(0);
-    m_machine.SetDword(1);
-    ExpectOff();
-}
-
-TEST_F(DebugLog, TheStringOneIsOff)
-{
-    m_user.SetString(L"1");
-    m_machine.SetDword(1);
-    ExpectOff();
-}
-
-TEST_F(DebugLog, TheFourBytesOfOneAreOnWhateverTheirType)
-{
-    m_user.SetBytes({1, 0, 0, 0}, REG_BINARY);
-    ExpectOn();
-}
-
-TEST_F(DebugLog, AValueLongerThanFourBytesLeavesTheChoiceToTheMachineHive)
-{
-    m_user.SetBytes({1, 0, 0, 0, 0, 0, 0, 0}, REG_QWORD);
-    ExpectOff();
-    m_machine.SetDword(1);
-    ExpectOn();
-}
-
-TEST_F(DebugLog, TheFileIsInTheLocalApplicationDataFolderUnderItsFixedName)
-{
-    m_user.SetDword(1);
-    ExpectOn();
-    EXPECT_EQ(LogPath(), LogFolder() + L"\\logfile_OrvaAddIn.txt");
-    EXPECT_THAT(ListFolder(LogFolder()), ElementsAre(L"logfile_OrvaAddIn.txt"));
-}
 
 TEST_F(DebugLog, WritesEveryFormToFileAndDebugger)
 {
     m_user.SetDword(1);
-    const std::vector<std::string> lines = RunScript("WritesEveryForm");
-    EXPECT_THAT(lines, ElementsAre("CHttpRequest::PerformTextRequest",
-                                   "CHttpRequest::PerformTextRequest() response httpStatus 200",
-                                   "F() negative -2147483648", "F() status -1", "F() narrow \xE4 text",
-                                   "F() literal a b", "F() wide \xE4\x16\xAC",
-                                   "CheckForUpdate() TextRequest succeeded ", "F()  ", "",
-                                   "CConnect::OnConnection", "CConnect::OnConnection() check for updates "));
-    EXPECT_EQ(ReadLogTexts(), lines);
+    CLogFile log;
+    const CDebugOutput output;
+    WriteDebugLog(log, "CHttpRequest::PerformTextRequest");
+    WriteDebugLog(log, "CHttpRequest::PerformTextRequest", "response httpStatus", 200);
+    WriteDebugLog(log, "F", "negative", -2147483647 - 1);
+    WriteDebugLog(log, "F", "status", static_cast<std::int32_t>(4294967295u));
+    WriteDebugLog(log, "F", "narrow", std::string("\xE4 text"));
+    WriteDebugLog(log, "F", "literal", "a b");
+    WriteDebugLog(log, "F", "wide", std::wstring(L"\x00E4\x0416\x20AC"));
+    WriteDebugLog(log, "CheckForUpdate", "TextRequest succeeded", "");
+    WriteDebugLog(log, "F", "", std::wstring());
+    WriteDebugLog(log, "");
+    EXPECT_THAT(output.Lines(),
+                ElementsAre("CHttpRequest::PerformTextRequest",
+                            "CHttpRequest::PerformTextRequest() response httpStatus 200",
+                            "F() negative -2147483648", "F() status -1", "F() narrow \xE4 text",
+                            "F() literal a b", "F() wide \xE4\x16\xAC",
+                            "CheckForUpdate() TextRequest succeeded ", "F()  ", ""));
+    EXPECT_EQ(ReadLogTexts(), output.Lines());
+}
+
+TEST_F(DebugLog, WithoutAFileEntriesReachTheDebugger)
+{
+    const CDebugOutput output;
+    LogEntry("CConnect::OnConnection");
+    LogMessage("CConnect::OnConnection", "check for updates");
+    EXPECT_THAT(output.Lines(),
+                ElementsAre("CConnect::OnConnection", "CConnect::OnConnection() check for updates "));
+    EXPECT_EQ(ReadLog(), "");
 }
 
 TEST_F(DebugLog, ALineIsTheLocalTimeInBracketsTheTextAndALineEnd)
 {
     m_user.SetDword(1);
+    CLogFile log;
     const std::time_t before = std::time(nullptr);
-    RunScript("WritesOneEntry");
+    WriteDebugLog(log, "text");
     const std::time_t after = std::time(nullptr);
-
-    const std::string log = ReadLog();
-    ASSERT_EQ(log.size(), 1 + 19 + 2 + 22 + 2u) << log;
-    EXPECT_EQ(log[0], '[');
-    EXPECT_EQ(log.substr(20), "] CConnect::OnConnection\r\n");
-    bool found = false;
+    std::vector<std::string> lines;
     for (std::time_t time = before; time <= after; ++time)
     {
-        char text[20] = {};
+        char text[32] = {};
         std::tm local = {};
         ASSERT_EQ(localtime_s(&local, &time), 0);
-        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M:%S", &local);
-        found = found || log.substr(1, 19) == text;
+        std::strftime(text, sizeof(text), "[%Y-%m-%d %H:%M:%S] ", &local);
+        lines.push_back(std::string(text) + "text\r\n");
     }
-    EXPECT_TRUE(found) << log;
+    EXPECT_THAT(lines, Contains(ReadLog()));
 }
 
 TEST_F(DebugLog, TwoEntriesInOneSecondCarryTheSameTimeAndKeepTheirOrder)
 {
     m_user.SetDword(1);
-    RunScript("WritesTwoEntriesInOneSecond");
+    CLogFile log;
+    std::time_t start = 0;
+    do
+    {
+        start = std::time(nullptr);
+        WriteDebugLog(log, "early");
+        WriteDebugLog(log, "late");
+    } while (std::time(nullptr) != start);
     const std::vector<CLogEntry> entries = ReadLogEntries();
     ASSERT_GE(entries.size(), 2u);
     EXPECT_EQ(entries[entries.size() - 2].text, "early");
@@ -314,115 +109,34 @@ TEST_F(DebugLog, TwoEntriesInOneSecondCarryTheSameTimeAndKeepTheirOrder)
     EXPECT_FALSE(entries.back().time.empty());
 }
 
-TEST_F(DebugLog, EveryEntryIsInTheFileAtOnce)
+TEST(DebugLogChild, DISABLED_TogglesTheSwitchBetweenTwoEntries)
 {
-    m_user.SetDword(1);
-    RunScript("ReadsTheFileAfterEachEntry");
-    EXPECT_THAT(ReadLogTexts(), ElementsAre("one", "two", "three"));
+    CLogFile& log = GetDebugLog();
+    LogEntry("first");
+    CRegistryValue value(HKEY_CURRENT_USER, kLogSwitchKey, kLogSwitchValue);
+    value.SetDword(log.IsOpen() ? 0 : 1);
+    LogEntry("second");
+    EXPECT_EQ(&GetDebugLog(), &log);
 }
 
-TEST_F(DebugLog, OthersMayReadAndWriteTheFileMeanwhile)
-{
-    m_user.SetDword(1);
-    RunScript("SharesTheFile");
-    const std::vector<CLogEntry> entries = ReadLogEntries();
-    ASSERT_EQ(entries.size(), 3u);
-    EXPECT_EQ(entries[0].text, "mine");
-    EXPECT_EQ(entries[1].text, "theirs\r");
-    EXPECT_EQ(entries[2].text, "mine again");
-}
-
+// So each case takes a process of its own: this program again, with the disabled test as its script.
 TEST_F(DebugLog, TheSwitchIsReadOncePerProcess)
 {
-    EXPECT_THAT(RunScript("TogglesTheSwitchBetweenTwoEntries"), ElementsAre("first", "second"));
-    EXPECT_FALSE(FolderExists(LogFolder()));
-
-    m_user.SetDword(1);
-    EXPECT_THAT(RunScript("TogglesTheSwitchBetweenTwoEntries"), ElementsAre("first", "second"));
-    EXPECT_THAT(ReadLogTexts(), ElementsAre("first", "second"));
-}
-
-TEST_F(DebugLog, ThereIsOneLogFile)
-{
-    m_user.SetDword(1);
-    RunScript("KeepsOneLogFile");
-}
-
-TEST_F(DebugLog, ALaterProcessAppends)
-{
-    m_user.SetDword(1);
-    RunScript("WritesOneEntry");
-    RunScript("WritesOneEntry");
-    EXPECT_THAT(ReadLogTexts(), ElementsAre("CConnect::OnConnection", "CConnect::OnConnection"));
-}
-
-TEST_F(DebugLog, AFileOfExactlyOneMebibyteIsKept)
-{
-    m_user.SetDword(1);
-    WriteOldLog(std::string(kLargestKeptFile - sizeof(kOldLine) + 1, 'x') + kOldLine);
-    RunScript("WritesOneEntry");
-    const std::string log = ReadLog();
-    EXPECT_EQ(log.size(), kLargestKeptFile + sizeof(kOldLine) - 1);
-    EXPECT_EQ(log.substr(kLargestKeptFile - sizeof(kOldLine) + 1, sizeof(kOldLine) - 1), kOldLine);
-    EXPECT_EQ(ReadLogTexts().back(), "CConnect::OnConnection");
-}
-
-TEST_F(DebugLog, AFileOfOneByteMoreIsEmptied)
-{
-    m_user.SetDword(1);
-    WriteOldLog(std::string(kLargestKeptFile - sizeof(kOldLine) + 2, 'x') + kOldLine);
-    RunScript("WritesOneEntry");
-    EXPECT_EQ(ReadLog().size(), 46u);
-    EXPECT_THAT(ReadLogTexts(), ElementsAre("CConnect::OnConnection"));
-}
-
-TEST_F(DebugLog, AFileMayGrowBeyondOneMebibyteWhileItIsOpen)
-{
-    m_user.SetDword(1);
-    RunScript("WritesTwoMebibytes");
-    EXPECT_EQ(ReadLog().size(), 512u * (4096 + 24));
-}
-
-TEST_F(DebugLog, WithoutALocalApplicationDataFolderTheLogIsOffAndNothingIsMade)
-{
-    m_user.SetDword(1);
-    const CTempFolder temp;
-    CRegistryValue folder(HKEY_CURRENT_USER,
-                          L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders",
-                          L"Local AppData");
-    folder.SetString(temp.File(L"missing"));
-    EXPECT_THAT(RunScript("WritesOneEntry", temp.Path()), ElementsAre("CConnect::OnConnection"));
-
-    EXPECT_THAT(ListFolder(temp.Path()), IsEmpty());
-    // The log's folder if its path lacked the missing part.
-    const std::wstring atTheRoot = temp.Path().substr(0, 2) + L"\\ORVA Connector";
-    EXPECT_FALSE(FolderExists(atTheRoot));
-    RemovePath(atTheRoot);
-}
-
-TEST_F(DebugLog, AFolderThatCannotBeMadeLeavesTheLogOff)
-{
-    m_user.SetDword(1);
-    WriteFileBytes(LogFolder(), "a file where the folder should be");
-    EXPECT_THAT(RunScript("WritesOneEntry"), ElementsAre("CConnect::OnConnection"));
-    EXPECT_EQ(ReadFileBytes(LogFolder()), "a file where the folder should be");
-    RemovePath(LogFolder());
-}
-
-TEST_F(DebugLog, AFileThatCannotBeOpenedLeavesTheLogOff)
-{
-    m_user.SetDword(1);
-    CreateDirectoryW(LogFolder().c_str(), nullptr);
-    CreateDirectoryW(LogPath().c_str(), nullptr);
-    EXPECT_THAT(RunScript("WritesEveryForm").size(), 12u);
-    EXPECT_TRUE(FolderExists(LogPath()));
-}
-
-TEST_F(DebugLog, AWriteFailureIsIgnoredAndEndsTheFile)
-{
-    m_user.SetDword(1);
-    EXPECT_THAT(RunScript("WritesToAFullDisk"), ElementsAre("kept", "lost", "F() lost 1"));
-    EXPECT_THAT(ReadLogTexts(), ElementsAre("kept"));
+    wchar_t program[MAX_PATH];
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    for (const bool isOn : {false, true})
+    {
+        m_user.SetDword(isOn);
+        CProcessOptions options;
+        options.program = program;
+        options.arguments = {L"--gtest_also_run_disabled_tests", L"--gtest_filter=DebugLogChild.*"};
+        options.debug = true;
+        CChildProcess child(options);
+        EXPECT_EQ(child.WaitForExit(), 0u) << child.Output();
+        EXPECT_THAT(child.Output(), testing::HasSubstr("[  PASSED  ] 1 test."));
+        EXPECT_THAT(child.DebugLines(), ElementsAre("first", "second"));
+        EXPECT_EQ(ReadLogTexts(), isOn ? child.DebugLines() : std::vector<std::string>());
+    }
 }
 
 TEST_F(DebugLog, WithoutMemoryALineIsLostWithoutAnException)

@@ -47,26 +47,24 @@ TEST(GetAppDataFolder, IsEmptyWhenTheSystemHasNoSuchFolder)
     EXPECT_EQ(GetAppDataFolder(), L"");
 }
 
-TEST(CreateDirectoriesForPath, FileModeCreatesEveryFolderButNotTheFile)
+TEST(CreateDirectoriesForPath, FileModeCreatesEveryFolderAndSaysWhetherTheFileExists)
 {
     const CTempFolder temp;
     EXPECT_FALSE(CreateDirectoriesForPath(temp.File(L"a\\b\\c.txt"), true));
     EXPECT_EQ(ListFolder(temp.Path()), (Names{L"a\\", L"a\\b\\"}));
+    WriteFileBytes(temp.File(L"a\\b\\c.txt"), "x");
+    EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"a\\b\\c.txt"), true));
+    EXPECT_EQ(ListFolder(temp.Path()), (Names{L"a\\", L"a\\b\\", L"a\\b\\c.txt"}));
 }
 
-TEST(CreateDirectoriesForPath, FileModeSaysWhetherTheFileExists)
-{
-    const CTempFolder temp;
-    WriteFileBytes(temp.File(L"there.txt"), "x");
-    EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"there.txt"), true));
-    EXPECT_FALSE(CreateDirectoriesForPath(temp.File(L"missing.txt"), true));
-    EXPECT_EQ(ListFolder(temp.Path()), (Names{L"there.txt"}));
-}
-
+// Existing folders and drive roots are no obstacle.
 TEST(CreateDirectoriesForPath, FolderModeCreatesTheWholePath)
 {
     const CTempFolder temp;
-    EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"a\\b\\c"), false));
+    for (const wchar_t* const path : {L"a\\", L"a\\", L"a\\b\\c", L"a\\b\\c"})
+    {
+        EXPECT_TRUE(CreateDirectoriesForPath(temp.File(path), false));
+    }
     EXPECT_EQ(ListFolder(temp.Path()), (Names{L"a\\", L"a\\b\\", L"a\\b\\c\\"}));
 }
 
@@ -74,18 +72,10 @@ TEST(CreateDirectoriesForPath, FolderModeSaysWhetherThePathUpToItsLastBackslashE
 {
     const CTempFolder temp;
     WriteFileBytes(temp.File(L"file"), "x");
-    // The last folder cannot be made, as a file has its name; what counts is the folder above it.
+    // The last folder cannot be made; what counts is the one above it.
+    EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"a\\no*name"), false));
     EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"file"), false));
     EXPECT_FALSE(CreateDirectoriesForPath(temp.File(L"file\\a\\b"), false));
-}
-
-TEST(CreateDirectoriesForPath, ExistingFoldersAndDriveRootsAreNoObstacle)
-{
-    const CTempFolder temp;
-    EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"a\\"), false));
-    EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"a\\"), false));
-    EXPECT_TRUE(CreateDirectoriesForPath(temp.File(L"a\\b"), false));
-    EXPECT_EQ(ListFolder(temp.Path()), (Names{L"a\\", L"a\\b\\"}));
 }
 
 TEST(CreateDirectoriesForPath, PathsWithoutAFolderCreateNone)

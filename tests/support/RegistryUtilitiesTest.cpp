@@ -35,37 +35,23 @@ protected:
 
 } // namespace
 
-TEST_F(RegistryUtilities, MissingInBothHivesIsMinusOne)
+TEST_F(RegistryUtilities, MissingKeysAndValuesAreMinusOne)
 {
     EXPECT_EQ(Read(), -1);
-}
-
-TEST_F(RegistryUtilities, MissingValueInAnExistingKeyIsMinusOne)
-{
     CRegistryValue other(HKEY_CURRENT_USER, kKey, L"Other");
     other.SetDword(7);
     EXPECT_EQ(Read(), -1);
-    EXPECT_EQ(ReadRegistryDwordFromHive(HKEY_CURRENT_USER, kKey, L"Other"), 7);
+    EXPECT_EQ(ReadRegistryDword(kKey, L"Other"), 7);
 }
 
-TEST_F(RegistryUtilities, TheUserHiveWins)
-{
-    m_user.SetDword(0);
-    m_machine.SetDword(1);
-    EXPECT_EQ(Read(), 0);
-}
-
-TEST_F(RegistryUtilities, TheMachineHiveIsReadWhenTheUserHiveHasNothing)
+TEST_F(RegistryUtilities, TheMachineHiveIsReadOnlyWhenTheUserHiveHasNothing)
 {
     m_machine.SetDword(1031);
     EXPECT_EQ(Read(), 1031);
-}
-
-TEST_F(RegistryUtilities, ReadsOneHiveWhenAskedForOne)
-{
-    m_machine.SetDword(5);
     EXPECT_EQ(ReadRegistryDwordFromHive(HKEY_CURRENT_USER, kKey, kName), -1);
-    EXPECT_EQ(ReadRegistryDwordFromHive(HKEY_LOCAL_MACHINE, kKey, kName), 5);
+    EXPECT_EQ(ReadRegistryDwordFromHive(HKEY_LOCAL_MACHINE, kKey, kName), 1031);
+    m_user.SetDword(0);
+    EXPECT_EQ(Read(), 0);
 }
 
 TEST_F(RegistryUtilities, TheTypeDoesNotMatter)

@@ -36,8 +36,6 @@ std::string ErrorOf(const std::string& text)
     return "no error";
 }
 
-constexpr char kTooShort[] = "invalid vector<T> subscript";
-
 } // namespace
 
 TEST(MonthFromName, KnowsTheTwelveNames)
@@ -61,25 +59,23 @@ TEST(MonthFromName, ComparesExactly)
 TEST(ParseHttpDate, TakesTheHeadersTimeAsLocalTime)
 {
     EXPECT_EQ(Fields(ParseHttpDate("Sun, 06 Nov 1994 08:49:37 GMT")), "94-10-6 8:49:37 0/309");
-    EXPECT_EQ(Fields(ParseHttpDate("Tue, 15 Nov 1994 08:12:31 GMT")), "94-10-15 8:12:31 2/318");
     EXPECT_EQ(Fields(ParseHttpDate("Thu, 20 Jan 2011 14:03:07 GMT")), "111-0-20 14:3:7 4/19");
     EXPECT_EQ(Fields(ParseHttpDate("Mon, 29 Feb 2016 23:59:59 GMT")), "116-1-29 23:59:59 1/59");
 }
 
-TEST(ParseHttpDate, IgnoresTheCaseOfTheMonthAndWeekdayAndZone)
+TEST(ParseHttpDate, TakesOtherFormsForTheSameDate)
 {
-    EXPECT_EQ(Fields(ParseHttpDate("xyz 06 NOV 1994 08:49:37 CET")), "94-10-6 8:49:37 0/309");
-    EXPECT_EQ(Fields(ParseHttpDate("xyz 06 nov 1994 08:49:37")), "94-10-6 8:49:37 0/309");
-}
-
-TEST(ParseHttpDate, CompressesAdjacentSeparators)
-{
-    EXPECT_EQ(Fields(ParseHttpDate("Sun,  06 : Nov::1994   08:49: 37")), "94-10-6 8:49:37 0/309");
-}
-
-TEST(ParseHttpDate, SeparatorsAtTheStartMakeAnEmptyFirstPart)
-{
-    EXPECT_EQ(Fields(ParseHttpDate("  06 Nov 1994 08:49:37")), "94-10-6 8:49:37 0/309");
+    for (const char* text :
+         {// Neither the month's case nor weekday and zone count.
+          "xyz 06 NOV 1994 08:49:37 CET", "xyz 06 nov 1994 08:49:37",
+          // Adjacent separators count as one, and at the start they make an empty first part.
+          "Sun,  06 : Nov::1994   08:49: 37", "  06 Nov 1994 08:49:37",
+          // A number ends at its first other character.
+          "Sun, 06th Nov 1994x 8h:49m:37s"})
+    {
+        EXPECT_EQ(Fields(ParseHttpDate(text)), "94-10-6 8:49:37 0/309") << text;
+    }
+    EXPECT_EQ(Fields(ParseHttpDate("Sun, 06 Nov 1994 x:-:s")), "94-10-6 0:0:0 0/309");
 }
 
 TEST(ParseHttpDate, NormalisesFieldsThatAreTooLarge)
@@ -94,22 +90,13 @@ TEST(ParseHttpDate, AnUnknownMonthIsTheOneBeforeJanuary)
     EXPECT_EQ(Fields(ParseHttpDate("Sun, 06 \x80\xFF\xC4 1994 08:49:37 GMT")), "93-11-6 8:49:37 1/339");
 }
 
-TEST(ParseHttpDate, ReadsNumbersUpToTheirFirstOtherCharacter)
-{
-    EXPECT_EQ(Fields(ParseHttpDate("Sun, 06th Nov 1994x 8h:49m:37s")), "94-10-6 8:49:37 0/309");
-    EXPECT_EQ(Fields(ParseHttpDate("Sun, 06 Nov 1994 x:-:s")), "94-10-6 0:0:0 0/309");
-}
-
 TEST(ParseHttpDate, FewerThanSevenPartsAreOutOfRange)
 {
-    EXPECT_EQ(ErrorOf(""), kTooShort);
-    EXPECT_EQ(ErrorOf("Sun,"), kTooShort);
-    EXPECT_EQ(ErrorOf("Sun, 06"), kTooShort);
-    EXPECT_EQ(ErrorOf("Sun, 06 Nov"), kTooShort);
-    EXPECT_EQ(ErrorOf("Sun, 06 Nov 1994"), kTooShort);
-    EXPECT_EQ(ErrorOf("Sun, 06 Nov 1994 08"), kTooShort);
-    EXPECT_EQ(ErrorOf("Sun, 06 Nov 1994 08:49"), kTooShort);
-    EXPECT_EQ(ErrorOf("Sunday, 06-Nov-94 08:49:37 GMT"), kTooShort);
+    for (const char* text : {"", "Sun,", "Sun, 06", "Sun, 06 Nov", "Sun, 06 Nov 1994", "Sun, 06 Nov 1994 08",
+                             "Sun, 06 Nov 1994 08:49", "Sunday, 06-Nov-94 08:49:37 GMT"})
+    {
+        EXPECT_EQ(ErrorOf(text), "invalid vector<T> subscript") << text;
+    }
     EXPECT_EQ(ErrorOf("Sun, 06 Nov 1994 08:49:37"), "no error");
 }
 
@@ -156,10 +143,10 @@ TEST(TimestampStrings, AreTheSecondsSince1970InDecimal)
     const std::wstring wide = GetTimestampStringW();
     const auto after = static_cast<std::int32_t>(std::time(nullptr));
 
-    EXPECT_EQ(narrow, std::to_string(std::stol(narrow)));
-    EXPECT_EQ(wide, std::to_wstring(std::stol(wide)));
-    EXPECT_GE(std::stol(narrow), before);
-    EXPECT_LE(std::stol(narrow), after);
-    EXPECT_GE(std::stol(wide), before);
-    EXPECT_LE(std::stol(wide), after);
+    for (const std::string& text : {narrow, std::string(wide.begin(), wide.end())})
+    {
+        EXPECT_EQ(text, std::to_string(std::stol(text)));
+        EXPECT_GE(std::stol(text), before);
+        EXPECT_LE(std::stol(text), after);
+    }
 }

@@ -12,28 +12,21 @@
 #include "harness/TempFolder.h"
 #include "harness/Text.h"
 #include "harness/UserScript.h"
+#include "res/resource.h"
+#include "ui/LocalizedResources.h"
 
 #include <gtest/gtest.h>
 
 #include <commctrl.h>
-
-#include <algorithm>
 
 namespace orva::test
 {
 namespace
 {
 
-constexpr int kDescription = 209;
-constexpr int kLink1 = 213;
-constexpr int kLink2 = 214;
-constexpr int kLink3 = 215;
-constexpr int kTitle = 216;
-constexpr int kVersionLine1 = 221;
-
 void Close(HWND dialog)
 {
-    ClickButton(dialog, kAboutClose);
+    ClickButton(dialog, IDC_ABOUT_CLOSE);
 }
 
 class AboutDlgTest : public testing::Test
@@ -43,7 +36,16 @@ protected:
 
     CUserScript& OnAbout(std::function<void(HWND)> act)
     {
-        return m_user.OnDialogWith(kTitle, std::move(act));
+        return m_user.OnDialogWith(IDC_ABOUT_TITLE, std::move(act));
+    }
+
+    // The user reads this box of a check, and then presses a button of the dialog, which is enabled again.
+    CUserScript& AnswerBoxAndPress(const wchar_t* text, int button)
+    {
+        return m_user.AnswerBox(text).Then("press " + std::to_string(button), [=] {
+            const HWND about = FindTopLevelWindow({.childId = IDC_ABOUT_TITLE});
+            return WaitUntilEnabled(about) && ClickButton(about, button);
+        });
     }
 
     // Shows the dialog; the user must take all of his steps.
@@ -69,37 +71,30 @@ TEST_F(AboutDlgTest, EnglishTexts)
     OnAbout(Close);
     Show();
     ASSERT_EQ(m_seen.size(), 1u);
-    const CSeenWindow& about = m_seen[0];
-    EXPECT_EQ(about.caption, L"ORVA Connector");
-    EXPECT_EQ(about.Control(kTitle), L"ORVA Connector");
-    EXPECT_EQ(about.Control(217), L"More information");
-    EXPECT_EQ(about.Control(218),
-              L"The following links provide you with information about use and troubleshooting:");
-    EXPECT_EQ(about.Control(kLink1),
-              L"<a href=\"http://www.orva.example/outlook\">ORVA Connector information</a>");
-    EXPECT_EQ(about.Control(kLink2), L"<a href=\"http://www.orva.example/outlook/faqs\">FAQs</a>");
-    EXPECT_EQ(about.Control(kLink3),
-              L"<a href=\"http://www.orva.example/app/user?op=imprint\">About this site</a>");
-    EXPECT_EQ(about.Control(219), L"Version");
-    EXPECT_EQ(about.Control(220),
-              L"Please click on the update button to ensure that you installed the latest version of "
-              L"the ORVA Connector plugin.");
-    EXPECT_EQ(about.Control(kAboutUpdate), L"Update");
-    EXPECT_EQ(about.Control(kVersionLine1), L"Version 1.2.0 (64-bit)");
-    EXPECT_EQ(about.Control(kAboutClose), L"Close");
-}
-
-TEST_F(AboutDlgTest, DescriptionIsThreeParagraphsWithAnEmptyLineBetween)
-{
-    OnAbout(Close);
-    Show();
-    ASSERT_EQ(m_seen.size(), 1u);
-    const std::wstring text = m_seen[0].Control(kDescription);
-    const size_t first = text.find(L"\n\n");
-    ASSERT_NE(first, std::wstring::npos);
-    const size_t second = text.find(L"\n\n", first + 2);
-    ASSERT_NE(second, std::wstring::npos);
-    EXPECT_EQ(text.find(L"\n\n", second + 2), std::wstring::npos);
+    EXPECT_EQ(m_seen[0].caption, L"ORVA Connector");
+    const std::pair<int, const wchar_t*> texts[] = {
+        {IDC_ABOUT_TITLE, L"ORVA Connector"},
+        {IDC_ABOUT_LINKS_GROUP, L"More information"},
+        {IDC_ABOUT_LINKS_TEXT,
+         L"The following links provide you with information about use and troubleshooting:"},
+        {IDC_ABOUT_LINK1, L"<a href=\"http://www.orva.example/outlook\">ORVA Connector information</a>"},
+        {IDC_ABOUT_LINK2, L"<a href=\"http://www.orva.example/outlook/faqs\">FAQs</a>"},
+        {IDC_ABOUT_LINK3, L"<a href=\"http://www.orva.example/app/user?op=imprint\">About this site</a>"},
+        {IDC_ABOUT_VERSION_GROUP, L"Version"},
+        {IDC_ABOUT_VERSION_TEXT, L"Please click on the update button to ensure that you installed the latest "
+                                 L"version of the ORVA Connector plugin."},
+        {IDC_ABOUT_UPDATE, L"Update"},
+        {IDC_ABOUT_VERSION_LINE1, L"Version 1.2.0 (64-bit)"},
+        {IDC_ABOUT_CLOSE, L"Close"},
+    };
+    for (const auto& [control, text] : texts)
+    {
+        EXPECT_EQ(m_seen[0].Control(control), text);
+    }
+    const CLocalizedResources& resources = GetLocalizedResources();
+    EXPECT_STREQ(m_seen[0].Control(IDC_ABOUT_DESCRIPTION).c_str(),
+                 resources.LoadString(IDS_DESCRIPTION1) + L"\n\n" + resources.LoadString(IDS_DESCRIPTION2) +
+                     L"\n\n" + resources.LoadString(IDS_DESCRIPTION3));
 }
 
 TEST_F(AboutDlgTest, GermanTexts)
@@ -108,25 +103,22 @@ TEST_F(AboutDlgTest, GermanTexts)
     OnAbout(Close);
     Show();
     ASSERT_EQ(m_seen.size(), 1u);
-    const CSeenWindow& about = m_seen[0];
-    EXPECT_EQ(about.caption, L"ORVA Connector");
-    EXPECT_EQ(about.Control(217), L"Weitere Informationen");
-    EXPECT_EQ(about.Control(kAboutUpdate), L"Aktualisieren");
-    EXPECT_EQ(about.Control(kAboutClose), L"Schließen");
-    EXPECT_EQ(about.Control(kLink2),
-              L"<a href=\"http://www.orva.example/outlook/faqs\">Häufig gestellte Fragen</a>");
-    EXPECT_EQ(about.Control(kVersionLine1), L"Version 1.2.0 (64-Bit)");
+    EXPECT_EQ(m_seen[0].Control(IDC_ABOUT_LINKS_GROUP), L"Weitere Informationen");
+    EXPECT_EQ(m_seen[0].Control(IDC_ABOUT_CLOSE), L"Schließen");
+    EXPECT_EQ(m_seen[0].Control(IDC_ABOUT_VERSION_LINE1), L"Version 1.2.0 (64-Bit)");
 }
 
 TEST_F(AboutDlgTest, TitleIsBoldAndOtherwiseTheDialogsFont)
 {
     OnAbout([](HWND dialog) {
-        LOGFONTW title{};
-        LOGFONTW other{};
-        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(ChildById(dialog, kTitle), WM_GETFONT, 0, 0)),
-                   sizeof(title), &title);
-        GetObjectW(reinterpret_cast<HFONT>(SendMessageW(ChildById(dialog, kVersionLine1), WM_GETFONT, 0, 0)),
-                   sizeof(other), &other);
+        const auto fontOf = [=](int id) {
+            LOGFONTW font{};
+            GetObjectW(reinterpret_cast<HFONT>(SendMessageW(ChildById(dialog, id), WM_GETFONT, 0, 0)),
+                       sizeof(font), &font);
+            return font;
+        };
+        const LOGFONTW title = fontOf(IDC_ABOUT_TITLE);
+        const LOGFONTW other = fontOf(IDC_ABOUT_VERSION_LINE1);
         EXPECT_EQ(title.lfWeight, FW_BOLD);
         EXPECT_EQ(title.lfHeight, other.lfHeight);
         EXPECT_STREQ(title.lfFaceName, other.lfFaceName);
@@ -168,7 +160,8 @@ TEST_F(AboutDlgTest, EnterPressesCloseWhenCloseHasTheFocus)
 {
     const CLogMark log;
     OnAbout([](HWND dialog) {
-        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, kAboutClose)), TRUE);
+        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, IDC_ABOUT_CLOSE)),
+                     TRUE);
         EXPECT_TRUE(TypeKey(dialog, VK_RETURN));
     });
     Show();
@@ -181,11 +174,12 @@ TEST_F(AboutDlgTest, EnterOnALinkDoesNothing)
 {
     const CLogMark log;
     OnAbout([&](HWND dialog) {
-        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, kLink1)), TRUE);
+        SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ChildById(dialog, IDC_ABOUT_LINK1)),
+                     TRUE);
         EXPECT_TRUE(TypeKey(dialog, VK_RETURN));
         // When the focus has moved on, Enter has been handled.
         EXPECT_TRUE(TypeKey(dialog, VK_TAB));
-        EXPECT_TRUE(WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, kLink2); }));
+        EXPECT_TRUE(WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, IDC_ABOUT_LINK2); }));
         EXPECT_FALSE(log.Has("CAboutDlg::OnNMClickSyslink"));
         EXPECT_FALSE(log.Has("CAboutDlg::OnBnClickedBtnClose"));
         Close(dialog);
@@ -196,7 +190,8 @@ TEST_F(AboutDlgTest, EnterOnALinkDoesNothing)
 TEST_F(AboutDlgTest, TabVisitsTheLinksThenUpdateThenClose)
 {
     OnAbout([](HWND dialog) {
-        for (const int id : {kLink1, kLink2, kLink3, kAboutUpdate, kAboutClose, kLink1})
+        for (const int id : {IDC_ABOUT_LINK1, IDC_ABOUT_LINK2, IDC_ABOUT_LINK3, IDC_ABOUT_UPDATE,
+                             IDC_ABOUT_CLOSE, IDC_ABOUT_LINK1})
         {
             EXPECT_TRUE(WaitUntil([&] { return FocusOf(dialog) == ChildById(dialog, id); })) << id;
             EXPECT_TRUE(TypeKey(dialog, VK_TAB));
@@ -206,24 +201,12 @@ TEST_F(AboutDlgTest, TabVisitsTheLinksThenUpdateThenClose)
     Show();
 }
 
-TEST_F(AboutDlgTest, DefaultButtonIsClose)
-{
-    OnAbout([](HWND dialog) {
-        EXPECT_EQ(LOWORD(SendMessageW(dialog, DM_GETDEFID, 0, 0)), kAboutClose);
-        Close(dialog);
-    });
-    Show();
-}
-
 TEST_F(AboutDlgTest, EveryHandlerWritesItsEntry)
 {
     Publish(CHttpReply(200, kSameVersion));
     const CLogMark log;
-    OnAbout([](HWND dialog) { ClickButton(dialog, kAboutUpdate); });
-    m_user.AnswerBox(kLatest).Then("close", [] {
-        const HWND about = FindTopLevelWindow({.childId = kTitle});
-        return WaitUntilEnabled(about) && ClickButton(about, kAboutClose);
-    });
+    OnAbout([](HWND dialog) { ClickButton(dialog, IDC_ABOUT_UPDATE); });
+    AnswerBoxAndPress(kLatest, IDC_ABOUT_CLOSE);
     Show();
     ASSERT_GE(log.Texts().size(), 2u);
     EXPECT_EQ(log.Texts()[0], "ShowAboutDialog");
@@ -240,33 +223,19 @@ TEST_F(AboutDlgTest, NeitherButtonReactsWhileTheCheckRunsAndBothWorkAfter)
 {
     CGate gate;
     m_server.On(kUpdateInfoPath, CServerScript().WaitFor(gate).Send(CHttpReply(200, kSameVersion).Bytes()));
+    HWND about = nullptr;
     OnAbout([&](HWND dialog) {
-        ClickButton(dialog, kAboutUpdate);
+        about = dialog;
+        ClickButton(dialog, IDC_ABOUT_UPDATE);
         EXPECT_TRUE(gate.WaitUntilReached());
         EXPECT_FALSE(IsWindowEnabled(dialog));
         gate.Open();
     });
-    HWND about = nullptr;
-    m_user.AnswerBox(kLatest).Then("close", [&] {
-        about = FindTopLevelWindow({.childId = kTitle});
-        return WaitUntilEnabled(about) && ClickButton(about, kAboutClose);
-    });
+    AnswerBoxAndPress(kLatest, IDC_ABOUT_UPDATE);
+    AnswerBoxAndPress(kLatest, IDC_ABOUT_CLOSE);
     Show();
-    ASSERT_EQ(m_seen.size(), 2u);
+    ASSERT_EQ(m_seen.size(), 3u);
     EXPECT_EQ(m_seen[1].owner, about);
-}
-
-TEST_F(AboutDlgTest, UpdatePressedTwiceChecksTwice)
-{
-    Publish(CHttpReply(200, kSameVersion));
-    const auto press = [](int control) {
-        const HWND about = FindTopLevelWindow({.childId = kTitle});
-        return WaitUntilEnabled(about) && ClickButton(about, control);
-    };
-    OnAbout([](HWND dialog) { ClickButton(dialog, kAboutUpdate); });
-    m_user.AnswerBox(kLatest).Then("update again", [&] { return press(kAboutUpdate); });
-    m_user.AnswerBox(kLatest).Then("close", [&] { return press(kAboutClose); });
-    Show();
     EXPECT_EQ(m_server.RequestsFor(kUpdateInfoPath).size(), 2u);
 }
 
@@ -274,29 +243,18 @@ TEST_F(AboutDlgTest, CheckThatRaisesIsShownAndLoggedAndLeavesTheDialogOpenAndEna
 {
     Publish(CHttpReply(200, R"({"x64": {"majorVersion": "1"}})"));
     const CLogMark log;
-    HWND about = nullptr;
-    OnAbout([&](HWND dialog) {
-        about = dialog;
-        ClickButton(dialog, kAboutUpdate);
-    });
-    m_user.AnswerBox(kNotParsed).Then("close", [&] {
-        EXPECT_TRUE(log.Has("CAboutDlg::OnBnClickedBtnUpdate() Caught exception value type is 2 not 4"));
-        return WaitUntilEnabled(about) && ClickButton(about, kAboutClose);
-    });
+    OnAbout([](HWND dialog) { ClickButton(dialog, IDC_ABOUT_UPDATE); });
+    AnswerBoxAndPress(kNotParsed, IDC_ABOUT_CLOSE);
     Show();
-    ASSERT_EQ(m_seen.size(), 2u);
-    EXPECT_EQ(m_seen[1].owner, about);
-    EXPECT_FALSE(m_seen[1].ownerEnabled);
+    EXPECT_TRUE(log.Has("CAboutDlg::OnBnClickedBtnUpdate() Caught exception value type is 2 not 4"));
 }
 
 TEST_F(AboutDlgTest, BackgroundIsWhite)
 {
     OnAbout([](HWND dialog) {
-        const HDC dc = GetDC(dialog);
         RECT client;
         GetClientRect(dialog, &client);
-        EXPECT_TRUE(WaitUntil([&] { return GetPixel(dc, 4, client.bottom - 4) == RGB(255, 255, 255); }));
-        ReleaseDC(dialog, dc);
+        EXPECT_TRUE(WaitForWhite(dialog, 4, client.bottom - 4));
         Close(dialog);
     });
     Show();
@@ -339,9 +297,10 @@ TEST_P(AboutDlgLinkTest, OpensItsExactAddressAndLeavesTheDialogOpen)
 }
 
 INSTANTIATE_TEST_SUITE_P(Links, AboutDlgLinkTest,
-                         testing::Values(std::pair{kLink1, "http://www.orva.example/outlook"},
-                                         std::pair{kLink2, "http://www.orva.example/outlook/faqs"},
-                                         std::pair{kLink3, "http://www.orva.example/app/user?op=imprint"}));
+                         testing::Values(std::pair{IDC_ABOUT_LINK1, "http://www.orva.example/outlook"},
+                                         std::pair{IDC_ABOUT_LINK2, "http://www.orva.example/outlook/faqs"},
+                                         std::pair{IDC_ABOUT_LINK3,
+                                                   "http://www.orva.example/app/user?op=imprint"}));
 
 } // namespace
 } // namespace orva::test

@@ -15,8 +15,26 @@ constexpr wchar_t kTypeKey[] = L"Software\\Classes\\OrvaTest.Installer";
 constexpr wchar_t kCommandKey[] = L"Software\\Classes\\OrvaTest.Installer\\shell\\runas\\command";
 constexpr wchar_t kMark[] = L".started";
 constexpr size_t kFolderNameLength = 9;
-// More than any download shows.
-constexpr int kMostWindows = 6;
+
+// Set when the user has seen the dialog.
+HANDLE g_seen = nullptr;
+
+// In the place of Sleep: the dialog shows its last state until the user has seen it, instead of for a second.
+void WINAPI SleepUntilSeen(DWORD milliseconds)
+{
+    constexpr DWORD kLastState = 1000;
+    if (milliseconds != kLastState)
+    {
+        SleepEx(milliseconds, FALSE);
+        return;
+    }
+    // Looking at the dialog sends messages to it.
+    while (MsgWaitForMultipleObjects(1, &g_seen, FALSE, kPatience, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1)
+    {
+        MSG message;
+        PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
+    }
+}
 
 } // namespace
 
@@ -28,16 +46,21 @@ CInstallerType::CInstallerType()
     m_command.SetString(std::wstring(L"cmd.exe /c copy /y nul \"%1") + kMark + L"\"");
 }
 
+CDownloadTest::CDownloadTest() : m_sleep(GetModuleHandleW(nullptr), "KERNEL32.dll", "Sleep", &SleepUntilSeen)
+{
+}
+
 void CDownloadTest::Serve(const CHttpReply& reply)
 {
     m_server.On(kInstallerPath, CServerScript().WaitFor(m_seenGate).Send(reply.Bytes()));
 }
 
-void CDownloadTest::Download(const std::wstring& url, HWND owner)
+void CDownloadTest::Download(const std::wstring& url)
 {
+    g_seen = m_seenGate.OpenedEvent();
     m_user.Start();
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
-    StartDownloadDialog(CString(url.c_str()), owner);
+    StartDownloadDialog(CString(url.c_str()), nullptr);
     m_seen = m_user.Finish();
 }
 
@@ -58,26 +81,10 @@ bool CDownloadTest::WaitForInstaller() const
     });
 }
 
-void CDownloadTest::DownloadWhateverComes(const std::wstring& url, CGate& gate, HWND owner)
+std::optional<std::string> CDownloadTest::FileBytes() const
 {
-    CUserScript user;
-    for (int i = 0; i < kMostWindows; ++i)
-    {
-        user.OnAnyDialog([&](HWND dialog) {
-            if (ChildById(dialog, kProgressBar) != nullptr)
-            {
-                gate.Open();
-            }
-            else if (!ClickButton(dialog, IDOK))
-            {
-                ClickButton(dialog, IDCANCEL);
-            }
-        });
-    }
-    user.Start();
-    StartDownloadDialog(CString(url.c_str()), owner);
-    user.FinishQuietly();
-    m_seen = user.Seen();
+    const std::vector<std::wstring> paths = ListFolder(m_temp.Path());
+    return paths.size() < 2 ? std::nullopt : ReadFileBytes(m_temp.Path() + L"\\" + paths[1]);
 }
 
 std::vector<std::wstring> CDownloadTest::Left() const

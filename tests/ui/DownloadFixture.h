@@ -5,6 +5,7 @@
 #include "fixture/ProductFixture.h"
 #include "fixture/UserTexts.h"
 #include "harness/HttpReply.h"
+#include "harness/ImportHook.h"
 #include "harness/LoopbackServer.h"
 #include "harness/ProxySetting.h"
 #include "harness/TempFolder.h"
@@ -13,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,20 +41,19 @@ private:
     CRegistryValue m_command;
 };
 
-/// Runs StartDownloadDialog against a loopback server, in English, with a temporary folder of its own.
+/// Runs StartDownloadDialog against a loopback server, in English, with a temporary folder of its own. The
+/// dialog's last second ends when the user has seen the dialog.
 class CDownloadTest : public testing::Test
 {
 protected:
-    /// Answers the installer's request once the user has seen the dialog: at its end the dialog sleeps and
-    /// handles no messages.
+    CDownloadTest();
+
+    /// Answers the installer's request once the user has seen the dialog.
     void Serve(const CHttpReply& reply);
-    /// Runs the whole download of this link; the user's steps must have been added. `owner` may be null.
-    void Download(const std::wstring& url, HWND owner = nullptr);
+    /// Runs the whole download of this link; the user's steps must have been added.
+    void Download(const std::wstring& url);
     /// The same for the installer's path on the server.
-    void DownloadInstaller(HWND owner = nullptr) { Download(m_server.WideUrl(kInstallerPath), owner); }
-    /// Runs the whole download with a user who opens `gate` when the dialog comes up, and presses the only
-    /// button of every message box. m_seen lists the windows.
-    void DownloadWhateverComes(const std::wstring& url, CGate& gate, HWND owner = nullptr);
+    void DownloadInstaller() { Download(m_server.WideUrl(kInstallerPath)); }
     /// When the dialog comes up, runs `act` on the user's thread, and then lets the server go on.
     CUserScript& OnDownloadDialog(std::function<void(HWND)> act = [](HWND) {});
     /// Waits until the installer has been started and has ended.
@@ -60,6 +61,9 @@ protected:
     /// Files and folders in the temporary folder, except "NAME.started", with "osc??????" for the names of
     /// fresh folders.
     std::vector<std::wstring> Left() const;
+
+    /// The bytes of the file in the fresh folder; absent if there is none.
+    std::optional<std::string> FileBytes() const;
 
     CLoopbackServer m_server;
     CNoProxy m_noProxy;
@@ -69,6 +73,9 @@ protected:
     CGate m_seenGate;
     CUserScript m_user;
     std::vector<CSeenWindow> m_seen;
+
+private:
+    CImportHook m_sleep;
 };
 
 } // namespace orva::test

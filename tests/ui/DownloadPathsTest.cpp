@@ -3,6 +3,7 @@
 
 #include "harness/Files.h"
 #include "harness/TempFolder.h"
+#include "harness/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -17,8 +18,12 @@ TEST(GetFileNameFromUrlTest, IsWhatFollowsTheLastSlash)
 {
     EXPECT_STREQ(GetFileNameFromUrl(L"http://host/a/setup.exe"), L"setup.exe");
     EXPECT_STREQ(GetFileNameFromUrl(L"http://host/a/setup.exe?v=1"), L"setup.exe?v=1");
+    EXPECT_STREQ(GetFileNameFromUrl(L"http://host/setup.exe?name=/../x"), L"x");
     EXPECT_STREQ(GetFileNameFromUrl(L"/x"), L"x");
+    EXPECT_STREQ(GetFileNameFromUrl(L"http://host/../../x"), L"x");
+    EXPECT_STREQ(GetFileNameFromUrl(L"http://host/x/.."), L"..");
     EXPECT_STREQ(GetFileNameFromUrl(L"http://host/..\\x"), L"..\\x");
+    EXPECT_STREQ(GetFileNameFromUrl(L"http://host/..%2Fx"), L"..%2Fx");
 }
 
 TEST(GetFileNameFromUrlTest, IsEmptyWithoutASlashOrWithNothingBehindIt)
@@ -42,20 +47,59 @@ TEST(MakeTempNameTest, IsOscAndSixCharacters)
     EXPECT_EQ(name.find(L'X'), std::wstring::npos);
 }
 
+// Makes a symbolic link to a folder. Wine cannot make one, so there the host's ln does it.
+bool MakeLink(const std::wstring& link, const std::wstring& target)
+{
+    using UnixName = char*(__cdecl*)(const wchar_t*);
+    const auto unixName = reinterpret_cast<UnixName>(reinterpret_cast<void (*)()>(
+        GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name")));
+    if (unixName == nullptr)
+    {
+        return CreateSymbolicLinkW(link.c_str(), target.c_str(), SYMBOLIC_LINK_FLAG_DIRECTORY);
+    }
+    const auto pathOf = [&](const std::wstring& path) {
+        char* const name = unixName(path.c_str());
+        std::wstring wide = name ? Widen(name) : L"";
+        HeapFree(GetProcessHeap(), 0, name);
+        return wide;
+    };
+    std::wstring command = L"Z:\\bin\\ln -s " + pathOf(target) + L" " + pathOf(link);
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    if (!CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                        &process))
+    {
+        return false;
+    }
+    // Wine gives no handle of a host program to wait for.
+    return WaitUntil([&] { return FolderExists(link); });
+}
+
 class CreateTempDownloadDirectoryTest : public testing::Test
 {
 protected:
+    // Calls it when something stands under the name that it would choose. Expects a fresh folder of another
+    // name, with nothing in it.
+    void ExpectAnotherFolder()
+    {
+        const std::wstring path = CreateTempDownloadDirectory().GetString();
+        EXPECT_TRUE(path.starts_with(m_temp.Path() + L"\\osc")) << Utf8(path);
+        EXPECT_EQ(path.size(), m_guess.size() + 1);
+        EXPECT_EQ(path.find(m_guess), std::wstring::npos);
+        EXPECT_TRUE(FolderExists(path));
+        EXPECT_TRUE(ListFolder(path).empty());
+    }
+
     CPrivateTemp m_temp;
+    const std::wstring m_guess = m_temp.Path() + L"\\" + MakeTempName().GetString();
 };
 
 TEST_F(CreateTempDownloadDirectoryTest, CreatesAnEmptyFolderUnderTheTemporaryFolder)
 {
-    const std::wstring path = CreateTempDownloadDirectory().GetString();
-    EXPECT_EQ(path.substr(0, m_temp.Path().size() + 4), m_temp.Path() + L"\\osc");
-    EXPECT_EQ(path.size(), m_temp.Path().size() + 11);
-    EXPECT_EQ(path.back(), L'\\');
-    EXPECT_TRUE(FolderExists(path));
-    EXPECT_TRUE(ListFolder(path).empty());
+    EXPECT_EQ(CreateTempDownloadDirectory().GetString(), m_guess + L"\\");
+    EXPECT_TRUE(FolderExists(m_guess));
+    EXPECT_TRUE(ListFolder(m_guess).empty());
 }
 
 TEST_F(CreateTempDownloadDirectoryTest, GivesAnotherFolderAtEveryCall)
@@ -71,30 +115,41 @@ TEST_F(CreateTempDownloadDirectoryTest, GivesAnotherFolderAtEveryCall)
 
 TEST_F(CreateTempDownloadDirectoryTest, NeverUsesAnExistingFolder)
 {
-    const std::wstring planted = m_temp.Path() + L"\\" + MakeTempName().GetString();
-    ASSERT_TRUE(CreateDirectoryW(planted.c_str(), nullptr));
-    WriteFileBytes(planted + L"\\setup.exe", "planted");
-    const std::wstring path = CreateTempDownloadDirectory().GetString();
-    EXPECT_NE(path, planted + L"\\");
-    EXPECT_TRUE(ListFolder(path).empty());
+    ASSERT_TRUE(CreateDirectoryW(m_guess.c_str(), nullptr));
+    WriteFileBytes(m_guess + L"\\setup.exe", "planted");
+    ExpectAnotherFolder();
+    EXPECT_EQ(ReadFileBytes(m_guess + L"\\setup.exe"), "planted");
 }
 
 TEST_F(CreateTempDownloadDirectoryTest, NeverUsesTheNameOfAnExistingFile)
 {
-    const std::wstring planted = m_temp.Path() + L"\\" + MakeTempName().GetString();
-    WriteFileBytes(planted, "planted");
-    const std::wstring path = CreateTempDownloadDirectory().GetString();
-    EXPECT_NE(path, planted + L"\\");
-    EXPECT_TRUE(FolderExists(path));
-    EXPECT_EQ(ReadFileBytes(planted), std::optional<std::string>("planted"));
+    WriteFileBytes(m_guess, "planted");
+    ExpectAnotherFolder();
+    EXPECT_EQ(ReadFileBytes(m_guess), "planted");
+}
+
+TEST_F(CreateTempDownloadDirectoryTest, NeverUsesALinkToAFolderElsewhereOrToNothing)
+{
+    const CTempFolder elsewhere;
+    const std::wstring target = elsewhere.File(L"target");
+    ASSERT_TRUE(CreateDirectoryW(target.c_str(), nullptr));
+    if (!MakeLink(m_guess, target))
+    {
+        GTEST_SKIP() << "cannot be planted here";
+    }
+    ExpectAnotherFolder();
+    EXPECT_TRUE(ListFolder(target).empty());
+
+    ASSERT_TRUE(RemoveDirectoryW(target.c_str()));
+    ExpectAnotherFolder();
+    EXPECT_FALSE(FolderExists(target));
 }
 
 TEST_F(CreateTempDownloadDirectoryTest, GivesAPathEvenIfTheFolderCannotBeCreated)
 {
     ASSERT_TRUE(RemoveDirectoryW(m_temp.Path().c_str()));
-    const std::wstring path = CreateTempDownloadDirectory().GetString();
-    EXPECT_FALSE(path.empty());
-    EXPECT_FALSE(FolderExists(path));
+    EXPECT_EQ(CreateTempDownloadDirectory().GetString(), m_guess + L"\\");
+    EXPECT_FALSE(FolderExists(m_guess));
 }
 
 } // namespace

@@ -93,20 +93,6 @@ private:
     int m_idsRead = 0;
 };
 
-// A picture's bitmap: 32 bits a pixel, top row first.
-struct CPixels
-{
-    LONG width = 0;
-    LONG height = 0;
-    WORD depth = 0;
-    std::vector<DWORD> values;
-
-    DWORD At(LONG x, LONG y) const
-    {
-        return values.at(static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x));
-    }
-};
-
 HBITMAP HandleOf(IPictureDisp* picture)
 {
     ComPtr<IPicture> access;
@@ -119,24 +105,15 @@ HBITMAP HandleOf(IPictureDisp* picture)
     return reinterpret_cast<HBITMAP>(static_cast<LONG_PTR>(static_cast<int>(handle)));
 }
 
-CPixels PixelsOf(IPictureDisp* picture)
+// The pixels of a picture of 32 bits a pixel, top row first.
+std::vector<DWORD> PixelsOf(IPictureDisp* picture)
 {
     const HBITMAP bitmap = HandleOf(picture);
     BITMAP attributes = {};
     EXPECT_EQ(GetObjectW(bitmap, sizeof(attributes), &attributes), static_cast<int>(sizeof(attributes)));
-    CPixels pixels = {attributes.bmWidth, attributes.bmHeight, attributes.bmBitsPixel, {}};
-    pixels.values.resize(static_cast<size_t>(pixels.width) * static_cast<size_t>(pixels.height));
-    BITMAPINFO info = {};
-    info.bmiHeader.biSize = sizeof(info.bmiHeader);
-    info.bmiHeader.biWidth = pixels.width;
-    info.bmiHeader.biHeight = -pixels.height;
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    const HDC screen = GetDC(nullptr);
-    EXPECT_EQ(GetDIBits(screen, bitmap, 0, static_cast<UINT>(pixels.height), pixels.values.data(), &info,
-                        DIB_RGB_COLORS),
-              pixels.height);
-    ReleaseDC(nullptr, screen);
+    EXPECT_EQ(attributes.bmBitsPixel, 32);
+    std::vector<DWORD> pixels(static_cast<size_t>(attributes.bmWidth * attributes.bmHeight));
+    GetBitmapBits(bitmap, static_cast<LONG>(pixels.size() * sizeof(DWORD)), pixels.data());
     return pixels;
 }
 
@@ -149,51 +126,28 @@ protected:
 };
 } // namespace
 
-TEST_F(LocalizedResourcesPictureTest, TheLogoIsAPictureOf132By55)
-{
-    ComPtr<IPictureDisp> picture;
-    ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
-    ASSERT_NE(picture.Get(), nullptr);
-    const CPixels pixels = PixelsOf(picture.Get());
-    EXPECT_EQ(pixels.width, 132);
-    EXPECT_EQ(pixels.height, 55);
-    EXPECT_EQ(pixels.depth, 32);
-}
-
-TEST_F(LocalizedResourcesPictureTest, TheIconIsAPictureOf36By36)
-{
-    ComPtr<IPictureDisp> picture;
-    ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_ICON_PNG), S_OK);
-    ASSERT_NE(picture.Get(), nullptr);
-    const CPixels pixels = PixelsOf(picture.Get());
-    EXPECT_EQ(pixels.width, 36);
-    EXPECT_EQ(pixels.height, 36);
-}
-
+// Sizes and contents of the pictures are tested in tests/res.
 TEST_F(LocalizedResourcesPictureTest, TransparencyIsKeptOnATransparentBlackBackground)
 {
+    constexpr size_t kWidth = 132;
     ComPtr<IPictureDisp> picture;
     ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
-    const CPixels pixels = PixelsOf(picture.Get());
-    EXPECT_EQ(pixels.At(0, 0), 0u);
-    EXPECT_EQ(pixels.At(131, 54), 0u);
+    const std::vector<DWORD> pixels = PixelsOf(picture.Get());
+    EXPECT_EQ(pixels.at(0), 0u);
+    EXPECT_EQ(pixels.back(), 0u);
     // On the left ring, in its own colour and opaque.
-    EXPECT_EQ(pixels.At(6, 27), 0xFF1B5A9Du);
+    EXPECT_EQ(pixels.at(27 * kWidth + 6), 0xFF1B5A9Du);
 }
 
-TEST_F(LocalizedResourcesPictureTest, ThePictureAnswersAsIDispatch)
+TEST_F(LocalizedResourcesPictureTest, ThePictureIsADispatchThatOwnsItsBitmap)
 {
     ComPtr<IPictureDisp> picture;
     ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
-    ComPtr<IDispatch> dispatch;
-    EXPECT_EQ(picture->QueryInterface(IID_PPV_ARGS(&dispatch)), S_OK);
-    EXPECT_EQ(static_cast<IUnknown*>(dispatch.Get()), static_cast<IUnknown*>(picture.Get()));
-}
-
-TEST_F(LocalizedResourcesPictureTest, ThePictureOwnsItsBitmap)
-{
-    ComPtr<IPictureDisp> picture;
-    ASSERT_EQ(m_resources.LoadPngPicture(&m_control, &picture, IDR_LOGO_PNG), S_OK);
+    {
+        ComPtr<IDispatch> dispatch;
+        EXPECT_EQ(picture->QueryInterface(IID_PPV_ARGS(&dispatch)), S_OK);
+        EXPECT_EQ(static_cast<IUnknown*>(dispatch.Get()), static_cast<IUnknown*>(picture.Get()));
+    }
     const HBITMAP bitmap = HandleOf(picture.Get());
     EXPECT_EQ(GetObjectType(bitmap), static_cast<DWORD>(OBJ_BITMAP));
     picture.Reset();

@@ -2,6 +2,7 @@
 // search for the host's window.
 #include "ui/LocalizedResources.h"
 
+#include "harness/OfficeLanguage.h"
 #include "harness/ProcessRunner.h"
 #include "harness/Registry.h"
 #include "harness/Text.h"
@@ -15,13 +16,12 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
+#include <optional>
 
 using namespace orva::test;
 
 namespace
 {
-constexpr wchar_t kKey2007[] = L"SOFTWARE\\Microsoft\\Office\\12.0\\Common\\LanguageResources";
-constexpr wchar_t kKey2010[] = L"SOFTWARE\\Microsoft\\Office\\14.0\\Common\\LanguageResources";
 constexpr WORD kNoLanguage = 65535;
 
 // No Office language is set until a test sets one. The old settings are restored afterwards.
@@ -39,6 +39,16 @@ protected:
 
     std::string Text(UINT id) const { return Utf8(m_resources.LoadString(id).GetString()); }
 
+    // Removes the settings that are absent.
+    static void Set(CRegistryValue& value, std::optional<DWORD> language)
+    {
+        value.Remove();
+        if (language)
+        {
+            value.SetDword(*language);
+        }
+    }
+
     void ExpectNoTexts() const
     {
         for (UINT id = 100; id <= 143; ++id)
@@ -47,11 +57,12 @@ protected:
         }
     }
 
-    CRegistryValue m_userLanguage{HKEY_CURRENT_USER, kKey2010, L"UILanguage"};
-    CRegistryValue m_machineLanguage{HKEY_LOCAL_MACHINE, kKey2010, L"UILanguage"};
-    CRegistryValue m_userInstall{HKEY_CURRENT_USER, kKey2010, L"InstallLanguage"};
-    CRegistryValue m_machineInstall{HKEY_LOCAL_MACHINE, kKey2010, L"InstallLanguage"};
-    CRegistryValue m_user2007{HKEY_CURRENT_USER, kKey2007, L"UILanguage"};
+    const std::wstring m_key = OfficeLanguageKey(14);
+    CRegistryValue m_userLanguage{HKEY_CURRENT_USER, m_key, kOfficeLanguageValue};
+    CRegistryValue m_machineLanguage{HKEY_LOCAL_MACHINE, m_key, kOfficeLanguageValue};
+    CRegistryValue m_userInstall{HKEY_CURRENT_USER, m_key, L"InstallLanguage"};
+    CRegistryValue m_machineInstall{HKEY_LOCAL_MACHINE, m_key, L"InstallLanguage"};
+    CRegistryValue m_user2007{HKEY_CURRENT_USER, OfficeLanguageKey(12), kOfficeLanguageValue};
     CLocalizedResources m_resources;
 };
 
@@ -89,15 +100,13 @@ TEST_F(LocalizedResourcesTest, TheOfficeVersionIs0UntilSet)
 TEST_F(LocalizedResourcesTest, WithoutAnOfficeVersionTheLanguageIs0WhateverTheRegistrySays)
 {
     m_userLanguage.SetDword(1031);
-    CRegistryValue version0(HKEY_CURRENT_USER, L"SOFTWARE\\Microsoft\\Office\\0.0\\Common\\LanguageResources",
-                            L"UILanguage");
+    CRegistryValue version0(HKEY_CURRENT_USER, OfficeLanguageKey(0), kOfficeLanguageValue);
     version0.SetDword(1031);
     EXPECT_EQ(m_resources.GetUILanguage(), 0);
     m_resources.SetOfficeVersion(0);
     EXPECT_EQ(m_resources.GetUILanguage(), 0);
 
-    CRegistryValue negative(HKEY_CURRENT_USER,
-                            L"SOFTWARE\\Microsoft\\Office\\-1.0\\Common\\LanguageResources", L"UILanguage");
+    CRegistryValue negative(HKEY_CURRENT_USER, OfficeLanguageKey(-1), kOfficeLanguageValue);
     negative.SetDword(1031);
     m_resources.SetOfficeVersion(-1);
     EXPECT_EQ(m_resources.GetUILanguage(), 0);
@@ -132,49 +141,32 @@ TEST_F(LocalizedResourcesTest, ANewObjectHasVersion0WhateverItsMemoryHeld)
     resources->~CLocalizedResources();
 }
 
-TEST_F(LocalizedResourcesTest, German)
+TEST_F(LocalizedResourcesTest, EveryOfficeWithATableFindsItsTexts)
 {
-    m_userLanguage.SetDword(1031);
-    m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
-    EXPECT_EQ(Text(IDS_UPDATE_TITLE), "Neues Update verfügbar");
-    EXPECT_EQ(Text(IDS_UPDATE_INSTALL), "Installieren");
-}
-
-TEST_F(LocalizedResourcesTest, English)
-{
-    m_userLanguage.SetDword(1033);
-    m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(Text(IDS_CANCEL), "Cancel");
-    EXPECT_EQ(Text(IDS_LATEST_INSTALLED), "You already have the latest version of the ORVA Connector. ");
-    EXPECT_EQ(Text(IDS_LINK3_TITLE), "About this site");
-}
-
-TEST_F(LocalizedResourcesTest, EverySpanishOfficeFindsTheSpanishTable)
-{
-    for (const DWORD language : {3082u, 1034u, 2058u, 11274u, 10u})
+    struct CCase
     {
-        m_userLanguage.SetDword(language);
-        m_resources.SetOfficeVersion(14);
-        EXPECT_EQ(m_resources.GetUILanguage(), language);
-        EXPECT_EQ(Text(IDS_UPDBUTTON_LABEL), "Actualizar") << language;
-    }
-}
-
-TEST_F(LocalizedResourcesTest, EveryTurkishOfficeFindsTheTurkishTable)
-{
-    for (const DWORD language : {1055u, 31u})
+        DWORD language;
+        UINT id;
+        const char* text;
+    };
+    for (const CCase& row :
+         {CCase{1033, IDS_CANCEL, "Cancel"}, CCase{1031, IDS_CANCEL, "Abbrechen"},
+          CCase{3082, IDS_UPDBUTTON_LABEL, "Actualizar"}, CCase{1034, IDS_UPDBUTTON_LABEL, "Actualizar"},
+          CCase{2058, IDS_UPDBUTTON_LABEL, "Actualizar"}, CCase{11274, IDS_UPDBUTTON_LABEL, "Actualizar"},
+          CCase{10, IDS_UPDBUTTON_LABEL, "Actualizar"}, CCase{1055, IDS_CANCEL, "İptal"},
+          CCase{31, IDS_CANCEL, "İptal"}})
     {
-        m_userLanguage.SetDword(language);
+        m_userLanguage.SetDword(row.language);
         m_resources.SetOfficeVersion(14);
-        EXPECT_EQ(Text(IDS_CANCEL), "İptal") << language;
+        EXPECT_EQ(m_resources.GetUILanguage(), row.language);
+        EXPECT_EQ(Text(row.id), row.text) << row.language;
     }
 }
 
 TEST_F(LocalizedResourcesTest, ALanguageWithoutATableHasEmptyTextsAndNotEnglishOnes)
 {
     // French, and the other kinds of German and English: those tables are stored under one id only.
-    for (const DWORD language : {1036u, 2055u, 3079u, 7u, 2057u, 9u})
+    for (const DWORD language : {1036u, 2055u, 3079u, 7u, 2057u, 9u, 65535u})
     {
         m_userLanguage.SetDword(language);
         m_resources.SetOfficeVersion(14);
@@ -183,68 +175,41 @@ TEST_F(LocalizedResourcesTest, ALanguageWithoutATableHasEmptyTextsAndNotEnglishO
     }
 }
 
-TEST_F(LocalizedResourcesTest, AUiLanguageOf0LeadsToTheInstallLanguage)
+// Only a language of 0 leads to the one of the installation; a missing one does not.
+TEST_F(LocalizedResourcesTest, TheLanguageComesFromTheseSettings)
 {
-    m_userLanguage.SetDword(0);
-    m_machineInstall.SetDword(1033);
+    struct CCase
+    {
+        std::optional<DWORD> user;
+        std::optional<DWORD> machine;
+        std::optional<DWORD> userInstall;
+        std::optional<DWORD> machineInstall;
+        WORD language;
+    };
+    constexpr std::nullopt_t kNone = std::nullopt;
+    const CCase rows[] = {
+        {kNone, kNone, kNone, kNone, kNoLanguage},
+        {1031, kNone, kNone, kNone, 1031},
+        {kNone, 1055, kNone, kNone, 1055},
+        {1031, 1055, kNone, kNone, 1031},
+        {0, kNone, kNone, 1033, 1033},
+        {0, kNone, 1031, 1033, 1031},
+        {0, kNone, kNone, kNone, kNoLanguage},
+        {0, 1055, kNone, 1031, 1031},
+        {kNone, 0, kNone, 1031, 1031},
+        {kNone, kNone, 1031, 1031, kNoLanguage},
+        // The low 16 bits count.
+        {0x7FFF0407, kNone, kNone, kNone, 1031},
+    };
     m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(m_resources.GetUILanguage(), 1033);
-    EXPECT_EQ(Text(IDS_CLOSE), "Close");
-
-    m_userInstall.SetDword(1031);
-    m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(Text(IDS_CLOSE), "Schließen") << "the user's before the machine's";
-}
-
-TEST_F(LocalizedResourcesTest, AUiLanguageOf0WithoutAnInstallLanguageIsNoLanguage)
-{
-    m_userLanguage.SetDword(0);
-    m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(m_resources.GetUILanguage(), kNoLanguage);
-    ExpectNoTexts();
-}
-
-TEST_F(LocalizedResourcesTest, AUiLanguageOf0IsNotLookedForInTheMachinesSettings)
-{
-    m_userLanguage.SetDword(0);
-    m_machineLanguage.SetDword(1055);
-    m_machineInstall.SetDword(1031);
-    m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
-}
-
-TEST_F(LocalizedResourcesTest, AMissingUiLanguageDoesNotLeadToTheInstallLanguage)
-{
-    m_userInstall.SetDword(1031);
-    m_machineInstall.SetDword(1031);
-    m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(m_resources.GetUILanguage(), kNoLanguage);
-    ExpectNoTexts();
-}
-
-TEST_F(LocalizedResourcesTest, TheMachinesUiLanguageIsReadOnlyWhereTheUserHasNone)
-{
-    m_machineLanguage.SetDword(1055);
-    m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(m_resources.GetUILanguage(), 1055);
-
-    m_userLanguage.SetDword(1031);
-    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
-}
-
-TEST_F(LocalizedResourcesTest, OnlyTheLow16BitsCount)
-{
-    m_userLanguage.SetDword(0x7FFF0407);
-    m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
-    EXPECT_EQ(Text(IDS_UPDATE_LATER), "Später");
-}
-
-TEST_F(LocalizedResourcesTest, AValueOf4BytesCountsWhateverItsType)
-{
-    m_userLanguage.SetBytes({0x07, 0x04, 0x00, 0x00}, REG_BINARY);
-    m_resources.SetOfficeVersion(14);
-    EXPECT_EQ(m_resources.GetUILanguage(), 1031);
+    for (const CCase& row : rows)
+    {
+        Set(m_userLanguage, row.user);
+        Set(m_machineLanguage, row.machine);
+        Set(m_userInstall, row.userInstall);
+        Set(m_machineInstall, row.machineInstall);
+        EXPECT_EQ(m_resources.GetUILanguage(), row.language) << "row " << &row - rows;
+    }
 }
 
 TEST_F(LocalizedResourcesTest, OnlyTheSettingsOfTheGivenVersionAreRead)

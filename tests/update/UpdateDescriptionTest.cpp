@@ -69,49 +69,35 @@ INSTANTIATE_TEST_SUITE_P(
                     CCase{"null description is empty", 1033, LR"({"description": null})", L""},
                     CCase{"null default is empty", 1033, LR"({"description": {"default": null}})", L""}));
 
-class DetermineUpdateDescriptionTest : public testing::Test
+std::string Raised(const wchar_t* entry)
 {
-protected:
-    static std::string Raised(const wchar_t* entry)
+    try
     {
-        try
-        {
-            DetermineUpdateDescription(Entry(entry));
-        }
-        catch (const std::runtime_error& error)
-        {
-            return error.what();
-        }
-        return "(none)";
+        DetermineUpdateDescription(Entry(entry));
     }
-
-    COfficeLanguage m_language{1033};
-};
-
-TEST_F(DetermineUpdateDescriptionTest, RaisesTheTypeErrorForADescriptionThatIsNoObject)
-{
-    EXPECT_EQ(Raised(LR"({"description": "text"})"), "value type is 2 not 0");
+    catch (const std::runtime_error& error)
+    {
+        return error.what();
+    }
+    return "(none)";
 }
 
-TEST_F(DetermineUpdateDescriptionTest, RaisesTheTypeErrorForATextThatIsNoString)
+TEST(DetermineUpdateDescriptionTest, RaisesTheTypeErrorForADescriptionThatIsNoObjectAndATextThatIsNoString)
 {
+    const COfficeLanguage english(1033);
+    EXPECT_EQ(Raised(LR"({"description": "text"})"), "value type is 2 not 0");
     EXPECT_EQ(Raised(LR"({"description": {"default": 1}})"), "value type is 4 not 2");
 }
 
-TEST_F(DetermineUpdateDescriptionTest, WritesItsEntry)
+TEST(DetermineUpdateDescriptionTest, WritesItsEntryAndReadsTheLanguageAnewAtEveryCall)
 {
     const CLogMark log;
-    DetermineUpdateDescription(Entry(kAll));
-    EXPECT_EQ(log.Texts(), std::vector<std::string>{"DetermineUpdateDescription"});
-}
-
-TEST_F(DetermineUpdateDescriptionTest, ReadsTheLanguageAnewAtEveryCall)
-{
+    const COfficeLanguage english(1033);
     EXPECT_STREQ(DetermineUpdateDescription(Entry(kAll)), L"text");
-    CRegistryValue language(HKEY_CURRENT_USER,
-                            L"SOFTWARE\\Microsoft\\Office\\14.0\\Common\\LanguageResources", L"UILanguage");
+    CRegistryValue language(HKEY_CURRENT_USER, OfficeLanguageKey(kOffice2010), kOfficeLanguageValue);
     language.SetDword(1031);
     EXPECT_STREQ(DetermineUpdateDescription(Entry(kAll)), L"deutsch");
+    EXPECT_EQ(log.Texts(), std::vector<std::string>(2, "DetermineUpdateDescription"));
 }
 
 } // namespace

@@ -2,8 +2,8 @@
 //
 // It reads from the environment: ORVA_FAKE_ADDIN_MARKUP names a file whose UTF-16 text is its custom UI;
 // ORVA_FAKE_ADDIN_FAULT is "fail" or "throw" or "crash" (in OnConnection), "box" (shows a message box when
-// its command or button is used), "cancel" (sets CancelDefault in Click) or "last" (its command is not
-// temporary). Below version 14 it adds a command to the last menu.
+// its command or button is used) or "last" (its command is not temporary). Below version 14 it adds a
+// command to the last menu.
 #include "host/LateBound.h"
 
 #include <AddInDesignerObjects.h>
@@ -12,8 +12,10 @@
 
 #include <olectl.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <cwchar>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 namespace
@@ -44,44 +46,12 @@ bool HasFault(const wchar_t* fault)
     return Environment(L"ORVA_FAKE_ADDIN_FAULT") == fault;
 }
 
-BOOL CALLBACK OnWindow(HWND window, LPARAM found)
-{
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
-    if (process != GetCurrentProcessId() || !IsWindowVisible(window))
-    {
-        return TRUE;
-    }
-    *reinterpret_cast<HWND*>(found) = window;
-    return FALSE;
-}
-
 void ShowBox()
 {
-    HWND owner = nullptr;
-    EnumWindows(OnWindow, reinterpret_cast<LPARAM>(&owner));
-    MessageBoxW(owner, L"Used.", L"Fake add-in", MB_OK);
+    MessageBoxW(FindWindowW(L"OrvaOutlookHost", nullptr), L"Used.", L"Fake add-in", MB_OK);
 }
 
-std::wstring ReadMarkup()
-{
-    std::wstring text;
-    const std::wstring path = Environment(L"ORVA_FAKE_ADDIN_MARKUP");
-    FILE* file = path.empty() ? nullptr : _wfopen(path.c_str(), L"rb");
-    if (file == nullptr)
-    {
-        return text;
-    }
-    wchar_t character = 0;
-    while (fread(&character, sizeof(character), 1, file) == 1)
-    {
-        text += character;
-    }
-    fclose(file);
-    return text;
-}
-
-// A red disc on a transparent background, with premultiplied alpha.
+// Half red, half transparent.
 HRESULT MakePicture(IDispatch** picture)
 {
     BITMAPINFO info{};
@@ -92,13 +62,7 @@ HRESULT MakePicture(IDispatch** picture)
     info.bmiHeader.biBitCount = 32;
     void* bits = nullptr;
     const HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    for (int index = 0; index < kPictureSize * kPictureSize; ++index)
-    {
-        const int x = index % kPictureSize - kPictureSize / 2;
-        const int y = index / kPictureSize - kPictureSize / 2;
-        const bool isInside = x * x + y * y < kPictureSize * kPictureSize / 4;
-        static_cast<DWORD*>(bits)[index] = isInside ? 0xFFFF0000 : 0;
-    }
+    std::fill_n(static_cast<DWORD*>(bits), kPictureSize * kPictureSize / 2, 0xFFFF0000);
     PICTDESC description{};
     description.cbSizeofstruct = sizeof(description);
     description.picType = PICTYPE_BITMAP;
@@ -220,8 +184,9 @@ public:
 
     STDMETHODIMP GetCustomUI(BSTR, BSTR* text) override
     {
-        const std::wstring markup = ReadMarkup();
-        *text = SysAllocStringLen(markup.c_str(), static_cast<UINT>(markup.size()));
+        std::ifstream file(Environment(L"ORVA_FAKE_ADDIN_MARKUP").c_str(), std::ios::binary);
+        const std::string markup(std::istreambuf_iterator<char>(file), {});
+        *text = SysAllocStringByteLen(markup.data(), static_cast<UINT>(markup.size()));
         return S_OK;
     }
 
@@ -263,10 +228,6 @@ private:
             parameters.rgvarg[0].vt != (VT_BYREF | VT_BOOL))
         {
             return DISP_E_TYPEMISMATCH;
-        }
-        if (HasFault(L"cancel"))
-        {
-            *parameters.rgvarg[0].pboolVal = VARIANT_TRUE;
         }
         if (HasFault(L"box"))
         {

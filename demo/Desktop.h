@@ -1,0 +1,50 @@
+// The windows that come up on the desktop, whatever program shows them.
+#pragma once
+
+#include "harness/SeenWindow.h"
+
+#include <optional>
+#include <set>
+#include <string>
+
+namespace orva::demo
+{
+
+enum class WindowKind
+{
+    Main,
+    Offer,
+    Download,
+    About,
+    Installer,
+    Message,
+    Other
+};
+
+/// A window that has come up.
+struct CMetWindow : test::CSeenWindow
+{
+    WindowKind kind = WindowKind::Other;
+    /// The name of its program's file.
+    std::wstring program;
+    std::wstring className;
+};
+
+class CDesktop
+{
+public:
+    /// Waits some milliseconds for a window that was not returned before; the oldest first.
+    std::optional<CMetWindow> Next(DWORD timeout);
+
+private:
+    std::set<HWND> m_known;
+};
+
+/// The kind's name, for a picture.
+const char* NameOf(WindowKind kind);
+/// Presses the first button that can be pressed, such as the only one of a message box.
+void PressOnlyButton(HWND window);
+/// The visible control of this class that has this text; null if there is none.
+HWND ControlWithText(HWND window, const wchar_t* className, const std::wstring& text);
+
+} // namespace orva::demo
