@@ -22,10 +22,6 @@ constexpr wchar_t kOpen[] = L"D:P(A;;KA;;;WD)";
 CObstacle::CObstacle(Kind kind, HKEY root, const std::wstring& path)
     : m_kind(kind), m_root(root), m_path(path)
 {
-    if (kind == Kind::None)
-    {
-        return;
-    }
     const DWORD option = kind == Kind::Volatile ? REG_OPTION_VOLATILE : REG_OPTION_NON_VOLATILE;
     DWORD disposition = 0;
     EXPECT_EQ(RegCreateKeyExW(root, path.c_str(), 0, nullptr, option, KEY_ALL_ACCESS, nullptr, &m_key,

@@ -18,7 +18,6 @@ class CObstacle
 public:
     enum class Kind
     {
-        None,
         /// Takes values but no lasting subkeys. A new key, deleted with the obstacle.
         Volatile,
         /// Can be read and deleted, but takes no values. Created if missing; it stays, and is writable again.
