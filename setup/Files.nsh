@@ -1,0 +1,99 @@
+; Replacing and removing files that a running program may have loaded.
+;
+; Windows lets nobody overwrite or delete a loaded DLL, but rename it. So it gets a name aside, NAME.N.old, and goes when
+; nobody uses it any more: now, at the next setup, or at the next start of Windows. Only such a name is ever handed to
+; Windows for deletion at its next start: under the file's own name stands a new file by then.
+
+!macro FileFunctions UN
+
+; Deletes what this setup and earlier ones left, and sets $IsInUse if somebody still uses a DLL of them.
+Function ${UN}DeleteLeftovers
+  Delete "$INSTDIR\*.new"
+  Delete "$INSTDIR\*.before"
+  Delete "$INSTDIR\*.old"
+  ${If} ${FileExists} "$INSTDIR\${MODULE}.*.old"
+    StrCpy $IsInUse 1
+  ${Else}
+    StrCpy $IsInUse 0
+  ${EndIf}
+  ClearErrors
+FunctionEnd
+
+; Moves a file aside.
+;   $1: the file; $3 afterwards: its new name; sets the error flag and $FileError if it cannot be moved
+Function ${UN}PutAside
+  StrCpy $2 0
+  ${Do}
+    IntOp $2 $2 + 1
+    StrCpy $3 "$1.$2.old"
+  ${LoopWhile} ${FileExists} $3
+  System::Call 'kernel32::MoveFileExW(w r1, w r3, i 0) i .r4 ?e'
+  Pop $FileError
+  ${If} $4 = 0
+    SetErrors
+  ${EndIf}
+FunctionEnd
+
+; Deletes the file that PutAside has moved to $3, now or at the next start of Windows.
+Function ${UN}DeleteAside
+  Delete /REBOOTOK $3
+  ClearErrors
+FunctionEnd
+
+!macroend
+
+!insertmacro FileFunctions ""
+!insertmacro FileFunctions "un."
+
+; Moves a file to its place, over the one that stands there.
+;   $0: the file, $1: its place; sets the error flag and $FileError if everything is as it was
+Function PutInPlace
+  ClearErrors
+  ; In one step if nobody uses the old file, so that there is no moment without one. 9: replace, and write through.
+  System::Call 'kernel32::MoveFileExW(w r0, w r1, i 9) i .r4 ?e'
+  Pop $FileError
+  ${If} $4 <> 0
+    Return
+  ${EndIf}
+  Call PutAside
+  ${If} ${Errors}
+    SetErrors
+    Return
+  ${EndIf}
+  System::Call 'kernel32::MoveFileExW(w r0, w r1, i 8) i .r4 ?e'
+  Pop $FileError
+  ${If} $4 = 0
+    Rename $3 $1
+    SetErrors
+    Return
+  ${EndIf}
+  Call DeleteAside
+FunctionEnd
+
+; Keeps a copy of a file under its name with ".before" appended.
+;   $1: the file, which may be missing; sets the error flag and $FileError if it cannot be copied
+Function KeepCopy
+  ClearErrors
+  ${If} ${FileExists} $1
+    System::Call 'kernel32::CopyFileW(w r1, w "$1.before", i 0) i .r4 ?e'
+    Pop $FileError
+    ${If} $4 = 0
+      SetErrors
+    ${EndIf}
+  ${EndIf}
+FunctionEnd
+
+; Undoes what was done to a file: a new one that still waits for its place has not replaced it. Without a copy the file was
+; not there before.
+;   $1: the file
+Function PutCopyBack
+  ${If} ${FileExists} "$1.new"
+    Return
+  ${EndIf}
+  ${If} ${FileExists} "$1.before"
+    StrCpy $0 "$1.before"
+    Call PutInPlace
+  ${Else}
+    Delete $1
+  ${EndIf}
+FunctionEnd

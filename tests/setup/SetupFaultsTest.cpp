@@ -1,0 +1,221 @@
+// What a setup does when it cannot do its work: it says why, and the machine is as it was.
+#include "harness/Files.h"
+#include "harness/Report.h"
+#include "harness/TempFolder.h"
+#include "harness/Text.h"
+#include "harness/Watchdog.h"
+#include "harness/WindowDriver.h"
+#include "outlook/AddInModule.h"
+#include "setup/RegistrationObstacle.h"
+#include "setup/SetupFixture.h"
+
+namespace orva::test
+{
+namespace
+{
+
+using Kind = CObstacle::Kind;
+
+class SetupFaultsTest : public SetupFixture
+{
+protected:
+    // Asserts that the newer version's setup ends with this code and leaves the old version as it is.
+    static void ExpectOldStays(
+        DWORD code, const std::function<void()>& endFault = [] {})
+    {
+        EXPECT_EQ(Run(NewVersion().setup), code);
+        endFault();
+        ExpectInstalled(OldVersion());
+    }
+};
+
+// A file that nobody else can open, for this object's life.
+UniqueHandle Locked(const std::wstring& path)
+{
+    UniqueHandle file(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    EXPECT_NE(file.get(), INVALID_HANDLE_VALUE);
+    return file;
+}
+
+TEST_F(SetupFaultsTest, ASecondSetupRefusesToRunAndTheFirstIsNotDisturbed)
+{
+    CChildProcess first({.program = OldVersion().setup});
+    const HWND window = WaitForWindow({.process = first.Id(), .className = kDialogClass, .childId = 1});
+    ASSERT_NE(window, nullptr);
+    EXPECT_EQ(Run(OldVersion().setup), kSetupBusy);
+    EXPECT_FALSE(FolderExists(InstallFolder()));
+    ASSERT_TRUE(WaitUntil([&] { return ClickButton(window, IDCANCEL); }));
+    EXPECT_EQ(first.WaitForExit(), kSetupCancelled);
+    Install(OldVersion());
+}
+
+TEST_F(SetupFaultsTest, TheUninstallerRefusesToRunBesideASetup)
+{
+    Install(OldVersion());
+    {
+        const UniqueHandle setup(CreateMutexW(nullptr, FALSE, kSetupMutex));
+        EXPECT_EQ(UninstallInPlace(), kSetupBusy);
+    }
+    ExpectInstalled(OldVersion());
+}
+
+TEST_F(SetupFaultsTest, AFileThatCannotBeAFolderEndsTheInstallation)
+{
+    WriteFileBytes(InstallFolder(), "not a folder");
+    EXPECT_EQ(Run(OldVersion().setup), kFileFailed);
+    EXPECT_EQ(ReadFileBytes(InstallFolder()), "not a folder");
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey));
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
+}
+
+TEST_F(SetupFaultsTest, ADllThatCannotBeMovedStays)
+{
+    Install(OldVersion());
+    UniqueHandle file = Locked(InstalledModule());
+    ExpectOldStays(kFileFailed, [&] { file.reset(); });
+    Install(NewVersion());
+}
+
+TEST_F(SetupFaultsTest, AnUninstallerThatCannotBeReplacedStays)
+{
+    Install(OldVersion());
+    UniqueHandle file = Locked(InstalledUninstaller());
+    ExpectOldStays(kFileFailed, [&] { file.reset(); });
+}
+
+TEST_F(SetupFaultsTest, ADllThatCannotBeRemovedStaysInstalled)
+{
+    Install(OldVersion());
+    {
+        const UniqueHandle file = Locked(InstalledModule());
+        EXPECT_EQ(UninstallInPlace(), kFileFailed);
+    }
+    EXPECT_TRUE(FileExists(InstalledModule()));
+    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), OldVersion().version);
+    Uninstall();
+}
+
+TEST_F(SetupFaultsTest, ARegistrationThatCannotBeRemovedKeepsTheConnectorInstalled)
+{
+    Install(OldVersion());
+    {
+        CObstacle key(Kind::Locked, HKEY_LOCAL_MACHINE, kClassKey);
+        key.Raise();
+        EXPECT_EQ(UninstallInPlace(), kRegistrationFailed);
+    }
+    EXPECT_TRUE(FileExists(InstalledModule()));
+    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), OldVersion().version);
+    Install(OldVersion());
+    Uninstall();
+}
+
+TEST_F(SetupFaultsTest, AFirstRegistrationThatFailsLeavesNothing)
+{
+    {
+        const CObstacle office(kOfficeKey);
+        EXPECT_EQ(Run(OldVersion().setup), kRegistrationFailed);
+    }
+    EXPECT_FALSE(FolderExists(InstallFolder()));
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey));
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kLibraryKey));
+    Install(OldVersion());
+}
+
+TEST_F(SetupFaultsTest, AnUpgradeWhoseRegistrationFailsLeavesTheOldDllAndItsRegistration)
+{
+    Install(OldVersion());
+    const CInstalledState before = TakeState();
+    {
+        CObstacle entry(Kind::ReadOnly, HKEY_LOCAL_MACHINE, kAddInKey);
+        entry.Raise();
+        EXPECT_EQ(Run(NewVersion().setup), kRegistrationFailed);
+    }
+    EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
+    Install(NewVersion());
+}
+
+TEST_F(SetupFaultsTest, AnEntryThatCannotBeWrittenUndoesTheInstallation)
+{
+    {
+        CObstacle entry(Kind::ReadOnly, HKEY_LOCAL_MACHINE, kEntryKey);
+        entry.Raise();
+        EXPECT_EQ(Run(OldVersion().setup), kEntryFailed);
+    }
+    EXPECT_FALSE(FolderExists(InstallFolder()));
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey));
+}
+
+// A setup file cut here, or with one byte changed, at places spread over it.
+TEST_F(SetupFaultsTest, ADamagedSetupFileRefusesItselfAndChangesNothing)
+{
+    Install(OldVersion());
+    const CInstalledState before = TakeState();
+    const std::string whole = *ReadFileBytes(NewVersion().setup);
+    const CTempFolder folder;
+    const std::wstring path = folder.File(L"OrvaSetup.exe");
+    constexpr size_t kPlaces = 10;
+    for (size_t place = 1; place <= kPlaces; ++place)
+    {
+        // Not in the first part, which is the program's own code: Windows refuses to start that, or it
+        // crashes.
+        const size_t at = whole.size() / 2 + place * (whole.size() / 2 - 8) / kPlaces;
+        SCOPED_TRACE("at byte " + std::to_string(at));
+        std::string changed = whole;
+        changed[at] = static_cast<char>(changed[at] ^ 0x10);
+        WriteFileBytes(path, changed);
+        EXPECT_EQ(Run(path), kSetupDamaged);
+        WriteFileBytes(path, whole.substr(0, at));
+        EXPECT_EQ(Run(path), kSetupDamaged);
+    }
+    EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
+}
+
+// Started as the add-in starts it, from a temporary folder, whose name may be anything.
+TEST_F(SetupFaultsTest, StartsFromAFolderWithBlanksAndCharactersOutsideTheCodePage)
+{
+    const CTempFolder folder;
+    const std::wstring inner = folder.File(L"Özgür \u0141\u4E2D osc abc");
+    ASSERT_TRUE(CreateDirectoryW(inner.c_str(), nullptr));
+    const std::wstring path = inner + L"\\Orva Setup.exe";
+    WriteFileBytes(path, *ReadFileBytes(OldVersion().setup));
+    CChildProcess setup(
+        {.program = path, .arguments = {L"/S"}, .environment = {{L"TEMP", inner}, {L"TMP", inner}}});
+    EXPECT_EQ(setup.WaitForExit(), kSetupDone);
+    ExpectInstalled(OldVersion());
+}
+
+// Ended at moments spread over its run.
+TEST_F(SetupFaultsTest, ASetupThatIsEndedLeavesTheOldDllOrTheNewOneAndTheNextOneCompletesTheWork)
+{
+    Install(OldVersion());
+    const ULONGLONG start = GetTickCount64();
+    Install(OldVersion());
+    const DWORD duration = static_cast<DWORD>(GetTickCount64() - start);
+    const int moments = Repetitions(5, 40);
+    for (int moment = 0; moment < moments; ++moment)
+    {
+        SCOPED_TRACE("moment " + std::to_string(moment));
+        SetTestDeadline(kTestDeadline);
+        {
+            CChildProcess setup({.program = NewVersion().setup, .arguments = {L"/S"}});
+            setup.WaitForExit(duration * static_cast<DWORD>(moment) / static_cast<DWORD>(moments));
+            setup.End();
+        }
+        // The last program that the setup has started may still be at work.
+        EXPECT_TRUE(WaitUntil([] {
+            return RegistryString(HKEY_LOCAL_MACHINE, std::wstring(kClassKey) + L"\\InprocServer32", L"") ==
+                   InstalledModule();
+        }));
+        EXPECT_NE(CAddInModule(InstalledModule()).Create(), nullptr);
+        const auto module = ReadFileBytes(InstalledModule());
+        EXPECT_TRUE(module == ReadFileBytes(OldVersion().module) ||
+                    module == ReadFileBytes(NewVersion().module));
+        Install(NewVersion());
+        Uninstall();
+        Install(OldVersion());
+    }
+}
+
+} // namespace
+} // namespace orva::test

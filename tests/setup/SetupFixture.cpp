@@ -1,0 +1,192 @@
+#include "setup/SetupFixture.h"
+
+#include "OrvaVersion.h"
+#include "harness/Files.h"
+#include "harness/Text.h"
+#include "harness/Waiting.h"
+
+#include <ostream>
+
+namespace orva::test
+{
+namespace
+{
+
+constexpr wchar_t kSavedKey[] = L"Software\\ORVA Connector Setup";
+constexpr wchar_t kSessionManager[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
+constexpr wchar_t kPending[] = L"PendingFileRenameOperations";
+
+CSetupVersion MakeVersion(int minor, const std::wstring& module)
+{
+    const std::wstring version = std::to_wstring(ORVA_VERSION_MAJOR) + L"." + std::to_wstring(minor) + L"." +
+                                 std::to_wstring(ORVA_VERSION_BUILD);
+    return {version, BuiltFile(L"OrvaSetup-" + version + L".exe"), BuiltFile(module)};
+}
+
+} // namespace
+
+const CSetupVersion& OldVersion()
+{
+    static const CSetupVersion version = MakeVersion(ORVA_VERSION_MINOR, L"OrvaOscAddin.dll");
+    return version;
+}
+
+const CSetupVersion& NewVersion()
+{
+    static const CSetupVersion version = MakeVersion(ORVA_VERSION_MINOR + 1, L"OrvaOscAddin.newer.dll");
+    return version;
+}
+
+std::wstring InstallFolder()
+{
+    wchar_t folder[MAX_PATH] = L"";
+    GetEnvironmentVariableW(L"ProgramFiles", folder, MAX_PATH);
+    return std::wstring(folder) + L"\\ORVA Connector";
+}
+
+std::wstring InstalledModule()
+{
+    return InstallFolder() + L"\\OrvaOscAddin.dll";
+}
+
+std::wstring InstalledUninstaller()
+{
+    return InstallFolder() + L"\\Uninstall.exe";
+}
+
+CInstalledState TakeState()
+{
+    CInstalledState state;
+    if (FolderExists(InstallFolder()))
+    {
+        state.files[L""] = "the folder";
+        for (const std::wstring& name : ListFolder(InstallFolder()))
+        {
+            state.files[name] = ReadFileBytes(InstallFolder() + L"\\" + name).value_or("cannot be read");
+        }
+    }
+    for (const wchar_t* const key : {kAddInKey, kProgIdKey, kVersionedProgIdKey, kClassKey, kLibraryKey,
+                                     kInterfaceKey, kEntryKey, kSavedKey})
+    {
+        state.registry += Utf8(key) + "\n" + ExportRegistryKey(HKEY_LOCAL_MACHINE, key);
+    }
+    return state;
+}
+
+void PrintTo(const CInstalledState& state, std::ostream* stream)
+{
+    for (const auto& [name, bytes] : state.files)
+    {
+        *stream << Utf8(name) << ": " << bytes.size() << " bytes\n";
+    }
+    *stream << state.registry;
+}
+
+SetupFixture::SetupFixture()
+    : m_entry(HKEY_LOCAL_MACHINE, kEntryKey), m_saved(HKEY_LOCAL_MACHINE, kSavedKey),
+      m_pending(HKEY_LOCAL_MACHINE, kSessionManager, kPending)
+{
+    RemovePath(InstallFolder());
+    m_registration.Remove();
+    m_entry.Remove();
+    m_saved.Remove();
+    m_pending.Remove();
+}
+
+SetupFixture::~SetupFixture()
+{
+    RemovePath(InstallFolder());
+}
+
+DWORD SetupFixture::Run(const std::wstring& setup, const std::vector<std::wstring>& arguments)
+{
+    return RunProcess(setup, arguments).exitCode;
+}
+
+void SetupFixture::Install(const CSetupVersion& version)
+{
+    ASSERT_EQ(Run(version.setup), kSetupDone);
+    ASSERT_NO_FATAL_FAILURE(ExpectInstalled(version));
+}
+
+void SetupFixture::RunUninstaller()
+{
+    ASSERT_EQ(Run(InstalledUninstaller()), kSetupDone);
+    // What was started only starts a copy of itself in the temporary folder, which removes the uninstaller at
+    // its end and holds the name until then.
+    ASSERT_TRUE(WaitUntil([] { return !FileExists(InstalledUninstaller()); }));
+    ASSERT_TRUE(WaitUntil([] {
+        const UniqueHandle setup(OpenMutexW(SYNCHRONIZE, FALSE, kSetupMutex));
+        return setup.get() == nullptr;
+    }));
+}
+
+void SetupFixture::Uninstall()
+{
+    ASSERT_NO_FATAL_FAILURE(RunUninstaller());
+    const CInstalledState nothing;
+    EXPECT_EQ(TakeState().files, nothing.files);
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey));
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kAddInKey));
+}
+
+DWORD SetupFixture::UninstallInPlace()
+{
+    // Without quotation marks, although there are blanks in it: so NSIS wants it.
+    std::vector<std::wstring> arguments = {L"/S"};
+    std::wstring rest = L"_?=" + InstallFolder();
+    for (size_t blank = rest.find(L' '); blank != std::wstring::npos; blank = rest.find(L' '))
+    {
+        arguments.push_back(rest.substr(0, blank));
+        rest.erase(0, blank + 1);
+    }
+    arguments.push_back(rest);
+    return Run(InstalledUninstaller(), arguments);
+}
+
+void SetupFixture::ExpectInstalled(const CSetupVersion& version)
+{
+    EXPECT_THAT(ListFolder(InstallFolder()), testing::ElementsAre(L"OrvaOscAddin.dll", L"Uninstall.exe"));
+    // Not compared as texts, whose failure would print half a megabyte.
+    EXPECT_TRUE(ReadFileBytes(InstalledModule()) == ReadFileBytes(version.module));
+    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), version.version);
+    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, std::wstring(kClassKey) + L"\\InprocServer32", L""),
+              InstalledModule());
+    EXPECT_EQ(RegistryDword(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior"), 3u);
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kSavedKey));
+}
+
+std::vector<std::wstring> SetupFixture::DeletedAtNextStart()
+{
+    const auto values = TakeRegistrySnapshot(HKEY_LOCAL_MACHINE, kSessionManager)->values;
+    const auto found = values.find(kPending);
+    std::vector<std::wstring> files;
+    if (found == values.end())
+    {
+        return files;
+    }
+    // Pairs of texts: a file, and its new name or an empty text.
+    const auto* text = reinterpret_cast<const wchar_t*>(found->second.bytes.data());
+    const auto* const end = text + found->second.bytes.size() / sizeof(wchar_t);
+    bool isFile = true;
+    for (std::wstring part; text < end; ++text)
+    {
+        if (*text != L'\0')
+        {
+            part += *text;
+            continue;
+        }
+        // NSIS has the uninstaller's copy in the temporary folder deleted so.
+        const std::wstring file = part.starts_with(L"\\??\\") ? part.substr(4) : part;
+        if (isFile && file.starts_with(InstallFolder()))
+        {
+            files.push_back(file);
+        }
+        isFile = !isFile;
+        part.clear();
+    }
+    return files;
+}
+
+} // namespace orva::test

@@ -1,0 +1,95 @@
+// A machine on which the connector is not installed, the setup programs of two versions, and what they leave.
+#pragma once
+
+#include "harness/ProcessRunner.h"
+#include "harness/Registry.h"
+#include "outlook/AddInRegistration.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace orva::test
+{
+
+/// The entry in "Programs and Features", under HKEY_LOCAL_MACHINE.
+inline constexpr wchar_t kEntryKey[] =
+    L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\ORVA Connector";
+/// The name that a running setup holds.
+inline constexpr wchar_t kSetupMutex[] = L"Global\\OrvaConnectorSetup";
+
+/// The setup programs' exit codes.
+enum SetupExit : DWORD
+{
+    kSetupDone = 0,
+    kSetupCancelled = 1,
+    kSetupDamaged = 2,
+    kSetupBusy = 3,
+    kNewerInstalled = 4,
+    kFileFailed = 5,
+    kRegistrationFailed = 6,
+    kEntryFailed = 7,
+};
+
+/// One version's setup program and the DLL that is in it.
+struct CSetupVersion
+{
+    std::wstring version;
+    std::wstring setup;
+    std::wstring module;
+};
+
+/// The version that this build makes.
+const CSetupVersion& OldVersion();
+/// A newer one. Its DLL is the same with some bytes appended, so that the two can be told apart.
+const CSetupVersion& NewVersion();
+
+/// The folder into which a setup installs, and files in it.
+std::wstring InstallFolder();
+std::wstring InstalledModule();
+std::wstring InstalledUninstaller();
+
+/// What a setup changes: the files with their contents, and the registry's keys as text.
+struct CInstalledState
+{
+    std::map<std::wstring, std::string> files;
+    std::string registry;
+    bool operator==(const CInstalledState&) const = default;
+};
+CInstalledState TakeState();
+void PrintTo(const CInstalledState& state, std::ostream* stream);
+
+/// Starts and ends with a machine without the connector; the registry is as it was afterwards.
+class SetupFixture : public testing::Test
+{
+protected:
+    SetupFixture();
+    ~SetupFixture() override;
+
+    /// Runs a setup to its end and returns its exit code.
+    static DWORD Run(const std::wstring& setup, const std::vector<std::wstring>& arguments = {L"/S"});
+    /// Installs this version silently and asserts that this succeeded.
+    static void Install(const CSetupVersion& version);
+    /// Runs the uninstaller silently and waits until it has removed itself and ended.
+    static void RunUninstaller();
+    /// Does so and asserts that nothing is left.
+    static void Uninstall();
+    /// Runs the uninstaller in its place, where it cannot remove itself, and returns its exit code.
+    static DWORD UninstallInPlace();
+
+    /// Asserts that this version is installed completely and nothing else is in the folder.
+    static void ExpectInstalled(const CSetupVersion& version);
+    /// What Windows will delete at its next start, of the installation's folder.
+    static std::vector<std::wstring> DeletedAtNextStart();
+
+private:
+    CRegistrationGuard m_registration;
+    CRegistryTreeGuard m_entry;
+    CRegistryTreeGuard m_saved;
+    CRegistryValue m_pending;
+};
+
+} // namespace orva::test

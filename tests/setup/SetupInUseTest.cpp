@@ -1,0 +1,127 @@
+// Replacing and removing the add-in while a program, as Outlook does, has its DLL loaded.
+#include "harness/Files.h"
+#include "harness/TempFolder.h"
+#include "harness/WindowDriver.h"
+#include "host/MainWindow.h"
+#include "outlook/AddInModule.h"
+#include "setup/SetupFixture.h"
+
+namespace orva::test
+{
+namespace
+{
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
+
+class SetupInUseTest : public SetupFixture
+{
+protected:
+    static std::wstring Aside(int number) { return L"OrvaOscAddin.dll." + std::to_wstring(number) + L".old"; }
+    static bool HasContents(const std::wstring& name, const CSetupVersion& version)
+    {
+        return ReadFileBytes(InstallFolder() + L"\\" + name) == ReadFileBytes(version.module);
+    }
+};
+
+TEST_F(SetupInUseTest, TheLoadedDllMovesAsideAndTheNewOneTakesItsPlace)
+{
+    Install(OldVersion());
+    {
+        const CAddInModule loaded(InstalledModule());
+        EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+        EXPECT_THAT(ListFolder(InstallFolder()),
+                    UnorderedElementsAre(L"OrvaOscAddin.dll", Aside(1), L"Uninstall.exe"));
+        EXPECT_TRUE(HasContents(L"OrvaOscAddin.dll", NewVersion()));
+        EXPECT_TRUE(HasContents(Aside(1), OldVersion()));
+        EXPECT_THAT(DeletedAtNextStart(), ElementsAre(InstallFolder() + L"\\" + Aside(1)));
+        // Whoever has loaded it goes on using it.
+        EXPECT_NE(loaded.Create(), nullptr);
+    }
+    EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+    ExpectInstalled(NewVersion());
+}
+
+TEST_F(SetupInUseTest, TwoUpgradesInARowLeaveOneFileAsideAsLongAsOnlyOneIsInUse)
+{
+    Install(OldVersion());
+    const auto loaded = std::make_unique<CAddInModule>(InstalledModule());
+    EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+    EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+    EXPECT_THAT(ListFolder(InstallFolder()),
+                UnorderedElementsAre(L"OrvaOscAddin.dll", Aside(1), L"Uninstall.exe"));
+    EXPECT_TRUE(HasContents(Aside(1), OldVersion()));
+}
+
+TEST_F(SetupInUseTest, WindowsIsNeverToldToDeleteTheDllUnderItsOwnName)
+{
+    Install(OldVersion());
+    const auto loaded = std::make_unique<CAddInModule>(InstalledModule());
+    EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+    RunUninstaller();
+    EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+    EXPECT_THAT(DeletedAtNextStart(), Not(testing::Contains(InstalledModule())));
+    EXPECT_THAT(DeletedAtNextStart(), Not(testing::Contains(InstalledUninstaller())));
+}
+
+TEST_F(SetupInUseTest, UninstallingRemovesAllButTheLoadedDllWhichGoesAtTheNextStartOfWindows)
+{
+    Install(OldVersion());
+    const auto loaded = std::make_unique<CAddInModule>(InstalledModule());
+    RunUninstaller();
+    EXPECT_THAT(ListFolder(InstallFolder()), ElementsAre(Aside(1)));
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
+    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey));
+    EXPECT_THAT(DeletedAtNextStart(),
+                ElementsAre(InstallFolder() + L"\\" + Aside(1), StartsWith(InstallFolder())));
+}
+
+// The stand-in Outlook, open, with the add-in connected.
+class COpenOutlook
+{
+public:
+    COpenOutlook()
+        : m_host({.program = BuiltFile(L"OutlookHost.exe"),
+                  .arguments = {L"--mode", L"after-startup", L"--trace", m_folder.File(L"trace.txt")}})
+    {
+        EXPECT_TRUE(WaitUntil([this] {
+            return ReadFileBytes(m_folder.File(L"trace.txt"))
+                       .value_or("")
+                       .find("OnAddInsUpdate = 0x00000000") != std::string::npos;
+        })) << DescribeWindows(m_host.Id());
+    }
+
+    /// Closes it as the user does, and asserts that it ends in good order.
+    void Close()
+    {
+        const HWND window = WaitForWindow({.process = m_host.Id(), .className = host::kMainWindowClass});
+        EXPECT_TRUE(PostMessageW(window, WM_CLOSE, 0, 0));
+        EXPECT_EQ(m_host.WaitForExit(), 0u);
+    }
+
+private:
+    CTempFolder m_folder;
+    CChildProcess m_host;
+};
+
+TEST_F(SetupInUseTest, OutlookGoesOnWithTheOldVersionAndItsNextStartHasTheNewOne)
+{
+    Install(OldVersion());
+    COpenOutlook first;
+    EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+    EXPECT_TRUE(HasContents(Aside(1), OldVersion()));
+    first.Close();
+    COpenOutlook second;
+    // The old DLL is free to go, and now the new one is in use: it is what moves aside.
+    EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+    EXPECT_THAT(ListFolder(InstallFolder()),
+                UnorderedElementsAre(L"OrvaOscAddin.dll", Aside(1), L"Uninstall.exe"));
+    EXPECT_TRUE(HasContents(Aside(1), NewVersion()));
+    second.Close();
+}
+
+} // namespace
+} // namespace orva::test
