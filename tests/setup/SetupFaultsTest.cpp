@@ -1,6 +1,6 @@
 // What a setup does when it cannot do its work: it says why, and the machine is as it was.
 #include "harness/Files.h"
-#include "harness/Report.h"
+#include "harness/Thorough.h"
 #include "harness/TempFolder.h"
 #include "harness/Text.h"
 #include "harness/Watchdog.h"

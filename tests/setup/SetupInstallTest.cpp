@@ -1,7 +1,7 @@
 // Installing, repairing, replacing and removing without pages: files, registry and exit codes.
 #include "harness/Files.h"
 #include "harness/LogFile.h"
-#include "harness/Report.h"
+#include "harness/Thorough.h"
 #include "harness/Text.h"
 #include "setup/SetupFixture.h"
 
