@@ -3,7 +3,6 @@
 
 // Before windows.h, which brings an older one otherwise.
 #include <winsock2.h>
-
 #include <windows.h>
 
 #include <functional>
