@@ -1,8 +1,6 @@
 // Waiting for another thread or process: for a condition and with a deadline, never for a fixed time.
 #pragma once
 
-// Before windows.h, which brings an older one otherwise.
-#include <winsock2.h>
 #include <windows.h>
 
 #include <functional>
