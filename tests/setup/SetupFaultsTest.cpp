@@ -1,8 +1,8 @@
 // What a setup does when it cannot do its work: it says why, and the machine is as it was.
 #include "harness/Files.h"
-#include "harness/Thorough.h"
 #include "harness/TempFolder.h"
 #include "harness/Text.h"
+#include "harness/Thorough.h"
 #include "harness/Watchdog.h"
 #include "harness/WindowDriver.h"
 #include "outlook/AddInModule.h"

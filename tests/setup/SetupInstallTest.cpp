@@ -1,8 +1,8 @@
 // Installing, repairing, replacing and removing without pages: files, registry and exit codes.
 #include "harness/Files.h"
 #include "harness/LogFile.h"
-#include "harness/Thorough.h"
 #include "harness/Text.h"
+#include "harness/Thorough.h"
 #include "setup/SetupFixture.h"
 
 namespace orva::test
