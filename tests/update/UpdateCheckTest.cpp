@@ -6,7 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <ostream>
 #include <stdexcept>
 
 namespace orva::test
