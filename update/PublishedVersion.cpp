@@ -10,7 +10,10 @@
 namespace
 {
 
-constexpr PublishedVersion kInstalled{kVersionMajor, kVersionMinor, kVersionBuild};
+PublishedVersion InstalledVersion()
+{
+    return {kVersionMajor, kVersionMinor, kVersionBuild};
+}
 
 } // namespace
 
@@ -27,10 +30,15 @@ PublishedVersion ReadPublishedVersion(const json_spirit::wmObject& entry)
     return version;
 }
 
-bool IsNewerThanInstalled(const PublishedVersion& published)
+bool IsNewer(const PublishedVersion& published, const PublishedVersion& installed)
 {
     return std::tie(published.major, published.minor, published.build) >
-           std::tie(kInstalled.major, kInstalled.minor, kInstalled.build);
+           std::tie(installed.major, installed.minor, installed.build);
+}
+
+bool IsNewerThanInstalled(const PublishedVersion& published)
+{
+    return IsNewer(published, InstalledVersion());
 }
 
 CString FormatVersion(const PublishedVersion& version)
@@ -42,5 +50,5 @@ CString FormatVersion(const PublishedVersion& version)
 
 CString FormatInstalledVersion()
 {
-    return FormatVersion(kInstalled);
+    return FormatVersion(InstalledVersion());
 }

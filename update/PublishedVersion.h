@@ -15,8 +15,11 @@ struct PublishedVersion
 /// and logs them. Throws json_spirit's type error for a member that is missing or not an integer.
 PublishedVersion ReadPublishedVersion(const json_spirit::wmObject& entry);
 
-/// Whether `published` is greater than the add-in's own version in lexicographic order of (major, minor,
-/// build). An equal version is not newer.
+/// Whether `published` is greater than `installed` in lexicographic order of (major, minor, build). An equal
+/// version is not newer.
+bool IsNewer(const PublishedVersion& published, const PublishedVersion& installed);
+
+/// Whether `published` is newer than the add-in's own version.
 bool IsNewerThanInstalled(const PublishedVersion& published);
 
 /// "major.minor.build".

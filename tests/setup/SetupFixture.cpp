@@ -16,24 +16,25 @@ constexpr wchar_t kSavedKey[] = L"Software\\ORVA Connector Setup";
 constexpr wchar_t kSessionManager[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
 constexpr wchar_t kPending[] = L"PendingFileRenameOperations";
 
-CSetupVersion MakeVersion(int minor, const std::wstring& module)
+CSetupVersion MakeVersion(int minor, const std::wstring& folder)
 {
     const std::wstring version = std::to_wstring(ORVA_VERSION_MAJOR) + L"." + std::to_wstring(minor) + L"." +
                                  std::to_wstring(ORVA_VERSION_BUILD);
-    return {version, BuiltFile(L"OrvaSetup-" + version + L".exe"), BuiltFile(module)};
+    return {version, BuiltFile(folder + L"OrvaSetup-" + version + L".exe"),
+            BuiltFile(folder + L"OrvaOscAddin.dll")};
 }
 
 } // namespace
 
 const CSetupVersion& OldVersion()
 {
-    static const CSetupVersion version = MakeVersion(ORVA_VERSION_MINOR, L"OrvaOscAddin.dll");
+    static const CSetupVersion version = MakeVersion(ORVA_VERSION_MINOR, L"");
     return version;
 }
 
 const CSetupVersion& NewVersion()
 {
-    static const CSetupVersion version = MakeVersion(ORVA_VERSION_MINOR + 1, L"OrvaOscAddin.newer.dll");
+    static const CSetupVersion version = MakeVersion(ORVA_VERSION_MINOR + 1, L"newer\\");
     return version;
 }
 

@@ -44,7 +44,7 @@ struct CSetupVersion
 
 /// The version that this build makes.
 const CSetupVersion& OldVersion();
-/// A newer one. Its DLL is the same with some bytes appended, so that the two can be told apart.
+/// The next one.
 const CSetupVersion& NewVersion();
 
 /// The folder into which a setup installs, and files in it.

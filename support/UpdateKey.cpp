@@ -1,0 +1,3 @@
+#include "support/UpdateKey.h"
+
+const UpdateVerifier kUpdateVerifier = nullptr;
