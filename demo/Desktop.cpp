@@ -20,8 +20,12 @@ std::wstring ProgramOf(HWND window)
     wchar_t path[MAX_PATH] = L"";
     DWORD length = MAX_PATH;
     QueryFullProcessImageNameW(process.get(), 0, path, &length);
-    const std::wstring whole = path;
-    return whole.substr(whole.rfind(L'\\') + 1);
+    return path;
+}
+
+bool IsNamed(const std::wstring& program, const wchar_t* beginning)
+{
+    return program.substr(program.rfind(L'\\') + 1).starts_with(beginning);
 }
 
 // Not tiny, no menu, and neither ours nor the desktop's own.
@@ -32,7 +36,7 @@ bool IsForUser(HWND window)
     RECT area = {};
     return GetWindowRect(window, &area) && area.right - area.left >= kSmallest &&
            area.bottom - area.top >= kSmallest && WindowClassName(window) != kMenuClass &&
-           WindowProcess(window) != GetCurrentProcessId() && ProgramOf(window) != L"explorer.exe";
+           WindowProcess(window) != GetCurrentProcessId() && !IsNamed(ProgramOf(window), L"explorer.exe");
 }
 
 WindowKind KindOf(const CMetWindow& met)
@@ -40,7 +44,7 @@ WindowKind KindOf(const CMetWindow& met)
     const auto has = [&](int first, int second) {
         return ChildById(met.window, first) != nullptr && ChildById(met.window, second) != nullptr;
     };
-    return met.program.starts_with(L"OrvaSetup")             ? WindowKind::Installer
+    return IsNamed(met.program, L"OrvaSetup")                ? WindowKind::Installer
            : met.className == host::kMainWindowClass         ? WindowKind::Main
            : has(IDC_UPDATE_INSTALL, IDC_UPDATE_LATER)       ? WindowKind::Offer
            : has(IDC_DOWNLOAD_STATUS, IDC_DOWNLOAD_PROGRESS) ? WindowKind::Download

@@ -25,7 +25,7 @@ enum class WindowKind
 struct CMetWindow : test::CSeenWindow
 {
     WindowKind kind = WindowKind::Other;
-    /// The name of its program's file.
+    /// The path of its program.
     std::wstring program;
     std::wstring className;
 };

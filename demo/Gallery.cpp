@@ -87,7 +87,7 @@ private:
     bool Begin(const std::wstring& office)
     {
         m_isStarted = false;
-        StartOutlook(office);
+        StartOutlook(office, L"host.log");
         return Watch(kStartTime, [this] { return m_isStarted; }) && WaitUntilEnabled(m_main);
     }
 

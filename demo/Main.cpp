@@ -15,9 +15,9 @@ int wmain(int, wchar_t** argument)
     _setmode(_fileno(stdout), _O_BINARY);
     try
     {
-        const CSettings settings = {argument[1], argument[2],  argument[3],  argument[4],
-                                    argument[5], argument[6],  argument[7],  argument[8],
-                                    argument[9], argument[10], argument[11], argument[12]};
+        const CSettings settings = {argument[1],  argument[2],  argument[3],  argument[4], argument[5],
+                                    argument[6],  argument[7],  argument[8],  argument[9], argument[10],
+                                    argument[11], argument[12], argument[13], argument[14]};
         CTimeline timeline;
         const bool isSeen =
             settings.play == L"gallery" ? ShowGallery(settings, timeline) : CPlay(settings, timeline).Run();

@@ -1,6 +1,7 @@
 #include "demo/Play.h"
 
 #include "OrvaVersion.h"
+#include "harness/Files.h"
 #include "harness/Text.h"
 #include "harness/WindowDriver.h"
 #include "host/MainWindow.h"
@@ -27,40 +28,98 @@ constexpr char kTooLate[] = "the check did not end in time";
 bool CPlay::Run()
 {
     AskForFacts();
+    PlayInstallation();
+    if (IsUpdate() && m_settings.signing == L"signed")
+    {
+        PlayChangedInstaller();
+    }
+    PlayOutlook("start", !IsUpdate());
+    if (IsUpdate())
+    {
+        PlayPrograms();
+        PlayOutlook("restart", true);
+    }
+    ExamineLog();
+    return m_timeline.End();
+}
+
+// CStage has run the setup.
+void CPlay::PlayInstallation()
+{
+    const std::wstring program = m_settings.setup.substr(m_settings.setup.rfind(L'\\') + 1);
+    m_timeline.Tell("setup", Utf8(program + L" /S has installed version " + InstalledVersion()));
+    See("installed", InstalledVersion() == L"" ORVA_VERSION);
+}
+
+void CPlay::PlayOutlook(const std::string& phase, bool hasRequest)
+{
+    m_phase = phase;
+    m_version = InstalledVersion();
     const std::string office = Utf8(m_settings.office);
     m_timeline.Tell("Outlook", office + " starts (OutlookHost.exe --office " + office + " --mode startup)");
-    StartOutlook(m_settings.office);
+    StartOutlook(m_settings.office, L"host-" + Widen(phase) + L".log");
     if (IsForPerson())
     {
         std::puts("It is your turn: answer what Outlook shows, and close it when you have seen enough.");
         Watch(INFINITE, [this] { return IsOver(); });
     }
     else if (Watch(
-                 kStartTime, [this] { return IsSeen("started"); },
+                 kStartTime, [this] { return IsSeen(InPhase("completed")); },
                  "Outlook's start was not completed in time"))
     {
         PlayStart();
-        PlayRequest();
+        if (hasRequest)
+        {
+            PlayRequest();
+        }
     }
-    PlayEnd();
-    ExamineLog();
-    return m_timeline.End();
+    PlayEnd(phase);
 }
 
 void CPlay::PlayStart()
 {
-    See("start-silence", !IsSeen("start-offer") && !IsSeen("start-message"));
-    if (IsSeen("progress") && m_settings.answer == L"install")
+    See(InPhase("silence"), !IsSeen(InPhase("offer")) && !IsSeen(InPhase("message")));
+    if (m_phase == "start" && IsSeen("start-progress") && m_settings.answer == L"install")
     {
-        Watch(kEndTime, [this] { return IsSeen("installer-window") && IsSeen("downloaded-whole"); });
+        Watch(kEndTime, [this] { return IsSeen("installer-window") && IsSeen("start-downloaded-whole"); });
     }
     // A dialog may be gone a moment before its owner is enabled.
     if (m_main != nullptr && WaitUntilEnabled(m_main))
     {
-        See("start-enabled");
-        Picture(m_main, "outlook");
+        See(InPhase("enabled"));
+        Picture(m_main, m_phase + "-outlook");
     }
     ExamineDownload();
+}
+
+void CPlay::PlayChangedInstaller()
+{
+    const std::string installer = ReadFileBytes(m_settings.installer).value_or("");
+    std::string changed = installer;
+    changed.back() = static_cast<char>(changed.back() ^ 1);
+    WriteFileBytes(m_settings.installer, changed);
+    m_timeline.Tell("network", "changes one bit of the installer on its way");
+    PlayOutlook("changed", false);
+    WriteFileBytes(m_settings.installer, installer);
+    m_timeline.Tell("network", "leaves the installer as the publisher has signed it");
+    for (const std::wstring& path : Downloads())
+    {
+        RemovePath(path);
+    }
+}
+
+void CPlay::PlayPrograms()
+{
+    const std::wstring installed = InstalledVersion();
+    See("updated", installed == m_settings.publish);
+    CChildProcess programs({.program = L"control.exe", .arguments = {L"appwiz.cpl"}});
+    const HWND window = WaitForWindow({.process = programs.Id(), .className = kDialogClass});
+    User(L"looks at \"Programs and Features\": ORVA Connector " + installed);
+    Picture(window, "programs");
+    if (window != nullptr && ClickButton(window, IDCANCEL))
+    {
+        programs.WaitForExit();
+    }
 }
 
 void CPlay::PlayRequest()
@@ -102,8 +161,7 @@ void CPlay::RequestInFileView()
         m_timeline.Tell("", "the File view has no button \"" + Utf8(label) + "\"");
         return;
     }
-    const std::wstring version =
-        m_texts.With(IDS_VERSION_LINE1, ORVA_VERSION_MAJOR, ORVA_VERSION_MINOR, ORVA_VERSION_BUILD, 64);
+    const std::wstring version = VersionLine();
     if (ControlWithText(m_main, L"Static", m_texts.Get(IDS_DESCRIPTION1)) != nullptr &&
         ControlWithText(m_main, L"Static", version) != nullptr)
     {
@@ -135,7 +193,7 @@ void CPlay::RequestInAbout()
     See("about-closed", WaitUntilGone(m_about));
 }
 
-void CPlay::PlayEnd()
+void CPlay::PlayEnd(const std::string& phase)
 {
     CatchUp();
     if (m_main != nullptr && !IsForPerson())
@@ -148,11 +206,21 @@ void CPlay::PlayEnd()
     CatchUp();
     m_timeline.Tell(status ? "Outlook" : "",
                     status ? "has ended with status " + std::to_string(*status) : "Outlook did not end");
-    See("ended", status == 0u);
+    See(phase + "-ended", status == 0u);
     if (IsForPerson())
     {
         ExamineDownload();
+        m_timeline.Tell("setup", "installed is version " + Utf8(InstalledVersion()));
     }
+}
+
+std::wstring CPlay::VersionLine() const
+{
+    int major = 0;
+    int minor = 0;
+    int build = 0;
+    swscanf(m_version.c_str(), L"%d.%d.%d", &major, &minor, &build);
+    return m_texts.With(IDS_VERSION_LINE1, major, minor, build, 64);
 }
 
 void CPlay::User(const std::wstring& text)

@@ -22,19 +22,6 @@ bool Has(const std::string& text, const char* part)
     return text.find(part) != std::string::npos;
 }
 
-// The path of the program that this installer's trace tells of, if it is in a folder that the add-in makes;
-// otherwise empty.
-std::string StartedFrom(const std::string& trace)
-{
-    const std::string path = trace.substr(0, trace.find('\r'));
-    const size_t folder = path.find("\\osc");
-    constexpr size_t kFolderLength = 10;
-    return path.starts_with("path C:") && folder != std::string::npos &&
-                   path.substr(folder + kFolderLength).starts_with("\\OrvaSetup")
-               ? path.substr(path.find("C:"))
-               : "";
-}
-
 } // namespace
 
 void CPlay::AskForFacts()
@@ -48,34 +35,55 @@ void CPlay::AskForFacts()
     const bool isTab = isUsers && m_settings.office == L"14" && !isBroken;
     const bool isRequest = is12 || isTab;
     const std::string version = Utf8(m_settings.publish);
+    const std::string lastVersion = IsUpdate() ? version : ORVA_VERSION;
     const std::string file = std::string(kUpdateInfoPath);
     const auto ask = [this](bool isAsked, const char* fact, const std::string& text) {
         m_timeline.Ask(isAsked, fact, text);
     };
-    ask(true, "connected", "Outlook loaded and connected the add-in (OnConnection gave S_OK)");
+    ask(true, "installed", "the setup installed version " ORVA_VERSION ", without a window");
+    AskForRefusal(IsUpdate() && m_settings.signing == L"signed");
+    ask(true, "start-connected", "Outlook loaded and connected the add-in (OnConnection gave S_OK)");
     ask(true, "start-fetched",
         "at Outlook's start the add-in read " + file +
             (m_settings.outcome == L"any" ? ", the file as it is" : ", compressed with gzip"));
-    ask(isUsers, "started", "Outlook's start was completed");
+    ask(isUsers, "start-completed", "Outlook's start was completed");
     ask(isUsers, "start-enabled", "after the start-up check Outlook's window could be used");
     ask(isOffer, "start-offer", "version " + version + " was offered");
     ask(isOffer, "start-offer-texts", "the offer named both versions, in the language of Outlook");
     AskForAnswer(isOffer);
+    AskForUpdate(version);
     ask(isSilence, "start-silence",
         "nothing was shown at the start, because " ORVA_VERSION " is the latest version");
-    ask(is12, "about", "the command in the Help menu opened the About dialog, in the language of Outlook");
+    ask(is12, "about",
+        "the command in the Help menu opened the About dialog with version " + lastVersion +
+            ", in the language of Outlook");
     ask(isBroken, "parse-report", "Outlook reported the Spanish markup as not well-formed and showed no tab");
-    ask(isTab, "backstage", "the File view showed the add-in's tab, in the language of Outlook");
+    ask(isTab, "backstage",
+        "the File view showed the add-in's tab with version " + lastVersion + ", in the language of Outlook");
     ask(isRequest, "request-fetched", "\"Update\" read " + file + " again");
-    ask(isRequest && isOffer, "request-offer", "version " + version + " was offered again");
-    ask(isRequest && isOffer, "request-later", "the second offer was declined and closed");
-    ask(isRequest && isSilence, "request-latest", "the user was told that the latest version is installed");
+    ask(isRequest && isOffer && !IsUpdate(), "request-offer", "version " + version + " was offered again");
+    ask(isRequest && isOffer && !IsUpdate(), "request-later", "the second offer was declined and closed");
+    ask(isRequest && (isSilence || IsUpdate()), "request-latest",
+        "the user was told that the latest version is installed");
     ask(isRequest, "request-enabled", "after that check Outlook's window could be used");
     ask(is12, "about-closed", "the About dialog closed");
     ask(is15, "no-tab", "the add-in gave no tab (GetCustomUI answered with an empty text)");
     ask(is15, "no-command", "the add-in added no menu command");
     ask(isUsers, "logged", "the add-in's debug log tells of the start-up check");
-    ask(true, "ended", "Outlook ended by itself");
+    ask(true, "start-ended", "Outlook ended by itself");
+    ask(IsUpdate(), "restart-ended", "started again, it ended by itself, too");
+}
+
+void CPlay::AskForRefusal(bool isChanged)
+{
+    const auto ask = [&](const char* fact, const char* text) { m_timeline.Ask(isChanged, fact, text); };
+    ask("changed-offer", "while the installer was changed on its way, the version was offered");
+    ask("changed-downloaded-whole", "the server sent the whole changed installer");
+    ask("changed-error-message", "its signature was found to be wrong, and the user saw an error");
+    ask("changed-canceled-message", "after it the message about the canceled download was shown");
+    ask("changed-deleted", "the changed installer was deleted");
+    ask("changed-not-run", "and not started");
+    ask("changed-ended", "Outlook ended by itself");
 }
 
 void CPlay::AskForAnswer(bool isOffered)
@@ -88,18 +96,31 @@ void CPlay::AskForAnswer(bool isOffered)
     };
     ask(isLater, "start-later", "the offer was declined and closed");
     ask(isLater, "nothing-downloaded", "nothing was downloaded");
-    ask(isInstall || isCancel, "progress", "the download showed its progress");
+    ask(isInstall || isCancel, "start-progress", "the download showed its progress");
     ask(isCancel, "cancel-shown", "after Cancel the download said so");
-    ask(isInstall, "downloaded-whole", "the server sent the whole installer");
-    ask(isInstall || isCancel, "download-closed", "the download dialog closed");
-    ask(isCancel, "canceled-message", "the message about the canceled download was shown");
-    ask(isCancel, "downloaded-part", "the server sent only a part of the installer");
-    ask(isCancel, "partial-deleted", "the partial file was deleted");
-    ask(isCancel, "installer-not-run", "no installer was started");
+    ask(isInstall, "start-downloaded-whole", "the server sent the whole installer");
+    ask(isInstall || isCancel, "start-download-closed", "the download dialog closed");
+    ask(isCancel, "start-canceled-message", "the message about the canceled download was shown");
+    ask(isCancel, "start-downloaded-part", "the server sent only a part of the installer");
+    ask(isCancel, "start-deleted", "the partial file was deleted");
+    ask(isCancel, "start-not-run", "no installer was started");
     ask(isInstall, "installer-same",
         "the downloaded file is what was published, byte for byte, in a fresh temporary folder");
     ask(isInstall, "installer-ran", "the installer was started from there");
-    ask(isInstall, "installer-window", "the installer's window was seen, and closed");
+    ask(isInstall, "installer-window", "its pages were seen, and closed");
+}
+
+void CPlay::AskForUpdate(const std::string& version)
+{
+    const auto ask = [this](const char* fact, const std::string& text) {
+        m_timeline.Ask(IsUpdate(), fact, text);
+    };
+    ask("setup-pages", "the setup's pages said that " ORVA_VERSION " is replaced by " + version);
+    ask("outlook-open", "Outlook was open until the setup's end");
+    ask("updated", "\"Programs and Features\" showed version " + version);
+    ask("restart-connected", "Outlook, started again, loaded and connected the add-in");
+    ask("restart-fetched", "the add-in read the file again");
+    ask("restart-silence", "nothing was shown at that start, because " + version + " is the latest version");
 }
 
 void CPlay::OnTrace(const std::string& line)
@@ -118,8 +139,8 @@ void CPlay::OnTrace(const std::string& line)
         const size_t text = isAddIns ? line.find("-> ") + 3 : line.find(": ") + 2;
         m_timeline.Tell(isAddIns ? "add-in" : "Outlook", (isCall ? "called " : "") + line.substr(text));
     }
-    See("connected", Has(line, "OnConnection(ConnectMode 1) = 0x00000000"));
-    See("started", Has(line, "Outlook: start-up complete"));
+    See(InPhase("connected"), Has(line, "OnConnection(ConnectMode 1) = 0x00000000"));
+    See(InPhase("completed"), Has(line, "Outlook: start-up complete"));
     See("parse-report", Has(line, "Outlook: custom UI of OrvaOscAddin.Connect refused: "));
     See("no-tab", Has(line, "Outlook: custom UI of OrvaOscAddin.Connect: 0 characters"));
     See("file-view", Has(line, "Outlook: File view shows "));
@@ -140,41 +161,31 @@ void CPlay::OnRequest(const std::string& line)
                                   (encoding == "-" ? "" : " in " + encoding));
     const bool isFile = Has(target, kUpdateInfoPath);
     const bool isInstaller = !isFile && Has(target, ".exe");
-    See(m_phase + "-asked", isFile);
+    See(InPhase("asked"), isFile);
     // A file of the caller's may be too short to be worth compressing.
-    See(m_phase + "-fetched",
+    See(InPhase("fetched"),
         isFile && status == "200" && (encoding == "gzip" || m_settings.outcome == L"any"));
     See("downloaded", isInstaller);
     const bool isWhole = size >= ReadFileBytes(m_settings.installer).value_or("").size();
-    See("downloaded-whole", isInstaller && isWhole);
-    See("downloaded-part", isInstaller && !isWhole);
+    See(InPhase("downloaded-whole"), isInstaller && isWhole);
+    See(InPhase("downloaded-part"), isInstaller && !isWhole);
 }
 
 // What the download has left on disk.
 void CPlay::ExamineDownload()
 {
     bool isKept = false;
-    bool isStarted = false;
     for (const std::wstring& path : Downloads())
     {
-        const std::string bytes = ReadFileBytes(path).value_or("");
         if (path.ends_with(L".exe"))
         {
             isKept = true;
-            See("installer-same", bytes == ReadFileBytes(m_settings.installer));
-        }
-        else if (path.ends_with(L".trace.txt"))
-        {
-            isStarted = true;
-            if (const std::string from = StartedFrom(bytes); !from.empty())
-            {
-                m_timeline.Tell("installer", "says: ran from " + from);
-                See("installer-ran");
-            }
+            See("installer-same",
+                m_phase == "start" && ReadFileBytes(path) == ReadFileBytes(m_settings.installer));
         }
     }
-    See("partial-deleted", !isKept && IsSeen("progress"));
-    See("installer-not-run", !isStarted);
+    See(InPhase("deleted"), !isKept && IsSeen(InPhase("progress")));
+    See(InPhase("not-run"), !IsSeen("installer-ran"));
     See("nothing-downloaded", !IsSeen("downloaded"));
 }
 

@@ -1,5 +1,4 @@
 // How the play's user meets each window.
-#include "OrvaVersion.h"
 #include "demo/Play.h"
 #include "harness/Text.h"
 #include "harness/WindowDriver.h"
@@ -22,6 +21,35 @@ std::wstring OneLine(std::wstring text)
     const auto end = std::unique(text.begin(), text.end(),
                                  [](wchar_t one, wchar_t next) { return one == L' ' && next == L' '; });
     return std::wstring(text.begin(), end);
+}
+
+// Whether a program is an installer in a folder that the add-in makes for a download.
+bool IsDownload(const std::wstring& program)
+{
+    constexpr size_t kFolderLength = 10;
+    const size_t folder = program.find(L"\\osc");
+    return folder != std::wstring::npos && program.substr(folder + kFolderLength).starts_with(L"\\OrvaSetup");
+}
+
+// Waits until the window shows a static text with both parts, and its button can be pressed.
+std::wstring WaitForSentence(HWND window, const std::wstring& one, const std::wstring& other, DWORD timeout)
+{
+    std::wstring found;
+    WaitUntil(
+        [&] {
+            for (const HWND child : ChildWindows(window))
+            {
+                const std::wstring text = WindowText(child);
+                if (IsWindowVisible(child) && text.find(one) != std::wstring::npos &&
+                    text.find(other) != std::wstring::npos)
+                {
+                    found = text;
+                }
+            }
+            return !IsWindow(window) || (!found.empty() && IsWindowEnabled(ChildById(window, IDOK)));
+        },
+        timeout);
+    return found;
 }
 
 // The number before the percent sign of the download's caption; 0 if there is none.
@@ -60,16 +88,16 @@ void CPlay::MeetOffer(const CMetWindow& offer)
     User(L"sees \"" + offer.caption + L"\": " + available + L", " + installed);
     User(L"reads \"" + OneLine(offer.Control(IDC_UPDATE_DESCRIPTION)) + L"\"");
     Picture(offer.window, m_phase + "-offer");
-    See(m_phase + "-offer");
+    See(InPhase("offer"));
     AskForAnswer(m_settings.outcome == L"any" && m_phase == "start");
-    See(m_phase + "-offer-texts",
+    See(InPhase("offer-texts"),
         offer.caption == m_texts.Get(IDS_UPDATE_TITLE) &&
             offer.Control(IDC_UPDATE_INSTALL) == m_texts.Get(IDS_UPDATE_INSTALL) &&
             available == m_texts.With(IDS_AVAILABLE_VERSION, m_settings.publish.c_str()) &&
-            installed == m_texts.With(IDS_INSTALLED_VERSION, L"" ORVA_VERSION));
-    const bool isDeclined = m_phase != "start" || m_settings.answer == L"later";
+            installed == m_texts.With(IDS_INSTALLED_VERSION, m_version.c_str()));
+    const bool isDeclined = m_phase == "request" || m_phase == "restart" || m_settings.answer == L"later";
     Press(offer.window, isDeclined ? IDC_UPDATE_LATER : IDC_UPDATE_INSTALL);
-    See(m_phase + "-later", WaitUntilGone(offer.window) && isDeclined);
+    See(InPhase("later"), WaitUntilGone(offer.window) && isDeclined);
 }
 
 void CPlay::MeetDownload(const CMetWindow& download)
@@ -88,8 +116,8 @@ void CPlay::MeetDownload(const CMetWindow& download)
     };
     WaitUntil(look, kDownloadTime);
     User(L"sees \"" + caption + L"\", " + time + L", " + ChildText(dialog, IDC_DOWNLOAD_RATE));
-    See("progress", PercentOf(caption) >= kTellingPercent);
-    Picture(dialog, "download");
+    See(InPhase("progress"), PercentOf(caption) >= kTellingPercent);
+    Picture(dialog, m_phase + "-download");
     if (m_settings.answer == L"cancel")
     {
         Press(dialog, IDCANCEL);
@@ -105,25 +133,41 @@ void CPlay::MeetDownload(const CMetWindow& download)
     if (WaitUntilGone(dialog, kDownloadTime))
     {
         User(L"sees the download close");
-        See("download-closed");
+        See(InPhase("download-closed"));
     }
 }
 
-void CPlay::MeetInstaller(const CMetWindow& installer)
+void CPlay::MeetInstaller(const CMetWindow& setup)
 {
-    User(L"sees the installer \"" + installer.caption + L"\": \"" + OneLine(installer.text) + L"\"");
-    Picture(installer.window, "installer");
-    PressOnlyButton(installer.window);
-    See("installer-window", WaitUntilGone(installer.window));
+    constexpr DWORD kInstallTime = 60'000;
+    const HWND dialog = setup.window;
+    m_timeline.Tell("setup", "runs from " + Utf8(setup.program));
+    See("installer-ran", IsDownload(setup.program));
+    const std::wstring name = m_settings.installer.substr(m_settings.installer.rfind(L'-') + 1);
+    const std::wstring version = name.substr(0, name.rfind(L'.'));
+    // In any language the first page names both versions, and the last one what Outlook has to do with the
+    // new one. Between them the button cannot be pressed.
+    const std::wstring first = WaitForSentence(dialog, m_version, version, kPatience);
+    User(L"sees \"" + setup.caption + L"\" and reads \"" + OneLine(first) + L"\"");
+    Picture(dialog, "setup");
+    Press(dialog, IDOK);
+    const std::wstring last = WaitForSentence(dialog, L"Outlook", version, kInstallTime);
+    User(L"reads \"" + OneLine(last) + L"\"");
+    Picture(dialog, "setup-done");
+    See("setup-pages", !first.empty() && !last.empty());
+    Press(dialog, IDOK);
+    See("installer-window", WaitUntilGone(dialog));
+    See("outlook-open", !IsOver());
 }
 
 void CPlay::MeetMessage(const CMetWindow& message)
 {
     User(L"sees the message \"" + OneLine(message.text) + L"\"");
     Picture(message.window, m_phase + "-message");
-    See(m_phase + "-message");
-    See("canceled-message", message.text == m_texts.Get(IDS_UPDATE_CANCELED));
-    See(m_phase + "-latest", message.text == m_texts.Get(IDS_LATEST_INSTALLED));
+    See(InPhase("message"));
+    See(InPhase("error-message"), message.text == m_texts.Get(IDS_CONNECT_ERROR));
+    See(InPhase("canceled-message"), message.text == m_texts.Get(IDS_UPDATE_CANCELED));
+    See(InPhase("latest"), message.text == m_texts.Get(IDS_LATEST_INSTALLED));
     PressOnlyButton(message.window);
     if (!WaitUntilGone(message.window))
     {
@@ -136,7 +180,8 @@ void CPlay::MeetAbout(const CMetWindow& about)
     m_about = about.window;
     User(L"sees \"" + about.caption + L"\": " + about.Control(IDC_ABOUT_VERSION_LINE1));
     Picture(about.window, "about");
-    See("about", about.Control(IDC_ABOUT_UPDATE) == m_texts.Get(IDS_UPDBUTTON_LABEL) &&
+    See("about", about.Control(IDC_ABOUT_VERSION_LINE1) == VersionLine() &&
+                     about.Control(IDC_ABOUT_UPDATE) == m_texts.Get(IDS_UPDBUTTON_LABEL) &&
                      about.Control(IDC_ABOUT_CLOSE) == m_texts.Get(IDS_CLOSE));
 }
 

@@ -20,6 +20,8 @@ struct CSettings
     std::wstring outcome;
     /// "install", "later" or "cancel".
     std::wstring answer;
+    /// "signed" if the add-in holds a publisher's key, otherwise "plain".
+    std::wstring signing;
     /// The folder for pictures and logs.
     std::wstring out;
     /// The web server: its port on loopback, its log, and the two files that it publishes.
@@ -27,6 +29,8 @@ struct CSettings
     std::wstring requests;
     std::wstring updateInfo;
     std::wstring installer;
+    /// The setup program of the installed version.
+    std::wstring setup;
     /// The script that takes pictures.
     std::wstring camera;
 };

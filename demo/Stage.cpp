@@ -2,6 +2,7 @@
 
 #include "harness/CommandLine.h"
 #include "harness/Files.h"
+#include "harness/Registry.h"
 #include "harness/Text.h"
 
 #include <algorithm>
@@ -37,9 +38,11 @@ CStage::CStage(const CSettings& settings, CTimeline& timeline)
     : m_settings(settings), m_timeline(timeline), m_texts(settings.language),
       m_language(m_texts.LanguageId()), m_proxy(L"127.0.0.1:" + settings.port)
 {
-    if (RunProcess(L"regsvr32.exe", {L"/s", BuiltFile(L"OrvaOscAddin.dll")}).exitCode != 0)
+    const DWORD exitCode = RunProcess(m_settings.setup, {L"/S"}).exitCode;
+    if (exitCode != 0)
     {
-        throw std::runtime_error("regsvr32 could not register the add-in");
+        throw std::runtime_error("the setup could not install the add-in; its exit code is " +
+                                 std::to_string(exitCode));
     }
     for (const std::wstring& path : Downloads())
     {
@@ -49,15 +52,15 @@ CStage::CStage(const CSettings& settings, CTimeline& timeline)
     NewLines(m_settings.requests, m_requestsRead);
 }
 
-void CStage::StartOutlook(const std::wstring& office)
+void CStage::StartOutlook(const std::wstring& office, const std::wstring& trace)
 {
-    const std::wstring trace = m_settings.out + L"\\host.log";
-    RemovePath(trace);
+    m_trace = m_settings.out + L"\\" + trace;
+    RemovePath(m_trace);
     m_traceRead = 0;
     m_main = nullptr;
     m_outlook = std::make_unique<CChildProcess>(
         CProcessOptions{.program = BuiltFile(L"OutlookHost.exe"),
-                        .arguments = {L"--office", office, L"--mode", L"startup", L"--trace", trace}});
+                        .arguments = {L"--office", office, L"--mode", L"startup", L"--trace", m_trace}});
 }
 
 bool CStage::Watch(DWORD timeout, const std::function<bool()>& condition, const char* otherwise)
@@ -88,7 +91,7 @@ void CStage::CatchUp()
     {
         OnRequest(line);
     }
-    for (const std::string& line : NewLines(m_settings.out + L"\\host.log", m_traceRead))
+    for (const std::string& line : NewLines(m_trace, m_traceRead))
     {
         // Without the trace's own times, whose clock starts a little later than ours.
         OnTrace(line.substr(line.find(' ', line.find_first_not_of(' ')) + 1));
@@ -118,6 +121,12 @@ void CStage::TakePicture(HWND window, const std::wstring& file, bool isWantedNow
     {
         RemovePath(file);
     }
+}
+
+std::wstring CStage::InstalledVersion()
+{
+    constexpr wchar_t kEntry[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\ORVA Connector";
+    return RegistryString(HKEY_LOCAL_MACHINE, kEntry, L"DisplayVersion").value_or(L"");
 }
 
 std::vector<std::wstring> CStage::Downloads()

@@ -19,8 +19,8 @@
 namespace orva::demo
 {
 
-/// Registers the add-in, leads its requests to the web server, sets Office's language and switches the log
-/// on. Throws std::runtime_error when that fails.
+/// Installs the add-in with its setup, leads its requests to the web server, sets Office's language and
+/// switches the log on. Throws std::runtime_error when that fails.
 class CStage
 {
 public:
@@ -37,7 +37,8 @@ protected:
     /// A line of the web server's log.
     virtual void OnRequest(const std::string&) {}
 
-    void StartOutlook(const std::wstring& office);
+    /// Its trace is the file `trace` in the folder for logs.
+    void StartOutlook(const std::wstring& office, const std::wstring& trace);
     /// Hands on windows and lines until the condition holds. False, and `otherwise` is told, when the time is
     /// over (in milliseconds) or Outlook has ended.
     bool Watch(DWORD timeout, const std::function<bool()>& condition, const char* otherwise = nullptr);
@@ -49,6 +50,8 @@ protected:
     void TakePicture(HWND window, const std::wstring& file, bool isWantedNow = false) const;
     /// The paths of what downloads have left in the temporary folder.
     static std::vector<std::wstring> Downloads();
+    /// The version that "Programs and Features" shows; empty if it has none.
+    static std::wstring InstalledVersion();
 
     const CSettings m_settings;
     CTimeline& m_timeline;
@@ -61,6 +64,7 @@ private:
     test::COfficeLanguageSetting m_language;
     test::CProxySetting m_proxy;
     CDesktop m_desktop;
+    std::wstring m_trace;
     size_t m_traceRead = 0;
     size_t m_requestsRead = 0;
 };

@@ -1,8 +1,8 @@
 # Installs the packages that are missing and builds; shared by ./run and ./test, to be sourced by bash.
 #
 # install_packages [FILE...]        installs what tools/packages.txt, and these files, name and this machine has not.
-# configure_and_build [TARGET...]   builds preset release, or only these targets of it, into $build_dir. The array
-#                                   cmake_options has further options for configuring.
+# configure                         makes $build_dir ready for preset release. The array cmake_options has further options.
+# configure_and_build [TARGET...]   does so and builds everything, or only these targets.
 # configure_and_build_checked       builds everything with run-time checks compiled in (preset checked) into $checked_dir.
 # shellcheck shell=bash
 
@@ -55,9 +55,13 @@ install_packages() {
 
 cmake_options=()
 
+configure() {
+    (cd "$repository" && cmake --preset release -B "$build_dir" "${cmake_options[@]}")
+}
+
 # shellcheck disable=SC2120 # ./test builds everything, ./run names targets
 configure_and_build() {
-    (cd "$repository" && cmake --preset release -B "$build_dir" "${cmake_options[@]}")
+    configure
     cmake --build "$build_dir" ${1:+--target "$@"}
 }
 

@@ -4,8 +4,9 @@
 # absolute form.
 #
 # start_server DIR     starts it with everything it needs below DIR; sets $server_port and $server_log.
-# publish DIR WHAT LANGUAGE   puts UpdateInfo.txt for version WHAT, or the file WHAT as it is, and an installer into the web
-#                      root, DIR/www; sets $installer_path to its path there.
+# publish DIR WHAT [INSTALLER [KEY]]   puts UpdateInfo.txt for version WHAT, or the file WHAT as it is, into the web root,
+#                      DIR/www, and INSTALLER beside it; sets $installer_path to its path there. KEY is the private key that
+#                      signs them.
 # stop_server DIR
 # shellcheck shell=bash disable=SC2034,SC2154 # variables shared with the other libraries
 
@@ -18,11 +19,11 @@ web_host() {
 # is_open PORT: whether somebody listens there.
 is_open() { (exec 3<>"/dev/tcp/127.0.0.1/$1") 2>/dev/null; }
 
-# installer_rate ANSWER: bytes a second; slow enough to cancel if that is the answer.
+# installer_rate ANSWER: bytes a second; slow enough to see the progress, and to cancel if that is the answer.
 installer_rate() {
     case $1 in
-    cancel) echo 200k ;;
-    *) echo 1m ;;
+    cancel) echo 40k ;;
+    *) echo 120k ;;
     esac
 }
 
@@ -111,20 +112,21 @@ stop_server() {
 }
 
 publish() {
-    local dir=$1 what=$2 language=$3 major minor build
+    local dir=$1 what=$2 installer=${3:-} key=${4:-} major minor build signature=
     rm -rf "$dir/www"
     mkdir -p "$dir/www/downloads/outlook"
+    installer_path=/downloads/outlook/${installer##*/}
+    [ -z "$installer" ] || cp "$installer" "$dir/www$installer_path"
     if [ -f "$what" ]; then
         cp "$what" "$dir/www$update_info_path"
-        # Such a file may offer an installer too.
-        installer_path=/downloads/outlook/OrvaSetup-$language.exe
-    else
-        installer_path=/downloads/outlook/OrvaSetup-$what-$language.exe
-        IFS=. read -r major minor build <<<"$what"
-        sed "s/VERSION/$what/; s/MAJOR/$major/; s/MINOR/$minor/; s/BUILD/$build/; s|LINK|http://$(web_host)$installer_path|" \
-            "$repository/demo/UpdateInfo.txt.in" >"$dir/www$update_info_path"
+        return
     fi
-    # Padded until it is large enough to see the progress; bytes after the image do not matter.
-    cp "$build_dir/DemoInstaller.exe" "$dir/www$installer_path"
-    truncate -s '>4M' "$dir/www$installer_path"
+    IFS=. read -r major minor build <<<"$what"
+    if [ -n "$key" ]; then
+        signature=$({ echo "$what"; cat "$installer"; } | openssl dgst -sha256 -sign "$key" | base64 -w 0)
+    fi
+    sed "s/VERSION/$what/; s/MAJOR/$major/; s/MINOR/$minor/; s/BUILD/$build/; s|LINK|http://$(web_host)$installer_path|" \
+        "$repository/demo/UpdateInfo.txt.in" |
+        jq --arg signature "$signature" 'if $signature == "" then . else .x64.signature = $signature end' \
+            >"$dir/www$update_info_path"
 }
