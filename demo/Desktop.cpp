@@ -101,6 +101,18 @@ void PressOnlyButton(HWND window)
     }
 }
 
+std::wstring WaitForSetupPage(HWND window, const std::wstring& lastText, DWORD timeout)
+{
+    std::wstring text;
+    const auto look = [&] {
+        const HWND page = ChildById(window, kSetupPageText);
+        text = page != nullptr && IsWindowVisible(page) ? WindowText(page) : L"";
+        const bool isNext = !text.empty() && text != lastText && IsWindowEnabled(ChildById(window, IDOK));
+        return isNext || !IsWindow(window);
+    };
+    return WaitUntil(look, timeout) && IsWindow(window) ? text : L"";
+}
+
 HWND ControlWithText(HWND window, const wchar_t* className, const std::wstring& text)
 {
     for (const HWND child : ChildWindows(window))

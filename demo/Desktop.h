@@ -44,6 +44,11 @@ private:
 const char* NameOf(WindowKind kind);
 /// Presses the first button that can be pressed, such as the only one of a message box.
 void PressOnlyButton(HWND window);
+/// The control with the text of a page of the setup, as NSIS numbers them. The page of the progress has none.
+inline constexpr int kSetupPageText = 1202;
+/// Waits some milliseconds for a page of the setup, or of the uninstaller, with another text than the last
+/// one's, whose button IDOK can be pressed. Returns its text; empty if there is none in time.
+std::wstring WaitForSetupPage(HWND window, const std::wstring& lastText, DWORD timeout);
 /// The visible control of this class that has this text; null if there is none.
 HWND ControlWithText(HWND window, const wchar_t* className, const std::wstring& text);
 

@@ -1,6 +1,7 @@
 #include "demo/Gallery.h"
 
 #include "demo/GalleryPage.h"
+#include "demo/SetupTour.h"
 #include "demo/Stage.h"
 #include "fixture/UpdateInfo.h"
 #include "harness/Files.h"
@@ -163,7 +164,9 @@ private:
             MeetMessage(met);
             break;
         case WindowKind::Installer:
-            Close(met.window);
+            WaitUntil([&] { return ClickButton(met.window, IDCANCEL); });
+            WaitUntilGone(met.window);
+            --m_windowsLeft;
             break;
         case WindowKind::Other:
             break;
@@ -264,15 +267,13 @@ private:
 
 } // namespace
 
-bool ShowGallery(CSettings settings, CTimeline& timeline)
+bool ShowGallery(const CSettings& settings, CTimeline& timeline)
 {
     const std::string offer = ReadFileBytes(settings.updateInfo).value_or("");
-    for (const char* const language : kGalleryLanguages)
-    {
-        settings.language = Widen(language);
-        CLanguageTour(settings, timeline, offer).Run();
-    }
-    const int missing = WriteGalleryPage(settings.out + L"\\gallery");
+    CLanguageTour(settings, timeline, offer).Run();
+    WriteFileBytes(settings.updateInfo, offer);
+    CSetupTour(settings, timeline).Run();
+    const int missing = WriteGalleryPage(settings.out + L"\\gallery", Utf8(settings.language));
     std::printf(missing == 0 ? "\nEvery picture was taken.\n" : "\nPictures NOT taken: %d\n", missing);
     return missing == 0;
 }

@@ -1,4 +1,4 @@
-// Takes a picture of every window in every language.
+// Takes a picture of every window, in one language after the other.
 #pragma once
 
 #include "demo/Settings.h"
@@ -7,8 +7,9 @@
 namespace orva::demo
 {
 
-/// Leaves the pictures and their page in the folder `gallery` below the one for pictures and logs, which must
-/// exist. Whether every picture was taken.
-bool ShowGallery(CSettings settings, CTimeline& timeline);
+/// Leaves the pictures in the settings' language in the folder `gallery` below the one for pictures and logs,
+/// which must exist, and makes a page of all that are there. Whether every picture of this language was
+/// taken.
+bool ShowGallery(const CSettings& settings, CTimeline& timeline);
 
 } // namespace orva::demo

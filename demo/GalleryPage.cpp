@@ -34,6 +34,13 @@ constexpr CRow kRows[] = {
     {"about", "The About dialog of Outlook 2007"},
     {"help-menu", "The command in the Help menu of Outlook 2007", "IDS_ABOUT_COMMAND"},
     {"file-view", "The tab in the File view of Outlook 2010"},
+    {"setup-installs", "The setup, when nothing is installed"},
+    {"setup-installed", "The setup at its end"},
+    {"setup-replaces", "The setup, when an older version is installed"},
+    {"setup-replaced", "The setup at its end, while Outlook is open"},
+    {"setup-newer", "The setup, when a newer version is installed", "NewerInstalled"},
+    {"uninstall", "The uninstaller"},
+    {"uninstalled", "The uninstaller at its end"},
 };
 
 constexpr char kHead[] = R"(<!DOCTYPE html>
@@ -55,7 +62,7 @@ code { font-weight: normal; font-size: 0.7em; overflow-wrap: anywhere; }
 </head>
 <body>
 <h1>ORVA Connector: every window in every language</h1>
-<p>A picture leads to itself in full size. Under a window's name stands the text of <code>res/strings/</code> that it shows.</p>
+<p>A picture leads to itself in full size. Under a window's name stands the text of <code>res/strings/</code> or <code>setup/texts/</code> that it shows.</p>
 <table>
 <thead><tr><th>Window</th><th>English</th><th>German</th><th>Spanish</th><th>Turkish</th></tr></thead>
 <tbody>
@@ -77,7 +84,7 @@ const char* WhyNoWindow(const std::string& row, const std::string& language)
                : nullptr;
 }
 
-int WriteGalleryPage(const std::wstring& folder)
+int WriteGalleryPage(const std::wstring& folder, const std::string& wanted)
 {
     int missing = 0;
     std::ostringstream page;
@@ -101,7 +108,7 @@ int WriteGalleryPage(const std::wstring& folder)
             else
             {
                 page << "The picture was not taken.";
-                ++missing;
+                missing += language == wanted ? 1 : 0;
             }
             page << "</td>\n";
         }

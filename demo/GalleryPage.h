@@ -13,7 +13,7 @@ inline constexpr const char* kGalleryLanguages[] = {"en", "de", "es", "tr"};
 std::wstring GalleryPicture(const std::wstring& folder, const std::string& row, const std::string& language);
 /// Why a language has no such window; null if it has one.
 const char* WhyNoWindow(const std::string& row, const std::string& language);
-/// Writes index.html for the pictures that there are. Returns how many are missing.
-int WriteGalleryPage(const std::wstring& folder);
+/// Writes index.html for the pictures that there are. Returns how many of this language are missing.
+int WriteGalleryPage(const std::wstring& folder, const std::string& language);
 
 } // namespace orva::demo

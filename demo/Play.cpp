@@ -87,7 +87,10 @@ void CPlay::PlayStart()
     if (m_main != nullptr && WaitUntilEnabled(m_main))
     {
         See(InPhase("enabled"));
-        Picture(m_main, m_phase + "-outlook");
+        if (m_phase == "start")
+        {
+            Picture(m_main, "outlook");
+        }
     }
     ExamineDownload();
 }

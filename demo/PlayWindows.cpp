@@ -31,27 +31,6 @@ bool IsDownload(const std::wstring& program)
     return folder != std::wstring::npos && program.substr(folder + kFolderLength).starts_with(L"\\OrvaSetup");
 }
 
-// Waits until the window shows a static text with both parts, and its button can be pressed.
-std::wstring WaitForSentence(HWND window, const std::wstring& one, const std::wstring& other, DWORD timeout)
-{
-    std::wstring found;
-    WaitUntil(
-        [&] {
-            for (const HWND child : ChildWindows(window))
-            {
-                const std::wstring text = WindowText(child);
-                if (IsWindowVisible(child) && text.find(one) != std::wstring::npos &&
-                    text.find(other) != std::wstring::npos)
-                {
-                    found = text;
-                }
-            }
-            return !IsWindow(window) || (!found.empty() && IsWindowEnabled(ChildById(window, IDOK)));
-        },
-        timeout);
-    return found;
-}
-
 // The number before the percent sign of the download's caption; 0 if there is none.
 int PercentOf(const std::wstring& caption)
 {
@@ -145,16 +124,17 @@ void CPlay::MeetInstaller(const CMetWindow& setup)
     See("installer-ran", IsDownload(setup.program));
     const std::wstring name = m_settings.installer.substr(m_settings.installer.rfind(L'-') + 1);
     const std::wstring version = name.substr(0, name.rfind(L'.'));
-    // In any language the first page names both versions, and the last one what Outlook has to do with the
-    // new one. Between them the button cannot be pressed.
-    const std::wstring first = WaitForSentence(dialog, m_version, version, kPatience);
+    const std::wstring first = WaitForSetupPage(dialog, L"", kPatience);
     User(L"sees \"" + setup.caption + L"\" and reads \"" + OneLine(first) + L"\"");
     Picture(dialog, "setup");
     Press(dialog, IDOK);
-    const std::wstring last = WaitForSentence(dialog, L"Outlook", version, kInstallTime);
+    const std::wstring last = WaitForSetupPage(dialog, first, kInstallTime);
     User(L"reads \"" + OneLine(last) + L"\"");
     Picture(dialog, "setup-done");
-    See("setup-pages", !first.empty() && !last.empty());
+    const auto names = [](const std::wstring& text, const std::wstring& part) {
+        return text.find(part) != std::wstring::npos;
+    };
+    See("setup-pages", names(first, m_version) && names(first, version) && names(last, version));
     Press(dialog, IDOK);
     See("installer-window", WaitUntilGone(dialog));
     See("outlook-open", !IsOver());

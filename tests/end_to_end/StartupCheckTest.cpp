@@ -19,14 +19,18 @@ using testing::Not;
 class StartupCheckTest : public OutlookFixture
 {
 protected:
-    // Waits for the installer's window, as its user, closes it and waits for its end.
-    void CloseInstaller()
+    // Waits for the setup's first page, cancels it there and waits for its end. Returns its program's path.
+    std::wstring CancelSetup()
     {
-        const HWND window = WaitForWindow({.process = 0, .className = L"OrvaDemoInstaller"});
-        ASSERT_NE(window, nullptr);
-        const UniqueHandle process(OpenProcess(SYNCHRONIZE, FALSE, WindowProcess(window)));
-        PostMessageW(window, WM_CLOSE, 0, 0);
+        const HWND window = WaitForWindow({.process = 0, .caption = L"ORVA Connector 1.3.0 Setup"});
+        const UniqueHandle process(OpenProcess(SYNCHRONIZE | PROCESS_QUERY_LIMITED_INFORMATION, FALSE,
+                                               window != nullptr ? WindowProcess(window) : 0));
+        wchar_t path[MAX_PATH] = L"";
+        DWORD length = MAX_PATH;
+        QueryFullProcessImageNameW(process.get(), 0, path, &length);
+        EXPECT_TRUE(WaitUntil([&] { return ClickButton(window, IDCANCEL); }));
         EXPECT_EQ(WaitForSingleObject(process.get(), kPatience), WAIT_OBJECT_0);
+        return path;
     }
 };
 
@@ -118,7 +122,7 @@ TEST_F(StartupCheckTest, InstallDownloadsAndStartsTheInstaller)
         EXPECT_FALSE(IsWindowEnabled(MainWindow()));
     });
     RunToTheEnd();
-    CloseInstaller();
+    const std::wstring program = CancelSetup();
 
     EXPECT_EQ(source, L"setup.exe of files.orva.example");
     const std::vector<CHttpRecord> requests = m_server.RequestsFor(kInstallerPath);
@@ -131,10 +135,10 @@ TEST_F(StartupCheckTest, InstallDownloadsAndStartsTheInstaller)
     EXPECT_THAT(requests[0].headers,
                 Contains(std::pair<std::string, std::string>("User-Agent", "ORVA OSC Outlook Add-In")));
 
-    EXPECT_THAT(TempFiles(),
-                ElementsAre(L"osc??????\\", L"osc??????\\setup.exe", L"osc??????\\setup.exe.trace.txt"));
+    EXPECT_THAT(TempFiles(), ElementsAre(L"osc??????\\", L"osc??????\\setup.exe"));
     const std::wstring folder = m_temp.Path() + L"\\" + ListFolder(m_temp.Path()).at(0);
     EXPECT_TRUE(ReadFileBytes(folder + L"setup.exe") == installer);
+    EXPECT_EQ(program, folder + L"setup.exe");
     const std::vector<std::string> log = ReadLogTexts();
     EXPECT_THAT(log, Contains("StartDownloadDialog"));
     EXPECT_THAT(log, Contains("StartDownloadDialog() target path " + Utf8(folder) + "setup.exe"));

@@ -9,7 +9,7 @@ namespace orva::test
 {
 
 inline constexpr wchar_t kHost[] = L"OutlookHost.exe";
-inline constexpr wchar_t kInstaller[] = L"DemoInstaller.exe";
+inline constexpr wchar_t kInstaller[] = L"newer\\OrvaSetup-1.3.0.exe";
 
 inline constexpr char kUpdateInfoUrl[] = "http://" ORVA_WEB_HOST "/downloads/outlook/UpdateInfo.txt";
 inline constexpr char kInstallerPath[] = "/files/setup.exe";
