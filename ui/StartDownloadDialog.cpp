@@ -2,23 +2,34 @@
 
 #include "support/DebugLog.h"
 #include "support/DisabledWindow.h"
+#include "support/TextUtilities.h"
+#include "support/UpdateKey.h"
 #include "ui/DownloadPaths.h"
 #include "ui/LocalizedResources.h"
 #include "ui/UpdateDownloadDlg.h"
 
 #include <shellapi.h>
 
+#include <memory>
+
 namespace
 {
 
 constexpr char kFunction[] = "StartDownloadDialog";
 
+struct FileCloser
+{
+    void operator()(HANDLE file) const noexcept { CloseHandle(file); }
+};
+using UniqueFile = std::unique_ptr<void, FileCloser>;
+
 // Neither waits for the installer nor checks the result: a user who refuses the elevation knows why nothing
 // happens.
-void StartInstaller(const CString& path)
+void StartInstaller(const CString& path, ULONG mask)
 {
     SHELLEXECUTEINFOW info{};
     info.cbSize = sizeof(info);
+    info.fMask = mask;
     info.lpVerb = L"runas";
     info.lpFile = path;
     info.lpParameters = L"";
@@ -26,10 +37,50 @@ void StartInstaller(const CString& path)
     ShellExecuteExW(&info);
 }
 
+// Opens the file so that nobody can write, rename or delete it. Null, with a line in the log, unless it then
+// is what the publisher has signed.
+UniqueFile HoldIfSigned(const CString& path, const CSignedUpdate* signedUpdate)
+{
+    CLogFile& log = GetDebugLog();
+    const HANDLE opened =
+        CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (opened == INVALID_HANDLE_VALUE)
+    {
+        WriteDebugLog(log, kFunction, "signature not verified, error",
+                      static_cast<std::int32_t>(GetLastError()));
+        return nullptr;
+    }
+    UniqueFile file(opened);
+    const CSignedUpdate expected = signedUpdate != nullptr ? *signedUpdate : CSignedUpdate();
+    const std::wstring version(expected.version.GetString());
+    if (!kUpdateVerifier(WideToNarrow(version + L"\n"), opened, expected.signature))
+    {
+        WriteDebugLog(log, kFunction, "not signed by the publisher for version", version);
+        return nullptr;
+    }
+    return file;
+}
+
+// False if there is nothing to start because the publisher has not signed it; the file is deleted then.
+bool StartSignedInstaller(const CString& path, const CSignedUpdate* signedUpdate)
+{
+    {
+        const UniqueFile held = HoldIfSigned(path, signedUpdate);
+        if (held != nullptr)
+        {
+            // The shell has to be done with the file before it is let go.
+            StartInstaller(path, SEE_MASK_NOASYNC);
+            return true;
+        }
+    }
+    DeleteFileW(path);
+    return false;
+}
+
 } // namespace
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): the interface takes a copy
-void StartDownloadDialog(CString url, HWND owner)
+void StartDownloadDialog(CString url, HWND owner, const CSignedUpdate* signedUpdate)
 {
     LogEntry(kFunction);
     CLocalizedResources& resources = GetLocalizedResources();
@@ -60,10 +111,16 @@ void StartDownloadDialog(CString url, HWND owner)
     }
     if (result == IDOK)
     {
-        StartInstaller(path);
+        if (kUpdateVerifier == nullptr)
+        {
+            StartInstaller(path, 0);
+            return;
+        }
+        if (StartSignedInstaller(path, signedUpdate))
+        {
+            return;
+        }
+        resources.ShowMessage(owner, resources.LoadString(IDS_CONNECT_ERROR));
     }
-    else
-    {
-        resources.ShowMessage(owner, resources.LoadString(IDS_UPDATE_CANCELED));
-    }
+    resources.ShowMessage(owner, resources.LoadString(IDS_UPDATE_CANCELED));
 }

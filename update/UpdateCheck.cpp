@@ -8,6 +8,7 @@
 #include "support/HttpRequest.h"
 #include "support/JsonUtilities.h"
 #include "support/TextUtilities.h"
+#include "support/UpdateKey.h"
 #include "support/Version.h"
 #include "ui/LocalizedResources.h"
 #include "ui/StartDownloadDialog.h"
@@ -70,6 +71,15 @@ json_spirit::wmValue ParseUpdateInfo(const std::wstring& text, HWND owner)
     return value;
 }
 
+// The entry's signature, of whatever type. An empty text is as good as none, so it looks like a missing
+// member.
+json_spirit::wmValue FindSignature(const json_spirit::wmObject& entry)
+{
+    const json_spirit::wmValue& signature = FindValue(entry, L"signature");
+    return signature.type() == json_spirit::str_type && signature.get_str().empty() ? json_spirit::wmValue()
+                                                                                    : signature;
+}
+
 // Shows the published build. True when the user wants it installed.
 bool OfferUpdate(const CString& description, const PublishedVersion& published)
 {
@@ -112,6 +122,17 @@ bool CheckForUpdate(HWND owner, bool silent)
     {
         return true;
     }
+    CSignedUpdate signedUpdate;
+    if (kUpdateVerifier != nullptr)
+    {
+        // Nobody is offered what would not be started. Whether the signature fits shows only with the file.
+        const json_spirit::wmValue signature = FindSignature(entry);
+        if (CheckJSONObject(signature, owner, silent))
+        {
+            return true;
+        }
+        signedUpdate = {FormatVersion(published), signature.get_str()};
+    }
     const CString description = DetermineUpdateDescription(entry);
     if (description.IsEmpty())
     {
@@ -120,7 +141,7 @@ bool CheckForUpdate(HWND owner, bool silent)
     }
     if (OfferUpdate(description, published))
     {
-        StartDownloadDialog(CString(downloadLink.get_str().c_str()), owner);
+        StartDownloadDialog(CString(downloadLink.get_str().c_str()), owner, &signedUpdate);
     }
     return true;
 }

@@ -15,6 +15,10 @@
 /// an error. Returns false when the published build is not newer than the installed one. Keeps no state: a
 /// declined build is offered again next time.
 ///
+/// A build that holds the publisher's key offers nothing whose entry has no text "signature", as it offers
+/// nothing without a download link; StartDownloadDialog then verifies the installer. A build without a key
+/// ignores that member.
+///
 /// Throws std::runtime_error of json_spirit when a member has another type than expected ("value type is F
 /// not E"), std::out_of_range when the server sends no usable Date header, and CInternetException* when no
 /// Internet session can be opened.
