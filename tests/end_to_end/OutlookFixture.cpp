@@ -6,7 +6,6 @@
 #include "harness/Watchdog.h"
 #include "host/MainWindow.h"
 #include "host/StoredControls.h"
-#include "outlook/AddInModule.h"
 
 #include <algorithm>
 #include <regex>
@@ -20,8 +19,6 @@ namespace
 using testing::Contains;
 
 constexpr char kAddIn[] = "Outlook -> OrvaOscAddin.Connect: ";
-
-testing::Environment* const g_installed = testing::AddGlobalTestEnvironment(new CInstalledAddIn);
 
 // The entries between `first` and the next of `last`, both left out; up to the log's end if there is none.
 std::vector<std::string> Between(const std::vector<std::string>& texts, const std::string& first,
@@ -62,17 +59,19 @@ std::string NewerBuild(const std::string& link)
     return UpdateInfo("1", "3", "0", link);
 }
 
+CInstalledAddIn::CInstalledAddIn(const std::wstring& module) : m_path(BuiltFile(module)) {}
+
 void CInstalledAddIn::SetUp()
 {
     m_guard.emplace();
     m_guard->Remove();
-    const CProcessResult result = RunProcess(L"regsvr32.exe", {L"/s", BuiltFile(kAddInModule)});
+    const CProcessResult result = RunProcess(L"regsvr32.exe", {L"/s", m_path});
     ASSERT_EQ(result.exitCode, 0u) << result.output;
 }
 
 void CInstalledAddIn::TearDown()
 {
-    RunProcess(L"regsvr32.exe", {L"/s", L"/u", BuiltFile(kAddInModule)});
+    RunProcess(L"regsvr32.exe", {L"/s", L"/u", m_path});
     m_guard.reset();
 }
 

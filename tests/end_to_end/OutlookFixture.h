@@ -28,14 +28,16 @@ std::string UpdateInfo(const std::string& major, const std::string& minor, const
 /// One that offers 1.3.0 at this link.
 std::string NewerBuild(const std::string& link);
 
-/// Registers the DLL once for a whole test program, and restores the registry at its end.
+/// Registers a DLL of the build once for a whole test program, and restores the registry at its end.
 class CInstalledAddIn : public testing::Environment
 {
 public:
+    explicit CInstalledAddIn(const std::wstring& module);
     void SetUp() override;
     void TearDown() override;
 
 private:
+    const std::wstring m_path;
     std::optional<CRegistrationGuard> m_guard;
 };
 

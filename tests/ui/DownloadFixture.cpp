@@ -1,7 +1,6 @@
 #include "ui/DownloadFixture.h"
 
 #include "harness/Files.h"
-#include "ui/StartDownloadDialog.h"
 
 #include <algorithm>
 
@@ -10,10 +9,6 @@ namespace orva::test
 namespace
 {
 
-constexpr wchar_t kExtensionKey[] = L"Software\\Classes\\.orvatest";
-constexpr wchar_t kTypeKey[] = L"Software\\Classes\\OrvaTest.Installer";
-constexpr wchar_t kCommandKey[] = L"Software\\Classes\\OrvaTest.Installer\\shell\\runas\\command";
-constexpr wchar_t kMark[] = L".started";
 constexpr size_t kFolderNameLength = 9;
 
 // Set when the user has seen the dialog.
@@ -38,14 +33,6 @@ void WINAPI SleepUntilSeen(DWORD milliseconds)
 
 } // namespace
 
-CInstallerType::CInstallerType()
-    : m_keptExtension(HKEY_LOCAL_MACHINE, kExtensionKey), m_keptType(HKEY_LOCAL_MACHINE, kTypeKey),
-      m_type(HKEY_LOCAL_MACHINE, kExtensionKey, L""), m_command(HKEY_LOCAL_MACHINE, kCommandKey, L"")
-{
-    m_type.SetString(L"OrvaTest.Installer");
-    m_command.SetString(std::wstring(L"cmd.exe /c copy /y nul \"%1") + kMark + L"\"");
-}
-
 CDownloadTest::CDownloadTest() : m_sleep(GetModuleHandleW(nullptr), "KERNEL32.dll", "Sleep", &SleepUntilSeen)
 {
 }
@@ -55,12 +42,12 @@ void CDownloadTest::Serve(const CHttpReply& reply)
     m_server.On(kInstallerPath, CServerScript().WaitFor(m_seenGate).Send(reply.Bytes()));
 }
 
-void CDownloadTest::Download(const std::wstring& url)
+void CDownloadTest::Download(const std::wstring& url, const CSignedUpdate* signedUpdate)
 {
     g_seen = m_seenGate.OpenedEvent();
     m_user.Start();
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
-    StartDownloadDialog(CString(url.c_str()), nullptr);
+    StartDownloadDialog(CString(url.c_str()), nullptr, signedUpdate);
     m_seen = m_user.Finish();
 }
 
@@ -74,11 +61,7 @@ CUserScript& CDownloadTest::OnDownloadDialog(std::function<void(HWND)> act)
 
 bool CDownloadTest::WaitForInstaller() const
 {
-    return WaitUntil([this] {
-        const auto paths = ListFolder(m_temp.Path());
-        return std::any_of(paths.begin(), paths.end(),
-                           [](const std::wstring& path) { return path.ends_with(kMark); });
-    });
+    return CInstallerType::WaitForStart(m_temp.Path());
 }
 
 std::optional<std::string> CDownloadTest::FileBytes() const
@@ -92,7 +75,7 @@ std::vector<std::wstring> CDownloadTest::Left() const
     std::vector<std::wstring> left;
     for (std::wstring path : ListFolder(m_temp.Path()))
     {
-        if (path.ends_with(kMark))
+        if (path.ends_with(kStartedMark))
         {
             continue;
         }

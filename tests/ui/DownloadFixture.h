@@ -10,6 +10,8 @@
 #include "harness/ProxySetting.h"
 #include "harness/TempFolder.h"
 #include "harness/UserScript.h"
+#include "ui/InstallerType.h"
+#include "ui/StartDownloadDialog.h"
 
 #include <gtest/gtest.h>
 
@@ -27,20 +29,6 @@ inline constexpr char kInstallerPath[] = "/setup.orvatest";
 inline const std::vector<std::wstring> kEmptyFolderLeft{L"osc??????\\"};
 inline const std::vector<std::wstring> kFileLeft{L"osc??????\\", L"osc??????\\setup.orvatest"};
 
-/// Registers a file type with the verb that the installer is started with. Its command ends at once and
-/// leaves "NAME.started" beside the file, which shows that it ran.
-class CInstallerType
-{
-public:
-    CInstallerType();
-
-private:
-    CRegistryTreeGuard m_keptExtension;
-    CRegistryTreeGuard m_keptType;
-    CRegistryValue m_type;
-    CRegistryValue m_command;
-};
-
 /// Runs StartDownloadDialog against a loopback server, in English, with a temporary folder of its own. The
 /// dialog's last second ends when the user has seen the dialog.
 class CDownloadTest : public testing::Test
@@ -51,7 +39,7 @@ protected:
     /// Answers the installer's request once the user has seen the dialog.
     void Serve(const CHttpReply& reply);
     /// Runs the whole download of this link; the user's steps must have been added.
-    void Download(const std::wstring& url);
+    void Download(const std::wstring& url, const CSignedUpdate* signedUpdate = nullptr);
     /// The same for the installer's path on the server.
     void DownloadInstaller() { Download(m_server.WideUrl(kInstallerPath)); }
     /// When the dialog comes up, runs `act` on the user's thread, and then lets the server go on.
