@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <bit>
+#include <initializer_list>
+#include <span>
 #include <sstream>
 
 namespace orva::test
@@ -94,29 +96,35 @@ std::set<std::wstring> LoadedModules()
     return names;
 }
 
-} // namespace
+// "DLL function" of each import in these lists.
+std::set<std::string> Listed(std::initializer_list<std::span<const CImportedFunctions>> lists)
+{
+    std::set<std::string> listed;
+    for (const std::span<const CImportedFunctions> list : lists)
+    {
+        for (const CImportedFunctions& dll : list)
+        {
+            std::istringstream names(dll.functions);
+            for (std::string name; names >> name;)
+            {
+                listed.insert(std::string(dll.name) + " " + name);
+            }
+        }
+    }
+    return listed;
+}
 
-TEST(DllImageTest, ImportsExactlyTheseFunctions)
+void ExpectImports(const CPeImage& image, const std::set<std::string>& expected)
 {
 #ifdef ORVA_CHECKED
-    GTEST_SKIP() << "The list is of the DLL that users get. The compiled-in checks import more.";
+    GTEST_SKIP() << "The lists are of the DLLs that users get. The compiled-in checks import more.";
 #endif
-    const CPeImage image = Image();
     std::set<std::string> imported;
     for (const auto& [dll, functions] : image.Imports())
     {
         for (const std::string& function : functions)
         {
             imported.insert(dll + " " + function);
-        }
-    }
-    std::set<std::string> expected;
-    for (const CImportedFunctions& dll : kImports)
-    {
-        std::istringstream names(dll.functions);
-        for (std::string name; names >> name;)
-        {
-            expected.insert(std::string(dll.name) + " " + name);
         }
     }
     for (const std::string& name : imported)
@@ -128,6 +136,19 @@ TEST(DllImageTest, ImportsExactlyTheseFunctions)
         EXPECT_TRUE(imported.contains(name)) << name << " is in the list and not imported";
     }
     EXPECT_EQ(image.Directory(IMAGE_DIRECTORY_ENTRY_DELAY_IMPORT).Size, 0u);
+}
+
+} // namespace
+
+TEST(DllImageTest, ImportsExactlyTheseFunctions)
+{
+    ExpectImports(Image(), Listed({kImports}));
+}
+
+TEST(DllImageTest, WithAPublishersKeyImportsWhatVerifiesASignatureAndNothingElseBesides)
+{
+    ExpectImports(CPeImage(BuiltFile(L"signed\\OrvaOscAddin.dll")),
+                  Listed({kImports, kImportsForSignatures}));
 }
 
 TEST(DllImageTest, ExportsItsFiveEntryPointsWithOrdinals1To5)

@@ -71,6 +71,16 @@ inline constexpr CImportedFunctions kImports[] = {
      "HttpAddRequestHeadersW HttpOpenRequestW HttpQueryInfoW HttpSendRequestW InternetCanonicalizeUrlW "
      "InternetCloseHandle InternetConnectW InternetCrackUrlW InternetOpenW InternetReadFile"},
 };
+
+// What a DLL that holds the publisher's key imports besides.
+inline constexpr CImportedFunctions kImportsForSignatures[] = {
+    {"BCRYPT.DLL",
+     "BCryptCloseAlgorithmProvider BCryptCreateHash BCryptDestroyHash BCryptDestroyKey BCryptFinishHash "
+     "BCryptGetProperty BCryptHashData BCryptImportKeyPair BCryptOpenAlgorithmProvider "
+     "BCryptVerifySignature"},
+    {"KERNEL32.DLL",
+     "ReadFile SetFilePointerEx"},
+};
 // clang-format on
 
 } // namespace orva::test

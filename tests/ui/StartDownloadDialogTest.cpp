@@ -6,6 +6,7 @@
 #include "ui/DownloadFixture.h"
 
 #include <commctrl.h>
+#include <shellapi.h>
 
 namespace orva::test
 {
@@ -37,6 +38,24 @@ TEST_F(StartDownloadDialogTest, WritesTheWholeFileAndStartsItWithTheVerbRunas)
     EXPECT_EQ(Left(), kFileLeft);
     EXPECT_EQ(FileBytes(), bytes);
     EXPECT_TRUE(WaitForInstaller());
+}
+
+TEST_F(StartDownloadDialogTest, WithoutAPublishersKeyNoSignatureMattersAndTheShellIsCalledAsEver)
+{
+    const CImportHook hook(
+        GetModuleHandleW(nullptr), "SHELL32.dll", "ShellExecuteExW", +[](SHELLEXECUTEINFOW* info) -> BOOL {
+            EXPECT_EQ(info->fMask, 0u);
+            const std::wstring moved = std::wstring(info->lpFile) + L".moved";
+            EXPECT_TRUE(MoveFileW(info->lpFile, moved.c_str())) << "nobody holds it";
+            return DeleteFileW(moved.c_str());
+        });
+    Serve(CHttpReply(200, "data"));
+    OnDownloadDialog();
+    const CSignedUpdate signedUpdate{L"1.3.0", L"not a signature"};
+    const CLogMark log;
+    Download(m_server.WideUrl(kInstallerPath), &signedUpdate);
+    EXPECT_EQ(Left(), kEmptyFolderLeft);
+    EXPECT_EQ(log.Texts().size(), 2u);
 }
 
 TEST_F(StartDownloadDialogTest, TheShellReportsAnInstallerThatCannotBeStartedAndTheFileStays)

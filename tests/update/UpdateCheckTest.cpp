@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 namespace orva::test
@@ -204,6 +205,26 @@ TEST_F(UpdateCheckTest, LinkThatIsNoStringRaisesTheTypeErrorOnlyWhenItIsUsed)
 
     ExpectOffer(kInstallButton);
     EXPECT_EQ(CheckRaises(true), "value type is 4 not 2");
+}
+
+TEST_F(UpdateCheckTest, WithoutAPublishersKeyASignatureIsIgnoredWhateverItIs)
+{
+    for (const char* const member : {"", R"(, "signature": "MAYCAQECAQE=")", R"(, "signature": 7)"})
+    {
+        Publish(UpdateInfo("1.3.0", R"(, "downloadLink": "nowhere", "description": {"default": "text"})" +
+                                        std::string(member)));
+        ExpectOffer(kInstallButton);
+        m_user.AnswerBox(kUrlNotParsed);
+        const CLogMark log;
+        EXPECT_TRUE(Check(true));
+        const std::vector<std::string> lines = log.Texts();
+        EXPECT_THAT(
+            std::vector(std::find(lines.begin(), lines.end(), "CheckForUpdate() buildNumber 0"), lines.end()),
+            testing::ElementsAre("CheckForUpdate() buildNumber 0", "CheckJSONObject",
+                                 "DetermineUpdateDescription", "StartDownloadDialog"))
+            << member;
+        EXPECT_EQ(m_server.Requests().size(), m_server.RequestsFor(kUpdateInfoPath).size());
+    }
 }
 
 TEST_F(UpdateCheckTest, OwnerIsNeitherDisabledNorEnabledByTheCheckItself)
