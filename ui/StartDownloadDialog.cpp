@@ -41,21 +41,20 @@ void StartInstaller(const CString& path, ULONG mask)
 // is what the publisher has signed.
 UniqueFile HoldIfSigned(const CString& path, const CSignedUpdate* signedUpdate)
 {
-    CLogFile& log = GetDebugLog();
     const HANDLE opened =
         CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     if (opened == INVALID_HANDLE_VALUE)
     {
-        WriteDebugLog(log, kFunction, "signature not verified, error",
-                      static_cast<std::int32_t>(GetLastError()));
+        const auto error = static_cast<std::int32_t>(GetLastError());
+        WriteDebugLog(GetDebugLog(), kFunction, "signature not verified, error", error);
         return nullptr;
     }
     UniqueFile file(opened);
-    const CSignedUpdate expected = signedUpdate != nullptr ? *signedUpdate : CSignedUpdate();
-    const std::wstring version(expected.version.GetString());
-    if (!kUpdateVerifier(WideToNarrow(version + L"\n"), opened, expected.signature))
+    const std::string version =
+        signedUpdate != nullptr ? WideToNarrow(signedUpdate->version.GetString()) : std::string();
+    if (signedUpdate == nullptr || !kUpdateVerifier(version + "\n", opened, signedUpdate->signature))
     {
-        WriteDebugLog(log, kFunction, "not signed by the publisher for version", version);
+        WriteDebugLog(GetDebugLog(), kFunction, "not signed by the publisher for version", version);
         return nullptr;
     }
     return file;
