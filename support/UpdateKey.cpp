@@ -3,7 +3,6 @@
 #ifdef ORVA_UPDATE_KEY
 
 #include "OrvaUpdateKey.h"
-#include "support/UpdateSignature.h"
 
 namespace
 {

@@ -1,7 +1,18 @@
 // Verifies the publisher's signature of an update.
 #pragma once
 
-#include "support/UpdateKey.h"
+#include <windef.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+/// A public key of ECDSA on the curve P-256: the point's coordinates x and y, each of 32 bytes with the most
+/// significant first.
+struct CUpdateKey
+{
+    std::array<std::uint8_t, 64> point;
+};
 
 /// Whether `signature` is that of `key`'s owner for `signedVersion` followed by the whole content of `file`.
 ///
