@@ -3,13 +3,30 @@
 ; Windows lets nobody overwrite or delete a loaded DLL, but rename it. So it gets a name aside, NAME.N.old, and goes when
 ; nobody uses it any more: now, at the next setup, or at the next start of Windows. Only such a name is ever handed to
 ; Windows for deletion at its next start: under the file's own name stands a new file by then.
+;
+; Between moving the old DLL aside and giving its name to the new one there is a moment without a file of that name. So that
+; Outlook finds a DLL even if the setup is ended in that moment, the copy, NAME.before, is registered meanwhile.
 
 !macro FileFunctions UN
 
 ; Deletes what this setup and earlier ones left, and sets $IsInUse if somebody still uses a DLL of them.
 Function ${UN}DeleteLeftovers
+  StrCpy $5 "$INSTDIR\${MODULE}.before"
+  StrCpy $6 "$INSTDIR\${MODULE}"
+  ${If} ${FileExists} $6
+    Call ${UN}RegisterPath
+  ${EndIf}
   Delete "$INSTDIR\*.new"
-  Delete "$INSTDIR\*.before"
+  ReadRegStr $7 HKLM "${CLASS_KEY}\InprocServer32" ""
+  ${If} $7 != $5
+    Delete "$INSTDIR\*.before"
+    ${If} ${FileExists} $5
+      ; Outlook was started after a setup had been ended.
+      StrCpy $1 $5
+      Call ${UN}PutAside
+      Call ${UN}DeleteAside
+    ${EndIf}
+  ${EndIf}
   Delete "$INSTDIR\*.old"
   ${If} ${FileExists} "$INSTDIR\${MODULE}.*.old"
     StrCpy $IsInUse 1
@@ -40,34 +57,49 @@ Function ${UN}DeleteAside
   ClearErrors
 FunctionEnd
 
+; Sets $FileErrorText to Windows' text, in the user's language, for $FileError.
+Function ${UN}DescribeFileError
+  ; 0x12FF: the system's texts, as they are, without line ends.
+  System::Call 'kernel32::FormatMessageW(i 0x12FF, p 0, i $FileError, i 0, w .r5, i ${NSIS_MAX_STRLEN}, p 0)'
+  StrCpy $FileErrorText $5
+FunctionEnd
+
 !macroend
 
 !insertmacro FileFunctions ""
 !insertmacro FileFunctions "un."
 
-; Moves a file to its place, over the one that stands there.
+; Moves a file to its place, over the one that stands there. If that is a registered DLL, its copy must exist.
 ;   $0: the file, $1: its place; sets the error flag and $FileError if everything is as it was
 Function PutInPlace
   ClearErrors
   ; In one step if nobody uses the old file, so that there is no moment without one. 9: replace, and write through.
   System::Call 'kernel32::MoveFileExW(w r0, w r1, i 9) i .r4 ?e'
   Pop $FileError
-  ${If} $4 <> 0
-    Return
-  ${EndIf}
-  Call PutAside
-  ${If} ${Errors}
-    SetErrors
-    Return
-  ${EndIf}
-  System::Call 'kernel32::MoveFileExW(w r0, w r1, i 8) i .r4 ?e'
-  Pop $FileError
   ${If} $4 = 0
-    Rename $3 $1
-    SetErrors
-    Return
+    StrCpy $5 $1
+    StrCpy $6 "$1.before"
+    Call RegisterPath
+    ClearErrors
+    Call PutAside
+    ${IfNot} ${Errors}
+      System::Call 'kernel32::MoveFileExW(w r0, w r1, i 8) i .r4 ?e'
+      Pop $FileError
+      ${If} $4 = 0
+        Rename $3 $1
+      ${Else}
+        Call DeleteAside
+      ${EndIf}
+    ${EndIf}
   ${EndIf}
-  Call DeleteAside
+  ; Also if an earlier setup was ended while the copy was registered.
+  StrCpy $5 "$1.before"
+  StrCpy $6 $1
+  Call RegisterPath
+  ClearErrors
+  ${If} $4 = 0
+    SetErrors
+  ${EndIf}
 FunctionEnd
 
 ; Keeps a copy of a file under its name with ".before" appended.

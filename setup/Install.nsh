@@ -32,7 +32,7 @@ FunctionEnd
 !macro Fail TEXT CODE
   SetErrorLevel ${CODE}
   MessageBox MB_OK|MB_ICONSTOP "${TEXT}$\r$\n$\r$\n$(NothingChanged)" /SD IDOK
-  Abort "${TEXT}"
+  !insertmacro LeaveFailedPage
 !macroend
 
 ; Puts the new file in the place of the old one, of which a copy is kept.
@@ -51,6 +51,7 @@ FunctionEnd
     Call PutFilesBack
     StrCpy $FileError $9
     StrCpy $1 "${FILE}"
+    Call DescribeFileError
     !insertmacro Fail "$(CannotReplace)" ${EXIT_FILE}
   ${EndIf}
 !macroend
@@ -63,12 +64,14 @@ Section "" MAIN
   Call DeleteLeftovers
   SetOverwrite try
   File "/oname=$INSTDIR\${MODULE}.new" "${DLL}"
+  File "/oname=$INSTDIR\${NOTICES}.new" "${NOTICES_FILE}"
   WriteUninstaller "$INSTDIR\${UNINSTALLER}.new"
   ${If} ${Errors}
     Call RemoveNewFiles
     !insertmacro Fail "$(CannotWrite)" ${EXIT_FILE}
   ${EndIf}
 
+  !insertmacro ReplaceOrFail "$INSTDIR\${NOTICES}"
   !insertmacro ReplaceOrFail "$INSTDIR\${UNINSTALLER}"
   !insertmacro ReplaceOrFail "$INSTDIR\${MODULE}"
 
@@ -124,6 +127,8 @@ FunctionEnd
 
 ; After a failure behind that.
 Function PutFilesBack
+  StrCpy $1 "$INSTDIR\${NOTICES}"
+  Call PutCopyBack
   StrCpy $1 "$INSTDIR\${UNINSTALLER}"
   Call PutCopyBack
   StrCpy $1 "$INSTDIR\${MODULE}"
@@ -131,7 +136,8 @@ Function PutFilesBack
   Call RemoveNewFiles
 FunctionEnd
 
-; NSIS ends the installation itself, with a message, when it cannot write a file to its end: the disk is full.
+; Called when the user leaves the page of an installation that failed. NSIS itself ends it, with a message, when it cannot write
+; a file to its end: the disk is full.
 Function .onInstFailed
   Call RemoveNewFiles
   GetErrorLevel $0

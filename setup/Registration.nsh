@@ -10,13 +10,14 @@
 !define ERROR_FILE_NOT_FOUND 2
 
 !define CLASS_KEY "Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}"
+!define LIBRARY_KEY "Software\Classes\TypeLib\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"
 
 ; Inserts a macro for each key that the DLL's registration writes.
 !macro ForEachRegistrationKey DO
   !insertmacro ${DO} class "${CLASS_KEY}"
   !insertmacro ${DO} name "Software\Classes\OrvaOscAddin.Connect"
   !insertmacro ${DO} versioned-name "Software\Classes\OrvaOscAddin.Connect.1"
-  !insertmacro ${DO} library "Software\Classes\TypeLib\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"
+  !insertmacro ${DO} library "${LIBRARY_KEY}"
   !insertmacro ${DO} interface "Software\Classes\Interface\{CE895442-9981-4315-AA85-4B9A5C7739D8}"
   !insertmacro ${DO} add-in "Software\Microsoft\Office\Outlook\Addins\OrvaOscAddin.Connect"
 !macroend
@@ -39,6 +40,21 @@
 !macro DeleteKey NAME KEY
   DeleteRegKey HKLM "${KEY}"
 !macroend
+
+; Lets Outlook find the DLL under another path, if this one is registered.
+;   $5: the path that is registered, $6: the new one; $7 is changed
+!macro RegisterPathFunction UN
+Function ${UN}RegisterPath
+  ReadRegStr $7 HKLM "${CLASS_KEY}\InprocServer32" ""
+  ${If} $7 == $5
+    WriteRegStr HKLM "${CLASS_KEY}\InprocServer32" "" $6
+    WriteRegStr HKLM "${LIBRARY_KEY}\1.0\0\win64" "" $6
+  ${EndIf}
+FunctionEnd
+!macroend
+
+!insertmacro RegisterPathFunction ""
+!insertmacro RegisterPathFunction "un."
 
 ; Copies a key with its subkeys and values over another one, which is made if it is missing. Not by reg.exe, which would show
 ; a console window.

@@ -1,6 +1,7 @@
 ; The setup program of the ORVA Connector, for makensis: its attributes, pages and start. See README.md.
 ;
-; Defined by CMakeLists.txt: VERSION (X.Y.Z), DLL (the add-in to install), OUTPUT (the file to make), WEB_HOST.
+; Defined by CMakeLists.txt: VERSION (X.Y.Z), DLL (the add-in to install), NOTICES_FILE (what third parties' licences ask us
+; to hand on), OUTPUT (the file to make), WEB_HOST.
 
 Target amd64-unicode
 !include MUI2.nsh
@@ -11,6 +12,7 @@ Target amd64-unicode
 !define PUBLISHER "ORVA"
 !define MODULE "OrvaOscAddin.dll"
 !define UNINSTALLER "Uninstall.exe"
+!define NOTICES "Third-party notices.txt"
 ; The entry in "Programs and Features". Its version decides what a setup does: the DLL's own version resource is the same
 ; in every version.
 !define ENTRY "Software\Microsoft\Windows\CurrentVersion\Uninstall\${PRODUCT}"
@@ -27,11 +29,13 @@ Caption "$(Caption)"
 UninstallCaption "$(UninstallCaption)"
 BrandingText "${PRODUCT} ${VERSION}"
 OutFile "${OUTPUT}"
-; zlib, although LZMA would save a tenth: one licence less for users.
-SetCompressor /SOLID zlib
+; zlib, although LZMA would save a tenth: one licence less for users. Not "solid", which needs space in the temporary folder
+; before any of our sentences can be shown, and calls this program damaged if there is none.
+SetCompressor zlib
 ; Two builds of one commit are bit-identical, so no file's time is stored.
 SetDateSave off
 CRCCheck force
+!packhdr "${OUTPUT}.stub" '"${__FILEDIR__}/name-damage" "${OUTPUT}.stub"'
 RequestExecutionLevel admin
 ManifestDPIAware true
 ManifestSupportedOS all
@@ -44,8 +48,9 @@ Var WhatHappens
 Var WhatIsDone
 ; 1 if a program still has a DLL loaded that was replaced or removed.
 Var IsInUse
-; Windows' code of the last file operation that failed.
+; Windows' code of the last file operation that failed, and its text.
 Var FileError
+Var FileErrorText
 
 !define MUI_ICON "setup.ico"
 !define MUI_UNICON "setup.ico"
@@ -60,7 +65,10 @@ Var FileError
 !define MUI_WELCOMEPAGE_TEXT "$WhatHappens$\r$\n$\r$\n$(OutlookMayStayOpen)"
 !define MUI_PAGE_CUSTOMFUNCTION_SHOW NameInstallButton
 !insertmacro MUI_PAGE_WELCOME
+!define MUI_INSTFILESPAGE_ABORTHEADER_SUBTEXT "$(NothingChanged)"
 !insertmacro MUI_PAGE_INSTFILES
+; The uninstaller cannot promise this.
+!undef MUI_INSTFILESPAGE_ABORTHEADER_SUBTEXT
 !define MUI_FINISHPAGE_TITLE "$(DoneTitle)"
 ; Do not ask for a restart of Windows: nothing depends on it, what is left goes at the next one. Holds for one page.
 !define MUI_FINISHPAGE_NOREBOOTSUPPORT
@@ -106,6 +114,12 @@ VIFileVersion "${VERSION}.0"
   SetDetailsPrint none
 !macroend
 
+; Ends an installation or uninstallation after the message that it failed. Its page stays until the user leaves it.
+!macro LeaveFailedPage
+  !insertmacro Step " "
+  Abort
+!macroend
+
 ; Ends the program before its first page, with a message unless it is silent.
 !macro Refuse TEXT CODE
   MessageBox MB_OK|MB_ICONEXCLAMATION "${TEXT}" /SD IDOK
@@ -116,8 +130,11 @@ VIFileVersion "${VERSION}.0"
 ; Ends the program if another setup or uninstaller runs, in whichever user's session. The handle is never closed, so the
 ; name is taken until this process has ended.
 !macro RefuseIfBusy
+  ; NSIS ends the program, with its message and this code, if the temporary folder takes no plug-in.
+  SetErrorLevel ${EXIT_FILE}
   System::Call 'kernel32::CreateMutexW(p 0, i 0, w "Global\OrvaConnectorSetup") p .r0 ?e'
   Pop $1
+  SetErrorLevel -1
   ; 183: the name exists already. No handle: it exists and belongs to somebody else.
   ${If} $0 P= 0
   ${OrIf} $1 = 183

@@ -13,7 +13,7 @@ FunctionEnd
 !macro FailToUninstall TEXT CODE
   SetErrorLevel ${CODE}
   MessageBox MB_OK|MB_ICONSTOP "${TEXT}" /SD IDOK
-  Abort "${TEXT}"
+  !insertmacro LeaveFailedPage
 !macroend
 
 Section "Uninstall"
@@ -25,6 +25,7 @@ Section "Uninstall"
   ${If} ${FileExists} $1
     Call un.PutAside
     ${If} ${Errors}
+      Call un.DescribeFileError
       !insertmacro FailToUninstall "$(CannotRemove)" ${EXIT_FILE}
     ${EndIf}
     ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$3"'
@@ -45,6 +46,7 @@ Section "Uninstall"
   Call un.DeleteLeftovers
   DeleteRegKey HKLM "${SAVED}"
   DeleteRegKey HKLM "${ENTRY}"
+  Delete /REBOOTOK "$INSTDIR\${NOTICES}"
   Delete "$INSTDIR\${UNINSTALLER}"
   ; Goes with its last file at the next start of Windows, if that is in use.
   RMDir /REBOOTOK "$INSTDIR"

@@ -18,7 +18,9 @@
 !insertmacro Text NewerInstalled "Die Version $InstalledVersion des ${PRODUCT}s ist installiert. Sie ist neuer als ${VERSION}, deshalb wurde nichts geändert."
 !insertmacro Text NothingChanged "An diesem Computer wurde nichts geändert."
 !insertmacro Text CannotWrite "Die Dateien konnten nicht in diesen Ordner geschrieben werden:$\r$\n$INSTDIR"
-!insertmacro Text CannotReplace "Die Datei konnte nicht ersetzt werden (Windows-Fehler $FileError):$\r$\n$1"
+; NSIS's own message, to which it appends the file: the disk is full.
+!insertmacro Text ^ErrorWriting "An diesem Computer wurde nichts geändert, weil diese Datei nicht geschrieben werden konnte. Vielleicht ist auf dem Laufwerk kein Platz mehr.$\r$\n$\r$\n"
+!insertmacro Text CannotReplace "Die Datei konnte nicht ersetzt werden:$\r$\n$1$\r$\n$\r$\nWindows-Fehler $FileError: $FileErrorText"
 !insertmacro Text CannotRegister "Das Add-In konnte nicht bei Outlook registriert werden (regsvr32 endete mit $9)."
 !insertmacro Text CannotWriteEntry "Der Eintrag in „Programme und Funktionen“ konnte nicht geschrieben werden."
 !insertmacro Text UninstallTitle "${PRODUCT} ${VERSION} deinstallieren"
@@ -27,6 +29,6 @@
 !insertmacro Text UninstalledTitle "Der ${PRODUCT} ist entfernt"
 !insertmacro Text Uninstalled "Das Add-In, sein Ordner und seine Registrierung sind entfernt.$\r$\n$\r$\nDie Protokolldatei, falls Sie das Protokoll eingeschaltet hatten, liegt weiterhin in %LOCALAPPDATA%\${PRODUCT}."
 !insertmacro Text UninstalledInUse "Outlook verwendet das Add-In noch. Es verschwindet, wenn Outlook neu gestartet wird, und seine letzte Datei, wenn Windows neu gestartet wird.$\r$\n$\r$\nDie Protokolldatei, falls Sie das Protokoll eingeschaltet hatten, liegt weiterhin in %LOCALAPPDATA%\${PRODUCT}."
-!insertmacro Text CannotRemove "Die Datei konnte nicht entfernt werden (Windows-Fehler $FileError):$\r$\n$1$\r$\n$\r$\nDer ${PRODUCT} ist weiterhin installiert."
+!insertmacro Text CannotRemove "Die Datei konnte nicht entfernt werden:$\r$\n$1$\r$\n$\r$\nWindows-Fehler $FileError: $FileErrorText$\r$\n$\r$\nDer ${PRODUCT} ist weiterhin installiert."
 !insertmacro Text CannotUnregister "Die Registrierung des Add-Ins konnte nicht entfernt werden. Starten Sie die Deinstallation noch einmal."
 !macroundef Text

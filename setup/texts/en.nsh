@@ -18,7 +18,9 @@
 !insertmacro Text NewerInstalled "Version $InstalledVersion of the ${PRODUCT} is installed. It is newer than ${VERSION}, so nothing was changed."
 !insertmacro Text NothingChanged "Nothing was changed on this computer."
 !insertmacro Text CannotWrite "The files could not be written into the folder$\r$\n$INSTDIR"
-!insertmacro Text CannotReplace "The file could not be replaced (Windows error $FileError):$\r$\n$1"
+; NSIS's own message, to which it appends the file: the disk is full.
+!insertmacro Text ^ErrorWriting "Nothing was changed on this computer, because this file could not be written. There may be no space left on its drive.$\r$\n$\r$\n"
+!insertmacro Text CannotReplace "The file could not be replaced:$\r$\n$1$\r$\n$\r$\nWindows error $FileError: $FileErrorText"
 !insertmacro Text CannotRegister "The add-in could not be registered with Outlook (regsvr32 ended with $9)."
 !insertmacro Text CannotWriteEntry "The entry in Programs and Features could not be written."
 !insertmacro Text UninstallTitle "Uninstall ${PRODUCT} ${VERSION}"
@@ -27,6 +29,6 @@
 !insertmacro Text UninstalledTitle "${PRODUCT} is removed"
 !insertmacro Text Uninstalled "The add-in, its folder and its registration are removed.$\r$\n$\r$\nThe log file, if you have switched the log on, is still in %LOCALAPPDATA%\${PRODUCT}."
 !insertmacro Text UninstalledInUse "Outlook is still using the add-in. It disappears when Outlook is restarted, and its last file when Windows is restarted.$\r$\n$\r$\nThe log file, if you have switched the log on, is still in %LOCALAPPDATA%\${PRODUCT}."
-!insertmacro Text CannotRemove "The file could not be removed (Windows error $FileError):$\r$\n$1$\r$\n$\r$\nThe ${PRODUCT} is still installed."
+!insertmacro Text CannotRemove "The file could not be removed:$\r$\n$1$\r$\n$\r$\nWindows error $FileError: $FileErrorText$\r$\n$\r$\nThe ${PRODUCT} is still installed."
 !insertmacro Text CannotUnregister "The add-in's registration could not be removed. Start the uninstallation again."
 !macroundef Text

@@ -18,7 +18,9 @@
 !insertmacro Text NewerInstalled "La versión $InstalledVersion de ${PRODUCT} está instalada. Es más reciente que la ${VERSION}, así que no se ha cambiado nada."
 !insertmacro Text NothingChanged "No se ha cambiado nada en este equipo."
 !insertmacro Text CannotWrite "No se han podido escribir los archivos en esta carpeta:$\r$\n$INSTDIR"
-!insertmacro Text CannotReplace "No se ha podido sustituir el archivo (error de Windows $FileError):$\r$\n$1"
+; NSIS's own message, to which it appends the file: the disk is full.
+!insertmacro Text ^ErrorWriting "No se ha cambiado nada en este equipo, porque no se ha podido escribir este archivo. Puede que no quede espacio en la unidad.$\r$\n$\r$\n"
+!insertmacro Text CannotReplace "No se ha podido sustituir el archivo:$\r$\n$1$\r$\n$\r$\nError de Windows $FileError: $FileErrorText"
 !insertmacro Text CannotRegister "No se ha podido registrar el complemento en Outlook (regsvr32 terminó con $9)."
 !insertmacro Text CannotWriteEntry "No se ha podido escribir la entrada de Programas y características."
 !insertmacro Text UninstallTitle "Desinstalar ${PRODUCT} ${VERSION}"
@@ -27,6 +29,6 @@
 !insertmacro Text UninstalledTitle "${PRODUCT} se ha quitado"
 !insertmacro Text Uninstalled "Se han quitado el complemento, su carpeta y su registro en Outlook.$\r$\n$\r$\nEl archivo de registro, si lo había activado, sigue en %LOCALAPPDATA%\${PRODUCT}."
 !insertmacro Text UninstalledInUse "Outlook todavía utiliza el complemento. Desaparecerá cuando se reinicie Outlook, y su último archivo cuando se reinicie Windows.$\r$\n$\r$\nEl archivo de registro, si lo había activado, sigue en %LOCALAPPDATA%\${PRODUCT}."
-!insertmacro Text CannotRemove "No se ha podido quitar el archivo (error de Windows $FileError):$\r$\n$1$\r$\n$\r$\n${PRODUCT} sigue instalado."
+!insertmacro Text CannotRemove "No se ha podido quitar el archivo:$\r$\n$1$\r$\n$\r$\nError de Windows $FileError: $FileErrorText$\r$\n$\r$\n${PRODUCT} sigue instalado."
 !insertmacro Text CannotUnregister "No se ha podido quitar el registro del complemento. Inicie la desinstalación de nuevo."
 !macroundef Text

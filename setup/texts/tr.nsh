@@ -18,7 +18,9 @@
 !insertmacro Text NewerInstalled "${PRODUCT} $InstalledVersion sürümü yüklü. Bu sürüm ${VERSION} sürümünden yeni olduğu için hiçbir şey değiştirilmedi."
 !insertmacro Text NothingChanged "Bu bilgisayarda hiçbir şey değiştirilmedi."
 !insertmacro Text CannotWrite "Dosyalar şu klasöre yazılamadı:$\r$\n$INSTDIR"
-!insertmacro Text CannotReplace "Dosya değiştirilemedi (Windows hatası $FileError):$\r$\n$1"
+; NSIS's own message, to which it appends the file: the disk is full.
+!insertmacro Text ^ErrorWriting "Bu bilgisayarda hiçbir şey değiştirilmedi, çünkü şu dosya yazılamadı. Sürücüde yer kalmamış olabilir.$\r$\n$\r$\n"
+!insertmacro Text CannotReplace "Dosya değiştirilemedi:$\r$\n$1$\r$\n$\r$\nWindows hatası $FileError: $FileErrorText"
 !insertmacro Text CannotRegister "Eklenti Outlook'a kaydedilemedi (regsvr32 $9 koduyla bitti)."
 !insertmacro Text CannotWriteEntry "Programlar ve Özellikler'deki kayıt yazılamadı."
 !insertmacro Text UninstallTitle "${PRODUCT} ${VERSION} kaldırma"
@@ -27,6 +29,6 @@
 !insertmacro Text UninstalledTitle "${PRODUCT} kaldırıldı"
 !insertmacro Text Uninstalled "Eklenti, klasörü ve kaydı kaldırıldı.$\r$\n$\r$\nGünlüğü açtıysanız günlük dosyası hâlâ %LOCALAPPDATA%\${PRODUCT} klasöründedir."
 !insertmacro Text UninstalledInUse "Outlook eklentiyi hâlâ kullanıyor. Eklenti, Outlook yeniden başlatılınca; son dosyası ise Windows yeniden başlatılınca kaybolur.$\r$\n$\r$\nGünlüğü açtıysanız günlük dosyası hâlâ %LOCALAPPDATA%\${PRODUCT} klasöründedir."
-!insertmacro Text CannotRemove "Dosya kaldırılamadı (Windows hatası $FileError):$\r$\n$1$\r$\n$\r$\n${PRODUCT} hâlâ yüklü."
+!insertmacro Text CannotRemove "Dosya kaldırılamadı:$\r$\n$1$\r$\n$\r$\nWindows hatası $FileError: $FileErrorText$\r$\n$\r$\n${PRODUCT} hâlâ yüklü."
 !insertmacro Text CannotUnregister "Eklentinin kaydı kaldırılamadı. Kaldırmayı yeniden başlatın."
 !macroundef Text

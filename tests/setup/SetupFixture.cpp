@@ -38,6 +38,12 @@ const CSetupVersion& NewVersion()
     return version;
 }
 
+const CSetupVersion& LatestVersion()
+{
+    static const CSetupVersion version = MakeVersion(ORVA_VERSION_MINOR + 2, L"latest\\");
+    return version;
+}
+
 std::wstring InstallFolder()
 {
     wchar_t folder[MAX_PATH] = L"";
@@ -53,6 +59,19 @@ std::wstring InstalledModule()
 std::wstring InstalledUninstaller()
 {
     return InstallFolder() + L"\\Uninstall.exe";
+}
+
+std::vector<std::wstring> InstalledFiles(const std::vector<std::wstring>& others)
+{
+    std::vector<std::wstring> names = {L"OrvaOscAddin.dll", L"Third-party notices.txt", L"Uninstall.exe"};
+    names.insert(names.end(), others.begin(), others.end());
+    return names;
+}
+
+std::wstring RegisteredModule()
+{
+    return RegistryString(HKEY_LOCAL_MACHINE, std::wstring(kClassKey) + L"\\InprocServer32", L"")
+        .value_or(L"");
 }
 
 CInstalledState TakeState()
@@ -134,8 +153,12 @@ void SetupFixture::Uninstall()
 
 DWORD SetupFixture::UninstallInPlace()
 {
+    return Run(InstalledUninstaller(), InPlace({L"/S"}));
+}
+
+std::vector<std::wstring> SetupFixture::InPlace(std::vector<std::wstring> arguments)
+{
     // Without quotation marks, although there are blanks in it: so NSIS wants it.
-    std::vector<std::wstring> arguments = {L"/S"};
     std::wstring rest = L"_?=" + InstallFolder();
     for (size_t blank = rest.find(L' '); blank != std::wstring::npos; blank = rest.find(L' '))
     {
@@ -143,17 +166,23 @@ DWORD SetupFixture::UninstallInPlace()
         rest.erase(0, blank + 1);
     }
     arguments.push_back(rest);
-    return Run(InstalledUninstaller(), arguments);
+    return arguments;
+}
+
+UniqueHandle SetupFixture::LockFile(const std::wstring& path)
+{
+    UniqueHandle file(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
+    EXPECT_NE(file.get(), INVALID_HANDLE_VALUE);
+    return file;
 }
 
 void SetupFixture::ExpectInstalled(const CSetupVersion& version)
 {
-    EXPECT_THAT(ListFolder(InstallFolder()), testing::ElementsAre(L"OrvaOscAddin.dll", L"Uninstall.exe"));
+    EXPECT_EQ(ListFolder(InstallFolder()), InstalledFiles());
     // Not compared as texts, whose failure would print half a megabyte.
     EXPECT_TRUE(ReadFileBytes(InstalledModule()) == ReadFileBytes(version.module));
     EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), version.version);
-    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, std::wstring(kClassKey) + L"\\InprocServer32", L""),
-              InstalledModule());
+    EXPECT_EQ(RegisteredModule(), InstalledModule());
     EXPECT_EQ(RegistryDword(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior"), 3u);
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kSavedKey));
 }

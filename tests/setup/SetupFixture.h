@@ -46,11 +46,17 @@ struct CSetupVersion
 const CSetupVersion& OldVersion();
 /// The next one.
 const CSetupVersion& NewVersion();
+/// A version after that.
+const CSetupVersion& LatestVersion();
 
 /// The folder into which a setup installs, and files in it.
 std::wstring InstallFolder();
 std::wstring InstalledModule();
 std::wstring InstalledUninstaller();
+/// The names of the files in it, with further ones.
+std::vector<std::wstring> InstalledFiles(const std::vector<std::wstring>& others = {});
+/// The path under which Outlook finds the add-in; empty if there is none.
+std::wstring RegisteredModule();
 
 /// What a setup changes: the files with their contents, and the registry's keys as text.
 struct CInstalledState
@@ -79,6 +85,10 @@ protected:
     static void Uninstall();
     /// Runs the uninstaller in its place, where it cannot remove itself, and returns its exit code.
     static DWORD UninstallInPlace();
+    /// These arguments and the one with which the uninstaller runs in its place.
+    static std::vector<std::wstring> InPlace(std::vector<std::wstring> arguments);
+    /// A file that nobody else can open or move until the result is closed.
+    static UniqueHandle LockFile(const std::wstring& path);
 
     /// Asserts that this version is installed completely and nothing else is in the folder.
     static void ExpectInstalled(const CSetupVersion& version);
