@@ -1,8 +1,8 @@
 // A setup on a disk without space: no file may get larger than the limit that tools/wine-run sets for this
 // test.
 #include "harness/Files.h"
-#include "harness/WindowDriver.h"
 #include "setup/SetupFixture.h"
+#include "setup/SetupUser.h"
 
 namespace orva::test
 {
@@ -12,23 +12,17 @@ namespace
 class SetupDiskFaultsTest : public SetupFixture
 {
 protected:
-    SetupDiskFaultsTest()
+    void SetUp() override
     {
-        wchar_t limit[20] = L"";
-        if (GetEnvironmentVariableW(L"ORVA_FILE_LIMIT", limit, 20) == 0)
+        if (GetEnvironmentVariableW(L"ORVA_FILE_LIMIT", nullptr, 0) == 0)
         {
-            m_isLimited = false;
+            GTEST_SKIP() << "needs ORVA_FILE_LIMIT";
         }
     }
-    bool m_isLimited = true;
 };
 
 TEST_F(SetupDiskFaultsTest, AFirstInstallationLeavesNothing)
 {
-    if (!m_isLimited)
-    {
-        GTEST_SKIP() << "needs ORVA_FILE_LIMIT";
-    }
     EXPECT_EQ(Run(OldVersion().setup), kFileFailed);
     EXPECT_FALSE(FolderExists(InstallFolder()));
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
@@ -37,15 +31,23 @@ TEST_F(SetupDiskFaultsTest, AFirstInstallationLeavesNothing)
 
 TEST_F(SetupDiskFaultsTest, AnInstalledVersionStays)
 {
-    if (!m_isLimited)
-    {
-        GTEST_SKIP() << "needs ORVA_FILE_LIMIT";
-    }
     ASSERT_TRUE(CreateDirectoryW(InstallFolder().c_str(), nullptr));
     WriteFileBytes(InstalledModule(), "the old DLL");
     EXPECT_EQ(Run(OldVersion().setup), kFileFailed);
     EXPECT_THAT(ListFolder(InstallFolder()), testing::ElementsAre(L"OrvaOscAddin.dll"));
     EXPECT_EQ(ReadFileBytes(InstalledModule()), "the old DLL");
+}
+
+TEST_F(SetupDiskFaultsTest, AMessageInTheLanguageOfWindowsSaysSo)
+{
+    ASSERT_TRUE(IsAskedLanguage());
+    const CSetupTexts& texts = Texts();
+    CChildProcess setup({.program = OldVersion().setup});
+    Press(texts.installs, kNext, setup.Id());
+    AnswerMessage(texts.diskFull + InstalledModule() + L".new", setup.Id());
+    Press(texts.nothingChanged, kCancel, setup.Id());
+    EXPECT_EQ(setup.WaitForExit(), kFileFailed);
+    EXPECT_FALSE(FolderExists(InstallFolder()));
 }
 
 } // namespace

@@ -1,193 +1,174 @@
-// The setup's and the uninstaller's pages in the language of Windows, as the user reads and operates them.
+// The setup's and the uninstaller's pages and messages in the language of Windows, as the user reads and
+// operates them.
 #include "harness/Files.h"
 #include "harness/SeenWindow.h"
 #include "harness/Text.h"
-#include "harness/WindowDriver.h"
 #include "outlook/AddInModule.h"
+#include "setup/RegistrationObstacle.h"
 #include "setup/SetupFixture.h"
+#include "setup/SetupUser.h"
+
+#include <set>
 
 namespace orva::test
 {
 namespace
 {
 
-constexpr int kNext = 1;
-constexpr int kCancel = 2;
+using Text = const wchar_t* CSetupTexts::*;
 
-// The sentences of one language; {old} and {new} stand for the two versions.
-struct CPageTexts
+// What somebody starts, what he reads and presses, and what comes of it.
+struct CSituation
 {
-    LANGID language;
-    const wchar_t* caption;
-    const wchar_t* installs;
-    const wchar_t* install;
-    const wchar_t* installed;
-    const wchar_t* used;
-    const wchar_t* replaces;
-    const wchar_t* restart;
-    const wchar_t* repairs;
-    const wchar_t* newer;
-    const wchar_t* cannotReplace;
-    const wchar_t* nothingChanged;
-    const wchar_t* logStays;
-    const wchar_t* uninstall;
-    const wchar_t* removed;
-    const wchar_t* disappears;
+    const char* name;
+    std::wstring program;
+    DWORD code;
+    // The first page, its caption and the button that begins; the last page. Only the first: a message.
+    Text first;
+    Text caption = nullptr;
+    Text begin = nullptr;
+    Text last = nullptr;
+    // A file that is missing when it starts.
+    std::wstring missing = {};
 };
 
-constexpr CPageTexts kTexts[] = {
-    {LANG_ENGLISH, L"ORVA Connector {old} Setup",
-     L"Setup installs ORVA Connector {old} for all users of this computer.", L"&Install",
-     L"ORVA Connector {old} is installed", L"Outlook uses version {old} from its next start.",
-     L"Setup replaces version {old} of the ORVA Connector by {new} for all users of this computer.",
-     L"Restart Outlook to use the new version, {new}.",
-     L"Version {old} of the ORVA Connector is installed already. Setup installs it once more and so repairs "
-     L"it.",
-     L"Version {new} of the ORVA Connector is installed. It is newer than {old}, so nothing was changed.",
-     L"The file could not be replaced (Windows error 32):", L"Nothing was changed on this computer.",
-     L"the log file that the add-in may have written in your profile stays.", L"&Uninstall",
-     L"The add-in, its folder and its registration are removed.",
-     L"Outlook is still using the add-in. It disappears when Outlook is restarted"},
-    {LANG_GERMAN, L"ORVA Connector {old} Setup",
-     L"Das Setup installiert den ORVA Connector {old} für alle Benutzer dieses Computers.", L"&Installieren",
-     L"ORVA Connector {old} ist installiert",
-     L"Outlook verwendet die Version {old}, wenn es das nächste Mal gestartet wird.",
-     L"Das Setup ersetzt die Version {old} des ORVA Connectors durch {new}, für alle Benutzer dieses "
-     L"Computers.",
-     L"Starten Sie Outlook neu, um die neue Version {new} zu verwenden.",
-     L"Die Version {old} des ORVA Connectors ist bereits installiert. Das Setup installiert sie noch einmal "
-     L"und "
-     L"repariert sie so.",
-     L"Die Version {new} des ORVA Connectors ist installiert. Sie ist neuer als {old}, deshalb wurde nichts "
-     L"geändert.",
-     L"Die Datei konnte nicht ersetzt werden (Windows-Fehler 32):",
-     L"An diesem Computer wurde nichts geändert.",
-     L"die Protokolldatei, die das Add-In vielleicht in Ihrem Profil geschrieben hat, bleibt erhalten.",
-     L"&Deinstallieren", L"Das Add-In, sein Ordner und seine Registrierung sind entfernt.",
-     L"Outlook verwendet das Add-In noch. Es verschwindet, wenn Outlook neu gestartet wird"},
-    {LANG_SPANISH, L"Instalación de ORVA Connector {old}",
-     L"El programa instala ORVA Connector {old} para todos los usuarios de este equipo.", L"&Instalar",
-     L"ORVA Connector {old} está instalado",
-     L"Outlook utilizará la versión {old} la próxima vez que se inicie.",
-     L"El programa sustituye la versión {old} de ORVA Connector por la {new} para todos los usuarios de este "
-     L"equipo.",
-     L"Reinicie Outlook para utilizar la nueva versión {new}.",
-     L"La versión {old} de ORVA Connector ya está instalada. El programa la instala de nuevo y así la "
-     L"repara.",
-     L"La versión {new} de ORVA Connector está instalada. Es más reciente que la {old}, así que no se ha "
-     L"cambiado "
-     L"nada.",
-     L"No se ha podido sustituir el archivo (error de Windows 32):",
-     L"No se ha cambiado nada en este equipo.",
-     L"el archivo de registro que el complemento haya podido escribir en su perfil se conserva.",
-     L"&Desinstalar", L"Se han quitado el complemento, su carpeta y su registro en Outlook.",
-     L"Outlook todavía utiliza el complemento. Desaparecerá cuando se reinicie Outlook"},
-    {LANG_TURKISH, L"ORVA Connector {old} Kurulumu",
-     L"Kurulum, ORVA Connector {old} sürümünü bu bilgisayarın tüm kullanıcıları için yükler.", L"&Kur",
-     L"ORVA Connector {old} yüklendi", L"Outlook, {old} sürümünü bir sonraki başlatılışında kullanır.",
-     L"Kurulum, ORVA Connector {old} sürümünü bu bilgisayarın tüm kullanıcıları için {new} sürümüyle "
-     L"değiştirir.",
-     L"Yeni {new} sürümünü kullanmak için Outlook'u yeniden başlatın.",
-     L"ORVA Connector {old} sürümü zaten yüklü. Kurulum onu yeniden yükler ve böylece onarır.",
-     L"ORVA Connector {new} sürümü yüklü. Bu sürüm {old} sürümünden yeni olduğu için hiçbir şey "
-     L"değiştirilmedi.",
-     L"Dosya değiştirilemedi (Windows hatası 32):", L"Bu bilgisayarda hiçbir şey değiştirilmedi.",
-     L"eklentinin profilinize yazmış olabileceği günlük dosyası da kalır.", L"&Kaldır",
-     L"Eklenti, klasörü ve kaydı kaldırıldı.",
-     L"Outlook eklentiyi hâlâ kullanıyor. Eklenti, Outlook yeniden başlatılınca"},
+// In this order they lead from a machine without the connector back to it.
+std::vector<CSituation> Situations()
+{
+    return {
+        {"fresh installation", OldVersion().setup, kSetupDone, &CSetupTexts::installs, &CSetupTexts::caption,
+         &CSetupTexts::install, &CSetupTexts::used},
+        {"repair", OldVersion().setup, kSetupDone, &CSetupTexts::repairs, &CSetupTexts::caption,
+         &CSetupTexts::install, &CSetupTexts::used, InstalledModule()},
+        {"upgrade", NewVersion().setup, kSetupDone, &CSetupTexts::replaces, &CSetupTexts::newCaption,
+         &CSetupTexts::install, &CSetupTexts::usesNew},
+        {"refused downgrade", OldVersion().setup, kNewerInstalled, &CSetupTexts::newer},
+        {"uninstallation", InstalledUninstaller(), kSetupDone, &CSetupTexts::logStays,
+         &CSetupTexts::uninstallCaption, &CSetupTexts::uninstall, &CSetupTexts::removed},
+    };
+}
+
+// A step that cannot be done.
+struct CFailure
+{
+    const char* name;
+    // Sets it up until its result is destroyed.
+    std::function<std::shared_ptr<void>()> begin;
+    std::wstring program;
+    DWORD code;
+    // The page on which the work begins; null: the message comes before any page.
+    Text first;
+    std::wstring message;
+    // The page that stays; null: the program ends.
+    Text last;
 };
 
-// The texts that a user of this Windows gets: English, if his language is none of them.
-const CPageTexts& Texts()
+std::shared_ptr<void> Raise(CObstacle::Kind kind, const wchar_t* key)
 {
-    for (const CPageTexts& texts : kTexts)
-    {
-        if (texts.language == PRIMARYLANGID(GetUserDefaultUILanguage()))
-        {
-            return texts;
-        }
-    }
-    return kTexts[0];
-}
-
-std::wstring WithVersions(std::wstring text)
-{
-    for (const auto& [name, version] : {std::pair(std::wstring(L"{old}"), OldVersion().version),
-                                        std::pair(std::wstring(L"{new}"), NewVersion().version)})
-    {
-        for (size_t at = text.find(name); at != std::wstring::npos; at = text.find(name))
-        {
-            text.replace(at, name.size(), version);
-        }
-    }
-    return text;
-}
-
-// Waits until a program shows a dialog with this text, and returns the dialog.
-HWND WaitForPage(const std::wstring& text, DWORD process)
-{
-    const std::wstring expected = WithVersions(text);
-    HWND page = nullptr;
-    WaitUntil([&] {
-        for (const HWND window : FindWindows({.process = process, .className = kDialogClass}))
-        {
-            if (LookAt(window).text.find(expected) != std::wstring::npos)
-            {
-                page = window;
-            }
-        }
-        return page != nullptr;
-    });
-    EXPECT_NE(page, nullptr) << Utf8(expected) << "\n" << DescribeWindows(process);
-    return page;
-}
-
-// Waits for the page and presses its button once it is enabled.
-void Press(const std::wstring& text, int button, DWORD process)
-{
-    const HWND page = WaitForPage(text, process);
-    EXPECT_TRUE(WaitUntil([&] { return ClickButton(page, button); }));
-}
-
-// The only button of a message box is "OK" or, on Windows, has the id of "Cancel".
-bool PressOk(HWND message)
-{
-    return ClickButton(message, IDOK) || ClickButton(message, IDCANCEL);
+    auto obstacle = std::make_shared<CObstacle>(kind, HKEY_LOCAL_MACHINE, key);
+    obstacle->Raise();
+    return obstacle;
 }
 
 class SetupPagesTest : public SetupFixture
 {
 protected:
     // A language that was asked for has to be there, or the tests would prove another one.
-    void SetUp() override
+    void SetUp() override { ASSERT_TRUE(IsAskedLanguage()); }
+
+    // The uninstaller's arguments let it work in its place, so that its exit code can be seen.
+    static std::vector<std::wstring> Arguments(const std::wstring& program, bool isSilent)
     {
-        wchar_t locale[20] = L"";
-        wchar_t language[20] = L"";
-        GetEnvironmentVariableW(L"ORVA_LOCALE", locale, 20);
-        GetLocaleInfoW(MAKELCID(GetUserDefaultUILanguage(), SORT_DEFAULT), LOCALE_SISO639LANGNAME, language,
-                       20);
-        ASSERT_TRUE(locale[0] == L'\0' || std::wstring(locale).starts_with(language))
-            << Utf8(locale) << " is not " << Utf8(language);
+        std::vector<std::wstring> arguments;
+        if (isSilent)
+        {
+            arguments.push_back(L"/S");
+        }
+        return program == InstalledUninstaller() ? InPlace(arguments) : arguments;
     }
 
-    const CPageTexts& m_texts = Texts();
+    // Runs it silently; fails the test if any window is seen.
+    static DWORD RunSilently(const CSituation& situation)
+    {
+        RemovePath(situation.missing);
+        const std::wstring& program = situation.program;
+        const std::vector<HWND> before = FindWindows({.process = 0});
+        std::set<std::wstring> seen;
+        CChildProcess process({.program = program, .arguments = Arguments(program, true)});
+        EXPECT_TRUE(WaitUntil([&] {
+            for (const HWND window : FindWindows({.process = 0}))
+            {
+                if (std::find(before.begin(), before.end(), window) == before.end())
+                {
+                    seen.insert(WindowClassName(window) + L": " + WindowText(window));
+                }
+            }
+            return !process.IsRunning();
+        }));
+        EXPECT_THAT(seen, testing::IsEmpty());
+        return process.WaitForExit().value_or(STILL_ACTIVE);
+    }
+
+    DWORD RunWithPages(const CSituation& situation) const
+    {
+        RemovePath(situation.missing);
+        CChildProcess process(
+            {.program = situation.program, .arguments = Arguments(situation.program, false)});
+        if (situation.last == nullptr)
+        {
+            AnswerMessage(m_texts.*situation.first, process.Id());
+        }
+        else
+        {
+            const HWND first = WaitForPage(m_texts.*situation.first, process.Id());
+            EXPECT_EQ(WindowText(first), Filled(m_texts.*situation.caption));
+            EXPECT_EQ(ChildText(first, kNext), m_texts.*situation.begin);
+            EXPECT_TRUE(ClickButton(first, kNext));
+            Press(m_texts.*situation.last, kNext, process.Id());
+        }
+        return process.WaitForExit().value_or(STILL_ACTIVE);
+    }
+
+    void ExpectFailure(const CFailure& failure) const
+    {
+        const std::shared_ptr<void> obstacle = failure.begin();
+        CChildProcess process({.program = failure.program, .arguments = Arguments(failure.program, false)});
+        if (failure.first != nullptr)
+        {
+            Press(m_texts.*failure.first, kNext, process.Id());
+        }
+        AnswerMessage(failure.message, process.Id());
+        if (failure.last != nullptr)
+        {
+            Press(m_texts.*failure.last, kCancel, process.Id());
+        }
+        EXPECT_EQ(process.WaitForExit(), failure.code);
+    }
+
+    const CSetupTexts& m_texts = Texts();
 };
 
-TEST_F(SetupPagesTest, SayWhatIsInstalledAndWhenOutlookUsesIt)
+TEST_F(SetupPagesTest, DoWhatTheSilentRunDoes)
 {
-    CChildProcess setup({.program = OldVersion().setup});
-    const HWND first = WaitForPage(m_texts.installs, setup.Id());
-    EXPECT_EQ(WindowText(first), WithVersions(m_texts.caption));
-    EXPECT_EQ(ChildText(first, kNext), m_texts.install);
-    ASSERT_FALSE(FolderExists(InstallFolder()));
-    EXPECT_TRUE(ClickButton(first, kNext));
-    WaitForPage(m_texts.installed, setup.Id());
-    Press(m_texts.used, kNext, setup.Id());
-    EXPECT_EQ(setup.WaitForExit(), kSetupDone);
-    ExpectInstalled(OldVersion());
+    std::vector<CInstalledState> silently;
+    for (const CSituation& situation : Situations())
+    {
+        SCOPED_TRACE(situation.name);
+        EXPECT_EQ(RunSilently(situation), situation.code);
+        silently.push_back(TakeState());
+    }
+    RemovePath(InstallFolder());
+    size_t index = 0;
+    for (const CSituation& situation : Situations())
+    {
+        SCOPED_TRACE(situation.name);
+        EXPECT_EQ(RunWithPages(situation), situation.code);
+        EXPECT_TRUE(TakeState() == silently[index]) << testing::PrintToString(TakeState());
+        ++index;
+    }
 }
 
-TEST_F(SetupPagesTest, SayWhichVersionIsReplacedAndThatOutlookHasToBeRestarted)
+TEST_F(SetupPagesTest, SayThatOutlookHasToBeRestartedIfItUsesTheVersionBefore)
 {
     Install(OldVersion());
     const CAddInModule loaded(InstalledModule());
@@ -198,60 +179,57 @@ TEST_F(SetupPagesTest, SayWhichVersionIsReplacedAndThatOutlookHasToBeRestarted)
     EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), NewVersion().version);
 }
 
-TEST_F(SetupPagesTest, SayThatTheSameVersionIsRepairedAndCanBeCancelled)
+TEST_F(SetupPagesTest, ChangeNothingIfTheUserCancels)
 {
-    Install(OldVersion());
-    RemovePath(InstalledModule());
     CChildProcess setup({.program = OldVersion().setup});
-    Press(m_texts.repairs, kCancel, setup.Id());
+    Press(m_texts.installs, kCancel, setup.Id());
     EXPECT_EQ(setup.WaitForExit(), kSetupCancelled);
-    EXPECT_FALSE(FileExists(InstalledModule()));
+    EXPECT_EQ(TakeState().files, CInstalledState().files);
 }
 
-TEST_F(SetupPagesTest, AMessageSaysThatANewerVersionIsInstalled)
-{
-    Install(NewVersion());
-    CChildProcess setup({.program = OldVersion().setup});
-    EXPECT_TRUE(PressOk(WaitForPage(m_texts.newer, setup.Id())));
-    EXPECT_EQ(setup.WaitForExit(), kNewerInstalled);
-    ExpectInstalled(NewVersion());
-}
-
-TEST_F(SetupPagesTest, AMessageSaysWhichFileCannotBeReplacedAndThatNothingWasChanged)
+TEST_F(SetupPagesTest, SayWhatFailedAndThatNothingWasChanged)
 {
     Install(OldVersion());
+    const auto lock = [] { return std::make_shared<UniqueHandle>(LockFile(InstalledModule())); };
+    const auto run = [] { return std::make_shared<UniqueHandle>(CreateMutexW(nullptr, FALSE, kSetupMutex)); };
+    const std::wstring nothing = std::wstring(L"\r\n\r\n") + m_texts.nothingChanged;
+    const std::wstring still = std::wstring(L"\r\n\r\n") + m_texts.stillInstalled;
+    const CFailure failures[] = {
+        {"busy", run, NewVersion().setup, kSetupBusy, nullptr, m_texts.busy, nullptr},
+        {"a folder stands in the file's place",
+         [] {
+             const std::wstring path = InstalledModule() + L".new";
+             EXPECT_TRUE(CreateDirectoryW(path.c_str(), nullptr));
+             return std::shared_ptr<void>(nullptr, [path](void*) { RemovePath(path); });
+         },
+         NewVersion().setup, kFileFailed, &CSetupTexts::replaces, m_texts.cannotWrite + nothing,
+         &CSetupTexts::nothingChanged},
+        {"locked", lock, NewVersion().setup, kFileFailed, &CSetupTexts::replaces,
+         m_texts.cannotReplace + InUseText() + nothing, &CSetupTexts::nothingChanged},
+        {"registration", [] { return Raise(CObstacle::Kind::ReadOnly, kAddInKey); }, NewVersion().setup,
+         kRegistrationFailed, &CSetupTexts::replaces, m_texts.cannotRegister + nothing,
+         &CSetupTexts::nothingChanged},
+        {"entry", [] { return Raise(CObstacle::Kind::ReadOnly, kEntryKey); }, NewVersion().setup,
+         kEntryFailed, &CSetupTexts::replaces, m_texts.cannotWriteEntry + nothing,
+         &CSetupTexts::nothingChanged},
+        {"uninstaller busy", run, InstalledUninstaller(), kSetupBusy, nullptr, m_texts.busy, nullptr},
+        {"uninstaller, locked", lock, InstalledUninstaller(), kFileFailed, &CSetupTexts::logStays,
+         m_texts.cannotRemove + InUseText() + still, &CSetupTexts::notUninstalled},
+    };
+    const CInstalledState before = TakeState();
+    for (const CFailure& failure : failures)
     {
-        const UniqueHandle file(
-            CreateFileW(InstalledModule().c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
-        CChildProcess setup({.program = NewVersion().setup});
-        Press(m_texts.replaces, kNext, setup.Id());
-        const HWND message = WaitForPage(m_texts.cannotReplace, setup.Id());
-        EXPECT_EQ(LookAt(message).text, std::wstring(m_texts.cannotReplace) + L"\r\n" + InstalledModule() +
-                                            L"\r\n\r\n" + m_texts.nothingChanged);
-        EXPECT_TRUE(PressOk(message));
-        // The page stays, and closing it ends the program.
-        const HWND page =
-            WaitForWindow({.process = setup.Id(), .className = kDialogClass, .childId = kCancel});
-        EXPECT_TRUE(WaitUntil([&] { return ClickButton(page, kCancel); }));
-        EXPECT_EQ(setup.WaitForExit(), kFileFailed);
+        SCOPED_TRACE(failure.name);
+        ExpectFailure(failure);
+        EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
     }
-    ExpectInstalled(OldVersion());
+    ExpectFailure({"unregistering", [] { return Raise(CObstacle::Kind::Locked, kClassKey); },
+                   InstalledUninstaller(), kRegistrationFailed, &CSetupTexts::logStays,
+                   m_texts.cannotUnregister, &CSetupTexts::notUninstalled});
+    EXPECT_TRUE(TakeState().files == before.files);
 }
 
-TEST_F(SetupPagesTest, OfTheUninstallerSayWhatIsRemovedAndThatTheLogStays)
-{
-    Install(OldVersion());
-    EXPECT_EQ(Run(InstalledUninstaller(), {}), kSetupDone);
-    // The pages belong to its copy, another process.
-    const HWND first = WaitForPage(m_texts.logStays, 0);
-    EXPECT_EQ(ChildText(first, kNext), m_texts.uninstall);
-    EXPECT_TRUE(ClickButton(first, kNext));
-    Press(m_texts.removed, kNext, 0);
-    EXPECT_TRUE(WaitUntilGone(first));
-    EXPECT_FALSE(FolderExists(InstallFolder()));
-    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
-}
-
+// By its copy in the temporary folder, as "Programs and Features" starts it.
 TEST_F(SetupPagesTest, OfTheUninstallerDoNotAskForARestartOfWindows)
 {
     Install(OldVersion());

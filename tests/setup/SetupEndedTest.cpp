@@ -1,0 +1,161 @@
+// A setup that is ended in the midst of its work: Outlook finds the old add-in or the new one, and the next
+// setup completes the work.
+#include "harness/Files.h"
+#include "harness/Thorough.h"
+#include "harness/Watchdog.h"
+#include "harness/WindowDriver.h"
+#include "outlook/AddInModule.h"
+#include "setup/EndedProcess.h"
+#include "setup/RegistrationObstacle.h"
+#include "setup/SetupFixture.h"
+
+namespace orva::test
+{
+namespace
+{
+
+class SetupEndedTest : public SetupFixture
+{
+protected:
+    // The DLL that Outlook loads at its next start. Fails the test unless it works.
+    static std::wstring WorkingModule()
+    {
+        // The last program that the setup has started may still be at work.
+        std::wstring path;
+        EXPECT_TRUE(WaitUntil([&] {
+            path = RegisteredModule();
+            return FileExists(path);
+        })) << testing::PrintToString(TakeState());
+        EXPECT_NE(CAddInModule(path).Create(), nullptr);
+        const auto module = ReadFileBytes(path);
+        EXPECT_TRUE(module == ReadFileBytes(OldVersion().module) ||
+                    module == ReadFileBytes(NewVersion().module));
+        return path;
+    }
+
+    // Replaces whatever is there by the old version.
+    static void InstallOldAgain()
+    {
+        DeleteRegistryKey(HKEY_LOCAL_MACHINE, kEntryKey);
+        Install(OldVersion());
+    }
+};
+
+// Whether the setup is silent or shows its pages.
+class SetupEndedAtAnyTimeTest : public SetupEndedTest, public testing::WithParamInterface<bool>
+{
+protected:
+    // Runs the newer version's setup and ends it so many milliseconds after it has begun to install.
+    static void RunFor(DWORD duration)
+    {
+        const bool isSilent = GetParam();
+        CChildProcess setup(
+            {.program = NewVersion().setup,
+             .arguments = isSilent ? std::vector<std::wstring>{L"/S"} : std::vector<std::wstring>{}});
+        if (!isSilent)
+        {
+            const HWND page =
+                WaitForWindow({.process = setup.Id(), .className = kDialogClass, .childId = IDOK});
+            // At the first moment it has not begun.
+            EXPECT_TRUE(duration == 0 || WaitUntil([&] { return ClickButton(page, IDOK); }));
+        }
+        setup.WaitForExit(duration);
+        setup.End();
+    }
+};
+
+TEST_P(SetupEndedAtAnyTimeTest, LeavesAWorkingAddInAndTheNextSetupCompletesTheWork)
+{
+    Install(OldVersion());
+    const ULONGLONG start = GetTickCount64();
+    Install(OldVersion());
+    const auto duration = static_cast<DWORD>(GetTickCount64() - start);
+    const int moments = Repetitions(4, 40);
+    for (int moment = 0; moment < moments; ++moment)
+    {
+        SCOPED_TRACE("moment " + std::to_string(moment));
+        SetTestDeadline(kTestDeadline);
+        RunFor(duration * static_cast<DWORD>(moment) / static_cast<DWORD>(moments));
+        WorkingModule();
+        Install(NewVersion());
+        InstallOldAgain();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Silent, SetupEndedAtAnyTimeTest, testing::Values(true));
+INSTANTIATE_TEST_SUITE_P(WithPages, SetupEndedAtAnyTimeTest, testing::Values(false));
+
+// Each step of replacing a file is one of these calls.
+TEST_F(SetupEndedTest, BeforeAnyMoveOfAFileLeavesAWorkingAddIn)
+{
+    bool isEnded = true;
+    for (int move = 1; isEnded && move <= Repetitions(1, 20); ++move)
+    {
+        SCOPED_TRACE("move " + std::to_string(move));
+        SetTestDeadline(kTestDeadline);
+        Install(OldVersion());
+        {
+            const CAddInModule outlook(InstalledModule());
+            int count = 0;
+            isEnded = EndAtCall(NewVersion().setup, {L"/S"}, "MoveFileExW", [&] { return ++count == move; });
+            WorkingModule();
+            EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+            EXPECT_EQ(RegisteredModule(), InstalledModule());
+        }
+        Install(NewVersion());
+        DeleteRegistryKey(HKEY_LOCAL_MACHINE, kEntryKey);
+    }
+    EXPECT_EQ(isEnded, !IsThorough());
+}
+
+// Ended while the DLL that Outlook has loaded is aside and the new one is not yet in its place.
+class SetupEndedBetweenTheDllsTest : public SetupEndedTest
+{
+protected:
+    void SetUp() override
+    {
+        Install(OldVersion());
+        const CAddInModule outlook(InstalledModule());
+        ASSERT_TRUE(EndAtCall(NewVersion().setup, {L"/S"}, "MoveFileExW",
+                              [] { return !FileExists(InstalledModule()); }));
+        EXPECT_TRUE(ReadFileBytes(WorkingModule()) == ReadFileBytes(OldVersion().module));
+    }
+};
+
+TEST_F(SetupEndedBetweenTheDllsTest, TheNextSetupCompletesTheWork)
+{
+    Install(NewVersion());
+}
+
+TEST_F(SetupEndedBetweenTheDllsTest, TheNextSetupCompletesTheWorkWhileTheNextOutlookIsOpen)
+{
+    {
+        const CAddInModule outlook(RegisteredModule());
+        EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+        EXPECT_EQ(RegisteredModule(), InstalledModule());
+        EXPECT_THAT(ListFolder(InstallFolder()),
+                    testing::UnorderedElementsAreArray(InstalledFiles({L"OrvaOscAddin.dll.before.1.old"})));
+        EXPECT_THAT(DeletedAtNextStart(),
+                    testing::Contains(InstallFolder() + L"\\OrvaOscAddin.dll.before.1.old"));
+    }
+    Install(NewVersion());
+}
+
+TEST_F(SetupEndedBetweenTheDllsTest, ANextSetupThatFailsLeavesTheOldAddIn)
+{
+    {
+        CObstacle entry(CObstacle::Kind::ReadOnly, HKEY_LOCAL_MACHINE, kAddInKey);
+        entry.Raise();
+        EXPECT_EQ(Run(NewVersion().setup), kRegistrationFailed);
+    }
+    EXPECT_EQ(WorkingModule(), InstalledModule());
+    ExpectInstalled(OldVersion());
+}
+
+TEST_F(SetupEndedBetweenTheDllsTest, TheUninstallerLeavesNothing)
+{
+    Uninstall();
+}
+
+} // namespace
+} // namespace orva::test
