@@ -47,7 +47,7 @@ void CDownloadTest::Download(const std::wstring& url, const CSignedUpdate* signe
     g_seen = m_seenGate.OpenedEvent();
     m_user.Start();
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
-    StartDownloadDialog(CString(url.c_str()), nullptr, signedUpdate);
+    StartDownloadDialog(CString(url.c_str()), m_owner, signedUpdate);
     m_seen = m_user.Finish();
 }
 

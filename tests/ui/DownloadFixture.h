@@ -59,6 +59,8 @@ protected:
     CInstallerType m_installerType;
     CPrivateTemp m_temp;
     CGate m_seenGate;
+    /// The download's owner.
+    HWND m_owner = nullptr;
     CUserScript m_user;
     std::vector<CSeenWindow> m_seen;
 

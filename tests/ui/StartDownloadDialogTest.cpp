@@ -40,6 +40,23 @@ TEST_F(StartDownloadDialogTest, WritesTheWholeFileAndStartsItWithTheVerbRunas)
     EXPECT_TRUE(WaitForInstaller());
 }
 
+TEST_F(StartDownloadDialogTest, TheOwnerIsDisabledWhileTheDialogRunsAndEnabledForWhatFollows)
+{
+    const COwnerWindow owner;
+    EnableWindow(owner.Handle(), TRUE);
+    // Active, so that the dialog itself would disable this one.
+    const COwnerWindow active;
+    m_owner = owner.Handle();
+    Serve(CHttpReply(404));
+    OnDownloadDialog([&](HWND) { EXPECT_FALSE(IsWindowEnabled(m_owner)); });
+    m_user.AnswerBox(kConnectError).AnswerBox(kUpdateCanceled);
+    DownloadInstaller();
+    ASSERT_EQ(m_seen.size(), 3u);
+    EXPECT_FALSE(m_seen[1].owner == m_owner);
+    EXPECT_EQ(m_seen[2].owner, m_owner);
+    EXPECT_TRUE(IsWindowEnabled(m_owner));
+}
+
 TEST_F(StartDownloadDialogTest, WithoutAPublishersKeyNoSignatureMattersAndTheShellIsCalledAsEver)
 {
     const CImportHook hook(
