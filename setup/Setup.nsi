@@ -79,6 +79,8 @@ Var FileErrorText
 !define MUI_WELCOMEPAGE_TEXT "$(WillUninstall)"
 !define MUI_PAGE_CUSTOMFUNCTION_SHOW un.NameUninstallButton
 !insertmacro MUI_UNPAGE_WELCOME
+; Because NSIS's Turkish sentence has a slip of the pen.
+!define MUI_PAGE_HEADER_SUBTEXT "$(Removing)"
 !insertmacro MUI_UNPAGE_INSTFILES
 !define MUI_FINISHPAGE_TITLE "$(UninstalledTitle)"
 !define MUI_FINISHPAGE_NOREBOOTSUPPORT

@@ -25,6 +25,7 @@
 !insertmacro Text CannotWriteEntry "Der Eintrag in „Programme und Funktionen“ konnte nicht geschrieben werden."
 !insertmacro Text UninstallTitle "${PRODUCT} ${VERSION} deinstallieren"
 !insertmacro Text WillUninstall "Der ${PRODUCT} wird für alle Benutzer dieses Computers entfernt.$\r$\n$\r$\nOutlook darf geöffnet bleiben. Ihre Kontakte und E-Mails werden nicht verändert, und die Protokolldatei, die das Add-In vielleicht in Ihrem Profil geschrieben hat, bleibt erhalten.$\r$\n$\r$\nKlicken Sie auf Deinstallieren, um zu beginnen."
+!insertmacro Text Removing "Bitte warten Sie, während der ${PRODUCT} entfernt wird."
 !insertmacro Text Unregistering "Das Add-In wird aus Outlook entfernt"
 !insertmacro Text UninstalledTitle "Der ${PRODUCT} ist entfernt"
 !insertmacro Text Uninstalled "Das Add-In, sein Ordner und seine Registrierung sind entfernt.$\r$\n$\r$\nDie Protokolldatei, falls Sie das Protokoll eingeschaltet hatten, liegt weiterhin in %LOCALAPPDATA%\${PRODUCT}."

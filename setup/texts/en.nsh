@@ -25,6 +25,7 @@
 !insertmacro Text CannotWriteEntry "The entry in Programs and Features could not be written."
 !insertmacro Text UninstallTitle "Uninstall ${PRODUCT} ${VERSION}"
 !insertmacro Text WillUninstall "The ${PRODUCT} will be removed for all users of this computer.$\r$\n$\r$\nOutlook may stay open. Your contacts and mails are not touched, and the log file that the add-in may have written in your profile stays.$\r$\n$\r$\nClick Uninstall to begin."
+!insertmacro Text Removing "Please wait while the ${PRODUCT} is being removed."
 !insertmacro Text Unregistering "Removing the add-in from Outlook"
 !insertmacro Text UninstalledTitle "${PRODUCT} is removed"
 !insertmacro Text Uninstalled "The add-in, its folder and its registration are removed.$\r$\n$\r$\nThe log file, if you have switched the log on, is still in %LOCALAPPDATA%\${PRODUCT}."

@@ -25,6 +25,7 @@
 !insertmacro Text CannotWriteEntry "No se ha podido escribir la entrada de Programas y características."
 !insertmacro Text UninstallTitle "Desinstalar ${PRODUCT} ${VERSION}"
 !insertmacro Text WillUninstall "Se quitará ${PRODUCT} para todos los usuarios de este equipo.$\r$\n$\r$\nOutlook puede permanecer abierto. Sus contactos y mensajes no se modifican, y el archivo de registro que el complemento haya podido escribir en su perfil se conserva.$\r$\n$\r$\nHaga clic en Desinstalar para comenzar."
+!insertmacro Text Removing "Espere mientras se quita ${PRODUCT}."
 !insertmacro Text Unregistering "Quitando el complemento de Outlook"
 !insertmacro Text UninstalledTitle "${PRODUCT} se ha quitado"
 !insertmacro Text Uninstalled "Se han quitado el complemento, su carpeta y su registro en Outlook.$\r$\n$\r$\nEl archivo de registro, si lo había activado, sigue en %LOCALAPPDATA%\${PRODUCT}."

@@ -25,6 +25,7 @@
 !insertmacro Text CannotWriteEntry "Programlar ve Özellikler'deki kayıt yazılamadı."
 !insertmacro Text UninstallTitle "${PRODUCT} ${VERSION} kaldırma"
 !insertmacro Text WillUninstall "${PRODUCT}, bu bilgisayarın tüm kullanıcıları için kaldırılacak.$\r$\n$\r$\nOutlook açık kalabilir. Kişilerinize ve iletilerinize dokunulmaz; eklentinin profilinize yazmış olabileceği günlük dosyası da kalır.$\r$\n$\r$\nBaşlamak için Kaldır düğmesini tıklatın."
+!insertmacro Text Removing "${PRODUCT} kaldırılırken lütfen bekleyin."
 !insertmacro Text Unregistering "Eklenti Outlook'tan kaldırılıyor"
 !insertmacro Text UninstalledTitle "${PRODUCT} kaldırıldı"
 !insertmacro Text Uninstalled "Eklenti, klasörü ve kaydı kaldırıldı.$\r$\n$\r$\nGünlüğü açtıysanız günlük dosyası hâlâ %LOCALAPPDATA%\${PRODUCT} klasöründedir."

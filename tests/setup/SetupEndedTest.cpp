@@ -70,7 +70,7 @@ TEST_P(SetupEndedAtAnyTimeTest, LeavesAWorkingAddInAndTheNextSetupCompletesTheWo
     const ULONGLONG start = GetTickCount64();
     Install(OldVersion());
     const auto duration = static_cast<DWORD>(GetTickCount64() - start);
-    const int moments = Repetitions(4, 40);
+    const int moments = Repetitions(3, 40);
     for (int moment = 0; moment < moments; ++moment)
     {
         SCOPED_TRACE("moment " + std::to_string(moment));

@@ -3,6 +3,7 @@
 #include "harness/Files.h"
 #include "harness/SeenWindow.h"
 #include "harness/Text.h"
+#include "harness/Thorough.h"
 #include "outlook/AddInModule.h"
 #include "setup/RegistrationObstacle.h"
 #include "setup/SetupFixture.h"
@@ -23,6 +24,8 @@ struct CSituation
     const char* name;
     std::wstring program;
     DWORD code;
+    // The version that is installed then; null: none.
+    const CSetupVersion* result;
     // The first page, its caption and the button that begins; the last page. Only the first: a message.
     Text first;
     Text caption = nullptr;
@@ -36,14 +39,14 @@ struct CSituation
 std::vector<CSituation> Situations()
 {
     return {
-        {"fresh installation", OldVersion().setup, kSetupDone, &CSetupTexts::installs, &CSetupTexts::caption,
-         &CSetupTexts::install, &CSetupTexts::used},
-        {"repair", OldVersion().setup, kSetupDone, &CSetupTexts::repairs, &CSetupTexts::caption,
-         &CSetupTexts::install, &CSetupTexts::used, InstalledModule()},
-        {"upgrade", NewVersion().setup, kSetupDone, &CSetupTexts::replaces, &CSetupTexts::newCaption,
-         &CSetupTexts::install, &CSetupTexts::usesNew},
-        {"refused downgrade", OldVersion().setup, kNewerInstalled, &CSetupTexts::newer},
-        {"uninstallation", InstalledUninstaller(), kSetupDone, &CSetupTexts::logStays,
+        {"fresh installation", OldVersion().setup, kSetupDone, &OldVersion(), &CSetupTexts::installs,
+         &CSetupTexts::caption, &CSetupTexts::install, &CSetupTexts::used},
+        {"repair", OldVersion().setup, kSetupDone, &OldVersion(), &CSetupTexts::repairs,
+         &CSetupTexts::caption, &CSetupTexts::install, &CSetupTexts::used, InstalledModule()},
+        {"upgrade", NewVersion().setup, kSetupDone, &NewVersion(), &CSetupTexts::replaces,
+         &CSetupTexts::newCaption, &CSetupTexts::install, &CSetupTexts::usesNew},
+        {"refused downgrade", OldVersion().setup, kNewerInstalled, &NewVersion(), &CSetupTexts::newer},
+        {"uninstallation", InstalledUninstaller(), kSetupDone, nullptr, &CSetupTexts::logStays,
          &CSetupTexts::uninstallCaption, &CSetupTexts::uninstall, &CSetupTexts::removed},
     };
 }
@@ -87,6 +90,20 @@ protected:
         return program == InstalledUninstaller() ? InPlace(arguments) : arguments;
     }
 
+    // Asserts that the version is installed, or that nothing is left but the uninstaller, which has run in
+    // its place.
+    static void ExpectResult(const CSituation& situation)
+    {
+        if (situation.result != nullptr)
+        {
+            ExpectInstalled(*situation.result);
+            return;
+        }
+        EXPECT_THAT(ListFolder(InstallFolder()), testing::ElementsAre(L"Uninstall.exe"));
+        EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
+        EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey));
+    }
+
     // Runs it silently; fails the test if any window is seen.
     static DWORD RunSilently(const CSituation& situation)
     {
@@ -103,7 +120,8 @@ protected:
                     seen.insert(WindowClassName(window) + L": " + WindowText(window));
                 }
             }
-            return !process.IsRunning();
+            constexpr DWORD between = 30;
+            return process.WaitForExit(between).has_value();
         }));
         EXPECT_THAT(seen, testing::IsEmpty());
         return process.WaitForExit().value_or(STILL_ACTIVE);
@@ -137,6 +155,10 @@ protected:
         {
             Press(m_texts.*failure.first, kNext, process.Id());
         }
+        if (failure.first == &CSetupTexts::logStays)
+        {
+            WaitForPage(m_texts.removing, process.Id());
+        }
         AnswerMessage(failure.message, process.Id());
         if (failure.last != nullptr)
         {
@@ -150,21 +172,27 @@ protected:
 
 TEST_F(SetupPagesTest, DoWhatTheSilentRunDoes)
 {
+    // What a silent run leaves does not depend on the language.
+    const bool isCompared = m_texts.language == LANG_ENGLISH || IsThorough();
     std::vector<CInstalledState> silently;
-    for (const CSituation& situation : Situations())
+    for (const CSituation& situation : isCompared ? Situations() : std::vector<CSituation>())
     {
         SCOPED_TRACE(situation.name);
         EXPECT_EQ(RunSilently(situation), situation.code);
+        ExpectResult(situation);
         silently.push_back(TakeState());
     }
     RemovePath(InstallFolder());
-    size_t index = 0;
     for (const CSituation& situation : Situations())
     {
         SCOPED_TRACE(situation.name);
         EXPECT_EQ(RunWithPages(situation), situation.code);
-        EXPECT_TRUE(TakeState() == silently[index]) << testing::PrintToString(TakeState());
-        ++index;
+        ExpectResult(situation);
+        if (isCompared)
+        {
+            EXPECT_TRUE(TakeState() == silently.front()) << testing::PrintToString(TakeState());
+            silently.erase(silently.begin());
+        }
     }
 }
 

@@ -41,6 +41,7 @@ constexpr CSetupTexts kTexts[] = {
      .cannotRegister = L"The add-in could not be registered with Outlook (regsvr32 ended with 5).",
      .cannotWriteEntry = L"The entry in Programs and Features could not be written.",
      .cannotUnregister = L"The add-in's registration could not be removed. Start the uninstallation again.",
+     .removing = L"Please wait while the ORVA Connector is being removed.",
      .notUninstalled = L"Uninstall was not completed successfully."},
     {.language = LANG_GERMAN,
      .caption = L"ORVA Connector {old} Setup",
@@ -75,6 +76,7 @@ constexpr CSetupTexts kTexts[] = {
      .cannotWriteEntry = L"Der Eintrag in „Programme und Funktionen“ konnte nicht geschrieben werden.",
      .cannotUnregister = L"Die Registrierung des Add-Ins konnte nicht entfernt werden. Starten Sie die "
                          L"Deinstallation noch einmal.",
+     .removing = L"Bitte warten Sie, während der ORVA Connector entfernt wird.",
      .notUninstalled = L"Die Deinstallation wurde nicht vollständig abgeschlossen."},
     {.language = LANG_SPANISH,
      .caption = L"Instalación de ORVA Connector {old}",
@@ -108,6 +110,7 @@ constexpr CSetupTexts kTexts[] = {
      .cannotWriteEntry = L"No se ha podido escribir la entrada de Programas y características.",
      .cannotUnregister =
          L"No se ha podido quitar el registro del complemento. Inicie la desinstalación de nuevo.",
+     .removing = L"Espere mientras se quita ORVA Connector.",
      .notUninstalled = L"La desinstalación no se completó correctamente."},
     {.language = LANG_TURKISH,
      .caption = L"ORVA Connector {old} Kurulumu",
@@ -139,6 +142,7 @@ constexpr CSetupTexts kTexts[] = {
      .cannotRegister = L"Eklenti Outlook'a kaydedilemedi (regsvr32 5 koduyla bitti).",
      .cannotWriteEntry = L"Programlar ve Özellikler'deki kayıt yazılamadı.",
      .cannotUnregister = L"Eklentinin kaydı kaldırılamadı. Kaldırmayı yeniden başlatın.",
+     .removing = L"ORVA Connector kaldırılırken lütfen bekleyin.",
      .notUninstalled = L"Kaldırma İşlemi tamamlanamadı."},
 };
 

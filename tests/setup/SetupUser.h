@@ -44,6 +44,7 @@ struct CSetupTexts
     const wchar_t* cannotRegister;
     const wchar_t* cannotWriteEntry;
     const wchar_t* cannotUnregister;
+    const wchar_t* removing;
     const wchar_t* notUninstalled;
 };
 
