@@ -7,7 +7,9 @@
 #include "host/MainWindow.h"
 #include "outlook/AddInModule.h"
 #include "res/resource.h"
+#include "setup/RegistrationObstacle.h"
 #include "setup/SetupFixture.h"
+#include "setup/SetupUser.h"
 
 namespace orva::test
 {
@@ -45,6 +47,19 @@ TEST_F(SetupInUseTest, TheLoadedDllMovesAsideAndTheNewOneTakesItsPlace)
     }
     EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
     ExpectInstalled(NewVersion());
+}
+
+TEST_F(SetupInUseTest, AnUpgradeThatFailsHasTheOldDllRegisteredWhenItSaysSo)
+{
+    Install(OldVersion());
+    const CAddInModule loaded(InstalledModule());
+    CObstacle entry(CObstacle::Kind::ReadOnly, HKEY_LOCAL_MACHINE, kAddInKey);
+    entry.Raise();
+    CChildProcess setup({.program = NewVersion().setup});
+    Press(Texts().replaces, kNext, setup.Id());
+    WaitForPage(Texts().cannotRegister, setup.Id());
+    EXPECT_EQ(RegisteredModule(), InstalledModule());
+    EXPECT_TRUE(HasContents(L"OrvaOscAddin.dll", OldVersion()));
 }
 
 TEST_F(SetupInUseTest, WindowsIsNeverToldToDeleteTheDllUnderItsOwnName)
