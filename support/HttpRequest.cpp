@@ -208,43 +208,6 @@ void Exchange(CInternetSession& session, const CrackedUrl& url, const std::strin
     response.m_status = status;
     response.m_contentType = std::move(contentType);
 }
-
-std::wstring DecodeUtf8(const CHttpResponse& response)
-{
-    const char* body = response.m_data.get();
-    std::uint32_t length = response.m_length;
-    if (length >= kByteOrderMark.size())
-    {
-        LogMessage(kPerformTextRequest, "check for BOM");
-        if (std::string_view(body, length).starts_with(kByteOrderMark))
-        {
-            body += kByteOrderMark.size();
-            length -= static_cast<std::uint32_t>(kByteOrderMark.size());
-        }
-    }
-
-    // The misspelt labels are the log's vocabulary. The conversion goes by the body's first zero byte, not by
-    // this length. A response without a body gives 0 characters.
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "newContentLenght", static_cast<std::int32_t>(length));
-    const int count = MultiByteToWideChar(CP_UTF8, 0, body, -1, nullptr, 0);
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "num_chars", count);
-    if (count < 1)
-    {
-        return {};
-    }
-
-    std::wstring text(static_cast<std::size_t>(count), L'\0');
-    const int converted = MultiByteToWideChar(CP_UTF8, 0, body, -1, text.data(), count);
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "ret", converted);
-    if (converted < 1)
-    {
-        return {};
-    }
-
-    text.resize(static_cast<std::size_t>(count) - 1);
-    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "response", text);
-    return text;
-}
 } // namespace
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): both forms of a request take their arguments by value
@@ -324,6 +287,43 @@ std::wstring CHttpRequest::PerformTextRequest(std::string url, Parameters params
     LogMessage(kPerformTextRequest, "delete resp");
     response.reset();
     LogMessage(kPerformTextRequest, "deleted resp");
+    return text;
+}
+
+std::wstring CHttpRequest::DecodeUtf8(const CHttpResponse& response)
+{
+    const char* body = response.m_data.get();
+    std::uint32_t length = response.m_length;
+    if (length >= kByteOrderMark.size())
+    {
+        LogMessage(kPerformTextRequest, "check for BOM");
+        if (std::string_view(body, length).starts_with(kByteOrderMark))
+        {
+            body += kByteOrderMark.size();
+            length -= static_cast<std::uint32_t>(kByteOrderMark.size());
+        }
+    }
+
+    // The misspelt labels are the log's vocabulary. The conversion goes by the body's first zero byte, not by
+    // this length. A response without a body gives 0 characters.
+    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "newContentLenght", static_cast<std::int32_t>(length));
+    const int count = MultiByteToWideChar(CP_UTF8, 0, body, -1, nullptr, 0);
+    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "num_chars", count);
+    if (count < 1)
+    {
+        return {};
+    }
+
+    std::wstring text(static_cast<std::size_t>(count), L'\0');
+    const int converted = MultiByteToWideChar(CP_UTF8, 0, body, -1, text.data(), count);
+    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "ret", converted);
+    if (converted < 1)
+    {
+        return {};
+    }
+
+    text.resize(static_cast<std::size_t>(count) - 1);
+    WriteDebugLog(GetDebugLog(), kPerformTextRequest, "response", text);
     return text;
 }
 

@@ -40,6 +40,9 @@ public:
     static std::wstring PerformTextRequest(std::string url, Parameters params, int verb, struct tm& date,
                                            std::uint32_t& status);
 
+    /// The text of a UTF-8 body up to its first zero byte, without byte-order mark. Empty without a body.
+    static std::wstring DecodeUtf8(const CHttpResponse& response);
+
     /// Fetches a body as a new array of bytes in `out`, which the caller destroys. Returns E_FAIL when no
     /// body was read. Writes no log entries of its own. Throws as PerformRequest does.
     static HRESULT PerformBinaryRequest(std::string url, Parameters params, int verb, SAFEARRAY*& out);

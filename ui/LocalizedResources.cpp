@@ -94,8 +94,13 @@ WORD CLocalizedResources::GetUILanguage() const
 
 CString CLocalizedResources::LoadString(UINT id) const
 {
+    return LoadString(id, m_langId);
+}
+
+CString CLocalizedResources::LoadString(UINT id, WORD language) const
+{
     const UINT block = (id >> 4) + 1;
-    HRSRC found = FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(block), m_langId);
+    HRSRC found = FindResourceExW(m_hInstance, RT_STRING, MAKEINTRESOURCEW(block), language);
     if (found == nullptr)
     {
         // This names the string instead of its block, so nothing is found and the text is empty. Kept on

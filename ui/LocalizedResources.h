@@ -36,6 +36,9 @@ public:
     /// The text of string `id` in the chosen language; empty when that language has no such text.
     CString LoadString(UINT id) const;
 
+    /// The same in the language with this id, whatever the chosen one is.
+    CString LoadString(UINT id, WORD language) const;
+
     /// Finds resource `id` of `type` and points `data` to its `size` bytes, which live as long as the module.
     ///
     /// Returns S_OK, or the last Win32 error as an HRESULT; `data` and `size` are then untouched.

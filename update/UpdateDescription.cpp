@@ -36,13 +36,18 @@ std::wstring DescriptionKey(WORD language)
 CString DetermineUpdateDescription(const json_spirit::wmObject& entry)
 {
     LogEntry("DetermineUpdateDescription");
+    return ChooseDescription(entry, GetLocalizedResources().GetUILanguage());
+}
+
+CString ChooseDescription(const json_spirit::wmObject& entry, WORD language)
+{
     const json_spirit::wmValue& description = FindValue(entry, L"description");
     if (description.is_null())
     {
         return CString();
     }
     const json_spirit::wmObject& texts = description.get_obj();
-    const std::wstring key = DescriptionKey(GetLocalizedResources().GetUILanguage());
+    const std::wstring key = DescriptionKey(language);
 
     json_spirit::wmValue text;
     if (!key.empty())

@@ -11,3 +11,6 @@
 /// Throws json_spirit's type error (std::runtime_error) when "description" is not an object or the chosen
 /// member is not a string.
 CString DetermineUpdateDescription(const json_spirit::wmObject& entry);
+
+/// The same for the user-interface language with this id, whatever Office's is.
+CString ChooseDescription(const json_spirit::wmObject& entry, WORD language);

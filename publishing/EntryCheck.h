@@ -1,0 +1,36 @@
+// The members of the update-information file: whether they are there, of their types and of use.
+#pragma once
+
+#include "publishing/Finding.h"
+#include "update/PublishedVersion.h"
+
+#include <json_spirit.h>
+
+#include <optional>
+#include <string>
+
+namespace publishing
+{
+
+/// What the file publishes, as far as it has the right types. Texts end at their first zero unit, as for the
+/// add-in.
+struct CPublishedUpdate
+{
+    std::optional<PublishedVersion> version;
+    std::optional<std::wstring> link;
+    std::optional<std::wstring> signature;
+};
+
+/// What has to hold besides the file itself.
+struct CDemands
+{
+    /// The published version has to be greater.
+    std::optional<PublishedVersion> installed = {};
+    /// There has to be a signature.
+    bool isSigned = false;
+};
+
+/// Checks every member of a file that was read without error.
+CPublishedUpdate CheckMembers(const json_spirit::wmValue& root, const CDemands& demands, CFindings& findings);
+
+} // namespace publishing
