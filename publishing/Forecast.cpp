@@ -69,7 +69,8 @@ private:
             return;
         }
         const json_spirit::wmObject& entry = entryValue.get_obj();
-        if (!IsNewer(ReadPublishedVersion(entry), m_addIn.version))
+        const PublishedVersion published = ReadPublishedVersion(entry);
+        if (!IsNewer(published, m_addIn.version))
         {
             SayUnlessSilent(IDS_LATEST_INSTALLED);
             return;
@@ -85,7 +86,7 @@ private:
             SayUnlessSilent(IDS_UPDATE_INFO_NOT_PARSED);
             return;
         }
-        m_forecast.offer = description.GetString();
+        m_forecast.offer = {FormatVersion(published).GetString(), description.GetString()};
         Install(link.get_str().c_str());
     }
 

@@ -41,13 +41,22 @@ enum class Trigger
     Request,
 };
 
+struct COffer
+{
+    /// The published version, "1.3.0".
+    std::wstring version;
+    /// The description in the user's language.
+    std::wstring text;
+
+    bool operator==(const COffer&) const = default;
+};
+
 /// What one check shows, in this order.
 struct CForecast
 {
     /// Texts of message boxes. Empty texts are shown, too.
     std::vector<std::wstring> messages;
-    /// The description in the offer; absent if nothing is offered.
-    std::optional<std::wstring> offer;
+    std::optional<COffer> offer;
     /// Texts of message boxes after "Install"; empty if the download starts or the user sees nothing.
     std::vector<std::wstring> afterInstall;
     bool isDownloaded = false;

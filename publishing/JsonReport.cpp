@@ -67,6 +67,15 @@ Json Installer(const CInstallerFacts& installer)
             {"signed", installer.isSigned ? Json(*installer.isSigned) : Json()}};
 }
 
+Json Offer(const CForecast& forecast)
+{
+    if (!forecast.offer)
+    {
+        return {};
+    }
+    return {{"version", Utf8(forecast.offer->version)}, {"text", Utf8(forecast.offer->text)}};
+}
+
 Json Forecast(const CUserForecast& one)
 {
     const CForecast& forecast = one.forecast;
@@ -75,7 +84,7 @@ Json Forecast(const CUserForecast& one)
                  {"installed", Utf8(FormatVersion(one.installed).GetString())},
                  {"trigger", one.trigger == Trigger::Start ? "start" : "request"},
                  {"messages", Texts(forecast.messages)},
-                 {"offer", forecast.offer ? Json(Utf8(*forecast.offer)) : Json()}};
+                 {"offer", Offer(forecast)}};
     json["afterInstall"] = Texts(forecast.afterInstall);
     json["downloads"] = forecast.isDownloaded;
     return json;

@@ -60,7 +60,7 @@ std::wstring Block(const std::wstring& text)
     return block + L"\n";
 }
 
-std::wstring Fate(const CForecast& forecast, const std::wstring& version)
+std::wstring Fate(const CForecast& forecast)
 {
     if (forecast.messages.empty() && !forecast.offer)
     {
@@ -73,7 +73,8 @@ std::wstring Fate(const CForecast& forecast, const std::wstring& version)
     }
     if (forecast.offer)
     {
-        fate += L"    is offered " + version + L" with this text:\n" + Block(*forecast.offer);
+        fate += L"    is offered " + forecast.offer->version + L" with this text:\n" +
+                Block(forecast.offer->text);
         if (!forecast.afterInstall.empty())
         {
             fate += L"    after \"Install\" sees " + Messages(forecast.afterInstall) + L"\n";
@@ -88,7 +89,6 @@ std::wstring Fate(const CForecast& forecast, const std::wstring& version)
 
 CGroups GroupByFate(const CCheckResult& result, const PublishedVersion& installed, Trigger trigger)
 {
-    const std::wstring version = result.version ? FormatVersion(*result.version).GetString() : L"an update";
     CGroups groups;
     for (const CUserForecast& one : result.forecasts)
     {
@@ -96,7 +96,7 @@ CGroups GroupByFate(const CCheckResult& result, const PublishedVersion& installe
         {
             continue;
         }
-        const std::wstring fate = Fate(one.forecast, version);
+        const std::wstring fate = Fate(one.forecast);
         const auto group = std::ranges::find(groups, fate, &CGroup::fate);
         if (group == groups.end())
         {
@@ -193,9 +193,10 @@ std::wstring Count(std::ptrdiff_t count, const wchar_t* what)
 
 std::string PlainReport(const CCheckResult& result)
 {
-    std::wstring text =
-        result.source + L" publishes " +
-        (result.version ? FormatVersion(*result.version).GetString() : L"nothing that can be read") + L"\n";
+    std::wstring text = result.source + L": ";
+    text += result.version ? L"version " + std::wstring(FormatVersion(*result.version).GetString())
+                           : std::wstring(L"no version that can be read");
+    text += L"\n";
     text += result.server ? Server(*result.server) : std::wstring();
     text += result.installer ? Installer(*result.installer) : L"Installer: not checked\n";
     text += L"\n" + Forecasts(result);

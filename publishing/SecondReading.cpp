@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <sstream>
 #include <string_view>
 #include <vector>
 
@@ -47,14 +48,18 @@ public:
         return true;
     }
 
-    bool parse_error(std::size_t position, const std::string& token, const json::exception&) override
+    bool parse_error(std::size_t position, const std::string&, const json::exception&) override
     {
         if (m_isRead)
         {
-            // The position is behind the token, which may hold what is not shown as it is.
-            const std::size_t begin = position - std::min(position, std::max<std::size_t>(token.size(), 1));
-            Report(Wide(m_utf8).size() -
-                   Wide(std::string_view(m_utf8).substr(std::min(begin, m_utf8.size()))).size());
+            const std::string_view before =
+                std::string_view(m_utf8).substr(0, position - std::min<std::size_t>(position, 1));
+            const std::wstring text = Wide(m_utf8);
+            const std::size_t index = Wide(before).size();
+            m_findings.Error(
+                "not-json", {},
+                PlaceOf(text, index) + L": " + WhatStandsAt(text, index) +
+                    L" is not JSON here, although the add-in reads it; what follows could not be checked");
         }
         return false;
     }
@@ -86,11 +91,7 @@ private:
     // After a value: it may be the file's, or an element of an array.
     bool Value()
     {
-        if (m_open.empty())
-        {
-            m_isComplete = true;
-        }
-        else if (m_open.back().isArray)
+        if (!m_open.empty() && m_open.back().isArray)
         {
             m_open.back().name = L"[" + std::to_wstring(++m_open.back().index) + L"]";
         }
@@ -107,28 +108,10 @@ private:
         return path;
     }
 
-    void Report(std::size_t index)
-    {
-        const std::wstring text = Wide(m_utf8);
-        index = SkipWhiteSpace(text, index);
-        const std::wstring there = PlaceOf(text, index) + L": " + WhatStandsAt(text, index);
-        if (m_isComplete)
-        {
-            m_findings.Error("text-after-value", {}, there + L" stands behind the end of the value");
-        }
-        else
-        {
-            m_findings.Error(
-                "not-json", {},
-                there + L" is not JSON, although the add-in reads it; what follows could not be checked");
-        }
-    }
-
     const std::string& m_utf8;
     bool m_isRead;
     CFindings& m_findings;
     std::vector<CLevel> m_open;
-    bool m_isComplete = false;
 };
 
 } // namespace
@@ -136,8 +119,22 @@ private:
 void CheckBySecondReading(const std::wstring& text, bool isRead, CFindings& findings)
 {
     const std::string utf8 = Utf8(text);
+    std::istringstream stream(utf8);
     CReading reading(utf8, isRead, findings);
-    json::sax_parse(utf8, &reading);
+    constexpr bool kUpToTheEnd = false;
+    if (!json::sax_parse(stream, &reading, json::input_format_t::json, kUpToTheEnd) || !isRead)
+    {
+        return;
+    }
+    const std::streamsize rest = stream.rdbuf()->in_avail();
+    const std::wstring read =
+        Wide(std::string_view(utf8).substr(0, utf8.size() - static_cast<std::size_t>(rest)));
+    if (const std::size_t index = SkipWhiteSpace(text, read.size()); index < text.size())
+    {
+        findings.Error("text-after-value", {},
+                       PlaceOf(text, index) + L": " + WhatStandsAt(text, index) +
+                           L" stands behind the end of the value");
+    }
 }
 
 } // namespace publishing
