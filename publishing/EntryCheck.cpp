@@ -107,6 +107,11 @@ CPublishedUpdate CheckMembers(const wmValue& root, const CDemands& demands, CFin
     if (demands.isSigned || entry.contains(L"signature"))
     {
         update.signature = ReadText(entry, path, L"signature", findings);
+        if (update.signature && update.signature->empty())
+        {
+            findings.Error("missing", JoinPath(path, L"signature"), L"is empty");
+            update.signature.reset();
+        }
     }
     return update;
 }

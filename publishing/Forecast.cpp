@@ -76,7 +76,7 @@ private:
             return;
         }
         const json_spirit::wmValue& link = FindValue(entry, L"downloadLink");
-        if (IsMissing(link) || (m_addIn.hasKey && IsMissing(FindValue(entry, L"signature"))))
+        if (IsMissing(link) || (m_addIn.hasKey && !HasSignature(entry)))
         {
             return;
         }
@@ -88,6 +88,19 @@ private:
         }
         m_forecast.offer = {FormatVersion(published).GetString(), description.GetString()};
         Install(link.get_str().c_str());
+    }
+
+    bool HasSignature(const json_spirit::wmObject& entry)
+    {
+        const json_spirit::wmValue& signature = FindValue(entry, L"signature");
+        // An empty text is as good as none.
+        const bool isEmpty = signature.type() == json_spirit::str_type && signature.get_str().empty();
+        if (IsMissing(isEmpty ? json_spirit::wmValue() : signature))
+        {
+            return false;
+        }
+        static_cast<void>(signature.get_str());
+        return true;
     }
 
     bool IsMissing(const json_spirit::wmValue& value)

@@ -5,6 +5,7 @@
 #include "publishing/LinkCheck.h"
 #include "publishing/ProgramFile.h"
 #include "publishing/Text.h"
+#include "support/UpdateSignature.h"
 
 #include <wininet.h>
 
@@ -34,8 +35,22 @@ void CheckVersion(const std::wstring& version, const CPublishedUpdate& update, C
     }
 }
 
+bool IsSigned(const std::wstring& path, const CUpdateKey& key, const CPublishedUpdate& update)
+{
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+    {
+        return false;
+    }
+    const std::string version = Utf8(FormatVersion(*update.version).GetString()) + "\n";
+    const bool isSigned = IsSignedBy(key, version, file, *update.signature);
+    CloseHandle(file);
+    return isSigned;
+}
+
 CInstallerFacts Check(const std::wstring& path, const std::string& bytes, const CPublishedUpdate& update,
-                      const std::optional<CUpdateKey>& /*key*/, CFindings& findings)
+                      const std::optional<CUpdateKey>& key, CFindings& findings)
 {
     CInstallerFacts facts;
     facts.source = path;
@@ -49,6 +64,14 @@ CInstallerFacts Check(const std::wstring& path, const std::string& bytes, const 
     {
         facts.version = VersionResourceOf(path);
         CheckVersion(facts.version, update, findings);
+    }
+    if (key && update.version && update.signature)
+    {
+        facts.isSigned = IsSigned(path, *key, update);
+        if (!*facts.isSigned)
+        {
+            findings.Error("signature", kPath, L"is not signed with the publisher's key for this version");
+        }
     }
     return facts;
 }
