@@ -105,6 +105,7 @@ void CheckHeaders(const CHttpExchange& seen, CFindings& findings)
     {
         findings.Error("status", kPath,
                        L"answers with status " + std::to_wstring(seen.status) + L", not 200");
+        return;
     }
     const std::wstring& type = seen.contentType;
     if (type.find(L"UTF-16") != std::wstring::npos || type.find(L"utf-16") != std::wstring::npos)

@@ -24,6 +24,7 @@ struct State
 {
     publishing::CForecast shown;
     std::wstring description;
+    int answer = 0;
     DWORD thread = GetCurrentThreadId();
     CreateDialogFunction* createDialog = nullptr;
     SetTextFunction* setText = nullptr;
@@ -82,7 +83,7 @@ HWND WINAPI AnswerOffer(HINSTANCE module, LPCDLGTEMPLATEW dialogTemplate, HWND o
         // "Available version: 1.3.0".
         const std::wstring version = ChildText(dialog, kAvailableText);
         g_state.shown.offer = {version.substr(version.rfind(L' ') + 1), g_state.description};
-        PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(kInstallButton), 0);
+        PostMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(g_state.answer), 0);
     }
     return dialog;
 }
@@ -105,7 +106,8 @@ CShownByAddIn::CShownByAddIn()
 
 CShownByAddIn::~CShownByAddIn() = default;
 
-publishing::CForecast CShownByAddIn::Run(const std::string& file, publishing::Trigger trigger)
+publishing::CForecast CShownByAddIn::Run(const std::string& file, publishing::Trigger trigger,
+                                         bool isInstalled)
 {
     CCallGates gates;
     CFakeWinInet winInet(gates);
@@ -114,6 +116,7 @@ publishing::CForecast CShownByAddIn::Run(const std::string& file, publishing::Tr
                        {HTTP_QUERY_CONTENT_TYPE, L"text/plain"}};
     winInet.body = {file};
     g_state.shown = {};
+    g_state.answer = isInstalled ? kInstallButton : kLaterButton;
     if (trigger == publishing::Trigger::Start)
     {
         RunGuarded("start", [] { CheckForUpdate(nullptr, true); });

@@ -15,8 +15,7 @@
 namespace orva::test
 {
 
-/// One at a time, on the thread that runs the checks. The user answers every offer with "Install", and what
-/// was downloaded is not started.
+/// One at a time, on the thread that runs the checks. What was downloaded is not started.
 class CShownByAddIn
 {
 public:
@@ -25,9 +24,10 @@ public:
     CShownByAddIn(const CShownByAddIn&) = delete;
     CShownByAddIn& operator=(const CShownByAddIn&) = delete;
 
-    /// Runs the check of this file as Outlook's start or as the button "Update" does. The version in an offer
-    /// is empty where the user's language has no text for it.
-    publishing::CForecast Run(const std::string& file, publishing::Trigger trigger);
+    /// Runs the check of this file as Outlook's start or as the button "Update" does. `isInstalled`: whether
+    /// the user answers an offer with "Install". The version in an offer is empty where the user's language
+    /// has no text for it.
+    publishing::CForecast Run(const std::string& file, publishing::Trigger trigger, bool isInstalled);
 
 private:
     CPrivateTemp m_temp;
