@@ -66,7 +66,7 @@ std::optional<std::wstring> ReadText(const wmObject& entry, const std::wstring& 
                                      CFindings& findings)
 {
     const wmValue* const value = FindMember(entry, path, name, json_spirit::str_type, findings);
-    return value != nullptr ? std::optional<std::wstring>(value->get_str().c_str()) : std::nullopt;
+    return value != nullptr ? std::optional(value->get_str()) : std::nullopt;
 }
 
 } // namespace
@@ -98,6 +98,8 @@ CPublishedUpdate CheckMembers(const wmValue& root, const CDemands& demands, CFin
     update.link = ReadText(entry, path, L"downloadLink", findings);
     if (update.link)
     {
+        // The add-in takes it up to its first zero unit.
+        update.link = update.link->c_str();
         CheckLink(*update.link, JoinPath(path, L"downloadLink"), findings);
     }
     if (const wmValue* const texts = FindMember(entry, path, L"description", json_spirit::obj_type, findings))

@@ -12,8 +12,7 @@
 namespace publishing
 {
 
-/// What the file publishes, as far as it has the right types. Texts end at their first zero unit, as for the
-/// add-in.
+/// What the file publishes, as far as it has the right types.
 struct CPublishedUpdate
 {
     std::optional<PublishedVersion> version;

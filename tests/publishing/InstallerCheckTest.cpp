@@ -116,6 +116,15 @@ TEST_F(InstallerCheckTest, TheSignatureIsVerifiedWithTheKeyForThisVersionAndFile
     EXPECT_THAT(m_texts, ElementsAre(L"is not signed with the publisher's key for this version"));
 }
 
+TEST_F(InstallerCheckTest, TheSignatureIsReadWholeAndTheLinkUpToAZero)
+{
+    json_spirit::wmValue root;
+    json_spirit::read_or_throw(LR"({"x64": {"signature": "a\u0000b", "downloadLink": "a\u0000b"}})", root);
+    const CPublishedUpdate update = publishing::CheckMembers(root, {}, m_findings);
+    EXPECT_EQ(update.signature, L"a\0b"s);
+    EXPECT_EQ(update.link, L"a");
+}
+
 TEST_F(InstallerCheckTest, AFileThatIsNotThereCannotBeRead)
 {
     EXPECT_THROW(Check(m_folder.File(L"missing.exe"), m_published), publishing::CUsageError);
