@@ -73,9 +73,9 @@ void CheckInstaller(const CPublishedUpdate& update, const CCheckOptions& options
 {
     if (IsUrl(options.source))
     {
-        result.installer = CheckInstallerLink(update, key, result.findings);
+        result.installer = CheckInstallerLink(update, key, options.installer, result.findings);
     }
-    if (options.installer)
+    else if (options.installer)
     {
         result.installer = CheckInstallerFile(*options.installer, update, key, result.findings);
     }

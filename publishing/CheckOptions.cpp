@@ -154,7 +154,8 @@ Reads an update-information file as the add-in does, tells what each user will s
   FILE                 the file on this machine
   URL                  the file as the web server sends it; its installer is downloaded and checked as well
 
-  --installer FILE     the installer on this machine: it has to be a program for Windows of the published version
+  --installer FILE     the installer on this machine: it has to be a program for Windows of the published version; with a
+                       URL the downloaded one has to be the same
   --public-key FILE    the publisher's key (PEM, P-256): the installer has to be signed with it
   --installed X.Y.Z    a version that users have: the published one has to be newer, and what these users see is told too
   --json               the same for scripts

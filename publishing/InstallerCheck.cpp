@@ -105,7 +105,9 @@ CInstallerFacts CheckInstallerFile(const std::wstring& path, const CPublishedUpd
 }
 
 std::optional<CInstallerFacts> CheckInstallerLink(const CPublishedUpdate& update,
-                                                  const std::optional<CUpdateKey>& key, CFindings& findings)
+                                                  const std::optional<CUpdateKey>& key,
+                                                  const std::optional<std::wstring>& original,
+                                                  CFindings& findings)
 {
     if (!update.link || FateOf(*update.link) != LinkFate::Downloaded)
     {
@@ -126,6 +128,10 @@ std::optional<CInstallerFacts> CheckInstallerLink(const CPublishedUpdate& update
         return std::nullopt;
     }
     CheckReply(*reply, findings);
+    if (original && ReadWholeFile(*original) != reply->body)
+    {
+        findings.Error("installer-differs", kPath, L"is another file than " + *original);
+    }
     const CTemporaryFile file(reply->body);
     CInstallerFacts facts = Check(file.Path(), reply->body, update, key, findings);
     facts.source = *update.link;

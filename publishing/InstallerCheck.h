@@ -30,8 +30,12 @@ struct CInstallerFacts
 CInstallerFacts CheckInstallerFile(const std::wstring& path, const CPublishedUpdate& update,
                                    const std::optional<CUpdateKey>& key, CFindings& findings);
 
-/// Downloads the installer from the published link and checks it. Absent if there is none.
+/// Downloads the installer from the published link and checks it. Absent if there is none. `original` is the
+/// file on this machine that it has to be the same as, if there is one; throws CUsageError if that cannot be
+/// read.
 std::optional<CInstallerFacts> CheckInstallerLink(const CPublishedUpdate& update,
-                                                  const std::optional<CUpdateKey>& key, CFindings& findings);
+                                                  const std::optional<CUpdateKey>& key,
+                                                  const std::optional<std::wstring>& original,
+                                                  CFindings& findings);
 
 } // namespace publishing

@@ -15,6 +15,7 @@ constexpr int kErrors = 1;
 constexpr int kUsage = 2;
 
 // The class library's object, in the place of the add-in's.
+// NOLINTNEXTLINE(cert-err58-cpp): only for lack of memory, without which nothing can be checked anyway
 CWinApp g_application(L"OrvaPublish");
 
 // A console gets UTF-16, whatever its code page; a file or a pipe gets UTF-8.

@@ -210,6 +210,21 @@ TEST_F(ServerCheckTest, AnInstallerThatIsNotThereOrComesCutIsAnError)
                                                              ", to which the server redirects"}));
 }
 
+TEST_F(ServerCheckTest, TheInstallerHasToBeTheFileOnThisMachineIfThereIsOne)
+{
+    m_server.On(kFilePath, CHttpReply(200, File()));
+    const std::wstring same = BuiltFile(L"newer\\OrvaSetup-1.3.0.exe");
+    EXPECT_THAT(publishing::Check({.source = m_server.WideUrl(kFilePath), .installer = same}).findings.All(),
+                testing::IsEmpty());
+    const std::wstring other = BuiltFile(L"OrvaPublish.exe");
+    const publishing::CCheckResult result =
+        publishing::Check({.source = m_server.WideUrl(kFilePath), .installer = other});
+    EXPECT_THAT(
+        FindingsOf(result.findings, publishing::PlainReport(result)),
+        ElementsAre(CExpectedFinding{"installer-differs", "Error: the installer is another file than " +
+                                                              publishing::Utf8(other)}));
+}
+
 TEST_F(ServerCheckTest, WithoutAnyServerNothingCanBeRead)
 {
     m_server.Refuse();
