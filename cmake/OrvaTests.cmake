@@ -40,3 +40,18 @@ function(orva_add_tests NAME)
       ENVIRONMENT "${ARG_ENVIRONMENT}")
   endforeach()
 endfunction()
+
+# orva_add_script_tests(NAME [ENVIRONMENT variable=value ...]) registers each script *Test.sh of the folder NAME as one CTest
+# test. ORVA_BUILD_DIR is this build's folder.
+function(orva_add_script_tests NAME)
+  cmake_parse_arguments(ARG "" "" "ENVIRONMENT" ${ARGN})
+  file(GLOB scripts CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${NAME}/*Test.sh")
+  foreach(script IN LISTS scripts)
+    get_filename_component(stem "${script}" NAME_WE)
+    add_test(NAME ${NAME}.${stem} COMMAND "${script}" WORKING_DIRECTORY "${CMAKE_BINARY_DIR}")
+    set_tests_properties(${NAME}.${stem} PROPERTIES
+      TIMEOUT 180
+      LABELS ${NAME}
+      ENVIRONMENT "ORVA_BUILD_DIR=${CMAKE_BINARY_DIR};${ARG_ENVIRONMENT}")
+  endforeach()
+endfunction()

@@ -1,0 +1,79 @@
+# Runs OrvaPublish.exe, which reads update files with the add-in's own code; to be sourced by ./publish and its commands.
+#
+# prepare_program           builds it, unless ORVA_PUBLISH_PROGRAM names one, and makes Wine ready.
+# run_check ARGUMENT...     runs "OrvaPublish.exe check"; paths may have their Linux form. The status is the program's.
+# windows_path PATH         its form in Wine.
+#
+# Wine's prefix is one of our own, so that neither ./run nor a test is disturbed.
+# shellcheck shell=bash disable=SC2154 # variables of tools/prepare-lib.sh
+
+windows_path() {
+    local path
+    path=$(realpath "$1")
+    echo "Z:${path//\//\\}"
+}
+
+start_wine() {
+    # Those of ORVA_WINE_ROOT are ended by whoever set it.
+    if [ -z "${ORVA_WINE_ROOT:-}" ]; then
+        export ORVA_WINE_ROOT=$repository/build/publish ORVA_WINE_SLOTS=1
+        at_exit stop_slots
+    fi
+    # shellcheck source=tools/wine-lib.sh
+    source "$repository/tools/wine-lib.sh"
+    take_slot
+    start_slot "$slot"
+}
+
+# build_quietly TARGET...
+build_quietly() {
+    install_packages >&2
+    mkdir -p "$repository/build"
+    echo "Building (the first time takes a few minutes)" >&2
+    configure_and_build "$@" >"$repository/build/publish-build.log" 2>&1 || {
+        tail -n 40 "$repository/build/publish-build.log" >&2
+        refuse "the build failed; see build/publish-build.log"
+    }
+}
+
+prepare_program() {
+    program=${ORVA_PUBLISH_PROGRAM:-}
+    if [ -z "$program" ]; then
+        build_quietly OrvaPublish
+        program=$build_dir/OrvaPublish.exe
+    fi
+    start_wine
+}
+
+run_check() {
+    local arguments=() status=0 attempt
+    while [ $# -gt 0 ]; do
+        case $1 in
+        --installer | --public-key)
+            arguments+=("$1")
+            if [ $# -ge 2 ]; then
+                [ -f "$2" ] || fail "there is no file $2"
+                arguments+=("$(windows_path "$2")")
+                shift
+            fi
+            ;;
+        --installed)
+            arguments+=("${@:1:2}")
+            [ $# -lt 2 ] || shift
+            ;;
+        -* | *://*) arguments+=("$1") ;;
+        *)
+            [ -f "$1" ] || fail "there is no file $1"
+            arguments+=("$(windows_path "$1")")
+            ;;
+        esac
+        shift
+    done
+    # Seen under Wine 8: a program ends before it has started, without output. Ours has always something to say.
+    for attempt in 1 2; do
+        status=0
+        run_in_slot "$program" check "${arguments[@]}" || status=$?
+        [ ! -s "$slot/output.log" ] || return "$status"
+    done
+    refuse "Wine ended the program with status $status before it had started, in $attempt attempts"
+}
