@@ -1,7 +1,8 @@
-// The program that ./run starts under Wine. Its status is 0 if everything was seen, 1 if not, and 2 if it
-// could not play.
+// The program that ./run and ./publish start under Wine. Its status is 0 if everything was seen, 1 if not,
+// and 2 if it could not play.
 #include "demo/Gallery.h"
 #include "demo/Play.h"
+#include "demo/Preview.h"
 
 #include <fcntl.h>
 #include <io.h>
@@ -19,8 +20,9 @@ int wmain(int, wchar_t** argument)
                                     argument[6],  argument[7],  argument[8],  argument[9], argument[10],
                                     argument[11], argument[12], argument[13], argument[14]};
         CTimeline timeline;
-        const bool isSeen =
-            settings.play == L"gallery" ? ShowGallery(settings, timeline) : CPlay(settings, timeline).Run();
+        const bool isSeen = settings.play == L"gallery"   ? ShowGallery(settings, timeline)
+                            : settings.play == L"preview" ? ShowPreview(settings, timeline)
+                                                          : CPlay(settings, timeline).Run();
         return isSeen ? 0 : 1;
     }
     catch (const std::exception& error)

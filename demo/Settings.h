@@ -9,7 +9,7 @@ namespace orva::demo
 /// The program's arguments, in this order. ./run gives them all. Paths are in Windows' form.
 struct CSettings
 {
-    /// "user" for the play, "show" if a person is the user, or "gallery".
+    /// "user" for the play, "show" if a person is the user, "gallery" or "preview".
     std::wstring play;
     std::wstring office;
     /// "en", "de", "es" or "tr".

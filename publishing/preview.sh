@@ -1,0 +1,60 @@
+# Takes pictures of what users will see of an update.
+#
+#   ./publish preview FILE --out FOLDER
+#
+# Starts the stand-in Outlook with the add-in of this source in four languages, lets it find FILE as UpdateInfo.txt, and asks
+# for a check besides. FOLDER gets offer-en.png, offer-de.png, offer-es.png and offer-tr.png. Where a message is shown
+# instead, that is taken: message-start-LANGUAGE.png at Outlook's start, message-request-LANGUAGE.png on request, "-2" if
+# there is a second one. What each user sees is told as well. Nothing is downloaded.
+# shellcheck shell=bash disable=SC2154 # variables of ./publish
+
+# shellcheck source=publishing/program.sh
+source "$here/publishing/program.sh"
+# shellcheck source=tools/server-lib.sh
+source "$here/tools/server-lib.sh"
+
+usage() { fail "$* (./publish preview --help)"; }
+
+file='' out=''
+while [ $# -gt 0 ]; do
+    case $1 in
+    --out)
+        [[ -n ${2:-} && $2 != --* ]] || usage "--out needs a value"
+        out=$2
+        shift
+        ;;
+    -*) usage "unknown option: $1" ;;
+    *)
+        [ -z "$file" ] || usage "preview takes one file"
+        file=$1
+        ;;
+    esac
+    shift
+done
+[ -n "$file" ] || usage "preview takes a file"
+[ -f "$file" ] || usage "there is no file $file"
+[ -n "$out" ] || usage "--out is missing"
+mkdir -p "$out" || exit 1
+
+build_quietly OrvaDemo
+start_wine
+server_dir=$slot/server
+# shellcheck disable=SC2317 # called at the end
+end_server() { stop_server "$server_dir"; }
+at_exit end_server
+rm -rf "$server_dir"
+mkdir -p "$server_dir/www${update_info_path%/*}"
+cp "$file" "$server_dir/www$update_info_path"
+start_server "$server_dir" 1m
+
+rm -f "$out"/{offer,message-start,message-request}-{en,de,es,tr}{,-2}.png
+status=0
+run_in_slot "$build_dir/OrvaDemo.exe" preview 12 en "$(windows_path "$file")" any later "$(windows_path "$out")" \
+    "$server_port" "$(windows_path "$server_log")" "$(windows_path "$server_dir/www$update_info_path")" '' \
+    "$(windows_path "$here/demo/take-picture")" || status=$?
+# When its Wine server ends, a Windows program ends with status 0, wherever it is.
+if [ "$status" -ne 0 ] || ! grep -qx 'Every language was seen.' "$slot/output.log"; then
+    refuse "not every window was seen"
+fi
+rm -f "$out/host.log"
+echo "Pictures: $out"
