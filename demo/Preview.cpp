@@ -33,7 +33,7 @@ public:
     // False if a check did not end.
     bool Run()
     {
-        StartOutlook(L"12");
+        StartOutlook(L"12", L"host.log");
         const bool isSeen =
             Watch(kStartTime, [this] { return m_isStarted; }) && WaitUntilEnabled(m_main) && Request();
         PostMessageW(m_main, WM_CLOSE, 0, 0);

@@ -68,11 +68,10 @@ for name in version installer link out; do
 done
 [ -n "${text[default]:-}" ] || usage "--description default=FILE is missing: what everybody reads who has no text of their own"
 
-# A number as JSON has it, and as add-ins count.
-number='(0|[1-9][0-9]{0,9})'
-[[ $version =~ ^$number\.$number\.$number$ ]] || usage "--version is MAJOR.MINOR.BUILD, not $version"
+is_version "$version" || usage "--version is MAJOR.MINOR.BUILD, not $version"
 numbers=("${BASH_REMATCH[@]:1}")
 for part in "${numbers[@]}"; do
+    # More than add-ins count with.
     ((part < 2 ** 31)) || usage "--version: $part is larger than 2147483647"
 done
 [ -f "$installer" ] || usage "there is no file $installer"

@@ -1,11 +1,15 @@
 # Takes pictures of what users will see of an update.
 #
-#   ./publish preview FILE --out FOLDER
+#   ./publish preview FILE [--installed X.Y.Z] --out FOLDER
 #
-# Starts the stand-in Outlook with the add-in of this source in four languages, lets it find FILE as UpdateInfo.txt, and asks
-# for a check besides. FOLDER gets offer-en.png, offer-de.png, offer-es.png and offer-tr.png. Where a message is shown
-# instead, that is taken: message-start-LANGUAGE.png at Outlook's start, message-request-LANGUAGE.png on request, "-2" if
-# there is a second one. What each user sees is told as well. Nothing is downloaded.
+#   FILE                   an UpdateInfo.txt
+#   --installed X.Y.Z      the version that the users have (default: that of this source)
+#   --out FOLDER           where the pictures go
+#
+# Starts the stand-in Outlook in four languages, lets it find FILE, and asks for a check besides. FOLDER gets offer-en.png,
+# offer-de.png, offer-es.png and offer-tr.png. Where a message is shown instead, that is taken: message-start-LANGUAGE.png at
+# Outlook's start, message-request-LANGUAGE.png on request, with "-2" if there is a second one. What each user sees is told
+# as well. Nothing is downloaded.
 # shellcheck shell=bash disable=SC2154 # variables of ./publish
 
 # shellcheck source=publishing/program.sh
@@ -15,12 +19,12 @@ source "$here/tools/server-lib.sh"
 
 usage() { fail "$* (./publish preview --help)"; }
 
-file='' out=''
+file='' out='' installed=''
 while [ $# -gt 0 ]; do
     case $1 in
-    --out)
-        [[ -n ${2:-} && $2 != --* ]] || usage "--out needs a value"
-        out=$2
+    --out | --installed)
+        [[ -n ${2:-} && $2 != --* ]] || usage "$1 needs a value"
+        printf -v "${1#--}" %s "$2"
         shift
         ;;
     -*) usage "unknown option: $1" ;;
@@ -34,10 +38,23 @@ done
 [ -n "$file" ] || usage "preview takes a file"
 [ -f "$file" ] || usage "there is no file $file"
 [ -n "$out" ] || usage "--out is missing"
+[ -z "$installed" ] || is_version "$installed" || usage "--installed is MAJOR.MINOR.BUILD, not $installed"
 mkdir -p "$out" || exit 1
 
-build_quietly OrvaDemo
+if [ -n "$installed" ]; then
+    # shellcheck disable=SC2034 # used by configure_and_build
+    cmake_options=(-D "ORVA_PUBLISHED_VERSION=$installed")
+    build_quietly OrvaDemo setup-published
+    setup=$build_dir/published/OrvaSetup-$installed.exe
+else
+    build_quietly OrvaDemo setup
+    installed=$(sed -n 's/^#define ORVA_VERSION "\(.*\)"/\1/p' "$build_dir/generated/OrvaVersion.h")
+    setup=$build_dir/OrvaSetup-$installed.exe
+fi
+# A setup does not replace a newer version, which an earlier preview may have left.
+wine_state=fresh
 start_wine
+echo "What users of $installed see:"
 server_dir=$slot/server
 # shellcheck disable=SC2317 # called at the end
 end_server() { stop_server "$server_dir"; }
@@ -49,9 +66,9 @@ start_server "$server_dir" 1m
 
 rm -f "$out"/{offer,message-start,message-request}-{en,de,es,tr}{,-2}.png
 status=0
-run_in_slot "$build_dir/OrvaDemo.exe" preview 12 en "$(windows_path "$file")" any later "$(windows_path "$out")" \
-    "$server_port" "$(windows_path "$server_log")" "$(windows_path "$server_dir/www$update_info_path")" '' \
-    "$(windows_path "$here/demo/take-picture")" || status=$?
+run_in_slot "$build_dir/OrvaDemo.exe" preview 12 en "$(windows_path "$file")" any later plain "$(windows_path "$out")" \
+    "$server_port" "$(windows_path "$server_log")" "$(windows_path "$server_dir/www$update_info_path")" none \
+    "$(windows_path "$setup")" "$(windows_path "$here/demo/take-picture")" || status=$?
 # When its Wine server ends, a Windows program ends with status 0, wherever it is.
 if [ "$status" -ne 0 ] || ! grep -qx 'Every language was seen.' "$slot/output.log"; then
     refuse "not every window was seen"

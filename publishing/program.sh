@@ -1,7 +1,9 @@
 # Runs OrvaPublish.exe, which reads update files with the add-in's own code; to be sourced by ./publish and its commands.
 #
-# prepare_program           builds it, unless ORVA_PUBLISH_PROGRAM names one, and makes Wine ready.
+# prepare_program           builds it and makes Wine ready.
+# build_quietly TARGET...   unless ORVA_IS_BUILT is set.
 # run_check ARGUMENT...     runs "OrvaPublish.exe check"; paths may have their Linux form. The status is the program's.
+# start_wine                makes Wine ready; with wine_state=fresh in a prefix in which nothing was ever installed.
 # windows_path PATH         its form in Wine.
 #
 # Wine's prefix is one of our own, so that neither ./run nor a test is disturbed.
@@ -13,6 +15,7 @@ windows_path() {
     echo "Z:${path//\//\\}"
 }
 
+wine_state=any
 start_wine() {
     # Those of ORVA_WINE_ROOT are ended by whoever set it.
     if [ -z "${ORVA_WINE_ROOT:-}" ]; then
@@ -22,11 +25,12 @@ start_wine() {
     # shellcheck source=tools/wine-lib.sh
     source "$repository/tools/wine-lib.sh"
     take_slot
+    [ "$wine_state" != fresh ] || rm -f "$slot/prefix.ready"
     start_slot "$slot"
 }
 
-# build_quietly TARGET...
 build_quietly() {
+    [ -z "${ORVA_IS_BUILT:-}" ] || return 0
     install_packages >&2
     mkdir -p "$repository/build"
     echo "Building (the first time takes a few minutes)" >&2
@@ -37,11 +41,7 @@ build_quietly() {
 }
 
 prepare_program() {
-    program=${ORVA_PUBLISH_PROGRAM:-}
-    if [ -z "$program" ]; then
-        build_quietly OrvaPublish
-        program=$build_dir/OrvaPublish.exe
-    fi
+    build_quietly OrvaPublish
     start_wine
 }
 
@@ -72,7 +72,7 @@ run_check() {
     # Seen under Wine 8: a program ends before it has started, without output. Ours has always something to say.
     for attempt in 1 2; do
         status=0
-        run_in_slot "$program" check "${arguments[@]}" || status=$?
+        run_in_slot "$build_dir/OrvaPublish.exe" check "${arguments[@]}" || status=$?
         [ ! -s "$slot/output.log" ] || return "$status"
     done
     refuse "Wine ended the program with status $status before it had started, in $attempt attempts"

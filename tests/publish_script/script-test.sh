@@ -1,7 +1,7 @@
 # Runs the tests of a script; to be sourced by its *Test.sh, which calls run_tests at the end.
 #
 # Each function test_* runs in a shell and an empty folder of its own, with "set -e": the first command that fails fails the
-# test. CTest sets ORVA_BUILD_DIR, ORVA_PUBLISH_PROGRAM, and in ORVA_NEWER_VERSION the version whose setup program is there.
+# test. CTest sets ORVA_BUILD_DIR, and in ORVA_NEWER_VERSION the version whose setup program is there.
 #
 # publish STATUS ARGUMENT...     ./publish has to end with this status; its output is then in the files stdout and stderr.
 # expect_equal EXPECTED ACTUAL
@@ -14,6 +14,7 @@
 set -euo pipefail
 
 repository=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+export ORVA_IS_BUILT=1
 # Never the one of ./publish itself, which it would end.
 export ORVA_WINE_ROOT=${ORVA_WINE_ROOT:-$repository/build/wine}
 version=$ORVA_NEWER_VERSION

@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# ./publish preview, in a Wine prefix of its own, because the add-in is installed there.
+# shellcheck source=tests/publish_script/script-test.sh
+source "$(dirname "${BASH_SOURCE[0]}")/script-test.sh"
+
+test_takes_a_picture_of_what_each_user_sees() {
+    local name
+    # German users get a message on request, the others an offer.
+    cat >UpdateInfo.txt <<'FILE'
+{"x64": {"majorVersion": 99, "minorVersion": 0, "buildNumber": 0, "downloadLink": "http://www.orva.example/OrvaSetup-99.0.0.exe",
+    "description": {"de": "", "es": "Más rápido.", "default": "Faster."}}}
+FILE
+    mkdir out
+    echo 'of an earlier preview' >out/message-start-en.png
+    unset ORVA_WINE_ROOT
+    publish 0 preview UpdateInfo.txt --out out
+    expect_equal 'message-request-de.png offer-en.png offer-es.png offer-tr.png' \
+        "$(find out -mindepth 1 -printf '%P\n' | sort | xargs)"
+    for name in out/*.png; do
+        # The offer and the message are hundreds of pixels wide.
+        [[ $(/usr/bin/identify -format '%m %w' "$name") =~ ^PNG\ [2-9][0-9]{2}$ ]]
+    done
+    sed -n "s/^ *[0-9.]* s  \(..\) *\(at Outlook's start\|on request\) /\1 \2: /p" stdout >told
+    expect_lines told \
+        "en at Outlook's start: is offered \"Available version: 99.0.0\" with the text \"Faster.\"" \
+        'en on request: is offered "Available version: 99.0.0" with the text "Faster."' \
+        "de at Outlook's start: sees nothing" \
+        'de on request: sees the message "Die Updateinformationen konnten nicht ausgewertet werden."' \
+        "es at Outlook's start: is offered \"Versión disponible: 99.0.0\" with the text \"Más rápido.\"" \
+        'es on request: is offered "Versión disponible: 99.0.0" with the text "Más rápido."' \
+        "tr at Outlook's start: is offered \"Kullanılabilir sürüm: 99.0.0\" with the text \"Faster.\"" \
+        'tr on request: is offered "Kullanılabilir sürüm: 99.0.0" with the text "Faster."'
+}
+
+run_tests
