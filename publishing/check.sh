@@ -17,5 +17,6 @@
 source "$here/publishing/program.sh"
 
 [ $# -gt 0 ] || fail "check takes a file or a URL (./publish check --help)"
+read_arguments "$@"
 prepare_program
-run_check "$@"
+run_check

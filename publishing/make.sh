@@ -120,9 +120,9 @@ jq -n --indent 4 --argjson major "${numbers[0]}" --argjson minor "${numbers[1]}"
     ' >"$scratch/UpdateInfo.txt" || exit 1
 
 # Shown as a whole: who publishes wants to know what users will see.
-run_check "$scratch/UpdateInfo.txt" --installer "$scratch/$file_name" \
-    ${key:+--public-key "$scratch/public.pem"} ${installed:+--installed "$installed"} ||
-    refuse "nothing was written to $out"
+read_arguments "$scratch/UpdateInfo.txt" --installer "$scratch/$file_name" \
+    ${key:+--public-key "$scratch/public.pem"} ${installed:+--installed "$installed"}
+run_check || refuse "nothing was written to $out"
 # The installer first, because a link must not lead nowhere.
 mv -T "$scratch/$file_name" "$out/$file_name"
 mv -T "$scratch/UpdateInfo.txt" "$out/UpdateInfo.txt"

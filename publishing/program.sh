@@ -2,7 +2,8 @@
 #
 # prepare_program           builds it and makes Wine ready.
 # build_quietly TARGET...   unless ORVA_IS_BUILT is set.
-# run_check ARGUMENT...     runs "OrvaPublish.exe check"; paths may have their Linux form. The status is the program's.
+# read_arguments WORD...    sets check_arguments to those of "OrvaPublish.exe check", with paths in their form in Wine.
+# run_check                 runs it with these. The status is the program's.
 # start_wine                makes Wine ready; with wine_state=fresh in a prefix in which nothing was ever installed.
 # windows_path PATH         its form in Wine.
 #
@@ -45,34 +46,39 @@ prepare_program() {
     start_wine
 }
 
-run_check() {
-    local arguments=() status=0 attempt
+check_arguments=()
+read_arguments() {
+    check_arguments=()
     while [ $# -gt 0 ]; do
         case $1 in
         --installer | --public-key)
-            arguments+=("$1")
+            check_arguments+=("$1")
             if [ $# -ge 2 ]; then
                 [ -f "$2" ] || fail "there is no file $2"
-                arguments+=("$(windows_path "$2")")
+                check_arguments+=("$(windows_path "$2")")
                 shift
             fi
             ;;
         --installed)
-            arguments+=("${@:1:2}")
+            check_arguments+=("${@:1:2}")
             [ $# -lt 2 ] || shift
             ;;
-        -* | *://*) arguments+=("$1") ;;
+        -* | *://*) check_arguments+=("$1") ;;
         *)
             [ -f "$1" ] || fail "there is no file $1"
-            arguments+=("$(windows_path "$1")")
+            check_arguments+=("$(windows_path "$1")")
             ;;
         esac
         shift
     done
+}
+
+run_check() {
+    local status attempt
     # Seen under Wine 8: a program ends before it has started, without output. Ours has always something to say.
     for attempt in 1 2; do
         status=0
-        run_in_slot "$build_dir/OrvaPublish.exe" check "${arguments[@]}" || status=$?
+        run_in_slot "$build_dir/OrvaPublish.exe" check "${check_arguments[@]}" || status=$?
         [ ! -s "$slot/output.log" ] || return "$status"
     done
     refuse "Wine ended the program with status $status before it had started, in $attempt attempts"
