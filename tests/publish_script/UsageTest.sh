@@ -106,7 +106,7 @@ test_an_installer_that_is_missing_or_that_the_link_does_not_name() {
 test_check_and_preview_without_a_file() {
     wrong 'check takes a file or a URL (./publish check --help)' check
     publish 2 check missing.txt
-    expect_equal 'publish: there is no file missing.txt' "$(tail -n 1 stderr)"
+    expect_lines stderr "publish: there is no file missing.txt"
     wrong 'preview takes a file (./publish preview --help)' preview
     echo text >text
     wrong '--out is missing (./publish preview --help)' preview text
