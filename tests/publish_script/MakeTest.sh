@@ -34,6 +34,9 @@ test_writes_these_bytes() {
 }
 
 test_puts_the_installer_beside_the_file_and_nothing_else() {
+    cp "$installer" .
+    chmod 700 "$installer_name"
+    local installer=$installer_name
     make_update 0
     expect_equal "$installer_name UpdateInfo.txt" "$(cd out && find . -mindepth 1 -printf '%P\n' | sort | xargs)"
     cmp "$installer" "out/$installer_name"

@@ -49,10 +49,21 @@ test_overwrites_neither_key() {
     done
 }
 
+test_does_not_overwrite_a_key_that_somebody_makes_at_the_same_time() {
+    replace_program mkdir <<'SCRIPT'
+"$real_mkdir" "$@"
+echo precious >keys/private.pem
+SCRIPT
+    publish 1 new-key keys
+    expect_equal precious "$(<keys/private.pem)"
+    expect_equal private.pem "$(ls keys)"
+}
+
 test_follows_no_link_that_leads_nowhere() {
     mkdir keys
     ln -s ../elsewhere keys/private.pem
     publish 1 new-key keys
+    expect_lines stderr 'publish: keys/private.pem exists, and a key is never overwritten'
     [ ! -e elsewhere ]
 }
 
