@@ -38,7 +38,7 @@ add_text() {
     [ -f "$file" ] || usage "there is no file $file"
     iconv -f UTF-8 -t UTF-8 "$file" >/dev/null 2>&1 || usage "$file is not a text in UTF-8"
     ! grep -qaP '\x00' "$file" || usage "$file holds a zero byte, with which a text ends"
-    sed $'1s/^\xEF\xBB\xBF//' "$file" | grep -q '[^[:space:]]' || usage "$file holds no text"
+    grep -q '[^[:space:]]' <(sed $'1s/^\xEF\xBB\xBF//' "$file") || usage "$file holds no text"
     text[$language]=$file
 }
 

@@ -66,6 +66,13 @@ test_drops_a_byte_order_mark_carriage_returns_and_line_ends_at_the_end() {
     fails grep -q $'\xEF\xBB\xBF' out/UpdateInfo.txt
 }
 
+test_takes_a_long_text() {
+    # More than a pipe holds.
+    seq -f 'Line %g of what is new.' 5000 >english
+    make_update 0
+    expect_equal "$(<english)" "$(text_of default)"
+}
+
 test_keeps_line_ends_at_the_beginning() {
     printf '\n\none' >english
     make_update 0
