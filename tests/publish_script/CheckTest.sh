@@ -29,6 +29,8 @@ test_takes_paths_with_blanks_and_other_characters() {
 }
 
 test_a_URL_stays_as_it_is() {
+    # Wine would ask this proxy.
+    unset http_proxy
     # Port 9 is the one that discards everything, where nobody listens.
     publish 2 check http://127.0.0.1:9/UpdateInfo.txt
     expect_equal 'OrvaPublish: http://127.0.0.1:9/UpdateInfo.txt cannot be read: no server answers' "$(head -n 1 stdout)"
