@@ -5,6 +5,7 @@
 #include "publishing/PublicKeyFile.h"
 #include "publishing/SecondReading.h"
 #include "publishing/UpdateText.h"
+#include "support/UpdateKey.h"
 #include "support/Version.h"
 
 #include <utility>
@@ -17,6 +18,12 @@ namespace
 bool IsSame(const PublishedVersion& left, const PublishedVersion& right)
 {
     return !IsNewer(left, right) && !IsNewer(right, left);
+}
+
+// Whether the add-ins start signed installers only: those of this build, or those that were asked for.
+bool HaveKey(const CCheckOptions& options)
+{
+    return options.publicKey || kUpdateVerifier != nullptr;
 }
 
 // The add-in's own version of this build, and the one that was asked for.
@@ -39,7 +46,7 @@ std::vector<CUserForecast> ForetellAll(const CUpdateText& text, const CCheckOpti
         {
             for (const CUser& user : AllUsers())
             {
-                const CAddIn addIn{version, options.publicKey.has_value()};
+                const CAddIn addIn{version, HaveKey(options)};
                 all.push_back({user, version, trigger, Foretell(text, addIn, user.language, trigger)});
             }
         }
@@ -100,7 +107,7 @@ CCheckResult Check(const CCheckOptions& options)
         CheckBySecondReading(text.text, isRead, result.findings);
         if (isRead)
         {
-            update = CheckMembers(text.root, {options.installed, key.has_value()}, result.findings);
+            update = CheckMembers(text.root, {options.installed, HaveKey(options)}, result.findings);
         }
     }
     result.version = update.version;

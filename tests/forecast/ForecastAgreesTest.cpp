@@ -103,11 +103,12 @@ TEST_F(ForecastAgreesTest, OnKnownFiles)
 
 TEST_F(ForecastAgreesTest, OnMutatedFiles)
 {
-    constexpr std::size_t kFiles = 2000;
-    ExpectAll(MutatedFiles(kFiles));
+    // What a key changes is seen in fewer.
+    const std::size_t files = kUpdateVerifier == nullptr || IsThorough() ? 2000 : 500;
+    ExpectAll(MutatedFiles(files));
     // Not all of them are broken.
-    EXPECT_GT(m_offers, 200);
-    EXPECT_GT(m_downloads, 200);
+    EXPECT_GT(static_cast<std::size_t>(m_offers), files / 10);
+    EXPECT_GT(static_cast<std::size_t>(m_downloads), files / 10);
 }
 
 } // namespace
