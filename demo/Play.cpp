@@ -8,6 +8,7 @@
 #include "res/resource.h"
 
 #include <cstdio>
+#include <sstream>
 
 namespace orva::demo
 {
@@ -219,10 +220,12 @@ void CPlay::PlayEnd(const std::string& phase)
 
 std::wstring CPlay::VersionLine() const
 {
+    std::wistringstream numbers(m_version);
     int major = 0;
     int minor = 0;
     int build = 0;
-    swscanf(m_version.c_str(), L"%d.%d.%d", &major, &minor, &build);
+    wchar_t dot = L'.';
+    numbers >> major >> dot >> minor >> dot >> build;
     return m_texts.With(IDS_VERSION_LINE1, major, minor, build, 64);
 }
 

@@ -6,6 +6,7 @@
 #include <bcrypt.h>
 
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace
@@ -105,10 +106,8 @@ UniqueKey ImportKey(const UniqueProvider& provider, const CUpdateKey& key)
             : nullptr);
 }
 
-} // namespace
-
-bool IsSignedBy(const CUpdateKey& key, const std::string& signedVersion, HANDLE file,
-                const std::wstring& signature)
+bool Verify(const CUpdateKey& key, const std::string& signedVersion, HANDLE file,
+            const std::wstring& signature)
 {
     EcdsaSignature numbers{};
     Digest digest{};
@@ -122,4 +121,19 @@ bool IsSignedBy(const CUpdateKey& key, const std::string& signedVersion, HANDLE 
            BCRYPT_SUCCESS(BCryptVerifySignature(imported.get(), nullptr, digest.data(),
                                                 static_cast<ULONG>(digest.size()), numbers.data(),
                                                 static_cast<ULONG>(numbers.size()), 0));
+}
+
+} // namespace
+
+bool IsSignedBy(const CUpdateKey& key, const std::string& signedVersion, HANDLE file,
+                const std::wstring& signature)
+{
+    try
+    {
+        return Verify(key, signedVersion, file, signature);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return false;
+    }
 }

@@ -19,7 +19,7 @@ struct CUpdateKey
 /// `signedVersion` is "major.minor.build" and a line feed, so that the signature fits neither another version
 /// nor another file. `signature` is what `openssl dgst -sha256 -sign` makes, in base64 (DecodeEcdsaSignature
 /// says how strictly that is read): ECDSA on P-256 with SHA-256. `file` is open for reading; its position is
-/// moved. Any failure, of the system's cryptography or of reading, is false. Blocks as long as reading the
-/// file takes.
+/// moved. Any failure, of the system's cryptography, of reading or of memory, is false. Blocks as long as
+/// reading the file takes.
 bool IsSignedBy(const CUpdateKey& key, const std::string& signedVersion, HANDLE file,
                 const std::wstring& signature);

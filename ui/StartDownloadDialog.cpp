@@ -38,8 +38,8 @@ void StartInstaller(const CString& path, ULONG mask)
 }
 
 // Opens the file so that nobody can write, rename or delete it. Null, with a line in the log, unless it then
-// is what the publisher has signed.
-UniqueFile HoldIfSigned(const CString& path, const CSignedUpdate* signedUpdate)
+// is what the publisher has signed; `signedPath` is the path by which to start it.
+UniqueFile HoldIfSigned(const CString& path, const CSignedUpdate* signedUpdate, std::wstring& signedPath)
 {
     const HANDLE opened =
         CreateFileW(path, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
@@ -52,7 +52,11 @@ UniqueFile HoldIfSigned(const CString& path, const CSignedUpdate* signedUpdate)
     UniqueFile file(opened);
     const std::string version =
         signedUpdate != nullptr ? WideToNarrow(signedUpdate->version.GetString()) : std::string();
-    if (signedUpdate == nullptr || !kUpdateVerifier(version + "\n", opened, signedUpdate->signature))
+    if (signedUpdate != nullptr)
+    {
+        signedPath = kUpdateVerifier(version + "\n", opened, signedUpdate->signature);
+    }
+    if (signedPath.empty())
     {
         WriteDebugLog(GetDebugLog(), kFunction, "not signed by the publisher for version", version);
         return nullptr;
@@ -64,11 +68,12 @@ UniqueFile HoldIfSigned(const CString& path, const CSignedUpdate* signedUpdate)
 bool StartSignedInstaller(const CString& path, const CSignedUpdate* signedUpdate)
 {
     {
-        const UniqueFile held = HoldIfSigned(path, signedUpdate);
+        std::wstring signedPath;
+        const UniqueFile held = HoldIfSigned(path, signedUpdate, signedPath);
         if (held != nullptr)
         {
             // The shell has to be done with the file before it is let go.
-            StartInstaller(path, SEE_MASK_NOASYNC);
+            StartInstaller(CString(signedPath.c_str()), SEE_MASK_NOASYNC);
             return true;
         }
     }

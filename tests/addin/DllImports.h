@@ -78,6 +78,7 @@ inline constexpr CImportedFunctions kImportsForSignatures[] = {
      "BCryptCloseAlgorithmProvider BCryptCreateHash BCryptDestroyHash BCryptDestroyKey BCryptFinishHash "
      "BCryptGetProperty BCryptHashData BCryptImportKeyPair BCryptOpenAlgorithmProvider "
      "BCryptVerifySignature"},
+    {"KERNEL32.DLL", "GetFinalPathNameByHandleW"},
     {"KERNEL32.DLL",
      "ReadFile SetFilePointerEx"},
 };

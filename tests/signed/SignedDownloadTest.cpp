@@ -169,6 +169,44 @@ TEST_F(SignedStartTest, TheShellIsToBeDoneBeforeTheFileIsLetGo)
     EXPECT_EQ(starts, 1);
 }
 
+// The system's answer for the file that is held, on which no link has an influence any more.
+const wchar_t* g_finalPath = nullptr;
+
+DWORD WINAPI GiveFinalPath(HANDLE, LPWSTR path, DWORD size, DWORD flags)
+{
+    EXPECT_EQ(flags, static_cast<DWORD>(FILE_NAME_NORMALIZED | VOLUME_NAME_DOS));
+    const std::wstring text = g_finalPath;
+    EXPECT_GT(size, text.size());
+    std::copy_n(text.c_str(), text.size() + 1, path);
+    return static_cast<DWORD>(text.size());
+}
+
+TEST_F(SignedStartTest, ItIsStartedByThePathOfTheFileThatIsHeldAndNotByTheOneThatLedToIt)
+{
+    const CImportHook hook(GetModuleHandleW(nullptr), "KERNEL32.dll", "GetFinalPathNameByHandleW",
+                           &GiveFinalPath);
+    std::wstring started;
+    g_onStart = [&](const SHELLEXECUTEINFOW& info) { started = info.lpFile; };
+    const CSignedUpdate update = Update(m_signature);
+    constexpr std::pair<const wchar_t*, const wchar_t*> kPaths[] = {
+        {L"\\\\?\\C:\\own\\setup.orvatest", L"C:\\own\\setup.orvatest"},
+        {L"\\\\?\\UNC\\server\\share\\setup.orvatest", L"\\\\server\\share\\setup.orvatest"}};
+    for (const auto& [finalPath, expected] : kPaths)
+    {
+        g_finalPath = finalPath;
+        DownloadBytes(m_bytes, &update);
+        EXPECT_EQ(started, expected);
+    }
+}
+
+TEST_F(SignedStartTest, AFileOfWhichTheSystemGivesNoPathIsNotStarted)
+{
+    const CImportHook hook(GetModuleHandleW(nullptr), "KERNEL32.dll", "GetFinalPathNameByHandleW",
+                           &GiveFinalPath);
+    g_finalPath = L"";
+    ExpectRefusedAndDeleted(m_bytes, Update(m_signature));
+}
+
 TEST_F(SignedStartTest, AFileThatIsReplacedBeforeItIsHeldIsNotStarted)
 {
     g_beforeVerifying = [](const std::wstring& path) {
