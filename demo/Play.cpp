@@ -115,11 +115,11 @@ void CPlay::PlayChangedInstaller()
 void CPlay::PlayPrograms()
 {
     const std::wstring installed = InstalledVersion();
-    See("updated", installed == m_settings.publish);
     CChildProcess programs({.program = L"control.exe", .arguments = {L"appwiz.cpl"}});
     const HWND window = WaitForWindow({.process = programs.Id(), .className = kDialogClass});
     User(L"looks at \"Programs and Features\": ORVA Connector " + installed);
     Picture(window, "programs");
+    See("updated", window != nullptr && installed == m_settings.publish);
     if (window != nullptr && ClickButton(window, IDCANCEL))
     {
         programs.WaitForExit();

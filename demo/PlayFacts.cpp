@@ -117,7 +117,7 @@ void CPlay::AskForUpdate(const std::string& version)
     };
     ask("setup-pages", "the setup's pages said that " ORVA_VERSION " is replaced by " + version);
     ask("outlook-open", "Outlook was open until the setup's end");
-    ask("updated", "\"Programs and Features\" showed version " + version);
+    ask("updated", "\"Programs and Features\" was opened, where the entry has version " + version);
     ask("restart-connected", "Outlook, started again, loaded and connected the add-in");
     ask("restart-fetched", "the add-in read the file again");
     ask("restart-silence", "nothing was shown at that start, because " + version + " is the latest version");
