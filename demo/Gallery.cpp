@@ -22,9 +22,7 @@ namespace
 {
 
 // Milliseconds.
-constexpr DWORD kStartTime = 180'000;
 constexpr DWORD kCheckTime = 60'000;
-constexpr DWORD kEndTime = 30'000;
 constexpr int kAttempts = 3;
 
 constexpr std::string_view kDownloadToEnd = "download-end";

@@ -19,9 +19,7 @@ namespace
 {
 
 // Milliseconds.
-constexpr DWORD kStartTime = 180'000;
 constexpr DWORD kCheckTime = 120'000;
-constexpr DWORD kEndTime = 30'000;
 constexpr char kTooLate[] = "the check did not end in time";
 
 } // namespace

@@ -19,9 +19,7 @@ namespace
 {
 
 // Milliseconds.
-constexpr DWORD kStartTime = 180'000;
 constexpr DWORD kCheckTime = 60'000;
-constexpr DWORD kEndTime = 30'000;
 constexpr DWORD kAnswerTime = 1'000;
 
 // What users of one language see.

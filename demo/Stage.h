@@ -30,6 +30,10 @@ public:
     CStage& operator=(const CStage&) = delete;
 
 protected:
+    /// How long Outlook may take to start, with its check, and to end. Milliseconds.
+    static constexpr DWORD kStartTime = 180'000;
+    static constexpr DWORD kEndTime = 30'000;
+
     /// A new window, whose turn it is.
     virtual void Meet(const CMetWindow& window) = 0;
     /// A line of the stand-in's trace, without its time.
