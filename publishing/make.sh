@@ -20,8 +20,6 @@
 # shellcheck source=publishing/program.sh
 source "$here/publishing/program.sh"
 
-usage() { fail "$* (./publish make --help)"; }
-
 version='' installer='' link='' key='' out='' installed=''
 declare -A text=()
 
@@ -68,13 +66,11 @@ for name in version installer link out; do
 done
 [ -n "${text[default]:-}" ] || usage "--description default=FILE is missing: what everybody reads who has no text of their own"
 
-is_version "$version" || usage "--version is MAJOR.MINOR.BUILD, not $version"
-numbers=("${BASH_REMATCH[@]:1}")
-for part in "${numbers[@]}"; do
-    # More than add-ins count with.
-    ((part < 2 ** 31)) || usage "--version: $part is larger than 2147483647"
-done
+[ -z "$installed" ] || check_version --installed "$installed"
+check_version --version "$version"
 [ -f "$installer" ] || usage "there is no file $installer"
+# A server answers such a link with an error.
+[[ ${link//%[[:xdigit:]][[:xdigit:]]/} != *%* ]] || usage "the link holds a % without two hexadecimal digits behind it: $link"
 # As the web server reads the link; the user's own file will have the name that stands there.
 link_name=${link##*/}
 link_name=${link_name//\\/\\\\}

@@ -17,8 +17,6 @@ source "$here/publishing/program.sh"
 # shellcheck source=tools/server-lib.sh
 source "$here/tools/server-lib.sh"
 
-usage() { fail "$* (./publish preview --help)"; }
-
 file='' out='' installed=''
 while [ $# -gt 0 ]; do
     case $1 in
@@ -38,12 +36,13 @@ done
 [ -n "$file" ] || usage "preview takes a file"
 [ -f "$file" ] || usage "there is no file $file"
 [ -n "$out" ] || usage "--out is missing"
-[ -z "$installed" ] || is_version "$installed" || usage "--installed is MAJOR.MINOR.BUILD, not $installed"
+[ -z "$installed" ] || check_version --installed "$installed"
 mkdir -p "$out" || exit 1
 
+# Empty as well, because the build folder remembers it.
+# shellcheck disable=SC2034 # used by configure_and_build
+cmake_options=(-D "ORVA_PUBLISHED_VERSION=$installed")
 if [ -n "$installed" ]; then
-    # shellcheck disable=SC2034 # used by configure_and_build
-    cmake_options=(-D "ORVA_PUBLISHED_VERSION=$installed")
     build_quietly OrvaDemo setup-published
     setup=$build_dir/published/OrvaSetup-$installed.exe
 else

@@ -67,12 +67,24 @@ test_options_that_are_unknown_or_given_twice() {
 
 test_versions_that_are_none() {
     local given
+    echo text >text
     for given in 1.3 1.3.0.0 1.03.0 -1.3.0 1.3.x v1.3.0 '1.3.0 ' 1.3.99999999999; do
-        complete[1]=$given
-        wrong_make "--version is MAJOR.MINOR.BUILD, not ${complete[1]}" "${complete[@]}" --description default=text
+        wrong_make "--version is MAJOR.MINOR.BUILD, not $given" --version "$given" "${complete[@]:2}" --description default=text
+        wrong_make "--installed is MAJOR.MINOR.BUILD, not $given" "${complete[@]}" --description default=text \
+            --installed "$given"
+        wrong "--installed is MAJOR.MINOR.BUILD, not $given (./publish preview --help)" \
+            preview text --out out --installed "$given"
     done
-    complete[1]=1.3.2147483648
-    wrong_make '--version: 2147483648 is larger than 2147483647' "${complete[@]}" --description default=text
+}
+
+test_versions_larger_than_a_program_can_have() {
+    local message='no number may be greater than 65535, as 65536 is'
+    echo text >text
+    complete[1]=1.65536.0
+    wrong_make "--version: $message" "${complete[@]}" --description default=text
+    complete[1]=$version
+    wrong_make "--installed: $message" "${complete[@]}" --description default=text --installed 65536.0.0
+    wrong "--installed: $message (./publish preview --help)" preview text --out out --installed 1.2.65536
 }
 
 test_descriptions_that_are_none() {
@@ -101,6 +113,15 @@ test_an_installer_that_is_missing_or_that_the_link_does_not_name() {
         "${complete[@]}" --description default=text
     complete[5]=http://www.orva.example/
     wrong_make 'the link ends with , but the installer is '"$installer_name" "${complete[@]}" --description default=text
+}
+
+test_a_percent_sign_that_begins_no_character() {
+    local end
+    for end in %zz.exe %4 % %%4141; do
+        complete[5]=http://www.orva.example/OrvaSetup$end
+        wrong_make "the link holds a % without two hexadecimal digits behind it: ${complete[5]}" \
+            "${complete[@]}" --description default=text
+    done
 }
 
 test_check_and_preview_without_a_file() {
