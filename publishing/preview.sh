@@ -50,9 +50,17 @@ else
     installed=$(sed -n 's/^#define ORVA_VERSION "\(.*\)"/\1/p' "$build_dir/generated/OrvaVersion.h")
     setup=$build_dir/OrvaSetup-$installed.exe
 fi
-# A setup does not replace a newer version, which an earlier preview may have left.
-wine_state=fresh
 start_wine
+uninstaller=$WINEPREFIX/drive_c/Program\ Files/ORVA\ Connector/Uninstall.exe
+remove_addin() {
+    [ -e "$uninstaller" ] || return 0
+    run_in_slot "$uninstaller" /S >/dev/null || true
+    # It works on after its start has returned.
+    wait_until 60 test ! -e "$uninstaller" || refuse "the add-in cannot be removed from $WINEPREFIX"
+}
+# A setup does not replace a newer version, which a preview that was killed may have left.
+remove_addin
+at_exit remove_addin
 echo "What users of $installed see:"
 server_dir=$slot/server
 # shellcheck disable=SC2317 # called at the end

@@ -4,7 +4,7 @@
 # build_quietly TARGET...   unless ORVA_IS_BUILT is set.
 # read_arguments WORD...    sets check_arguments to those of "OrvaPublish.exe check", with paths in their form in Wine.
 # run_check                 runs it with these. The status is the program's.
-# start_wine                makes Wine ready; with wine_state=fresh in a prefix in which nothing was ever installed.
+# start_wine                makes Wine ready.
 # windows_path PATH         its form in Wine.
 #
 # Wine's prefix is one of our own, so that neither ./run nor a test is disturbed.
@@ -16,7 +16,6 @@ windows_path() {
     echo "Z:${path//\//\\}"
 }
 
-wine_state=any
 start_wine() {
     # Those of ORVA_WINE_ROOT are ended by whoever set it.
     if [ -z "${ORVA_WINE_ROOT:-}" ]; then
@@ -26,7 +25,6 @@ start_wine() {
     # shellcheck source=tools/wine-lib.sh
     source "$repository/tools/wine-lib.sh"
     take_slot
-    [ "$wine_state" != fresh ] || rm -f "$slot/prefix.ready"
     start_slot "$slot"
 }
 
@@ -73,13 +71,29 @@ read_arguments() {
     done
 }
 
+# is_whole_report FILE: whether it ends as the report on an update without errors does.
+is_whole_report() {
+    if [[ " ${check_arguments[*]} " == *" --json "* ]]; then
+        jq -e '.errors == [] and has("users")' "$1" >/dev/null 2>&1
+    else
+        tail -n 1 "$1" | grep -qxE 'no errors, (no|[0-9]+) warnings?'
+    fi
+}
+
 run_check() {
     local status attempt
-    # Seen under Wine 8: a program ends before it has started, without output. Ours has always something to say.
+    # Seen under Wine 8: a program ends before it has started. When its Wine server ends, it ends with status 0, wherever it is.
     for attempt in 1 2; do
         status=0
-        run_in_slot "$build_dir/OrvaPublish.exe" check "${check_arguments[@]}" || status=$?
-        [ ! -s "$slot/output.log" ] || return "$status"
+        run_in_slot "$build_dir/OrvaPublish.exe" check "${check_arguments[@]}" >/dev/null || status=$?
+        # A program that has ended by itself has something to say.
+        if [ "$status" -eq 0 ] && is_whole_report "$slot/output.log" ||
+            [ "$status" -ne 0 ] && [ -s "$slot/output.log" ]; then
+            cat "$slot/output.log"
+            return "$status"
+        fi
     done
-    refuse "Wine ended the program with status $status before it had started, in $attempt attempts"
+    # With a line end behind it.
+    awk 1 "$slot/output.log" >&2
+    refuse "Wine ended the program with status $status before its report was complete, in $attempt attempts"
 }

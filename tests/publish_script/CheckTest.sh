@@ -36,6 +36,41 @@ test_a_URL_stays_as_it_is() {
     expect_equal 'OrvaPublish: http://127.0.0.1:9/UpdateInfo.txt cannot be read: no server answers' "$(head -n 1 stdout)"
 }
 
+# break_wine REPORT ATTEMPT...: in these attempts the program writes only this, and ends with status 0.
+break_wine() {
+    printf '%s' "$1" >report
+    replace_program wine <<SCRIPT
+echo >>attempts
+[[ " ${*:2} " != *" \$(wc -l <attempts) "* ]] || exec cat "$PWD/report"
+exec "\$real_wine" "\$@"
+SCRIPT
+}
+
+test_a_report_that_Wine_has_cut_is_made_once_more() {
+    make_update 0
+    break_wine 'out/UpdateInfo.txt: version' 1
+    publish 0 check out/UpdateInfo.txt
+    expect_equal 2 "$(wc -l <attempts)"
+    expect_equal 'no errors, no warnings' "$(tail -n 1 stdout)"
+    expect_equal 1 "$(grep -c ': version' stdout)"
+}
+
+test_a_report_that_Wine_always_cuts_is_no_success() {
+    local report
+    echo '{}' >UpdateInfo.txt
+    for report in '' $'no errors, no warnings\nmore'; do
+        break_wine "$report" 1 2
+        publish 1 check UpdateInfo.txt
+        expect_equal '' "$(cat stdout)"
+        expect_equal 'publish: Wine ended the program with status 0 before its report was complete, in 2 attempts' \
+            "$(tail -n 1 stderr)"
+        rm attempts programs/wine
+    done
+    break_wine '{"format": 1, "errors": [], "users": [' 1 2
+    publish 1 check UpdateInfo.txt --json
+    expect_equal '' "$(cat stdout)"
+}
+
 test_wrong_options_end_with_2() {
     echo '{}' >UpdateInfo.txt
     publish 2 check UpdateInfo.txt --strict

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# ./publish preview, in a Wine prefix of its own, because the add-in is installed there.
+# ./publish preview
 # shellcheck source=tests/publish_script/script-test.sh
 source "$(dirname "${BASH_SOURCE[0]}")/script-test.sh"
 
@@ -12,8 +12,15 @@ test_takes_a_picture_of_what_each_user_sees() {
 FILE
     mkdir out
     echo 'of an earlier preview' >out/message-start-en.png
-    unset ORVA_WINE_ROOT
+    # A newer version, as a preview that was killed leaves it.
+    replace_program wineserver <<SCRIPT
+"\$real_wineserver" "\$@"
+status=\$?
+[ "\$1" != -p ] || [ -e prefix ] || { echo "\$WINEPREFIX" >prefix; wine '$installer' /S; }
+exit \$status
+SCRIPT
     publish 0 preview UpdateInfo.txt --out out
+    [ ! -e "$(<prefix)/drive_c/Program Files/ORVA Connector" ]
     expect_equal 'message-request-de.png offer-en.png offer-es.png offer-tr.png' \
         "$(find out -mindepth 1 -printf '%P\n' | sort | xargs)"
     for name in out/*.png; do
@@ -30,6 +37,28 @@ FILE
         'es on request: is offered "Versión disponible: 99.0.0" with the text "Más rápido."' \
         "tr at Outlook's start: is offered \"Kullanılabilir sürüm: 99.0.0\" with the text \"Faster.\"" \
         'tr on request: is offered "Kullanılabilir sürüm: 99.0.0" with the text "Faster."'
+}
+
+# What cmake is told; nothing is built.
+cmake_calls() {
+    unset ORVA_IS_BUILT
+    replace_program dpkg-query <<<'echo installed'
+    replace_program cmake <<<"echo \"\$*\" >>'$PWD/calls'; [ \"\$1\" != --build ]"
+    echo text >text
+    publish 1 preview text --out out "$@"
+    expect_equal 'publish: the build failed; see build/publish-build.log' "$(tail -n 1 stderr)"
+}
+
+test_builds_the_version_that_users_have() {
+    cmake_calls --installed 1.1.0
+    expect_lines calls "--preset release -B $ORVA_BUILD_DIR -D ORVA_PUBLISHED_VERSION=1.1.0" \
+        "--build $ORVA_BUILD_DIR --target OrvaDemo setup-published"
+}
+
+test_builds_no_version_that_users_of_an_earlier_preview_had() {
+    cmake_calls
+    expect_lines calls "--preset release -B $ORVA_BUILD_DIR -D ORVA_PUBLISHED_VERSION=" \
+        "--build $ORVA_BUILD_DIR --target OrvaDemo setup"
 }
 
 run_tests
