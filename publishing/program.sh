@@ -82,7 +82,8 @@ is_whole_report() {
 
 run_check() {
     local status attempt
-    # Seen under Wine 8: a program ends before it has started. When its Wine server ends, it ends with status 0, wherever it is.
+    # Seen under Wine 8: a program ends before it has started. And when its Wine server ends, it ends with status 0, wherever
+    # it is.
     for attempt in 1 2; do
         status=0
         run_in_slot "$build_dir/OrvaPublish.exe" check "${check_arguments[@]}" >/dev/null || status=$?

@@ -12,7 +12,7 @@ test_takes_a_picture_of_what_each_user_sees() {
 FILE
     mkdir out
     echo 'of an earlier preview' >out/message-start-en.png
-    # A newer version, as a preview that was killed leaves it.
+    # A newer version, as a preview that was ended leaves it.
     replace_program wineserver <<SCRIPT
 "\$real_wineserver" "\$@"
 status=\$?
