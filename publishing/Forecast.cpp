@@ -122,13 +122,12 @@ private:
         case LinkFate::NotParsed:
             Say(IDS_UPDATE_CANCELED);
             break;
-        case LinkFate::BadFileName: {
-            CString text;
-            text.Format(TextOf(IDS_FILE_NOT_CREATED), ERROR_INVALID_NAME);
-            Messages().emplace_back(text.GetString());
-            Say(IDS_UPDATE_CANCELED);
+        case LinkFate::BadFileName:
+            SayNotCreated(ERROR_INVALID_NAME);
             break;
-        }
+        case LinkFate::NameTooLong:
+            SayNotCreated(ERROR_PATH_NOT_FOUND);
+            break;
         case LinkFate::NotHttp:
             Say(IDS_CONNECT_ERROR);
             Say(IDS_UPDATE_CANCELED);
@@ -137,6 +136,14 @@ private:
             m_forecast.isDownloaded = true;
             break;
         }
+    }
+
+    void SayNotCreated(int error)
+    {
+        CString text;
+        text.Format(TextOf(IDS_FILE_NOT_CREATED), error);
+        Messages().emplace_back(text.GetString());
+        Say(IDS_UPDATE_CANCELED);
     }
 
     CString TextOf(UINT id) const { return GetLocalizedResources().LoadString(id, m_language); }

@@ -64,6 +64,10 @@ LinkFate FateOf(const std::wstring& link)
     {
         return LinkFate::BadFileName;
     }
+    if (name.GetLength() > kLongestFileName)
+    {
+        return LinkFate::NameTooLong;
+    }
     return service.type == AFX_INET_SERVICE_HTTP ? LinkFate::Downloaded : LinkFate::NotHttp;
 }
 
@@ -82,6 +86,11 @@ void CheckLink(const std::wstring& link, const std::wstring& path, CFindings& fi
     case LinkFate::BadFileName:
         findings.Error("link-file-name", path, L"ends with what cannot be the name of a file: " + quoted);
         return;
+    case LinkFate::NameTooLong:
+        findings.Error("link-name-too-long", path,
+                       L"ends with a file name of " + std::to_wstring(name.GetLength()) +
+                           L" characters, which is too long for a path");
+        return;
     case LinkFate::NotHttp:
         findings.Error("link-not-http", path, L"does not begin with \"http://\": " + Quoted(link));
         return;
@@ -92,12 +101,6 @@ void CheckLink(const std::wstring& link, const std::wstring& path, CFindings& fi
     {
         findings.Error("link-not-exe", path,
                        L"does not end with \".exe\", so that Windows does not start the file: " + quoted);
-    }
-    if (name.GetLength() > kLongestFileName)
-    {
-        findings.Error("link-name-too-long", path,
-                       L"ends with a file name of " + std::to_wstring(name.GetLength()) +
-                           L" characters, which is too long for a path");
     }
 }
 

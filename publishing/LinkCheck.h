@@ -16,6 +16,8 @@ enum class LinkFate
     NotParsed,
     /// The name does not name one ordinary file.
     BadFileName,
+    /// The name is too long for a path in a user's temporary folder.
+    NameTooLong,
     /// The scheme is another one than http.
     NotHttp,
     Downloaded,
