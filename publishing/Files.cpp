@@ -8,18 +8,44 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace publishing
 {
 
+void FileCloser::operator()(void* file) const noexcept
+{
+    CloseHandle(file);
+}
+
+UniqueFile OpenForReading(const std::wstring& path)
+{
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+    return UniqueFile(file != INVALID_HANDLE_VALUE ? file : nullptr);
+}
+
 std::string ReadWholeFile(const std::wstring& path)
 {
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
-    std::string bytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    if (!file.is_open() || file.bad())
+    const UniqueFile file = OpenForReading(path);
+    LARGE_INTEGER size{};
+    if (file == nullptr || !GetFileSizeEx(file.get(), &size))
     {
         throw CUsageError(Utf8(path) + " cannot be read");
+    }
+    if (static_cast<ULONGLONG>(size.QuadPart) > kLargestFile)
+    {
+        throw CUsageError(Utf8(path) + " cannot be read: it has 2 GiB or more");
+    }
+    std::string bytes(static_cast<std::size_t>(size.QuadPart), '\0');
+    DWORD read = 0;
+    for (std::size_t done = 0; done < bytes.size(); done += read)
+    {
+        if (!ReadFile(file.get(), bytes.data() + done, static_cast<DWORD>(bytes.size() - done), &read,
+                      nullptr) ||
+            read == 0)
+        {
+            throw CUsageError(Utf8(path) + " cannot be read to its end");
+        }
     }
     return bytes;
 }

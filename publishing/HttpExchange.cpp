@@ -1,8 +1,11 @@
 #include "publishing/HttpExchange.h"
 
+#include "publishing/Files.h"
+
 #include <afxinet.h>
 
 #include <cwchar>
+#include <iterator>
 #include <memory>
 
 namespace publishing
@@ -10,7 +13,9 @@ namespace publishing
 namespace
 {
 
-constexpr DWORD kFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE;
+// Wine's WinINet follows redirections to https, which that of Windows refuses.
+constexpr DWORD kFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_NO_AUTO_REDIRECT;
+constexpr int kMostRedirections = 10;
 constexpr UINT kChunkSize = 65536;
 
 struct CUrl
@@ -35,17 +40,19 @@ std::optional<std::uint64_t> Length(const CHttpFile& file)
                         : std::optional<std::uint64_t>(std::wcstoull(text.c_str(), nullptr, 10));
 }
 
-std::wstring FinalUrl(const CHttpFile& file)
+// Empty if that is no URL.
+std::wstring Combine(const std::wstring& url, const std::wstring& location)
 {
-    wchar_t url[INTERNET_MAX_URL_LENGTH] = {};
-    DWORD size = sizeof(url);
-    return InternetQueryOptionW(file, INTERNET_OPTION_URL, url, &size) ? url : L"";
+    wchar_t combined[INTERNET_MAX_URL_LENGTH] = {};
+    DWORD size = INTERNET_MAX_URL_LENGTH;
+    return InternetCombineUrlW(url.c_str(), location.c_str(), combined, &size, ICU_BROWSER_MODE) ? combined
+                                                                                                 : L"";
 }
 
 void ReadBody(CHttpFile& file, CHttpExchange& exchange)
 {
     const auto chunk = std::make_unique<char[]>(kChunkSize);
-    while (exchange.body.size() < kLargestBody)
+    while (exchange.body.size() <= kLargestFile)
     {
         const UINT read = file.Read(chunk.get(), kChunkSize);
         if (read == 0)
@@ -64,7 +71,6 @@ std::optional<CHttpExchange> Exchange(const CUrl& url, const wchar_t* headers)
     const std::unique_ptr<CHttpFile> file(connection->OpenRequest(
         CHttpConnection::HTTP_VERB_GET, url.object.c_str(), nullptr, 1, nullptr, nullptr, url.flags));
     file->AddRequestHeaders(headers, HTTP_ADDREQ_FLAG_ADD);
-    const std::wstring asked = FinalUrl(*file);
     file->SendRequest();
 
     CHttpExchange exchange;
@@ -76,10 +82,7 @@ std::optional<CHttpExchange> Exchange(const CUrl& url, const wchar_t* headers)
     exchange.contentType = Header(*file, HTTP_QUERY_CONTENT_TYPE);
     exchange.coding = Header(*file, HTTP_QUERY_CONTENT_ENCODING);
     exchange.length = Length(*file);
-    if (const std::wstring answered = FinalUrl(*file); answered != asked)
-    {
-        exchange.redirectedTo = answered;
-    }
+    exchange.location = Header(*file, HTTP_QUERY_LOCATION);
     try
     {
         ReadBody(*file, exchange);
@@ -108,9 +111,7 @@ std::optional<CUrl> Split(const std::wstring& url)
     return parts;
 }
 
-} // namespace
-
-std::optional<CHttpExchange> Get(const std::wstring& url, const wchar_t* headers)
+std::optional<CHttpExchange> GetOnce(const std::wstring& url, const wchar_t* headers)
 {
     const std::optional<CUrl> parts = Split(url);
     if (!parts)
@@ -126,6 +127,42 @@ std::optional<CHttpExchange> Get(const std::wstring& url, const wchar_t* headers
         exception->Delete();
         return std::nullopt;
     }
+}
+
+} // namespace
+
+bool IsRedirection(unsigned long status)
+{
+    return status == HTTP_STATUS_MOVED || status == HTTP_STATUS_REDIRECT ||
+           status == HTTP_STATUS_REDIRECT_METHOD || status == HTTP_STATUS_REDIRECT_KEEP_VERB;
+}
+
+bool IsHttps(const std::wstring& url)
+{
+    constexpr wchar_t kScheme[] = L"https:";
+    return _wcsnicmp(url.c_str(), kScheme, std::size(kScheme) - 1) == 0;
+}
+
+std::optional<CHttpExchange> Get(const std::wstring& url, const wchar_t* headers)
+{
+    std::optional<CHttpExchange> reply = GetOnce(url, headers);
+    std::wstring from = url;
+    for (int followed = 0; reply && IsRedirection(reply->status) && !reply->location.empty(); ++followed)
+    {
+        const std::wstring to = Combine(from, reply->location);
+        if (IsHttps(to) || followed == kMostRedirections)
+        {
+            reply->redirectedTo = to;
+            return reply;
+        }
+        reply = GetOnce(to, headers);
+        if (reply)
+        {
+            reply->redirectedTo = to;
+        }
+        from = to;
+    }
+    return reply;
 }
 
 } // namespace publishing

@@ -9,6 +9,8 @@
 
 #include <wininet.h>
 
+#include <algorithm>
+
 namespace publishing
 {
 namespace
@@ -37,16 +39,9 @@ void CheckVersion(const std::wstring& version, const CPublishedUpdate& update, C
 
 bool IsSigned(const std::wstring& path, const CUpdateKey& key, const CPublishedUpdate& update)
 {
-    const HANDLE file =
-        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-    {
-        return false;
-    }
+    const UniqueFile file = OpenForReading(path);
     const std::string version = Utf8(FormatVersion(*update.version).GetString()) + "\n";
-    const bool isSigned = IsSignedBy(key, version, file, *update.signature);
-    CloseHandle(file);
-    return isSigned;
+    return file != nullptr && IsSignedBy(key, version, file.get(), *update.signature);
 }
 
 CInstallerFacts Check(const std::wstring& path, const std::string& bytes, const CPublishedUpdate& update,
@@ -88,6 +83,11 @@ void CheckReply(const CHttpExchange& reply, CFindings& findings)
         findings.Error("no-length", kPath,
                        L"comes without a Content-Length, so that a cut download is not noticed");
     }
+    if (std::max<std::uint64_t>(reply.length.value_or(0), reply.body.size()) > kLargestFile)
+    {
+        findings.Error("too-long", kPath, L"has 2 GiB or more, beyond what the add-in downloads");
+        return;
+    }
     if (!reply.isReadToTheEnd || (reply.length && reply.body.size() < *reply.length))
     {
         findings.Error("cut", kPath,
@@ -118,6 +118,14 @@ std::optional<CInstallerFacts> CheckInstallerLink(const CPublishedUpdate& update
     {
         findings.Error("installer-not-there", kPath,
                        L"cannot be downloaded: no server answers for " + *update.link);
+        return std::nullopt;
+    }
+    if (IsHttps(reply->redirectedTo))
+    {
+        findings.Error(
+            "redirect", kPath,
+            L"is at " + reply->redirectedTo +
+                L", to which the server redirects, and Windows does not follow from http to https");
         return std::nullopt;
     }
     if (reply->status != HTTP_STATUS_OK)

@@ -22,7 +22,7 @@ struct CInstallerFacts
     int bits = 0;
     /// Of the version resource, "1.3.0"; empty without one.
     std::wstring version;
-    /// Absent if there was no key to verify it with.
+    /// Absent if there was no key to verify it with, or no signature.
     std::optional<bool> isSigned;
 };
 
@@ -30,9 +30,9 @@ struct CInstallerFacts
 CInstallerFacts CheckInstallerFile(const std::wstring& path, const CPublishedUpdate& update,
                                    const std::optional<CUpdateKey>& key, CFindings& findings);
 
-/// Downloads the installer from the published link and checks it. Absent if there is none. `original` is the
-/// file on this machine that it has to be the same as, if there is one; throws CUsageError if that cannot be
-/// read.
+/// Downloads the installer from the published link and checks it. Absent if the add-in would get none.
+/// `original` is the file on this machine that it has to be the same as, if there is one; throws CUsageError
+/// if that cannot be read.
 std::optional<CInstallerFacts> CheckInstallerLink(const CPublishedUpdate& update,
                                                   const std::optional<CUpdateKey>& key,
                                                   const std::optional<std::wstring>& original,

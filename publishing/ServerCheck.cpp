@@ -101,6 +101,13 @@ std::string Decode(const CHttpExchange& seen, CFindings& findings)
 
 void CheckHeaders(const CHttpExchange& seen, CFindings& findings)
 {
+    if (IsHttps(seen.redirectedTo))
+    {
+        findings.Error("redirect", kPath,
+                       L"redirects to " + seen.redirectedTo +
+                           L", and Windows does not follow from http to https");
+        return;
+    }
     if (seen.status != HTTP_STATUS_OK)
     {
         findings.Error("status", kPath,
@@ -143,7 +150,10 @@ CServedFile FetchAndCheck(const std::wstring& url, CFindings& findings)
     }
     CServedFile file;
     CheckHeaders(*seen, findings);
-    file.text = FetchAsTheAddIn(url, *seen, findings);
+    if (!IsRedirection(seen->status))
+    {
+        file.text = FetchAsTheAddIn(url, *seen, findings);
+    }
     file.bytes = Decode(*seen, findings);
     file.facts = {seen->status, seen->date,         seen->contentType,
                   seen->coding, seen->redirectedTo, file.bytes.size()};

@@ -30,7 +30,8 @@ struct CServedFile
     std::wstring text;
 };
 
-/// Requests the file twice: with the add-in's client, and to see what the server says. Throws CUsageError if
+/// Requests the file twice: to see what the server says, and with the add-in's client unless the reply is a
+/// redirection that this does not follow. Throws CUsageError if
 /// there is no reply at all.
 CServedFile FetchAndCheck(const std::wstring& url, CFindings& findings);
 

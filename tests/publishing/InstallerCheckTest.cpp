@@ -2,6 +2,7 @@
 #include "publishing/InstallerCheck.h"
 
 #include "harness/Files.h"
+#include "harness/ImportHook.h"
 #include "harness/Signer.h"
 #include "harness/TempFolder.h"
 #include "publishing/CheckOptions.h"
@@ -9,6 +10,10 @@
 #include "publishing/Text.h"
 
 #include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <utility>
 
 namespace orva::test
 {
@@ -116,18 +121,60 @@ TEST_F(InstallerCheckTest, TheSignatureIsVerifiedWithTheKeyForThisVersionAndFile
     EXPECT_THAT(m_texts, ElementsAre(L"is not signed with the publisher's key for this version"));
 }
 
-TEST_F(InstallerCheckTest, TheSignatureIsReadWholeAndTheLinkUpToAZero)
+TEST_F(InstallerCheckTest, WithoutTheFileThatItHasToBeOnlyItsHeadAndSectionsAreLookedAt)
+{
+    const std::string cut = ReadFileBytes(SetupPath()).value();
+    EXPECT_EQ(CheckBytes(cut.substr(0, cut.size() - 1)).bits, 64);
+    EXPECT_THAT(m_texts, IsEmpty());
+}
+
+TEST_F(InstallerCheckTest, TheLinkIsReadUpToAZero)
 {
     json_spirit::wmValue root;
-    json_spirit::read_or_throw(LR"({"x64": {"signature": "a\u0000b", "downloadLink": "a\u0000b"}})", root);
-    const CPublishedUpdate update = publishing::CheckMembers(root, {}, m_findings);
-    EXPECT_EQ(update.signature, L"a\0b"s);
-    EXPECT_EQ(update.link, L"a");
+    json_spirit::read_or_throw(LR"({"x64": {"downloadLink": "a\u0000b"}})", root);
+    EXPECT_EQ(publishing::CheckMembers(root, {}, m_findings).link, L"a");
 }
 
 TEST_F(InstallerCheckTest, AFileThatIsNotThereCannotBeRead)
 {
     EXPECT_THROW(Check(m_folder.File(L"missing.exe"), m_published), publishing::CUsageError);
+}
+
+bool g_isFirstRead = true;
+
+// As a file on a server that is lost after the first call.
+BOOL WINAPI ReadOnce(HANDLE file, LPVOID buffer, DWORD size, LPDWORD read, LPOVERLAPPED overlapped)
+{
+    if (std::exchange(g_isFirstRead, false))
+    {
+        constexpr DWORD kPart = 1000;
+        return ReadFile(file, buffer, std::min(size, kPart), read, overlapped);
+    }
+    SetLastError(ERROR_NETNAME_DELETED);
+    return FALSE;
+}
+
+TEST_F(InstallerCheckTest, AFileThatIsLostMidwayCannotBeRead)
+{
+    g_isFirstRead = true;
+    const CImportHook hook(GetModuleHandleW(nullptr), "KERNEL32.dll", "ReadFile", &ReadOnce);
+    EXPECT_THROW(Check(SetupPath(), m_published), publishing::CUsageError);
+}
+
+TEST_F(InstallerCheckTest, AFileOf2GibibytesIsNotRead)
+{
+    const std::wstring path = m_folder.File(L"setup.exe");
+    WriteFileBytes(path, "MZ");
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 31);
+    try
+    {
+        Check(path, m_published);
+        FAIL();
+    }
+    catch (const publishing::CUsageError& error)
+    {
+        EXPECT_EQ(error.what(), publishing::Utf8(path) + " cannot be read: it has 2 GiB or more");
+    }
 }
 
 class PublicKeyFileTest : public testing::Test

@@ -56,7 +56,15 @@ protected:
         return Found(CHttpReply(200, File()));
     }
 
+    // A URL where nobody answers.
+    std::string Secure(const std::string& scheme)
+    {
+        m_nobody.Refuse();
+        return scheme + "://127.0.0.1:" + std::to_string(m_nobody.Port()) + "/moved";
+    }
+
     CLoopbackServer m_server;
+    CLoopbackServer m_nobody;
     CNoProxy m_noProxy;
     COfficeLanguage m_language{1033};
 };
@@ -185,6 +193,46 @@ TEST_F(ServerCheckTest, ARedirectionIsFollowedAndAWarning)
                                                              m_server.Url("/new.txt")}));
 }
 
+TEST_F(ServerCheckTest, ARedirectionToHttpsIsAnErrorAndForetoldAsNoAnswer)
+{
+    const std::string secure = Secure("HTTPS");
+    m_server.On("/next.txt", CHttpReply(301).Header("Location", secure));
+    for (const std::string& location : {secure, std::string("/next.txt")})
+    {
+        const publishing::CCheckResult result = Check(CHttpReply(302).Header("Location", location));
+        const std::string to = publishing::Utf8(result.server->redirectedTo);
+        EXPECT_STRCASEEQ(to.c_str(), secure.c_str());
+        EXPECT_THAT(FindingsOf(result.findings, publishing::PlainReport(result)),
+                    ElementsAre(CExpectedFinding{"redirect", "Error: the server redirects to " + to +
+                                                                 ", and Windows does not follow from http to "
+                                                                 "https"}));
+        for (const publishing::CUserForecast& one : result.forecasts)
+        {
+            const bool isStart = one.trigger == publishing::Trigger::Start;
+            EXPECT_EQ(one.forecast.messages.size(), isStart ? 0u : 1u);
+            EXPECT_FALSE(one.forecast.offer);
+        }
+    }
+}
+
+TEST_F(ServerCheckTest, ARedirectionOfTheInstallerToHttpsIsAnError)
+{
+    const std::string secure = Secure("https");
+    EXPECT_THAT(FoundOfInstaller(CHttpReply(302).Header("Location", secure)),
+                ElementsAre(CExpectedFinding{"redirect", "Error: the installer is at " + secure +
+                                                             ", to which the server redirects, and Windows "
+                                                             "does not follow from http to https"}));
+}
+
+TEST_F(ServerCheckTest, RedirectionsWithoutEndAreAnError)
+{
+    m_server.On("/loop.exe", CHttpReply(302).Header("Location", m_server.Url("/loop.exe")));
+    EXPECT_THAT(
+        FoundOfInstaller(CHttpReply(302).Header("Location", m_server.Url("/loop.exe"))),
+        ElementsAre(CExpectedFinding{"installer-not-there", "Error: the installer cannot be downloaded: the "
+                                                            "server answers with status 302"}));
+}
+
 TEST_F(ServerCheckTest, AnInstallerThatIsNotThereOrComesCutIsAnError)
 {
     EXPECT_THAT(
@@ -203,6 +251,8 @@ TEST_F(ServerCheckTest, AnInstallerThatIsNotThereOrComesCutIsAnError)
         FoundOfInstaller(CHttpReply(200, "<!DOCTYPE html>")),
         ElementsAre(CExpectedFinding{"installer-not-program", "Error: the installer is no whole program for "
                                                               "64-bit or 32-bit Windows"}));
+    EXPECT_EQ(FoundOfInstaller(CHttpReply(200, Installer()).ContentLength(2'147'483'648))[0].line,
+              "Error: the installer has 2 GiB or more, beyond what the add-in downloads");
     m_server.On("/moved.exe", CHttpReply(200, Installer()));
     EXPECT_THAT(FoundOfInstaller(CHttpReply(302).Header("Location", m_server.Url("/moved.exe"))),
                 ElementsAre(CExpectedFinding{"redirect", "Warning: the installer is at " +
@@ -216,13 +266,14 @@ TEST_F(ServerCheckTest, TheInstallerHasToBeTheFileOnThisMachineIfThereIsOne)
     const std::wstring same = BuiltFile(L"newer\\OrvaSetup-1.3.0.exe");
     EXPECT_THAT(publishing::Check({.source = m_server.WideUrl(kFilePath), .installer = same}).findings.All(),
                 testing::IsEmpty());
-    const std::wstring other = BuiltFile(L"OrvaPublish.exe");
+    // A setup program keeps its payload behind the sections, where nothing else looks.
+    m_server.On(kInstallerPath, CHttpReply(200, Installer().substr(0, Installer().size() - 1)));
     const publishing::CCheckResult result =
-        publishing::Check({.source = m_server.WideUrl(kFilePath), .installer = other});
+        publishing::Check({.source = m_server.WideUrl(kFilePath), .installer = same});
     EXPECT_THAT(
         FindingsOf(result.findings, publishing::PlainReport(result)),
-        ElementsAre(CExpectedFinding{"installer-differs", "Error: the installer is another file than " +
-                                                              publishing::Utf8(other)}));
+        ElementsAre(CExpectedFinding{"installer-differs",
+                                     "Error: the installer is another file than " + publishing::Utf8(same)}));
 }
 
 TEST_F(ServerCheckTest, WithoutAnyServerNothingCanBeRead)
