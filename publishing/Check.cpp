@@ -60,19 +60,17 @@ CUpdateText Read(const CCheckOptions& options, CCheckResult& result)
     {
         CServedFile served = FetchAndCheck(options.source, result.findings);
         result.server = served.facts;
-        if (!served.text.empty())
+        // An error page is no file.
+        if (!served.text.empty() || !result.findings.HasErrors())
         {
-            CheckBytes(served.bytes, result.findings);
-        }
-        else if (!result.findings.HasErrors())
-        {
-            result.findings.Error("empty", {}, L"the file is empty");
+            CheckBytes(served.bytes, served.text, result.findings);
         }
         return ReadAsTheAddIn(std::move(served.text));
     }
     const std::string bytes = ReadWholeFile(options.source);
-    CheckBytes(bytes, result.findings);
-    return ReadAsTheAddIn(DecodeAsTheAddIn(bytes));
+    std::wstring text = DecodeAsTheAddIn(bytes);
+    CheckBytes(bytes, text, result.findings);
+    return ReadAsTheAddIn(std::move(text));
 }
 
 void CheckInstaller(const CPublishedUpdate& update, const CCheckOptions& options,
@@ -85,6 +83,11 @@ void CheckInstaller(const CPublishedUpdate& update, const CCheckOptions& options
     else if (options.installer)
     {
         result.installer = CheckInstallerFile(*options.installer, update, key, result.findings);
+    }
+    else if (key && update.signature)
+    {
+        result.findings.Warning("signature-not-verified", std::wstring(kUpdateEntryName) + L".signature",
+                                L"is not verified without --installer");
     }
 }
 

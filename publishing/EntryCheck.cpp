@@ -4,6 +4,7 @@
 #include "publishing/LinkCheck.h"
 #include "publishing/MemberReader.h"
 #include "publishing/Names.h"
+#include "support/EcdsaSignature.h"
 #include "support/Version.h"
 
 #include <limits>
@@ -50,15 +51,25 @@ std::optional<PublishedVersion> ReadVersion(const wmObject& entry, const std::ws
     return PublishedVersion{*major, *minor, *build};
 }
 
-void CheckVersion(const PublishedVersion& published, const PublishedVersion& installed,
+// Without a version that users have only a warning: an older one is published to withdraw a newer one.
+void CheckVersion(const PublishedVersion& published, const std::optional<PublishedVersion>& installed,
                   const std::wstring& path, CFindings& findings)
 {
-    if (!IsNewer(published, installed))
+    const PublishedVersion old =
+        installed.value_or(PublishedVersion{kVersionMajor, kVersionMinor, kVersionBuild});
+    if (IsNewer(published, old))
     {
-        findings.Error("not-newer", path,
-                       std::wstring(L"publishes ") + FormatVersion(published).GetString() +
-                           L", which is not newer than the installed " +
-                           FormatVersion(installed).GetString());
+        return;
+    }
+    const std::wstring text =
+        std::wstring(L"publishes ") + FormatVersion(published).GetString() + L", which is not newer than ";
+    if (installed)
+    {
+        findings.Error("not-newer", path, text + L"the installed " + FormatVersion(old).GetString());
+    }
+    else
+    {
+        findings.Warning("not-newer", path, text + L"this build's " + FormatVersion(old).GetString());
     }
 }
 
@@ -67,6 +78,29 @@ std::optional<std::wstring> ReadText(const wmObject& entry, const std::wstring& 
 {
     const wmValue* const value = FindMember(entry, path, name, json_spirit::str_type, findings);
     return value != nullptr ? std::optional(value->get_str()) : std::nullopt;
+}
+
+// Absent if no installer can have it.
+std::optional<std::wstring> ReadSignature(const wmObject& entry, const std::wstring& path,
+                                          CFindings& findings)
+{
+    constexpr wchar_t kName[] = L"signature";
+    std::optional<std::wstring> signature = ReadText(entry, path, kName, findings);
+    EcdsaSignature decoded;
+    if (!signature || DecodeEcdsaSignature(*signature, decoded))
+    {
+        return signature;
+    }
+    if (signature->empty())
+    {
+        findings.Error("missing", JoinPath(path, kName), L"is empty");
+    }
+    else
+    {
+        findings.Error("signature-not-parsed", JoinPath(path, kName),
+                       L"is not a signature (DER on the curve P-256, in base64)");
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -91,9 +125,9 @@ CPublishedUpdate CheckMembers(const wmValue& root, const CDemands& demands, CFin
         {L"majorVersion", L"minorVersion", L"buildNumber", L"downloadLink", L"description", L"signature"},
         findings);
     update.version = ReadVersion(entry, path, findings);
-    if (update.version && demands.installed)
+    if (update.version)
     {
-        CheckVersion(*update.version, *demands.installed, path, findings);
+        CheckVersion(*update.version, demands.installed, path, findings);
     }
     update.link = ReadText(entry, path, L"downloadLink", findings);
     if (update.link)
@@ -108,12 +142,7 @@ CPublishedUpdate CheckMembers(const wmValue& root, const CDemands& demands, CFin
     }
     if (demands.isSigned || entry.contains(L"signature"))
     {
-        update.signature = ReadText(entry, path, L"signature", findings);
-        if (update.signature && update.signature->empty())
-        {
-            findings.Error("missing", JoinPath(path, L"signature"), L"is empty");
-            update.signature.reset();
-        }
+        update.signature = ReadSignature(entry, path, findings);
     }
     return update;
 }

@@ -17,13 +17,14 @@ struct CPublishedUpdate
 {
     std::optional<PublishedVersion> version;
     std::optional<std::wstring> link;
+    /// As it has to be written, not verified.
     std::optional<std::wstring> signature;
 };
 
 /// What has to hold besides the file itself.
 struct CDemands
 {
-    /// The published version has to be greater.
+    /// The published version has to be greater; without one it should be greater than this build's.
     std::optional<PublishedVersion> installed = {};
     /// There has to be a signature.
     bool isSigned = false;

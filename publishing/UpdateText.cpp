@@ -113,12 +113,8 @@ CUpdateText ReadAsTheAddIn(std::wstring text)
     return result;
 }
 
-void CheckBytes(const std::string& bytes, CFindings& findings)
+void CheckBytes(const std::string& bytes, const std::wstring& text, CFindings& findings)
 {
-    if (bytes.empty())
-    {
-        findings.Error("empty", {}, L"the file is empty");
-    }
     if (bytes.size() > kMaximumDecodedLength)
     {
         findings.Error("too-long", {},
@@ -126,6 +122,10 @@ void CheckBytes(const std::string& bytes, CFindings& findings)
                            L" bytes: the add-in reads the first 256000 only");
     }
     CheckEncoding(bytes, findings);
+    if (text.empty() && !findings.HasErrors())
+    {
+        findings.Error("empty", {}, L"the file is empty");
+    }
 }
 
 bool CheckSyntax(const CUpdateText& text, CFindings& findings)

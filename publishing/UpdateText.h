@@ -26,8 +26,9 @@ std::wstring DecodeAsTheAddIn(const std::string& bytes);
 
 CUpdateText ReadAsTheAddIn(std::wstring text);
 
-/// Too many bytes, not UTF-8, a zero byte.
-void CheckBytes(const std::string& bytes, CFindings& findings);
+/// Too many bytes, not UTF-8, a zero byte; without any of these no text, as of a byte-order mark alone.
+/// `text` is what the add-in makes of the bytes.
+void CheckBytes(const std::string& bytes, const std::wstring& text, CFindings& findings);
 
 /// The syntax error of the add-in's reader, with what stands there. True if there is none.
 bool CheckSyntax(const CUpdateText& text, CFindings& findings);

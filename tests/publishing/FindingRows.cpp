@@ -22,6 +22,7 @@ std::vector<CFindingRow> ByteRows()
         {"Good", kGoodFile, {}},
         {"ByteOrderMark", "\xEF\xBB\xBF" + kGoodFile, {}},
         Row("Empty", "", "empty", "Error: the file is empty"),
+        Row("OnlyAByteOrderMark", "\xEF\xBB\xBF", "empty", "Error: the file is empty"),
         Row("OneByteTooMany", padded, "too-long",
             "Error: the file has 256001 bytes: the add-in reads the first 256000 only"),
         {"Utf16",
@@ -85,8 +86,18 @@ std::vector<CFindingRow> TextRows()
     };
 }
 
+// One whose numbers are 1 and 1.
+constexpr char kSignature[] = "MAYCAQECAQE=";
+
+std::string WithSignature(const std::string& value)
+{
+    return With("\"x64\": {", "\"x64\": {\"signature\": \"" + value + "\", ");
+}
+
 std::vector<CFindingRow> MemberRows()
 {
+    const std::string notParsed =
+        "Error: x64.signature is not a signature (DER on the curve P-256, in base64)";
     const auto wrong = [](const char* name, const std::string& bytes, const std::string& line) {
         return Row(name, bytes, "wrong-type", "Error: " + line);
     };
@@ -132,10 +143,19 @@ std::vector<CFindingRow> MemberRows()
          {{"not-newer", "Error: x64 publishes 1.3.0, which is not newer than the installed 1.3.0"}},
          PublishedVersion{1, 3, 0}},
         {"Newer", kGoodFile, {}, PublishedVersion{1, 2, 999}},
+        {"NewerThanAnOlderInstalledOne", With(": 3,", ": 2,"), {}, PublishedVersion{1, 1, 0}},
+        Row("NotNewerThanThisBuild", With(": 3,", ": 2,"), "not-newer",
+            "Warning: x64 publishes 1.2.0, which is not newer than this build's 1.2.0"),
         {"NoSignature", kGoodFile, {{"missing", "Error: x64.signature is missing"}}, {}, true},
-        {"EmptySignature",
-         With("\"x64\": {", "\"x64\": {\"signature\": \"\", "),
-         {{"missing", "Error: x64.signature is empty"}},
+        {"EmptySignature", WithSignature(""), {{"missing", "Error: x64.signature is empty"}}, {}, true},
+        Row("CutSignature", WithSignature("MEUCIQ=="), "signature-not-parsed", notParsed),
+        Row("TextBehindTheSignature", WithSignature(std::string(kSignature) + "\\u0000x"),
+            "signature-not-parsed", notParsed),
+        {"CutSignatureWithAKey", WithSignature("MEUCIQ=="), {{"signature-not-parsed", notParsed}}, {}, true},
+        {"SignatureWithoutAKey", WithSignature(kSignature), {}},
+        {"SignatureWithoutAnInstaller",
+         WithSignature(kSignature),
+         {{"signature-not-verified", "Warning: x64.signature is not verified without --installer"}},
          {},
          true},
     };

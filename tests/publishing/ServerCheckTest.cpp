@@ -165,6 +165,9 @@ INSTANTIATE_TEST_SUITE_P(
         CReplyRow{"NoBody",
                   [](const std::string&) { return CHttpReply(200, ""); },
                   {{"empty", "Error: the file is empty"}}},
+        CReplyRow{"ZeroByteAtTheBeginning",
+                  [](const std::string& file) { return CHttpReply(200, std::string(1, '\0') + file); },
+                  {{"zero-byte", "Error: byte 1 is zero: the add-in does not read beyond it"}}},
         CReplyRow{"Deflate",
                   [](const std::string& file) {
                       return CHttpReply(200, file).Header("Content-Encoding", "deflate");
