@@ -86,7 +86,7 @@ std::optional<std::wstring> ReadSignature(const wmObject& entry, const std::wstr
 {
     constexpr wchar_t kName[] = L"signature";
     std::optional<std::wstring> signature = ReadText(entry, path, kName, findings);
-    EcdsaSignature decoded;
+    EcdsaSignature decoded{};
     if (!signature || DecodeEcdsaSignature(*signature, decoded))
     {
         return signature;
