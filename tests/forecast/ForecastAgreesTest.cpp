@@ -104,7 +104,7 @@ TEST_F(ForecastAgreesTest, OnKnownFiles)
 TEST_F(ForecastAgreesTest, OnMutatedFiles)
 {
     // What a key changes is seen in fewer.
-    const auto files = static_cast<std::size_t>(Repetitions(kUpdateVerifier == nullptr ? 1000 : 500, 2000));
+    const auto files = static_cast<std::size_t>(Repetitions(kUpdateVerifier == nullptr ? 2000 : 500, 2000));
     ExpectAll(MutatedFiles(files));
     // Not all of them are broken.
     EXPECT_GT(static_cast<std::size_t>(m_offers), files / 10);
