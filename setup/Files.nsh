@@ -92,10 +92,12 @@ Function PutInPlace
       ${EndIf}
     ${EndIf}
   ${EndIf}
-  ; Also if an earlier setup was ended while the copy was registered.
-  StrCpy $5 "$1.before"
-  StrCpy $6 $1
-  Call RegisterPath
+  ; Also if an earlier setup was ended while the copy was registered. But nothing that could not even be moved back.
+  ${If} ${FileExists} $1
+    StrCpy $5 "$1.before"
+    StrCpy $6 $1
+    Call RegisterPath
+  ${EndIf}
   ClearErrors
   ${If} $4 = 0
     SetErrors
@@ -115,11 +117,12 @@ Function KeepCopy
   ${EndIf}
 FunctionEnd
 
-; Undoes what was done to a file: a new one that still waits for its place has not replaced it. Without a copy the file was
-; not there before.
+; Undoes what was done to a file: a new one that still waits for its place has not replaced it, but may have driven it away.
+; Without a copy the file was not there before.
 ;   $1: the file
 Function PutCopyBack
   ${If} ${FileExists} "$1.new"
+  ${AndIf} ${FileExists} $1
     Return
   ${EndIf}
   ${If} ${FileExists} "$1.before"

@@ -1,7 +1,8 @@
 ; Installing: over nothing, an older version or the same one.
 ;
 ; Whatever fails, and whenever the process is ended, Outlook finds either the old DLL or the new one under the registered
-; path, and another run of a setup completes the work.
+; path, and another run of a setup completes the work. Not if the registration itself is being written at that moment, by
+; regsvr32 or when it is put back, nor while an old DLL replaces a new one that is loaded: then Outlook finds none until that run.
 
 Function .onInit
   ; For everybody and at one place only; /D=FOLDER on the command line does not count.
@@ -77,24 +78,33 @@ Section "" MAIN
 
   !insertmacro Step "$(Registering)"
   Call SaveRegistration
+  ${If} ${Errors}
+    Call PutFilesBack
+    Call ForgetSavedRegistration
+    !insertmacro Fail "$(CannotSave)" ${EXIT_REGISTRATION}
+  ${EndIf}
   StrCpy $9 "?"
   ExecWait '"$SYSDIR\regsvr32.exe" /s "$INSTDIR\${MODULE}"' $9
   ${If} $9 != 0
-    Call PutFilesBack
     Call RestoreRegistration
+    Call PutFilesBack
     !insertmacro Fail "$(CannotRegister)" ${EXIT_REGISTRATION}
   ${EndIf}
   Call WriteEntry
   ${If} ${Errors}
-    Call PutFilesBack
     Call RestoreRegistration
+    Call PutFilesBack
     !insertmacro Fail "$(CannotWriteEntry)" ${EXIT_ENTRY}
   ${EndIf}
 
   Call ForgetSavedRegistration
   Call DeleteLeftovers
   ${If} $IsInUse = 1
-    StrCpy $WhatIsDone "$(DoneInUse)"
+    ${If} $InstalledVersion == ${VERSION}
+      StrCpy $WhatIsDone "$(RepairedInUse)"
+    ${Else}
+      StrCpy $WhatIsDone "$(DoneInUse)"
+    ${EndIf}
   ${Else}
     StrCpy $WhatIsDone "$(Done)"
   ${EndIf}

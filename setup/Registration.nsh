@@ -22,17 +22,29 @@
   !insertmacro ${DO} add-in "Software\Microsoft\Office\Outlook\Addins\OrvaOscAddin.Connect"
 !macroend
 
+; A key's copy stands under its name; of a missing one there is a value of that name instead.
 !macro SaveKey NAME KEY
   StrCpy $0 "${KEY}"
   StrCpy $1 "${SAVED}\${NAME}"
   Call CopyKey
+  ${If} $2 = ${ERROR_FILE_NOT_FOUND}
+    WriteRegStr HKLM "${SAVED}" "${NAME}" "missing"
+  ${ElseIf} $2 <> 0
+    SetErrors
+  ${EndIf}
 !macroend
 
+; Nothing is deleted of which there is neither.
 !macro RestoreKey NAME KEY
   StrCpy $0 "${SAVED}\${NAME}"
   StrCpy $1 "${KEY}"
-  Call CopyKey
-  ${If} $2 <> 0
+  ReadRegStr $2 HKLM "${SAVED}" "${NAME}"
+  Call OpenKey
+  ${If} $4 = 0
+    ; First what another version's registration has added.
+    DeleteRegKey HKLM "${KEY}"
+    Call CopyKey
+  ${ElseIf} $2 == "missing"
     DeleteRegKey HKLM "${KEY}"
   ${EndIf}
 !macroend
@@ -41,9 +53,22 @@
   DeleteRegKey HKLM "${KEY}"
 !macroend
 
+; Sets the error flag unless the key is gone.
+!macro ExpectNoKey UN KEY
+  StrCpy $0 "${KEY}"
+  Call ${UN}OpenKey
+  ${If} $4 <> ${ERROR_FILE_NOT_FOUND}
+    SetErrors
+  ${EndIf}
+!macroend
+!macro ExpectDeleted NAME KEY
+  !insertmacro ExpectNoKey "un." "${KEY}"
+!macroend
+
+!macro RegistrationFunctions UN
+
 ; Lets Outlook find the DLL under another path, if this one is registered.
 ;   $5: the path that is registered, $6: the new one; $7 is changed
-!macro RegisterPathFunction UN
 Function ${UN}RegisterPath
   ReadRegStr $7 HKLM "${CLASS_KEY}\InprocServer32" ""
   ${If} $7 == $5
@@ -51,31 +76,46 @@ Function ${UN}RegisterPath
     WriteRegStr HKLM "${LIBRARY_KEY}\1.0\0\win64" "" $6
   ${EndIf}
 FunctionEnd
+
+; Finds out whether a key can be read.
+;   $0: the key; $4 afterwards: Windows' code, ${ERROR_FILE_NOT_FOUND} if there is none; $3 is changed
+Function ${UN}OpenKey
+  System::Call 'advapi32::RegOpenKeyExW(p ${LOCAL_MACHINE}, w r0, i 0, i ${KEY_READ}, *p .r3) i .r4'
+  ${If} $4 = 0
+    System::Call 'advapi32::RegCloseKey(p r3)'
+  ${EndIf}
+FunctionEnd
+
 !macroend
 
-!insertmacro RegisterPathFunction ""
-!insertmacro RegisterPathFunction "un."
+!insertmacro RegistrationFunctions ""
+!insertmacro RegistrationFunctions "un."
 
 ; Copies a key with its subkeys and values over another one, which is made if it is missing. Not by reg.exe, which would show
 ; a console window.
-;   $0: the key, $1: its copy; $2 afterwards: 0, or 1 if there is no such key
+;   $0: the key, $1: its copy; $2 afterwards: Windows' code, ${ERROR_FILE_NOT_FOUND} if there is no such key
 Function CopyKey
-  StrCpy $2 0
-  System::Call 'advapi32::RegOpenKeyExW(p ${LOCAL_MACHINE}, w r0, i 0, i ${KEY_READ}, *p .r3) i .r4'
-  ${If} $4 = ${ERROR_FILE_NOT_FOUND}
-    StrCpy $2 1
-  ${ElseIf} $4 = 0
-    System::Call 'advapi32::RegCreateKeyExW(p ${LOCAL_MACHINE}, w r1, i 0, p 0, i 0, i ${KEY_ALL_ACCESS}, p 0, *p .r5, p 0) i .r4'
-    ${If} $4 = 0
-      System::Call 'advapi32::RegCopyTreeW(p r3, p 0, p r5)'
+  System::Call 'advapi32::RegOpenKeyExW(p ${LOCAL_MACHINE}, w r0, i 0, i ${KEY_READ}, *p .r3) i .r2'
+  ${If} $2 = 0
+    System::Call 'advapi32::RegCreateKeyExW(p ${LOCAL_MACHINE}, w r1, i 0, p 0, i 0, i ${KEY_ALL_ACCESS}, p 0, *p .r5, p 0) i .r2'
+    ${If} $2 = 0
+      System::Call 'advapi32::RegCopyTreeW(p r3, p 0, p r5) i .r2'
       System::Call 'advapi32::RegCloseKey(p r5)'
     ${EndIf}
     System::Call 'advapi32::RegCloseKey(p r3)'
   ${EndIf}
 FunctionEnd
 
+; Sets the error flag if not everything could be saved: without that the registration must not be changed.
 Function SaveRegistration
   DeleteRegKey HKLM "${SAVED}"
+  ClearErrors
+  ; What an earlier setup saved is of no use now.
+  !insertmacro ExpectNoKey "" "${SAVED}"
+  ${If} ${Errors}
+    SetErrors
+    Return
+  ${EndIf}
   !insertmacro ForEachRegistrationKey SaveKey
   !insertmacro SaveKey entry "${ENTRY}"
 FunctionEnd

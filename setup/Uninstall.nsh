@@ -16,37 +16,89 @@ FunctionEnd
   !insertmacro LeaveFailedPage
 !macroend
 
+; Finds out whether a file can be moved, by moving it to where it is.
+;   $1: the file, which may be missing; sets the error flag and $FileError if it cannot be moved
+Function un.ExpectMovable
+  ClearErrors
+  ${If} ${FileExists} $1
+    System::Call 'kernel32::MoveFileExW(w r1, w r1, i 0) i .r4 ?e'
+    Pop $FileError
+    ${If} $4 = 0
+      SetErrors
+    ${EndIf}
+  ${EndIf}
+FunctionEnd
+
+; Ends the uninstallation, before it has changed anything, if the error flag says that the file $1 cannot be moved.
+!macro FailIfNotMovable
+  ${If} ${Errors}
+    Call un.DescribeFileError
+    !insertmacro FailToUninstall "$(CannotRemove)" ${EXIT_FILE}
+  ${EndIf}
+!macroend
+
+; Puts back what was removed, as far as possible, so that the uninstallation can be started again.
+;   $1: the DLL, $R3: its name aside; empty if it was missing
+Function un.RegisterAgain
+  ${If} $R3 != ""
+    Rename $R3 $1
+    ExecWait '"$SYSDIR\regsvr32.exe" /s "$1"'
+  ${EndIf}
+FunctionEnd
+
 Section "Uninstall"
   !insertmacro Step "$(Unregistering)"
   Call un.DeleteLeftovers
-  ; Moved aside first, because that can be refused, and then nothing has changed yet.
+  ; First what can be refused.
+  StrCpy $1 "$INSTDIR\${NOTICES}"
+  Call un.ExpectMovable
+  !insertmacro FailIfNotMovable
+  StrCpy $1 "$INSTDIR\${UNINSTALLER}"
+  ${If} $EXEPATH != $1
+    ; It has started this copy of itself and may need a moment to end.
+    ${For} $R0 1 10
+      Call un.ExpectMovable
+      ${IfNot} ${Errors}
+        ${Break}
+      ${EndIf}
+      Sleep 100
+      SetErrors
+    ${Next}
+    !insertmacro FailIfNotMovable
+  ${EndIf}
   StrCpy $1 "$INSTDIR\${MODULE}"
-  StrCpy $3 ""
+  StrCpy $R3 ""
   ${If} ${FileExists} $1
     Call un.PutAside
-    ${If} ${Errors}
-      Call un.DescribeFileError
-      !insertmacro FailToUninstall "$(CannotRemove)" ${EXIT_FILE}
-    ${EndIf}
-    ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$3"'
+    !insertmacro FailIfNotMovable
+    StrCpy $R3 $3
+    ExecWait '"$SYSDIR\regsvr32.exe" /u /s "$R3"'
   ${EndIf}
   ; If the DLL is missing or damaged, regsvr32 has removed nothing.
   !insertmacro ForEachRegistrationKey DeleteKey
-  System::Call 'advapi32::RegOpenKeyExW(p ${LOCAL_MACHINE}, w "${CLASS_KEY}", i 0, i ${KEY_READ}, *p .r4) i .r0'
-  ${If} $0 <> ${ERROR_FILE_NOT_FOUND}
-    ${If} $3 != ""
-      Rename $3 $1
-      ExecWait '"$SYSDIR\regsvr32.exe" /s "$1"'
-    ${EndIf}
+  ClearErrors
+  !insertmacro ForEachRegistrationKey ExpectDeleted
+  ${If} ${Errors}
+    Call un.RegisterAgain
     !insertmacro FailToUninstall "$(CannotUnregister)" ${EXIT_REGISTRATION}
   ${EndIf}
-  ${If} $3 != ""
+  DeleteRegKey HKLM "${ENTRY}"
+  ClearErrors
+  !insertmacro ExpectNoKey "un." "${ENTRY}"
+  ${If} ${Errors}
+    Call un.RegisterAgain
+    !insertmacro FailToUninstall "$(CannotRemoveEntry)" ${EXIT_ENTRY}
+  ${EndIf}
+  DeleteRegKey HKLM "${SAVED}"
+  ${If} $R3 != ""
+    StrCpy $3 $R3
     Call un.DeleteAside
   ${EndIf}
+  StrCpy $1 "$INSTDIR\${NOTICES}"
+  Call un.PutAside
+  Call un.DeleteAside
   Call un.DeleteLeftovers
-  DeleteRegKey HKLM "${SAVED}"
-  DeleteRegKey HKLM "${ENTRY}"
-  Delete /REBOOTOK "$INSTDIR\${NOTICES}"
+  ; Stays if it runs where it is.
   Delete "$INSTDIR\${UNINSTALLER}"
   ; Goes with its last file at the next start of Windows, if that is in use.
   RMDir /REBOOTOK "$INSTDIR"

@@ -14,6 +14,7 @@
 !insertmacro Text DoneTitle "${PRODUCT} ${VERSION} ist installiert"
 !insertmacro Text Done "Outlook verwendet die Version ${VERSION}, wenn es das nächste Mal gestartet wird."
 !insertmacro Text DoneInUse "Outlook verwendet noch die vorherige Version.$\r$\n$\r$\nStarten Sie Outlook neu, um die neue Version ${VERSION} zu verwenden."
+!insertmacro Text RepairedInUse "Die Version ${VERSION} ist repariert.$\r$\n$\r$\nStarten Sie Outlook neu, um die reparierten Dateien zu verwenden."
 !insertmacro Text Busy "Ein anderes Setup des ${PRODUCT}s läuft gerade.$\r$\n$\r$\nBitte starten Sie dieses noch einmal, wenn das andere beendet ist."
 !insertmacro Text NewerInstalled "Die Version $InstalledVersion des ${PRODUCT}s ist installiert. Sie ist neuer als ${VERSION}, deshalb wurde nichts geändert."
 !insertmacro Text NothingChanged "An diesem Computer wurde nichts geändert."
@@ -21,6 +22,7 @@
 ; NSIS's own message, to which it appends the file: the disk is full.
 !insertmacro Text ^ErrorWriting "An diesem Computer wurde nichts geändert, weil diese Datei nicht geschrieben werden konnte. Vielleicht ist auf dem Laufwerk kein Platz mehr.$\r$\n$\r$\n"
 !insertmacro Text CannotReplace "Die Datei konnte nicht ersetzt werden:$\r$\n$1$\r$\n$\r$\nWindows-Fehler $FileError: $FileErrorText"
+!insertmacro Text CannotSave "Die jetzige Registrierung des Add-Ins konnte nicht gesichert werden."
 !insertmacro Text CannotRegister "Das Add-In konnte nicht bei Outlook registriert werden (regsvr32 endete mit $9)."
 !insertmacro Text CannotWriteEntry "Der Eintrag in „Programme und Funktionen“ konnte nicht geschrieben werden."
 !insertmacro Text UninstallTitle "${PRODUCT} ${VERSION} deinstallieren"
@@ -32,4 +34,5 @@
 !insertmacro Text UninstalledInUse "Outlook verwendet das Add-In noch. Es verschwindet, wenn Outlook neu gestartet wird, und seine letzte Datei, wenn Windows neu gestartet wird.$\r$\n$\r$\nDie Protokolldatei, falls Sie das Protokoll eingeschaltet hatten, liegt weiterhin in %LOCALAPPDATA%\${PRODUCT}."
 !insertmacro Text CannotRemove "Die Datei konnte nicht entfernt werden:$\r$\n$1$\r$\n$\r$\nWindows-Fehler $FileError: $FileErrorText$\r$\n$\r$\nDer ${PRODUCT} ist weiterhin installiert."
 !insertmacro Text CannotUnregister "Die Registrierung des Add-Ins konnte nicht entfernt werden. Starten Sie die Deinstallation noch einmal."
+!insertmacro Text CannotRemoveEntry "Der Eintrag in „Programme und Funktionen“ konnte nicht entfernt werden. Starten Sie die Deinstallation noch einmal."
 !macroundef Text

@@ -14,6 +14,7 @@
 !insertmacro Text DoneTitle "${PRODUCT} ${VERSION} está instalado"
 !insertmacro Text Done "Outlook utilizará la versión ${VERSION} la próxima vez que se inicie."
 !insertmacro Text DoneInUse "Outlook todavía utiliza la versión anterior.$\r$\n$\r$\nReinicie Outlook para utilizar la nueva versión ${VERSION}."
+!insertmacro Text RepairedInUse "La versión ${VERSION} está reparada.$\r$\n$\r$\nReinicie Outlook para utilizar los archivos reparados."
 !insertmacro Text Busy "Otra instalación de ${PRODUCT} está en curso.$\r$\n$\r$\nInicie esta de nuevo cuando la otra haya terminado."
 !insertmacro Text NewerInstalled "La versión $InstalledVersion de ${PRODUCT} está instalada. Es más reciente que la ${VERSION}, así que no se ha cambiado nada."
 !insertmacro Text NothingChanged "No se ha cambiado nada en este equipo."
@@ -21,6 +22,7 @@
 ; NSIS's own message, to which it appends the file: the disk is full.
 !insertmacro Text ^ErrorWriting "No se ha cambiado nada en este equipo, porque no se ha podido escribir este archivo. Puede que no quede espacio en la unidad.$\r$\n$\r$\n"
 !insertmacro Text CannotReplace "No se ha podido sustituir el archivo:$\r$\n$1$\r$\n$\r$\nError de Windows $FileError: $FileErrorText"
+!insertmacro Text CannotSave "No se ha podido guardar el registro actual del complemento."
 !insertmacro Text CannotRegister "No se ha podido registrar el complemento en Outlook (regsvr32 terminó con $9)."
 !insertmacro Text CannotWriteEntry "No se ha podido escribir la entrada de Programas y características."
 !insertmacro Text UninstallTitle "Desinstalar ${PRODUCT} ${VERSION}"
@@ -32,4 +34,5 @@
 !insertmacro Text UninstalledInUse "Outlook todavía utiliza el complemento. Desaparecerá cuando se reinicie Outlook, y su último archivo cuando se reinicie Windows.$\r$\n$\r$\nEl archivo de registro, si lo había activado, sigue en %LOCALAPPDATA%\${PRODUCT}."
 !insertmacro Text CannotRemove "No se ha podido quitar el archivo:$\r$\n$1$\r$\n$\r$\nError de Windows $FileError: $FileErrorText$\r$\n$\r$\n${PRODUCT} sigue instalado."
 !insertmacro Text CannotUnregister "No se ha podido quitar el registro del complemento. Inicie la desinstalación de nuevo."
+!insertmacro Text CannotRemoveEntry "No se ha podido quitar la entrada de Programas y características. Inicie la desinstalación de nuevo."
 !macroundef Text

@@ -14,6 +14,7 @@
 !insertmacro Text DoneTitle "${PRODUCT} ${VERSION} yüklendi"
 !insertmacro Text Done "Outlook, ${VERSION} sürümünü bir sonraki başlatılışında kullanır."
 !insertmacro Text DoneInUse "Outlook hâlâ önceki sürümü kullanıyor.$\r$\n$\r$\nYeni ${VERSION} sürümünü kullanmak için Outlook'u yeniden başlatın."
+!insertmacro Text RepairedInUse "${VERSION} sürümü onarıldı.$\r$\n$\r$\nOnarılan dosyaları kullanmak için Outlook'u yeniden başlatın."
 !insertmacro Text Busy "Başka bir ${PRODUCT} kurulumu çalışıyor.$\r$\n$\r$\nLütfen öteki bitince bunu yeniden başlatın."
 !insertmacro Text NewerInstalled "${PRODUCT} $InstalledVersion sürümü yüklü. Bu sürüm ${VERSION} sürümünden yeni olduğu için hiçbir şey değiştirilmedi."
 !insertmacro Text NothingChanged "Bu bilgisayarda hiçbir şey değiştirilmedi."
@@ -21,6 +22,7 @@
 ; NSIS's own message, to which it appends the file: the disk is full.
 !insertmacro Text ^ErrorWriting "Bu bilgisayarda hiçbir şey değiştirilmedi, çünkü şu dosya yazılamadı. Sürücüde yer kalmamış olabilir.$\r$\n$\r$\n"
 !insertmacro Text CannotReplace "Dosya değiştirilemedi:$\r$\n$1$\r$\n$\r$\nWindows hatası $FileError: $FileErrorText"
+!insertmacro Text CannotSave "Eklentinin şimdiki kaydı yedeklenemedi."
 !insertmacro Text CannotRegister "Eklenti Outlook'a kaydedilemedi (regsvr32 $9 koduyla bitti)."
 !insertmacro Text CannotWriteEntry "Programlar ve Özellikler'deki kayıt yazılamadı."
 !insertmacro Text UninstallTitle "${PRODUCT} ${VERSION} kaldırma"
@@ -32,4 +34,5 @@
 !insertmacro Text UninstalledInUse "Outlook eklentiyi hâlâ kullanıyor. Eklenti, Outlook yeniden başlatılınca; son dosyası ise Windows yeniden başlatılınca kaybolur.$\r$\n$\r$\nGünlüğü açtıysanız günlük dosyası hâlâ %LOCALAPPDATA%\${PRODUCT} klasöründedir."
 !insertmacro Text CannotRemove "Dosya kaldırılamadı:$\r$\n$1$\r$\n$\r$\nWindows hatası $FileError: $FileErrorText$\r$\n$\r$\n${PRODUCT} hâlâ yüklü."
 !insertmacro Text CannotUnregister "Eklentinin kaydı kaldırılamadı. Kaldırmayı yeniden başlatın."
+!insertmacro Text CannotRemoveEntry "Programlar ve Özellikler'deki kayıt kaldırılamadı. Kaldırmayı yeniden başlatın."
 !macroundef Text

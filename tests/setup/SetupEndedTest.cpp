@@ -70,7 +70,7 @@ TEST_P(SetupEndedAtAnyTimeTest, LeavesAWorkingAddInAndTheNextSetupCompletesTheWo
     const ULONGLONG start = GetTickCount64();
     Install(OldVersion());
     const auto duration = static_cast<DWORD>(GetTickCount64() - start);
-    const int moments = Repetitions(3, 40);
+    const int moments = Repetitions(2, 40);
     for (int moment = 0; moment < moments; ++moment)
     {
         SCOPED_TRACE("moment " + std::to_string(moment));
@@ -106,6 +106,28 @@ TEST_F(SetupEndedTest, BeforeAnyMoveOfAFileLeavesAWorkingAddIn)
         DeleteRegistryKey(HKEY_LOCAL_MACHINE, kEntryKey);
     }
     EXPECT_EQ(isEnded, !IsThorough());
+}
+
+// Neither can the new DLL be moved to its place nor the old one back.
+TEST_F(SetupEndedTest, ADllThatCannotBeMovedBackIsReplacedByItsCopy)
+{
+    Install(OldVersion());
+    const CAddInModule outlook(InstalledModule());
+    std::vector<UniqueHandle> locks;
+    EXPECT_FALSE(EndAtCall(NewVersion().setup, {L"/S"}, "MoveFileExW", [&] {
+        if (locks.empty() && !FileExists(InstalledModule()))
+        {
+            for (const wchar_t* const ending : {L".new", L".1.old"})
+            {
+                locks.push_back(LockFile(InstalledModule() + ending));
+            }
+        }
+        return false;
+    }));
+    EXPECT_EQ(locks.size(), 2u);
+    EXPECT_EQ(WorkingModule(), InstalledModule());
+    EXPECT_TRUE(ReadFileBytes(InstalledModule()) == ReadFileBytes(OldVersion().module));
+    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), OldVersion().version);
 }
 
 // Ended while the DLL that Outlook has loaded is aside and the new one is not yet in its place.

@@ -2,7 +2,9 @@
 #include "harness/Files.h"
 #include "harness/TempFolder.h"
 #include "harness/Text.h"
+#include "harness/Thorough.h"
 #include "harness/WindowDriver.h"
+#include "setup/EndedProcess.h"
 #include "setup/RegistrationObstacle.h"
 #include "setup/SetupFixture.h"
 #include "setup/SetupUser.h"
@@ -73,29 +75,54 @@ TEST_F(SetupFaultsTest, AnUninstallerThatCannotBeReplacedStays)
     ExpectOldStays(kFileFailed, [&] { file.reset(); });
 }
 
-TEST_F(SetupFaultsTest, ADllThatCannotBeRemovedStaysInstalled)
+TEST_F(SetupFaultsTest, AFolderInAFilesPlaceLeavesTheOldVersion)
 {
     Install(OldVersion());
+    for (const wchar_t* const name : {L"\\Uninstall.exe.new", L"\\Uninstall.exe.before"})
     {
-        const UniqueHandle file = LockFile(InstalledModule());
-        EXPECT_EQ(UninstallInPlace(), kFileFailed);
+        SCOPED_TRACE(Utf8(name));
+        const std::wstring folder = InstallFolder() + name;
+        ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
+        ExpectOldStays(kFileFailed, [&] { EXPECT_TRUE(RemoveDirectoryW(folder.c_str())); });
     }
-    EXPECT_TRUE(FileExists(InstalledModule()));
-    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), OldVersion().version);
+}
+
+TEST_F(SetupFaultsTest, AFileThatCannotBeRemovedKeepsTheConnectorInstalled)
+{
+    Install(OldVersion());
+    // As the uninstaller starts itself, so that its own file can be removed.
+    const CTempFolder folder;
+    const std::wstring uninstaller = folder.File(L"Un.exe");
+    WriteFileBytes(uninstaller, *ReadFileBytes(InstalledUninstaller()));
+    for (const std::wstring& name : InstalledFiles())
+    {
+        SCOPED_TRACE(Utf8(name));
+        {
+            const UniqueHandle file = LockFile(InstallFolder() + L"\\" + name);
+            EXPECT_EQ(Run(uninstaller, InPlace({L"/S"})), kFileFailed);
+        }
+        ExpectInstalled(OldVersion());
+    }
     Uninstall();
 }
 
-TEST_F(SetupFaultsTest, ARegistrationThatCannotBeRemovedKeepsTheConnectorInstalled)
+TEST_F(SetupFaultsTest, AKeyThatCannotBeRemovedKeepsTheConnectorInstalled)
 {
     Install(OldVersion());
+    for (const auto& [key, code] :
+         {std::pair(kClassKey, kRegistrationFailed), std::pair(kAddInKey, kRegistrationFailed),
+          std::pair(kEntryKey, kEntryFailed)})
     {
-        CObstacle key(Kind::Locked, HKEY_LOCAL_MACHINE, kClassKey);
-        key.Raise();
-        EXPECT_EQ(UninstallInPlace(), kRegistrationFailed);
+        SCOPED_TRACE(Utf8(key));
+        CObstacle obstacle(Kind::Locked, HKEY_LOCAL_MACHINE, key);
+        obstacle.Raise();
+        EXPECT_EQ(UninstallInPlace(), static_cast<DWORD>(code));
+        obstacle.Lower();
+        EXPECT_EQ(ListFolder(InstallFolder()), InstalledFiles());
+        EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), OldVersion().version);
     }
-    EXPECT_TRUE(FileExists(InstalledModule()));
-    EXPECT_EQ(RegistryString(HKEY_LOCAL_MACHINE, kEntryKey, L"DisplayVersion"), OldVersion().version);
-    Install(OldVersion());
+    // Registered again.
+    ExpectInstalled(OldVersion());
     Uninstall();
 }
 
@@ -119,9 +146,32 @@ TEST_F(SetupFaultsTest, AnUpgradeWhoseRegistrationFailsLeavesTheOldDllAndItsRegi
     {
         CObstacle entry(Kind::ReadOnly, HKEY_LOCAL_MACHINE, kAddInKey);
         entry.Raise();
-        EXPECT_EQ(Run(NewVersion().setup), kRegistrationFailed);
+        // When regsvr32 is started: as if the new version's registration wrote more.
+        EXPECT_FALSE(EndAtCall(NewVersion().setup, {L"/S"}, "CreateProcessW", [] {
+            EXPECT_EQ(RegSetKeyValueW(HKEY_LOCAL_MACHINE, kClassKey, L"Added", REG_SZ, L"", sizeof L""),
+                      ERROR_SUCCESS);
+            return false;
+        }));
     }
     EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
+    Install(NewVersion());
+}
+
+// Without its copy it would be lost when regsvr32 fails as well.
+TEST_F(SetupFaultsTest, ARegistrationThatCannotBeSavedIsNotTouched)
+{
+    Install(OldVersion());
+    {
+        CObstacle saved(Kind::Locked, HKEY_LOCAL_MACHINE, kSavedKey);
+        CObstacle addIn(Kind::ReadOnly, HKEY_LOCAL_MACHINE, kAddInKey);
+        const CInstalledState before = TakeState();
+        saved.Raise();
+        addIn.Raise();
+        EXPECT_EQ(Run(NewVersion().setup), kRegistrationFailed);
+        addIn.Lower();
+        saved.Lower();
+        EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
+    }
     Install(NewVersion());
 }
 
@@ -144,12 +194,12 @@ TEST_F(SetupFaultsTest, ADamagedSetupFileRefusesItselfAndChangesNothing)
     const std::string whole = *ReadFileBytes(NewVersion().setup);
     const CTempFolder folder;
     const std::wstring path = folder.File(L"OrvaSetup.exe");
-    constexpr size_t kPlaces = 20;
-    for (size_t place = 1; place <= kPlaces; ++place)
+    const auto places = static_cast<size_t>(Repetitions(5, 20));
+    for (size_t place = 1; place <= places; ++place)
     {
         // Not in the first part, which is the program's own code: Windows refuses to start that, or it
         // crashes.
-        const size_t at = whole.size() / 4 + place * (whole.size() * 3 / 4 - 8) / kPlaces;
+        const size_t at = whole.size() / 4 + place * (whole.size() * 3 / 4 - 8) / places;
         SCOPED_TRACE("at byte " + std::to_string(at));
         std::string changed = whole;
         changed[at] = static_cast<char>(changed[at] ^ 0x10);
@@ -173,7 +223,7 @@ TEST_F(SetupFaultsTest, ADamagedSetupFileSaysSo)
     ASSERT_NE(message, nullptr);
     EXPECT_EQ(WindowText(message), L"ORVA Setup");
     AnswerMessage(L"This file is damaged. Please download it again.\n"
-                  L"Die Datei ist beschädigt. Bitte laden Sie sie neu.\n"
+                  L"Die Datei ist beschädigt. Bitte laden Sie sie neu herunter.\n"
                   L"El archivo está dañado. Descárguelo de nuevo.\n"
                   L"Dosya bozuk. Lütfen yeniden indirin.",
                   setup.Id());

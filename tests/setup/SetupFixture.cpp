@@ -12,7 +12,9 @@ namespace orva::test
 namespace
 {
 
-constexpr wchar_t kSavedKey[] = L"Software\\ORVA Connector Setup";
+// What a setup changes under HKEY_LOCAL_MACHINE.
+constexpr const wchar_t* kChangedKeys[] = {kAddInKey,   kProgIdKey,    kVersionedProgIdKey, kClassKey,
+                                           kLibraryKey, kInterfaceKey, kEntryKey,           kSavedKey};
 constexpr wchar_t kSessionManager[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
 constexpr wchar_t kPending[] = L"PendingFileRenameOperations";
 
@@ -85,8 +87,7 @@ CInstalledState TakeState()
             state.files[name] = ReadFileBytes(InstallFolder() + L"\\" + name).value_or("cannot be read");
         }
     }
-    for (const wchar_t* const key : {kAddInKey, kProgIdKey, kVersionedProgIdKey, kClassKey, kLibraryKey,
-                                     kInterfaceKey, kEntryKey, kSavedKey})
+    for (const wchar_t* const key : kChangedKeys)
     {
         state.registry += Utf8(key) + "\n" + ExportRegistryKey(HKEY_LOCAL_MACHINE, key);
     }
@@ -146,9 +147,10 @@ void SetupFixture::Uninstall()
     ASSERT_NO_FATAL_FAILURE(RunUninstaller());
     const CInstalledState nothing;
     EXPECT_EQ(TakeState().files, nothing.files);
-    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
-    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kClassKey));
-    EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kAddInKey));
+    for (const wchar_t* const key : kChangedKeys)
+    {
+        EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, key)) << Utf8(key);
+    }
 }
 
 DWORD SetupFixture::UninstallInPlace()

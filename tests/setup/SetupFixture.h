@@ -18,6 +18,8 @@ namespace orva::test
 /// The entry in "Programs and Features", under HKEY_LOCAL_MACHINE.
 inline constexpr wchar_t kEntryKey[] =
     L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\ORVA Connector";
+/// Where a setup keeps the registration that it replaces, under HKEY_LOCAL_MACHINE.
+inline constexpr wchar_t kSavedKey[] = L"Software\\ORVA Connector Setup";
 /// The name that a running setup holds.
 inline constexpr wchar_t kSetupMutex[] = L"Global\\OrvaConnectorSetup";
 

@@ -51,8 +51,7 @@ std::string ExportMachineAndUser()
         }
         for (const wchar_t* const key :
              {kOfficeKey, kProgIdKey, kVersionedProgIdKey, kClassKey, kLibraryKey, kInterfaceKey,
-              kLogSwitchKey, L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall",
-              L"Software\\ORVA Connector Setup"})
+              kLogSwitchKey, L"Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall", kSavedKey})
         {
             text += ExportRegistryKey(root, key);
         }
@@ -76,7 +75,7 @@ TEST_F(SetupInstallTest, MakesTheEntryInProgramsAndFeaturesComplete)
     std::vector<std::string> lines = SplitLines(ExportRegistryKey(HKEY_LOCAL_MACHINE, kEntryKey));
     const auto size = RegistryDword(HKEY_LOCAL_MACHINE, kEntryKey, L"EstimatedSize");
     ASSERT_TRUE(size.has_value());
-    // In KiB; the two files have 700 or so.
+    // In KiB; the three files have 700 or so.
     EXPECT_GE(*size, 400u);
     EXPECT_LE(*size, 1'000u);
     std::erase_if(lines, [](const std::string& line) {
@@ -148,9 +147,11 @@ TEST_F(SetupInstallTest, UninstallingLeavesFilesAndRegistryAsTheyWereAndTheUsers
 {
     const CDebugLogOn log;
     const CPrivateTemp temp;
-    // Installing and removing once makes Outlook's list of add-ins, which stays.
-    Install(OldVersion());
-    Uninstall();
+    // Outlook's list of add-ins, which registering makes and unregistering leaves.
+    HKEY addIns = nullptr;
+    ASSERT_EQ(RegCreateKeyW(HKEY_LOCAL_MACHINE, kAddIns, &addIns), ERROR_SUCCESS);
+    RegCloseKey(addIns);
+    CreateDirectoryW(LogFolder().c_str(), nullptr);
     WriteFileBytes(LogPath(), "the user's log");
     const std::string before = ExportMachineAndUser();
     const std::vector<std::wstring> filesBefore = ProgramsAndData();

@@ -16,12 +16,13 @@ constexpr CSetupTexts kTexts[] = {
      .install = L"&Install",
      .used = L"Outlook uses version {old} from its next start.",
      .replaces =
-         L"Setup replaces version {old} of the ORVA Connector by {new} for all users of this computer.",
+         L"Setup replaces version {old} of the ORVA Connector with {new} for all users of this computer.",
      .newCaption = L"ORVA Connector {new} Setup",
      .usesNew = L"Outlook uses version {new} from its next start.",
      .restart = L"Restart Outlook to use the new version, {new}.",
      .repairs = L"Version {old} of the ORVA Connector is installed already. Setup installs it once more and "
                 L"so repairs it.",
+     .repaired = L"Version {old} is repaired.\r\n\r\nRestart Outlook to use the repaired files.",
      .uninstallCaption = L"Uninstall ORVA Connector {new}",
      .logStays = L"the log file that the add-in may have written in your profile stays.",
      .uninstall = L"&Uninstall",
@@ -32,15 +33,18 @@ constexpr CSetupTexts kTexts[] = {
      .busy = L"Another setup of the ORVA Connector is running.\r\n\r\nPlease start this one again when the "
              L"other has ended.",
      .nothingChanged = L"Nothing was changed on this computer.",
-     .cannotWrite = L"The files could not be written into the folder\r\n{folder}",
+     .cannotWrite = L"The files could not be written into this folder:\r\n{folder}",
      .diskFull = L"Nothing was changed on this computer, because this file could not be written. There may "
                  L"be no space left on its drive.\r\n\r\n",
      .cannotReplace = L"The file could not be replaced:\r\n{module}\r\n\r\nWindows error 32: ",
      .cannotRemove = L"The file could not be removed:\r\n{module}\r\n\r\nWindows error 32: ",
      .stillInstalled = L"The ORVA Connector is still installed.",
+     .cannotSave = L"The add-in's present registration could not be saved.",
      .cannotRegister = L"The add-in could not be registered with Outlook (regsvr32 ended with 5).",
      .cannotWriteEntry = L"The entry in Programs and Features could not be written.",
      .cannotUnregister = L"The add-in's registration could not be removed. Start the uninstallation again.",
+     .cannotRemoveEntry =
+         L"The entry in Programs and Features could not be removed. Start the uninstallation again.",
      .removing = L"Please wait while the ORVA Connector is being removed.",
      .notUninstalled = L"Uninstall was not completed successfully."},
     {.language = LANG_GERMAN,
@@ -55,6 +59,8 @@ constexpr CSetupTexts kTexts[] = {
      .restart = L"Starten Sie Outlook neu, um die neue Version {new} zu verwenden.",
      .repairs = L"Die Version {old} des ORVA Connectors ist bereits installiert. Das Setup installiert sie "
                 L"noch einmal und repariert sie so.",
+     .repaired = L"Die Version {old} ist repariert.\r\n\r\nStarten Sie Outlook neu, um die reparierten "
+                 L"Dateien zu verwenden.",
      .uninstallCaption = L"ORVA Connector {new} deinstallieren",
      .logStays =
          L"die Protokolldatei, die das Add-In vielleicht in Ihrem Profil geschrieben hat, bleibt erhalten.",
@@ -72,10 +78,13 @@ constexpr CSetupTexts kTexts[] = {
      .cannotReplace = L"Die Datei konnte nicht ersetzt werden:\r\n{module}\r\n\r\nWindows-Fehler 32: ",
      .cannotRemove = L"Die Datei konnte nicht entfernt werden:\r\n{module}\r\n\r\nWindows-Fehler 32: ",
      .stillInstalled = L"Der ORVA Connector ist weiterhin installiert.",
+     .cannotSave = L"Die jetzige Registrierung des Add-Ins konnte nicht gesichert werden.",
      .cannotRegister = L"Das Add-In konnte nicht bei Outlook registriert werden (regsvr32 endete mit 5).",
      .cannotWriteEntry = L"Der Eintrag in „Programme und Funktionen“ konnte nicht geschrieben werden.",
      .cannotUnregister = L"Die Registrierung des Add-Ins konnte nicht entfernt werden. Starten Sie die "
                          L"Deinstallation noch einmal.",
+     .cannotRemoveEntry = L"Der Eintrag in „Programme und Funktionen“ konnte nicht entfernt werden. Starten "
+                          L"Sie die Deinstallation noch einmal.",
      .removing = L"Bitte warten Sie, während der ORVA Connector entfernt wird.",
      .notUninstalled = L"Die Deinstallation wurde nicht vollständig abgeschlossen."},
     {.language = LANG_SPANISH,
@@ -90,6 +99,8 @@ constexpr CSetupTexts kTexts[] = {
      .restart = L"Reinicie Outlook para utilizar la nueva versión {new}.",
      .repairs = L"La versión {old} de ORVA Connector ya está instalada. El programa la instala de nuevo y "
                 L"así la repara.",
+     .repaired =
+         L"La versión {old} está reparada.\r\n\r\nReinicie Outlook para utilizar los archivos reparados.",
      .uninstallCaption = L"Desinstalar ORVA Connector {new}",
      .logStays = L"el archivo de registro que el complemento haya podido escribir en su perfil se conserva.",
      .uninstall = L"&Desinstalar",
@@ -106,10 +117,13 @@ constexpr CSetupTexts kTexts[] = {
      .cannotReplace = L"No se ha podido sustituir el archivo:\r\n{module}\r\n\r\nError de Windows 32: ",
      .cannotRemove = L"No se ha podido quitar el archivo:\r\n{module}\r\n\r\nError de Windows 32: ",
      .stillInstalled = L"ORVA Connector sigue instalado.",
+     .cannotSave = L"No se ha podido guardar el registro actual del complemento.",
      .cannotRegister = L"No se ha podido registrar el complemento en Outlook (regsvr32 terminó con 5).",
      .cannotWriteEntry = L"No se ha podido escribir la entrada de Programas y características.",
      .cannotUnregister =
          L"No se ha podido quitar el registro del complemento. Inicie la desinstalación de nuevo.",
+     .cannotRemoveEntry = L"No se ha podido quitar la entrada de Programas y características. Inicie la "
+                          L"desinstalación de nuevo.",
      .removing = L"Espere mientras se quita ORVA Connector.",
      .notUninstalled = L"La desinstalación no se completó correctamente."},
     {.language = LANG_TURKISH,
@@ -123,6 +137,8 @@ constexpr CSetupTexts kTexts[] = {
      .usesNew = L"Outlook, {new} sürümünü bir sonraki başlatılışında kullanır.",
      .restart = L"Yeni {new} sürümünü kullanmak için Outlook'u yeniden başlatın.",
      .repairs = L"ORVA Connector {old} sürümü zaten yüklü. Kurulum onu yeniden yükler ve böylece onarır.",
+     .repaired =
+         L"{old} sürümü onarıldı.\r\n\r\nOnarılan dosyaları kullanmak için Outlook'u yeniden başlatın.",
      .uninstallCaption = L"ORVA Connector {new} kaldırma",
      .logStays = L"eklentinin profilinize yazmış olabileceği günlük dosyası da kalır.",
      .uninstall = L"&Kaldır",
@@ -139,9 +155,11 @@ constexpr CSetupTexts kTexts[] = {
      .cannotReplace = L"Dosya değiştirilemedi:\r\n{module}\r\n\r\nWindows hatası 32: ",
      .cannotRemove = L"Dosya kaldırılamadı:\r\n{module}\r\n\r\nWindows hatası 32: ",
      .stillInstalled = L"ORVA Connector hâlâ yüklü.",
+     .cannotSave = L"Eklentinin şimdiki kaydı yedeklenemedi.",
      .cannotRegister = L"Eklenti Outlook'a kaydedilemedi (regsvr32 5 koduyla bitti).",
      .cannotWriteEntry = L"Programlar ve Özellikler'deki kayıt yazılamadı.",
      .cannotUnregister = L"Eklentinin kaydı kaldırılamadı. Kaldırmayı yeniden başlatın.",
+     .cannotRemoveEntry = L"Programlar ve Özellikler'deki kayıt kaldırılamadı. Kaldırmayı yeniden başlatın.",
      .removing = L"ORVA Connector kaldırılırken lütfen bekleyin.",
      .notUninstalled = L"Kaldırma İşlemi tamamlanamadı."},
 };

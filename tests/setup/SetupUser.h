@@ -26,6 +26,7 @@ struct CSetupTexts
     const wchar_t* usesNew;
     const wchar_t* restart;
     const wchar_t* repairs;
+    const wchar_t* repaired;
     const wchar_t* uninstallCaption;
     const wchar_t* logStays;
     const wchar_t* uninstall;
@@ -41,9 +42,11 @@ struct CSetupTexts
     const wchar_t* cannotReplace;
     const wchar_t* cannotRemove;
     const wchar_t* stillInstalled;
+    const wchar_t* cannotSave;
     const wchar_t* cannotRegister;
     const wchar_t* cannotWriteEntry;
     const wchar_t* cannotUnregister;
+    const wchar_t* cannotRemoveEntry;
     const wchar_t* removing;
     const wchar_t* notUninstalled;
 };
