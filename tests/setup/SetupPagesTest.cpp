@@ -288,13 +288,14 @@ TEST_F(SetupPagesTest, SayWhatFailedAndThatNothingWasChanged)
         ExpectFailure(failure);
         EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
     }
+    // Without the DLL, which would be registered again.
+    RemovePath(InstalledModule());
     ExpectFailure({"unregistering", [] { return Raise(CObstacle::Kind::Locked, kClassKey); },
                    InstalledUninstaller(), kRegistrationFailed, &CSetupTexts::logStays,
                    m_texts.cannotUnregister, &CSetupTexts::notUninstalled});
     ExpectFailure({"removing the entry", [] { return Raise(CObstacle::Kind::Locked, kEntryKey); },
                    InstalledUninstaller(), kEntryFailed, &CSetupTexts::logStays, m_texts.cannotRemoveEntry,
                    &CSetupTexts::notUninstalled});
-    EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
     CChildProcess uninstaller(
         {.program = InstalledUninstaller(), .arguments = Arguments(InstalledUninstaller(), false)});
     Press(m_texts.logStays, kNext, uninstaller.Id());
