@@ -211,6 +211,32 @@ TEST_F(SetupFaultsTest, ADamagedSetupFileRefusesItselfAndChangesNothing)
     EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
 }
 
+// There it is not even sure to find that out: it may not start, or crash.
+TEST_F(SetupFaultsTest, ASetupFileWhoseOwnCodeIsDamagedInstallsNothing)
+{
+    const CInstalledState before = TakeState();
+    const std::string whole = *ReadFileBytes(NewVersion().setup);
+    const CTempFolder folder;
+    const std::wstring path = folder.File(L"OrvaSetup.exe");
+    constexpr size_t kPlaces = 4;
+    for (size_t place = 0; place < kPlaces; ++place)
+    {
+        const size_t at = place * whole.size() / 4 / kPlaces;
+        SCOPED_TRACE("at byte " + std::to_string(at));
+        std::string changed = whole;
+        changed[at] = static_cast<char>(changed[at] ^ 0x10);
+        WriteFileBytes(path, changed);
+        try
+        {
+            EXPECT_NE(Run(path), kSetupDone);
+        }
+        catch (const std::runtime_error&)
+        {
+        }
+    }
+    EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
+}
+
 // Before any text of the setup's own can be read, so all languages are in one message.
 TEST_F(SetupFaultsTest, ADamagedSetupFileSaysSo)
 {
