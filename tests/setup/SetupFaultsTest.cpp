@@ -194,12 +194,12 @@ TEST_F(SetupFaultsTest, ADamagedSetupFileRefusesItselfAndChangesNothing)
     const std::string whole = *ReadFileBytes(NewVersion().setup);
     const CTempFolder folder;
     const std::wstring path = folder.File(L"OrvaSetup.exe");
-    const auto places = static_cast<size_t>(Repetitions(5, 20));
-    for (size_t place = 1; place <= places; ++place)
+    constexpr size_t kPlaces = 20;
+    for (size_t place = 1; place <= kPlaces; ++place)
     {
         // Not in the first part, which is the program's own code: Windows refuses to start that, or it
         // crashes.
-        const size_t at = whole.size() / 4 + place * (whole.size() * 3 / 4 - 8) / places;
+        const size_t at = whole.size() / 4 + place * (whole.size() * 3 / 4 - 8) / kPlaces;
         SCOPED_TRACE("at byte " + std::to_string(at));
         std::string changed = whole;
         changed[at] = static_cast<char>(changed[at] ^ 0x10);
