@@ -2,7 +2,6 @@
 #include "harness/Files.h"
 #include "harness/TempFolder.h"
 #include "harness/Text.h"
-#include "harness/Thorough.h"
 #include "harness/WindowDriver.h"
 #include "setup/EndedProcess.h"
 #include "setup/RegistrationObstacle.h"
