@@ -21,7 +21,11 @@ UniqueFile OpenForReading(const std::wstring& path)
 {
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_EXISTING, 0, nullptr);
-    return UniqueFile(file != INVALID_HANDLE_VALUE ? file : nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+    {
+        return nullptr;
+    }
+    return UniqueFile(file);
 }
 
 std::string ReadWholeFile(const std::wstring& path)
