@@ -19,6 +19,8 @@
   !insertmacro ${DO} versioned-name "Software\Classes\OrvaOscAddin.Connect.1"
   !insertmacro ${DO} library "${LIBRARY_KEY}"
   !insertmacro ${DO} interface "Software\Classes\Interface\{CE895442-9981-4315-AA85-4B9A5C7739D8}"
+  ; What the system notes for 32-bit programs with it, and may leave.
+  !insertmacro ${DO} interface-for-32-bits "Software\Classes\Wow6432Node\Interface\{CE895442-9981-4315-AA85-4B9A5C7739D8}"
   !insertmacro ${DO} add-in "Software\Microsoft\Office\Outlook\Addins\OrvaOscAddin.Connect"
 !macroend
 

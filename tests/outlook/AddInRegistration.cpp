@@ -6,13 +6,8 @@ namespace
 {
 
 constexpr const wchar_t* kRegisteredKeys[] = {
-    kOfficeKey,
-    kProgIdKey,
-    kVersionedProgIdKey,
-    kClassKey,
-    kLibraryKey,
-    kInterfaceKey,
-    L"Software\\Classes\\Wow6432Node\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}",
+    kOfficeKey,  kProgIdKey,    kVersionedProgIdKey,    kClassKey,
+    kLibraryKey, kInterfaceKey, kInterfaceFor32BitsKey,
 };
 
 } // namespace

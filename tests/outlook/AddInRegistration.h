@@ -19,6 +19,9 @@ inline constexpr wchar_t kLibraryKey[] =
     L"Software\\Classes\\TypeLib\\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}";
 inline constexpr wchar_t kInterfaceKey[] =
     L"Software\\Classes\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}";
+/// What registering the type library notes for 32-bit programs with it.
+inline constexpr wchar_t kInterfaceFor32BitsKey[] =
+    L"Software\\Classes\\Wow6432Node\\Interface\\{CE895442-9981-4315-AA85-4B9A5C7739D8}";
 inline constexpr wchar_t kProgIdKey[] = L"Software\\Classes\\OrvaOscAddin.Connect";
 inline constexpr wchar_t kVersionedProgIdKey[] = L"Software\\Classes\\OrvaOscAddin.Connect.1";
 

@@ -13,8 +13,9 @@ namespace
 {
 
 // What a setup changes under HKEY_LOCAL_MACHINE.
-constexpr const wchar_t* kChangedKeys[] = {kAddInKey,   kProgIdKey,    kVersionedProgIdKey, kClassKey,
-                                           kLibraryKey, kInterfaceKey, kEntryKey,           kSavedKey};
+constexpr const wchar_t* kChangedKeys[] = {kAddInKey,   kProgIdKey,    kVersionedProgIdKey,    kClassKey,
+                                           kLibraryKey, kInterfaceKey, kInterfaceFor32BitsKey, kEntryKey,
+                                           kSavedKey};
 constexpr wchar_t kSessionManager[] = L"SYSTEM\\CurrentControlSet\\Control\\Session Manager";
 constexpr wchar_t kPending[] = L"PendingFileRenameOperations";
 
