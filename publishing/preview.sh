@@ -51,12 +51,14 @@ else
     setup=$build_dir/OrvaSetup-$installed.exe
 fi
 start_wine
-uninstaller=$WINEPREFIX/drive_c/Program\ Files/ORVA\ Connector/Uninstall.exe
+folder=$WINEPREFIX/drive_c/Program\ Files/ORVA\ Connector
 remove_addin() {
-    [ -e "$uninstaller" ] || return 0
-    run_in_slot "$uninstaller" /S >/dev/null || true
-    # It works on after its start has returned.
-    wait_until 60 test ! -e "$uninstaller" || refuse "the add-in cannot be removed from $WINEPREFIX"
+    [ -e "$folder/Uninstall.exe" ] || return 0
+    # In its place, and so to its end: a copy of it would work on, and no setup would start beside it. As words of their own,
+    # because NSIS wants the folder without quotation marks. It cannot remove itself then.
+    run_in_slot "$folder/Uninstall.exe" /S '_?=C:\Program' 'Files\ORVA' Connector >/dev/null ||
+        refuse "the add-in cannot be removed from $WINEPREFIX"
+    rm -r "$folder"
 }
 # A setup does not replace a newer version, which a preview that was ended may have left.
 remove_addin
