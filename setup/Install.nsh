@@ -83,8 +83,8 @@ Section "" MAIN
     Call ForgetSavedRegistration
     !insertmacro Fail "$(CannotSave)" ${EXIT_REGISTRATION}
   ${EndIf}
-  StrCpy $9 "?"
-  ExecWait '"$SYSDIR\regsvr32.exe" /s "$INSTDIR\${MODULE}"' $9
+  StrCpy $1 "$INSTDIR\${MODULE}"
+  Call RegisterModule
   ${If} $9 != 0
     Call RestoreRegistration
     Call PutFilesBack

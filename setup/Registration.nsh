@@ -9,6 +9,10 @@
 !define KEY_READ 0x20019
 !define ERROR_FILE_NOT_FOUND 2
 
+; How often regsvr32 is started if that fails, and the milliseconds between.
+!define START_ATTEMPTS 5
+!define START_INTERVAL 200
+
 !define CLASS_KEY "Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}"
 !define LIBRARY_KEY "Software\Classes\TypeLib\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"
 
@@ -77,6 +81,19 @@ Function ${UN}RegisterPath
     WriteRegStr HKLM "${CLASS_KEY}\InprocServer32" "" $6
     WriteRegStr HKLM "${LIBRARY_KEY}\1.0\0\win64" "" $6
   ${EndIf}
+FunctionEnd
+
+; Registers a DLL. A start of regsvr32 can fail for a moment, for instance while a virus scanner reads the program.
+;   $1: the DLL; $9 afterwards: regsvr32's exit code, "?" if it could not be started; $2 is changed
+Function ${UN}RegisterModule
+  ${For} $2 1 ${START_ATTEMPTS}
+    StrCpy $9 "?"
+    ExecWait '"$SYSDIR\regsvr32.exe" /s "$1"' $9
+    ${If} $9 != "?"
+      ${Break}
+    ${EndIf}
+    Sleep ${START_INTERVAL}
+  ${Next}
 FunctionEnd
 
 ; Finds out whether a key can be read.

@@ -42,7 +42,7 @@ FunctionEnd
 Function un.RegisterAgain
   ${If} $R3 != ""
     Rename $R3 $1
-    ExecWait '"$SYSDIR\regsvr32.exe" /s "$1"'
+    Call un.RegisterModule
   ${EndIf}
 FunctionEnd
 

@@ -156,7 +156,6 @@ private:
         startup.StartupInfo.hStdOutput = m_writeEnd.get();
         startup.StartupInfo.hStdError = m_writeEnd.get();
         startup.lpAttributeList = attributes;
-        std::wstring commandLine = JoinCommandLine(m_options.program, m_options.arguments);
         std::wstring environment = EnvironmentBlock(m_options.environment);
         PROCESS_INFORMATION information = {};
         DWORD flags = CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT | CREATE_SUSPENDED;
@@ -164,19 +163,11 @@ private:
         {
             flags |= DEBUG_ONLY_THIS_PROCESS;
         }
-        // Wine 8 sometimes fails with ERROR_INTERNAL_ERROR and succeeds at the next attempt.
-        BOOL isStarted = FALSE;
-        m_error = ERROR_INTERNAL_ERROR;
-        for (int attempt = 0; attempt < kStartAttempts && m_error == ERROR_INTERNAL_ERROR; ++attempt)
-        {
-            isStarted =
-                CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, flags, environment.data(),
-                               m_options.folder.empty() ? nullptr : m_options.folder.c_str(),
-                               &startup.StartupInfo, &information);
-            m_error = isStarted ? ERROR_SUCCESS : GetLastError();
-        }
+        m_error = StartProcess(
+            JoinCommandLine(m_options.program, m_options.arguments), TRUE, flags, environment.data(),
+            m_options.folder.empty() ? nullptr : m_options.folder.c_str(), startup.StartupInfo, information);
         DeleteProcThreadAttributeList(attributes);
-        if (isStarted)
+        if (m_error == ERROR_SUCCESS)
         {
             m_process.reset(information.hProcess);
             AssignProcessToJobObject(ChildrensJob(), information.hProcess);
@@ -297,6 +288,19 @@ std::vector<std::string> CChildProcess::DebugLines() const
 void CChildProcess::End()
 {
     m_impl->End();
+}
+
+DWORD StartProcess(std::wstring commandLine, BOOL inheritsHandles, DWORD flags, void* environment,
+                   const wchar_t* folder, STARTUPINFOW& startup, PROCESS_INFORMATION& information)
+{
+    DWORD error = ERROR_INTERNAL_ERROR;
+    for (int attempt = 0; attempt < kStartAttempts && error == ERROR_INTERNAL_ERROR; ++attempt)
+    {
+        const BOOL isStarted = CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, inheritsHandles,
+                                              flags, environment, folder, &startup, &information);
+        error = isStarted ? ERROR_SUCCESS : GetLastError();
+    }
+    return error;
 }
 
 CProcessResult RunProcess(const std::wstring& program, const std::vector<std::wstring>& arguments,

@@ -53,6 +53,12 @@ private:
     std::unique_ptr<Impl> m_impl;
 };
 
+/// Calls CreateProcessW and returns ERROR_SUCCESS or Windows' code. Wine 8 fails now and then with
+/// ERROR_INTERNAL_ERROR, once in some ten thousand times, and succeeds at the next attempt; so this tries
+/// three times.
+DWORD StartProcess(std::wstring commandLine, BOOL inheritsHandles, DWORD flags, void* environment,
+                   const wchar_t* folder, STARTUPINFOW& startup, PROCESS_INFORMATION& information);
+
 struct CProcessResult
 {
     DWORD exitCode = 0;

@@ -1,6 +1,7 @@
 #include "setup/EndedProcess.h"
 
 #include "harness/CommandLine.h"
+#include "harness/ProcessRunner.h"
 #include "harness/Text.h"
 #include "harness/Waiting.h"
 
@@ -30,10 +31,9 @@ public:
         STARTUPINFOW startup = {};
         startup.cb = sizeof startup;
         PROCESS_INFORMATION information = {};
-        std::wstring commandLine = JoinCommandLine(program, arguments);
         if (m_address == nullptr ||
-            !CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, DEBUG_ONLY_THIS_PROCESS,
-                            nullptr, nullptr, &startup, &information))
+            StartProcess(JoinCommandLine(program, arguments), FALSE, DEBUG_ONLY_THIS_PROCESS, nullptr,
+                         nullptr, startup, information) != ERROR_SUCCESS)
         {
             throw std::runtime_error("cannot start " + Utf8(program) + " until " + function);
         }

@@ -15,6 +15,8 @@ namespace
 
 using Kind = CObstacle::Kind;
 
+constexpr wchar_t kRegsvr32[] = L"C:\\windows\\system32\\regsvr32.exe";
+
 class SetupFaultsTest : public SetupFixture
 {
 protected:
@@ -136,6 +138,26 @@ TEST_F(SetupFaultsTest, AFirstRegistrationThatFailsLeavesNothing)
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kLibraryKey));
     Install(OldVersion());
+}
+
+TEST_F(SetupFaultsTest, Regsvr32IsStartedAgainIfItCannotBeStartedAtFirst)
+{
+    UniqueHandle regsvr32;
+    int starts = 0;
+    EXPECT_FALSE(EndAtCall(OldVersion().setup, {L"/S"}, "CreateProcessW", [&] {
+        ++starts;
+        regsvr32 = starts == 1 ? LockFile(kRegsvr32) : UniqueHandle();
+        return false;
+    }));
+    EXPECT_EQ(starts, 2);
+    ExpectInstalled(OldVersion());
+}
+
+TEST_F(SetupFaultsTest, Regsvr32ThatCanNeverBeStartedLeavesNothing)
+{
+    const UniqueHandle regsvr32 = LockFile(kRegsvr32);
+    EXPECT_EQ(Run(OldVersion().setup), kRegistrationFailed);
+    EXPECT_FALSE(FolderExists(InstallFolder()));
 }
 
 TEST_F(SetupFaultsTest, AnUpgradeWhoseRegistrationFailsLeavesTheOldDllAndItsRegistration)
