@@ -17,14 +17,17 @@ windows_path() {
 }
 
 start_wine() {
-    # Those of ORVA_WINE_ROOT are ended by whoever set it.
+    local is_ours=
     if [ -z "${ORVA_WINE_ROOT:-}" ]; then
         export ORVA_WINE_ROOT=$repository/build/publish ORVA_WINE_SLOTS=1
-        at_exit stop_slots
+        is_ours=1
     fi
     # shellcheck source=tools/wine-lib.sh
     source "$repository/tools/wine-lib.sh"
     take_slot
+    # Not before, or one that is interrupted while it waits would end the other. Those of ORVA_WINE_ROOT are ended by whoever
+    # set it.
+    [ -z "$is_ours" ] || at_exit stop_slots
     start_slot "$slot"
 }
 

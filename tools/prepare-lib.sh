@@ -61,11 +61,10 @@ configure() {
 
 # shellcheck disable=SC2120 # ./test builds everything, ./run names targets
 configure_and_build() {
-    configure
-    cmake --build "$build_dir" ${1:+--target "$@"}
+    # Not two lines: a caller's "||" would let the second run after the first had failed.
+    configure && cmake --build "$build_dir" ${1:+--target "$@"}
 }
 
 configure_and_build_checked() {
-    (cd "$repository" && cmake --preset checked -B "$checked_dir")
-    cmake --build "$checked_dir"
+    (cd "$repository" && cmake --preset checked -B "$checked_dir") && cmake --build "$checked_dir"
 }

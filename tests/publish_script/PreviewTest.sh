@@ -39,26 +39,33 @@ SCRIPT
         'tr on request: is offered "Kullanılabilir sürüm: 99.0.0" with the text "Faster."'
 }
 
-# What cmake is told; nothing is built.
+# cmake_calls FAILING [ARGUMENTS...]: what cmake is told if it fails when FAILING is its first argument; nothing is built.
 cmake_calls() {
+    local failing=$1
+    shift
     unset ORVA_IS_BUILT
     replace_program dpkg-query <<<'echo installed'
-    replace_program cmake <<<"echo \"\$*\" >>'$PWD/calls'; [ \"\$1\" != --build ]"
+    replace_program cmake <<<"echo \"\$*\" >>'$PWD/calls'; [ \"\$1\" != $failing ]"
     echo text >text
     publish 1 preview text --out out "$@"
     expect_equal 'publish: the build failed; see build/publish-build.log' "$(tail -n 1 stderr)"
 }
 
 test_builds_the_version_that_users_have() {
-    cmake_calls --installed 1.1.0
+    cmake_calls --build --installed 1.1.0
     expect_lines calls "--preset release -B $ORVA_BUILD_DIR -D ORVA_PUBLISHED_VERSION=1.1.0" \
         "--build $ORVA_BUILD_DIR --target OrvaDemo setup-published"
 }
 
 test_builds_no_version_that_users_of_an_earlier_preview_had() {
-    cmake_calls
+    cmake_calls --build
     expect_lines calls "--preset release -B $ORVA_BUILD_DIR -D ORVA_PUBLISHED_VERSION=" \
         "--build $ORVA_BUILD_DIR --target OrvaDemo setup"
+}
+
+test_builds_nothing_in_a_folder_that_cannot_be_configured() {
+    cmake_calls --preset
+    expect_lines calls "--preset release -B $ORVA_BUILD_DIR -D ORVA_PUBLISHED_VERSION="
 }
 
 run_tests
