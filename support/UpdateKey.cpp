@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include <new>
 #include <string_view>
 
 namespace
@@ -33,7 +34,14 @@ std::wstring FinalPath(HANDLE file)
 std::wstring PathIfSignedByPublisher(const std::string& signedVersion, HANDLE file,
                                      const std::wstring& signature)
 {
-    return IsSignedBy(kKey, signedVersion, file, signature) ? FinalPath(file) : std::wstring();
+    try
+    {
+        return IsSignedBy(kKey, signedVersion, file, signature) ? FinalPath(file) : std::wstring();
+    }
+    catch (const std::bad_alloc&)
+    {
+        return {};
+    }
 }
 
 } // namespace

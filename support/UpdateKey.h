@@ -6,7 +6,7 @@
 
 /// IsSignedBy for one key. Returns the path of `file` if it is, and otherwise an empty text: the path that
 /// the system gives for the open file (GetFinalPathNameByHandleW), which a link on the way to it cannot lead
-/// elsewhere.
+/// elsewhere. Any failure, also of that, gives an empty text.
 using UpdateVerifier = std::wstring (*)(const std::string& signedVersion, HANDLE file,
                                         const std::wstring& signature);
 
