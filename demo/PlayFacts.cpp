@@ -40,7 +40,7 @@ void CPlay::AskForFacts()
     const auto ask = [this](bool isAsked, const char* fact, const std::string& text) {
         m_timeline.Ask(isAsked, fact, text);
     };
-    ask(true, "installed", "the setup installed version " ORVA_VERSION ", without a window");
+    ask(true, "installed", "the setup installed version " ORVA_VERSION);
     AskForRefusal(IsUpdate() && m_settings.signing == L"signed");
     ask(true, "start-connected", "Outlook loaded and connected the add-in (OnConnection gave S_OK)");
     ask(true, "start-fetched",
