@@ -58,14 +58,18 @@ CUpdateText Read(const CCheckOptions& options, CCheckResult& result)
 {
     if (IsUrl(options.source))
     {
-        CServedFile served = FetchAndCheck(options.source, result.findings);
-        result.server = served.facts;
-        // An error page is no file.
-        if (!served.text.empty() || !result.findings.HasErrors())
+        std::optional<CServedFile> served = FetchAndCheck(options.source, result.findings);
+        if (!served)
         {
-            CheckBytes(served.bytes, served.text, result.findings);
+            return {};
         }
-        return ReadAsTheAddIn(std::move(served.text));
+        result.server = served->facts;
+        // An error page is no file.
+        if (!served->text.empty() || !result.findings.HasErrors())
+        {
+            CheckBytes(served->bytes, served->text, result.findings);
+        }
+        return ReadAsTheAddIn(std::move(served->text));
     }
     const std::string bytes = ReadWholeFile(options.source);
     std::wstring text = DecodeAsTheAddIn(bytes);

@@ -101,6 +101,11 @@ private:
         {
             throw CUsageError("check does not know the argument " + Utf8(Quoted(argument)));
         }
+        else if (argument.starts_with(L"https:"))
+        {
+            throw CUsageError("add-ins ask by http only, so give the URL as they do: http" +
+                              Utf8(argument.substr(std::size(L"https") - 1)));
+        }
         else
         {
             m_options.source = argument;

@@ -2,6 +2,7 @@
 
 #include "publishing/LinkCheck.h"
 #include "res/resource.h"
+#include "support/EcdsaSignature.h"
 #include "support/JsonUtilities.h"
 #include "support/Version.h"
 #include "ui/LocalizedResources.h"
@@ -87,7 +88,7 @@ private:
             return;
         }
         m_forecast.offer = {FormatVersion(published).GetString(), description.GetString()};
-        Install(link.get_str().c_str());
+        Install(link.get_str().c_str(), entry);
     }
 
     bool HasSignature(const json_spirit::wmObject& entry)
@@ -103,6 +104,12 @@ private:
         return true;
     }
 
+    static bool IsSignature(const std::wstring& text)
+    {
+        EcdsaSignature numbers{};
+        return DecodeEcdsaSignature(text, numbers);
+    }
+
     bool IsMissing(const json_spirit::wmValue& value)
     {
         if (value.is_null())
@@ -112,7 +119,7 @@ private:
         return value.is_null();
     }
 
-    void Install(const std::wstring& link)
+    void Install(const std::wstring& link, const json_spirit::wmObject& entry)
     {
         switch (FateOf(link))
         {
@@ -134,6 +141,11 @@ private:
             break;
         case LinkFate::Downloaded:
             m_forecast.isDownloaded = true;
+            if (m_addIn.hasKey && !IsSignature(FindValue(entry, L"signature").get_str()))
+            {
+                Say(IDS_CONNECT_ERROR);
+                Say(IDS_UPDATE_CANCELED);
+            }
             break;
         }
     }

@@ -57,8 +57,9 @@ struct CForecast
     /// Texts of message boxes. Empty texts are shown, too.
     std::vector<std::wstring> messages;
     std::optional<COffer> offer;
-    /// Texts of message boxes after "Install"; empty if the download starts or the user sees nothing.
+    /// Texts of message boxes after "Install", or after the download if there is one.
     std::vector<std::wstring> afterInstall;
+    /// Whether "Install" downloads the installer, and starts it unless there are messages.
     bool isDownloaded = false;
 
     bool operator==(const CForecast&) const = default;

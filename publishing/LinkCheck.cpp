@@ -89,7 +89,7 @@ void CheckLink(const std::wstring& link, const std::wstring& path, CFindings& fi
     case LinkFate::NameTooLong:
         findings.Error("link-name-too-long", path,
                        L"ends with a file name of " + std::to_wstring(name.GetLength()) +
-                           L" characters, which is too long for a path");
+                           L" characters, with which the path is too long for users with a long name");
         return;
     case LinkFate::NotHttp:
         findings.Error("link-not-http", path, L"does not begin with \"http://\": " + Quoted(link));

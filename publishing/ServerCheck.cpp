@@ -1,8 +1,8 @@
 #include "publishing/ServerCheck.h"
 
-#include "publishing/CheckOptions.h"
 #include "publishing/HttpExchange.h"
 #include "publishing/Text.h"
+#include "publishing/UpdateText.h"
 #include "support/GzipDecoder.h"
 #include "support/HttpRequest.h"
 #include "support/TextUtilities.h"
@@ -140,13 +140,14 @@ void CheckHeaders(const CHttpExchange& seen, CFindings& findings)
 
 } // namespace
 
-CServedFile FetchAndCheck(const std::wstring& url, CFindings& findings)
+std::optional<CServedFile> FetchAndCheck(const std::wstring& url, CFindings& findings)
 {
     // The add-in asks with the question mark, which may make a difference to a server.
     const std::optional<CHttpExchange> seen = Get(url + L"?", L"Accept-Encoding: gzip");
     if (!seen)
     {
-        throw CUsageError(Utf8(url) + " cannot be read: no server answers");
+        findings.Error("no-answer", kPath, L"does not answer");
+        return std::nullopt;
     }
     CServedFile file;
     CheckHeaders(*seen, findings);
@@ -155,6 +156,10 @@ CServedFile FetchAndCheck(const std::wstring& url, CFindings& findings)
         file.text = FetchAsTheAddIn(url, *seen, findings);
     }
     file.bytes = Decode(*seen, findings);
+    if (file.text.empty() && !DecodeAsTheAddIn(file.bytes).empty() && !findings.HasErrors())
+    {
+        findings.Error("no-answer", kPath, L"does not give the file to the add-in's own client");
+    }
     file.facts = {seen->status, seen->date,         seen->contentType,
                   seen->coding, seen->redirectedTo, file.bytes.size()};
     return file;

@@ -4,6 +4,7 @@
 #include "publishing/Finding.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace publishing
@@ -31,8 +32,8 @@ struct CServedFile
 };
 
 /// Requests the file twice: to see what the server says, and with the add-in's client unless the reply is a
-/// redirection that this does not follow. Throws CUsageError if
-/// there is no reply at all.
-CServedFile FetchAndCheck(const std::wstring& url, CFindings& findings);
+/// redirection that this does not follow. Absent if there is no reply at all, which is an error of the
+/// update.
+std::optional<CServedFile> FetchAndCheck(const std::wstring& url, CFindings& findings);
 
 } // namespace publishing

@@ -64,6 +64,7 @@ protected:
 
     int m_offers = 0;
     int m_downloads = 0;
+    int m_refused = 0;
 
 private:
     void Expect(const std::string& file, WORD language)
@@ -76,13 +77,19 @@ private:
         {
             SCOPED_TRACE(trigger == Trigger::Start ? "at the start" : "on request");
             CForecast foretold = publishing::Foretell(text, addIn, language, trigger);
-            // A download takes long; every tenth has to do. In a build with a key it would be refused: the
-            // signatures here are of nothing.
+            // A download takes long; every tenth has to do. In a build with a key each would be refused, also
+            // where that cannot be foretold: the signatures here are of nothing.
+            const bool isForetold = kUpdateVerifier == nullptr || !foretold.afterInstall.empty();
             m_downloads += foretold.isDownloaded ? 1 : 0;
-            const bool isInstalled =
-                !foretold.isDownloaded || (kUpdateVerifier == nullptr && m_downloads % 10 == 0);
+            const bool isInstalled = !foretold.isDownloaded || (isForetold && m_downloads % 10 == 0);
             const CForecast shown = m_shown.Run(file, trigger, isInstalled);
-            foretold.isDownloaded = foretold.isDownloaded && isInstalled;
+            m_refused += foretold.isDownloaded && !shown.afterInstall.empty() ? 1 : 0;
+            if (!isInstalled)
+            {
+                foretold.afterInstall.clear();
+            }
+            // What is downloaded and refused is not started.
+            foretold.isDownloaded = foretold.isDownloaded && isInstalled && foretold.afterInstall.empty();
             if (shown.offer && shown.offer->version.empty() && foretold.offer)
             {
                 // This language has no text for the version.
@@ -109,6 +116,7 @@ TEST_F(ForecastAgreesTest, OnMutatedFiles)
     // Not all of them are broken.
     EXPECT_GT(static_cast<std::size_t>(m_offers), files / 10);
     EXPECT_GT(static_cast<std::size_t>(m_downloads), files / 10);
+    EXPECT_EQ(m_refused > 0, kUpdateVerifier != nullptr);
 }
 
 } // namespace

@@ -32,8 +32,8 @@ test_a_URL_stays_as_it_is() {
     # Wine would ask this proxy.
     unset http_proxy
     # Port 9 is the one that discards everything, where nobody listens.
-    publish 2 check http://127.0.0.1:9/UpdateInfo.txt
-    expect_equal 'OrvaPublish: http://127.0.0.1:9/UpdateInfo.txt cannot be read: no server answers' "$(head -n 1 stdout)"
+    publish 1 check http://127.0.0.1:9/UpdateInfo.txt --json
+    expect_equal 'http://127.0.0.1:9/UpdateInfo.txt no-answer' "$(jq -r '.source + " " + .errors[].code' stdout)"
 }
 
 # break_wine REPORT ATTEMPT...: in these attempts the program writes only this, and ends with status 0.

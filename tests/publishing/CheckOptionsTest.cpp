@@ -63,6 +63,12 @@ TEST(CheckOptionsTest, SaysWhatIsWrong)
     }
 }
 
+TEST(CheckOptionsTest, AUrlIsTheOneThatAddInsAskFor)
+{
+    EXPECT_EQ(Raised({L"check", L"https://h/f"}),
+              "add-ins ask by http only, so give the URL as they do: http://h/f");
+}
+
 TEST(CheckOptionsTest, AUrlIsToldFromAPath)
 {
     EXPECT_TRUE(publishing::IsUrl(L"http://h/f"));

@@ -211,7 +211,8 @@ std::vector<CFindingRow> LinkRows()
         link("LinkToAPackage", "http://h/setup.msi", "link-not-exe",
              "does not end with \".exe\", so that Windows does not start the file: \"setup.msi\""),
         link("LinkWithALongName", "http://h/" + std::string(177, 'x') + ".EXE", "link-name-too-long",
-             "ends with a file name of 181 characters, which is too long for a path"),
+             "ends with a file name of 181 characters, with which the path is too long for users with a long "
+             "name"),
         {"LinkWithTheLongestName", With(kGoodLink, "http://h/" + std::string(176, 'x') + ".EXE"), {}},
     };
 }

@@ -3,6 +3,7 @@
 #include "end_to_end/OutlookFixture.h"
 #include "end_to_end/Texts.h"
 #include "forecast/ManyFiles.h"
+#include "harness/Text.h"
 #include "harness/Thorough.h"
 #include "harness/Watchdog.h"
 #include "outlook/AddInModule.h"
@@ -83,8 +84,11 @@ private:
         }
         if (forecast.offer)
         {
-            m_user.OnDialogWith(kDescriptionText, [text = forecast.offer->text](HWND dialog) {
-                EXPECT_EQ(Normalised(ChildText(dialog, kDescriptionText)), Normalised(text));
+            m_user.OnDialogWith(kDescriptionText, [offer = *forecast.offer](HWND dialog) {
+                EXPECT_EQ(Normalised(ChildText(dialog, kDescriptionText)), Normalised(offer.text));
+                // A language without texts has none for the version either.
+                const std::wstring version = ChildText(dialog, kAvailableText);
+                EXPECT_TRUE(version.empty() || version.ends_with(L" " + offer.version)) << Utf8(version);
                 EXPECT_TRUE(ClickButton(dialog, kLaterButton));
             });
         }
@@ -103,7 +107,7 @@ TEST_F(ForecastInOutlookTest, IsWhatUsersSee)
     const std::vector<std::string> files = MutatedFiles(kFiles);
     const auto users = publishing::AllUsers();
     std::mt19937 random(42);
-    const int count = Repetitions(6, 200);
+    const int count = Repetitions(20, 200);
     for (int i = 0; i < count && !HasFailure(); ++i)
     {
         const std::string& file = files[random() % files.size()];

@@ -279,18 +279,24 @@ TEST_F(ServerCheckTest, TheInstallerHasToBeTheFileOnThisMachineIfThereIsOne)
                                      "Error: the installer is another file than " + publishing::Utf8(same)}));
 }
 
-TEST_F(ServerCheckTest, WithoutAnyServerNothingCanBeRead)
+TEST_F(ServerCheckTest, ASilentServerIsAnError)
 {
     m_server.Refuse();
-    try
-    {
-        publishing::Check({.source = m_server.WideUrl(kFilePath)});
-        FAIL();
-    }
-    catch (const publishing::CUsageError& error)
-    {
-        EXPECT_EQ(error.what(), m_server.Url(kFilePath) + " cannot be read: no server answers");
-    }
+    const publishing::CCheckResult result = publishing::Check({.source = m_server.WideUrl(kFilePath)});
+    EXPECT_THAT(FindingsOf(result.findings, publishing::PlainReport(result)),
+                ElementsAre(CExpectedFinding{"no-answer", "Error: the server does not answer"}));
+    EXPECT_FALSE(result.server);
+}
+
+// Of this path it asks for nothing: it is longer than the add-in's client takes.
+TEST_F(ServerCheckTest, AFileThatOnlyTheAddInDoesNotGetIsAnError)
+{
+    const std::string path = "/" + std::string(300, 'a');
+    m_server.On(path, CHttpReply(200, File()));
+    const publishing::CCheckResult result = publishing::Check({.source = m_server.WideUrl(path)});
+    EXPECT_THAT(FindingsOf(result.findings, publishing::PlainReport(result)),
+                ElementsAre(CExpectedFinding{
+                    "no-answer", "Error: the server does not give the file to the add-in's own client"}));
 }
 
 } // namespace
