@@ -39,6 +39,7 @@ FunctionEnd
 ; Moves a file aside.
 ;   $1: the file; $3 afterwards: its new name; sets the error flag and $FileError if it cannot be moved
 Function ${UN}PutAside
+  ClearErrors
   StrCpy $2 0
   ${Do}
     IntOp $2 $2 + 1
@@ -80,7 +81,6 @@ Function PutInPlace
     StrCpy $5 $1
     StrCpy $6 "$1.before"
     Call RegisterPath
-    ClearErrors
     Call PutAside
     ${IfNot} ${Errors}
       System::Call 'kernel32::MoveFileExW(w r0, w r1, i 8) i .r4 ?e'

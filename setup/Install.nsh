@@ -84,7 +84,7 @@ Section "" MAIN
     !insertmacro Fail "$(CannotSave)" ${EXIT_REGISTRATION}
   ${EndIf}
   StrCpy $1 "$INSTDIR\${MODULE}"
-  Call RegisterModule
+  !insertmacro CallPatiently RegisterModule
   ${If} $9 != 0
     Call RestoreRegistration
     Call PutFilesBack

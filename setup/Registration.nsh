@@ -9,10 +9,6 @@
 !define KEY_READ 0x20019
 !define ERROR_FILE_NOT_FOUND 2
 
-; How often regsvr32 is started if that fails, and the milliseconds between.
-!define START_ATTEMPTS 5
-!define START_INTERVAL 200
-
 !define CLASS_KEY "Software\Classes\CLSID\{9C7130EA-AEC4-4EA5-97B8-7D7172C9E051}"
 !define LIBRARY_KEY "Software\Classes\TypeLib\{ABF2CDBF-30F7-4827-9110-3BD6A8F1B786}"
 
@@ -83,17 +79,15 @@ Function ${UN}RegisterPath
   ${EndIf}
 FunctionEnd
 
-; Registers a DLL. A start of regsvr32 can fail for a moment, for instance while a virus scanner reads the program.
-;   $1: the DLL; $9 afterwards: regsvr32's exit code, "?" if it could not be started; $2 is changed
+; Registers a DLL.
+;   $1: the DLL; $9 afterwards: regsvr32's exit code; sets the error flag, and $9 to "?", if it could not be started
 Function ${UN}RegisterModule
-  ${For} $2 1 ${START_ATTEMPTS}
+  ClearErrors
+  ExecWait '"$SYSDIR\regsvr32.exe" /s "$1"' $9
+  ${If} ${Errors}
     StrCpy $9 "?"
-    ExecWait '"$SYSDIR\regsvr32.exe" /s "$1"' $9
-    ${If} $9 != "?"
-      ${Break}
-    ${EndIf}
-    Sleep ${START_INTERVAL}
-  ${Next}
+    SetErrors
+  ${EndIf}
 FunctionEnd
 
 ; Finds out whether a key can be read.

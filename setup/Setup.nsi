@@ -109,6 +109,23 @@ VIFileVersion "${VERSION}.0"
 !macroend
 !insertmacro VersionResource ${LANG_ENGLISH}
 
+; What fails while somebody holds a file for a moment, for instance a virus scanner, is tried so often, with so many
+; milliseconds between.
+!define ATTEMPTS 5
+!define ATTEMPT_INTERVAL 200
+
+; Calls a function, and again while it leaves the error flag set. $R0 is changed.
+!macro CallPatiently FUNCTION
+  ${For} $R0 1 ${ATTEMPTS}
+    Call ${FUNCTION}
+    ${IfNot} ${Errors}
+      ${Break}
+    ${EndIf}
+    Sleep ${ATTEMPT_INTERVAL}
+    SetErrors
+  ${Next}
+!macroend
+
 ; Shows what is being done. NSIS's own lines name files and command lines, which tell the user nothing.
 !macro Step TEXT
   SetDetailsPrint textonly

@@ -37,12 +37,21 @@ FunctionEnd
   ${EndIf}
 !macroend
 
+; Removes a file, now or at the next start of Windows.
+;   $1: the file, which may be missing
+Function un.RemoveFile
+  ${If} ${FileExists} $1
+    !insertmacro CallPatiently un.PutAside
+    Call un.DeleteAside
+  ${EndIf}
+FunctionEnd
+
 ; Puts back what was removed, as far as possible, so that the uninstallation can be started again.
 ;   $1: the DLL, $R3: its name aside; empty if it was missing
 Function un.RegisterAgain
   ${If} $R3 != ""
     Rename $R3 $1
-    Call un.RegisterModule
+    !insertmacro CallPatiently un.RegisterModule
   ${EndIf}
 FunctionEnd
 
@@ -55,15 +64,8 @@ Section "Uninstall"
   !insertmacro FailIfNotMovable
   StrCpy $1 "$INSTDIR\${UNINSTALLER}"
   ${If} $EXEPATH != $1
-    ; It has started this copy of itself and may need a moment to end.
-    ${For} $R0 1 10
-      Call un.ExpectMovable
-      ${IfNot} ${Errors}
-        ${Break}
-      ${EndIf}
-      Sleep 100
-      SetErrors
-    ${Next}
+    ; It has started this copy of itself. Until it has ended it reads its file, which it does not let anybody move.
+    !insertmacro CallPatiently un.ExpectMovable
     !insertmacro FailIfNotMovable
   ${EndIf}
   StrCpy $1 "$INSTDIR\${MODULE}"
@@ -95,11 +97,13 @@ Section "Uninstall"
     Call un.DeleteAside
   ${EndIf}
   StrCpy $1 "$INSTDIR\${NOTICES}"
-  Call un.PutAside
-  Call un.DeleteAside
-  Call un.DeleteLeftovers
+  Call un.RemoveFile
+  StrCpy $1 "$INSTDIR\${UNINSTALLER}"
   ; Stays if it runs where it is.
-  Delete "$INSTDIR\${UNINSTALLER}"
+  ${If} $EXEPATH != $1
+    Call un.RemoveFile
+  ${EndIf}
+  Call un.DeleteLeftovers
   ; Goes with its last file at the next start of Windows, if that is in use.
   RMDir /REBOOTOK "$INSTDIR"
   ${If} $IsInUse = 1

@@ -91,20 +91,42 @@ TEST_F(SetupFaultsTest, AFolderInAFilesPlaceLeavesTheOldVersion)
 TEST_F(SetupFaultsTest, AFileThatCannotBeRemovedKeepsTheConnectorInstalled)
 {
     Install(OldVersion());
-    // As the uninstaller starts itself, so that its own file can be removed.
-    const CTempFolder folder;
-    const std::wstring uninstaller = folder.File(L"Un.exe");
-    WriteFileBytes(uninstaller, *ReadFileBytes(InstalledUninstaller()));
+    const CUninstallerCopy uninstaller;
     for (const std::wstring& name : InstalledFiles())
     {
         SCOPED_TRACE(Utf8(name));
         {
             const UniqueHandle file = LockFile(InstallFolder() + L"\\" + name);
-            EXPECT_EQ(Run(uninstaller, InPlace({L"/S"})), kFileFailed);
+            EXPECT_EQ(Run(uninstaller.Path(), InPlace({L"/S"})), kFileFailed);
         }
         ExpectInstalled(OldVersion());
     }
     Uninstall();
+}
+
+// As the uninstaller that has started the copy holds its file until it ends, and as a virus scanner may later.
+TEST_F(SetupFaultsTest, AnUninstallerThatIsHeldForAMomentIsRemoved)
+{
+    Install(OldVersion());
+    const CUninstallerCopy uninstaller;
+    UniqueHandle holder = LockFile(InstalledUninstaller());
+    int calls = 0;
+    int callsAtTheEnd = 0;
+    EXPECT_FALSE(EndAtCall(uninstaller.Path(), InPlace({L"/S"}), "MoveFileExW", [&] {
+        // The third one is the second attempt to find out whether the file can be moved.
+        if (++calls == 3)
+        {
+            holder.reset();
+        }
+        // The first one at the end is that with which the file goes.
+        if (!FileExists(InstallFolder() + L"\\Third-party notices.txt"))
+        {
+            holder = ++callsAtTheEnd == 1 ? LockFile(InstalledUninstaller()) : UniqueHandle();
+        }
+        return false;
+    }));
+    EXPECT_EQ(callsAtTheEnd, 2);
+    EXPECT_FALSE(FolderExists(InstallFolder()));
 }
 
 TEST_F(SetupFaultsTest, AKeyThatCannotBeRemovedKeepsTheConnectorInstalled)

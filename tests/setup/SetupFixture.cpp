@@ -104,6 +104,11 @@ void PrintTo(const CInstalledState& state, std::ostream* stream)
     *stream << state.registry;
 }
 
+CUninstallerCopy::CUninstallerCopy()
+{
+    WriteFileBytes(Path(), *ReadFileBytes(InstalledUninstaller()));
+}
+
 SetupFixture::SetupFixture()
     : m_entry(HKEY_LOCAL_MACHINE, kEntryKey), m_saved(HKEY_LOCAL_MACHINE, kSavedKey),
       m_pending(HKEY_LOCAL_MACHINE, kSessionManager, kPending)

@@ -3,6 +3,7 @@
 
 #include "harness/ProcessRunner.h"
 #include "harness/Registry.h"
+#include "harness/TempFolder.h"
 #include "outlook/AddInRegistration.h"
 
 #include <gmock/gmock.h>
@@ -69,6 +70,17 @@ struct CInstalledState
 };
 CInstalledState TakeState();
 void PrintTo(const CInstalledState& state, std::ostream* stream);
+
+/// A copy of the installed uninstaller, which can remove that one; so the uninstaller starts itself.
+class CUninstallerCopy
+{
+public:
+    CUninstallerCopy();
+    std::wstring Path() const { return m_folder.File(L"Un.exe"); }
+
+private:
+    CTempFolder m_folder;
+};
 
 /// Starts and ends with a machine without the connector; the registry is as it was afterwards.
 class SetupFixture : public testing::Test

@@ -85,6 +85,21 @@ TEST_F(SetupInUseTest, UninstallingRemovesAllButTheLoadedDllWhichGoesAtTheNextSt
                 ElementsAre(InstallFolder() + L"\\" + Aside(1), StartsWith(InstallFolder())));
 }
 
+TEST_F(SetupInUseTest, UninstallingRemovesAllButAnUninstallerThatRunsWhichGoesAtTheNextStartOfWindows)
+{
+    Install(OldVersion());
+    const CUninstallerCopy uninstaller;
+    // As a program that runs it is loaded.
+    const HMODULE running =
+        LoadLibraryExW(InstalledUninstaller().c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES);
+    ASSERT_NE(running, nullptr);
+    EXPECT_EQ(Run(uninstaller.Path(), InPlace({L"/S"})), kSetupDone);
+    EXPECT_THAT(ListFolder(InstallFolder()), ElementsAre(L"Uninstall.exe.1.old"));
+    EXPECT_THAT(DeletedAtNextStart(),
+                ElementsAre(InstallFolder() + L"\\Uninstall.exe.1.old", StartsWith(InstallFolder())));
+    FreeLibrary(running);
+}
+
 // The stand-in Outlook 2007, open, with the add-in connected.
 class COpenOutlook
 {
