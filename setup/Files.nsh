@@ -77,7 +77,9 @@ Function PutInPlace
   ; In one step if nobody uses the old file, so that there is no moment without one. 9: replace, and write through.
   System::Call 'kernel32::MoveFileExW(w r0, w r1, i 9) i .r4 ?e'
   Pop $FileError
+  ; If there is no old file, it is the new one that cannot be moved.
   ${If} $4 = 0
+  ${AndIf} ${FileExists} $1
     StrCpy $5 $1
     StrCpy $6 "$1.before"
     Call RegisterPath

@@ -8,6 +8,8 @@
 #include "setup/SetupFixture.h"
 #include "setup/SetupUser.h"
 
+#include <thread>
+
 namespace orva::test
 {
 namespace
@@ -67,6 +69,27 @@ TEST_F(SetupFaultsTest, ADllThatCannotBeMovedStays)
     UniqueHandle file = LockFile(InstalledModule());
     ExpectOldStays(kFileFailed, [&] { file.reset(); });
     Install(NewVersion());
+}
+
+TEST_F(SetupFaultsTest, ANewDllThatIsHeldAtAFirstInstallationIsToldWithItsError)
+{
+    UniqueHandle file;
+    std::jthread user([&file] {
+        // Process 0, because the setup's id is not known.
+        Press(Texts().installs, kNext, 0);
+        AnswerMessage(Texts().cannotReplace + InUseText() + L"\r\n\r\n" + Texts().nothingChanged, 0);
+        file.reset();
+        Press(Texts().nothingChanged, kCancel, 0);
+    });
+    EXPECT_FALSE(EndAtCall(OldVersion().setup, {}, "MoveFileExW", [&file] {
+        if (file == nullptr && FileExists(InstalledUninstaller()))
+        {
+            file = LockFile(InstalledModule() + L".new");
+        }
+        return false;
+    }));
+    user.join();
+    EXPECT_FALSE(FolderExists(InstallFolder()));
 }
 
 TEST_F(SetupFaultsTest, AnUninstallerThatCannotBeReplacedStays)
