@@ -5,27 +5,18 @@
 ; Windows for deletion at its next start: under the file's own name stands a new file by then.
 ;
 ; Between moving the old DLL aside and giving its name to the new one there is a moment without a file of that name. So that
-; Outlook finds a DLL even if the setup is ended in that moment, the copy, NAME.before, is registered meanwhile.
+; Outlook finds a DLL even if the setup is ended in that moment, the copy, NAME.before, is registered meanwhile. It stays so if the
+; old DLL cannot be put back because somebody holds the new one; the next setup begins by doing that.
 
 !macro FileFunctions UN
 
-; Deletes what this setup and earlier ones left, and sets $IsInUse if somebody still uses a DLL of them.
+; Deletes what this setup and earlier ones left, but not a copy that is registered, and sets $IsInUse if somebody still uses a
+; DLL of them.
 Function ${UN}DeleteLeftovers
-  StrCpy $5 "$INSTDIR\${MODULE}.before"
-  StrCpy $6 "$INSTDIR\${MODULE}"
-  ${If} ${FileExists} $6
-    Call ${UN}RegisterPath
-  ${EndIf}
   Delete "$INSTDIR\*.new"
   ReadRegStr $7 HKLM "${CLASS_KEY}\InprocServer32" ""
-  ${If} $7 != $5
+  ${If} $7 != "$INSTDIR\${MODULE}.before"
     Delete "$INSTDIR\*.before"
-    ${If} ${FileExists} $5
-      ; Outlook was started after a setup had been ended.
-      StrCpy $1 $5
-      Call ${UN}PutAside
-      Call ${UN}DeleteAside
-    ${EndIf}
   ${EndIf}
   Delete "$INSTDIR\*.old"
   ${If} ${FileExists} "$INSTDIR\${MODULE}.*.old"
@@ -94,6 +85,12 @@ Function PutInPlace
       ${EndIf}
     ${EndIf}
   ${EndIf}
+  ${If} $4 = 0
+  ${AndIf} $0 == "$1.before"
+    ; Outlook loads the copy until a setup can put it back.
+    SetErrors
+    Return
+  ${EndIf}
   ; Also if an earlier setup was ended while the copy was registered. But nothing that could not even be moved back.
   ${If} ${FileExists} $1
     StrCpy $5 "$1.before"
@@ -129,8 +126,20 @@ Function PutCopyBack
   ${EndIf}
   ${If} ${FileExists} "$1.before"
     StrCpy $0 "$1.before"
-    Call PutInPlace
+    !insertmacro CallPatiently PutInPlace
   ${Else}
     Delete $1
+  ${EndIf}
+FunctionEnd
+
+; Begins where an earlier setup began that was ended, or that could not put the old DLL back: then a copy is registered.
+Function UndoEarlierSetup
+  StrCpy $0 "$INSTDIR\${MODULE}.before"
+  StrCpy $1 "$INSTDIR\${MODULE}"
+  ReadRegStr $7 HKLM "${CLASS_KEY}\InprocServer32" ""
+  ${If} $7 == $0
+  ${AndIf} ${FileExists} $0
+    ; If that fails, so does replacing the DLL.
+    Call PutInPlace
   ${EndIf}
 FunctionEnd

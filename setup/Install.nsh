@@ -62,6 +62,7 @@ Section "" MAIN
   AddSize 150
   !insertmacro Step "$(Replacing)"
   CreateDirectory "$INSTDIR"
+  Call UndoEarlierSetup
   Call DeleteLeftovers
   SetOverwrite try
   File "/oname=$INSTDIR\${MODULE}.new" "${DLL}"

@@ -67,17 +67,17 @@
   !insertmacro ExpectNoKey "un." "${KEY}"
 !macroend
 
-!macro RegistrationFunctions UN
-
 ; Lets Outlook find the DLL under another path, if this one is registered.
 ;   $5: the path that is registered, $6: the new one; $7 is changed
-Function ${UN}RegisterPath
+Function RegisterPath
   ReadRegStr $7 HKLM "${CLASS_KEY}\InprocServer32" ""
   ${If} $7 == $5
     WriteRegStr HKLM "${CLASS_KEY}\InprocServer32" "" $6
     WriteRegStr HKLM "${LIBRARY_KEY}\1.0\0\win64" "" $6
   ${EndIf}
 FunctionEnd
+
+!macro RegistrationFunctions UN
 
 ; Registers a DLL.
 ;   $1: the DLL; $9 afterwards: regsvr32's exit code; sets the error flag, and $9 to "?", if it could not be started

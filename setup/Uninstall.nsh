@@ -96,6 +96,9 @@ Section "Uninstall"
     StrCpy $3 $R3
     Call un.DeleteAside
   ${EndIf}
+  ; Outlook has loaded it if it was started after a setup had been ended.
+  StrCpy $1 "$INSTDIR\${MODULE}.before"
+  Call un.RemoveFile
   StrCpy $1 "$INSTDIR\${NOTICES}"
   Call un.RemoveFile
   StrCpy $1 "$INSTDIR\${UNINSTALLER}"

@@ -156,9 +156,8 @@ TEST_F(SetupEndedBetweenTheDllsTest, TheNextSetupCompletesTheWorkWhileTheNextOut
         EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
         EXPECT_EQ(RegisteredModule(), InstalledModule());
         EXPECT_THAT(ListFolder(InstallFolder()),
-                    testing::UnorderedElementsAreArray(InstalledFiles({L"OrvaOscAddin.dll.before.1.old"})));
-        EXPECT_THAT(DeletedAtNextStart(),
-                    testing::Contains(InstallFolder() + L"\\OrvaOscAddin.dll.before.1.old"));
+                    testing::UnorderedElementsAreArray(InstalledFiles({L"OrvaOscAddin.dll.1.old"})));
+        EXPECT_THAT(DeletedAtNextStart(), testing::Contains(InstallFolder() + L"\\OrvaOscAddin.dll.1.old"));
     }
     Install(NewVersion());
 }
@@ -177,6 +176,15 @@ TEST_F(SetupEndedBetweenTheDllsTest, ANextSetupThatFailsLeavesTheOldAddIn)
 TEST_F(SetupEndedBetweenTheDllsTest, TheUninstallerLeavesNothing)
 {
     Uninstall();
+}
+
+TEST_F(SetupEndedBetweenTheDllsTest, TheUninstallerLeavesWhatTheNextOutlookUsesUntilTheNextStartOfWindows)
+{
+    const CAddInModule outlook(RegisteredModule());
+    RunUninstaller();
+    EXPECT_THAT(ListFolder(InstallFolder()), testing::ElementsAre(L"OrvaOscAddin.dll.before.1.old"));
+    EXPECT_THAT(DeletedAtNextStart(),
+                testing::Contains(InstallFolder() + L"\\OrvaOscAddin.dll.before.1.old"));
 }
 
 } // namespace

@@ -8,8 +8,6 @@
 #include "setup/SetupFixture.h"
 #include "setup/SetupUser.h"
 
-#include <thread>
-
 namespace orva::test
 {
 namespace
@@ -17,19 +15,8 @@ namespace
 
 using Kind = CObstacle::Kind;
 
-constexpr wchar_t kRegsvr32[] = L"C:\\windows\\system32\\regsvr32.exe";
-
 class SetupFaultsTest : public SetupFixture
 {
-protected:
-    // Asserts that the newer version's setup ends with this code and leaves the old version as it is.
-    static void ExpectOldStays(
-        DWORD code, const std::function<void()>& endFault = [] {})
-    {
-        EXPECT_EQ(Run(NewVersion().setup), code);
-        endFault();
-        ExpectInstalled(OldVersion());
-    }
 };
 
 TEST_F(SetupFaultsTest, ASecondSetupRefusesToRunAndTheFirstIsNotDisturbed)
@@ -63,42 +50,6 @@ TEST_F(SetupFaultsTest, AFileThatCannotBeAFolderEndsTheInstallation)
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
 }
 
-TEST_F(SetupFaultsTest, ADllThatCannotBeMovedStays)
-{
-    Install(OldVersion());
-    UniqueHandle file = LockFile(InstalledModule());
-    ExpectOldStays(kFileFailed, [&] { file.reset(); });
-    Install(NewVersion());
-}
-
-TEST_F(SetupFaultsTest, ANewDllThatIsHeldAtAFirstInstallationIsToldWithItsError)
-{
-    UniqueHandle file;
-    std::jthread user([&file] {
-        // Process 0, because the setup's id is not known.
-        Press(Texts().installs, kNext, 0);
-        AnswerMessage(Texts().cannotReplace + InUseText() + L"\r\n\r\n" + Texts().nothingChanged, 0);
-        file.reset();
-        Press(Texts().nothingChanged, kCancel, 0);
-    });
-    EXPECT_FALSE(EndAtCall(OldVersion().setup, {}, "MoveFileExW", [&file] {
-        if (file == nullptr && FileExists(InstalledUninstaller()))
-        {
-            file = LockFile(InstalledModule() + L".new");
-        }
-        return false;
-    }));
-    user.join();
-    EXPECT_FALSE(FolderExists(InstallFolder()));
-}
-
-TEST_F(SetupFaultsTest, AnUninstallerThatCannotBeReplacedStays)
-{
-    Install(OldVersion());
-    UniqueHandle file = LockFile(InstalledUninstaller());
-    ExpectOldStays(kFileFailed, [&] { file.reset(); });
-}
-
 TEST_F(SetupFaultsTest, AFolderInAFilesPlaceLeavesTheOldVersion)
 {
     Install(OldVersion());
@@ -109,47 +60,6 @@ TEST_F(SetupFaultsTest, AFolderInAFilesPlaceLeavesTheOldVersion)
         ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
         ExpectOldStays(kFileFailed, [&] { EXPECT_TRUE(RemoveDirectoryW(folder.c_str())); });
     }
-}
-
-TEST_F(SetupFaultsTest, AFileThatCannotBeRemovedKeepsTheConnectorInstalled)
-{
-    Install(OldVersion());
-    const CUninstallerCopy uninstaller;
-    for (const std::wstring& name : InstalledFiles())
-    {
-        SCOPED_TRACE(Utf8(name));
-        {
-            const UniqueHandle file = LockFile(InstallFolder() + L"\\" + name);
-            EXPECT_EQ(Run(uninstaller.Path(), InPlace({L"/S"})), kFileFailed);
-        }
-        ExpectInstalled(OldVersion());
-    }
-    Uninstall();
-}
-
-// As the uninstaller that has started the copy holds its file until it ends, and as a virus scanner may later.
-TEST_F(SetupFaultsTest, AnUninstallerThatIsHeldForAMomentIsRemoved)
-{
-    Install(OldVersion());
-    const CUninstallerCopy uninstaller;
-    UniqueHandle holder = LockFile(InstalledUninstaller());
-    int calls = 0;
-    int callsAtTheEnd = 0;
-    EXPECT_FALSE(EndAtCall(uninstaller.Path(), InPlace({L"/S"}), "MoveFileExW", [&] {
-        // The third one is the second attempt to find out whether the file can be moved.
-        if (++calls == 3)
-        {
-            holder.reset();
-        }
-        // The first one at the end is that with which the file goes.
-        if (!FileExists(InstallFolder() + L"\\Third-party notices.txt"))
-        {
-            holder = ++callsAtTheEnd == 1 ? LockFile(InstalledUninstaller()) : UniqueHandle();
-        }
-        return false;
-    }));
-    EXPECT_EQ(callsAtTheEnd, 2);
-    EXPECT_FALSE(FolderExists(InstallFolder()));
 }
 
 TEST_F(SetupFaultsTest, AKeyThatCannotBeRemovedKeepsTheConnectorInstalled)
@@ -183,26 +93,6 @@ TEST_F(SetupFaultsTest, AFirstRegistrationThatFailsLeavesNothing)
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kEntryKey));
     EXPECT_FALSE(RegistryKeyExists(HKEY_LOCAL_MACHINE, kLibraryKey));
     Install(OldVersion());
-}
-
-TEST_F(SetupFaultsTest, Regsvr32IsStartedAgainIfItCannotBeStartedAtFirst)
-{
-    UniqueHandle regsvr32;
-    int starts = 0;
-    EXPECT_FALSE(EndAtCall(OldVersion().setup, {L"/S"}, "CreateProcessW", [&] {
-        ++starts;
-        regsvr32 = starts == 1 ? LockFile(kRegsvr32) : UniqueHandle();
-        return false;
-    }));
-    EXPECT_EQ(starts, 2);
-    ExpectInstalled(OldVersion());
-}
-
-TEST_F(SetupFaultsTest, Regsvr32ThatCanNeverBeStartedLeavesNothing)
-{
-    const UniqueHandle regsvr32 = LockFile(kRegsvr32);
-    EXPECT_EQ(Run(OldVersion().setup), kRegistrationFailed);
-    EXPECT_FALSE(FolderExists(InstallFolder()));
 }
 
 TEST_F(SetupFaultsTest, AnUpgradeWhoseRegistrationFailsLeavesTheOldDllAndItsRegistration)

@@ -177,6 +177,13 @@ std::vector<std::wstring> SetupFixture::InPlace(std::vector<std::wstring> argume
     return arguments;
 }
 
+void SetupFixture::ExpectOldStays(DWORD code, const std::function<void()>& endFault)
+{
+    EXPECT_EQ(Run(NewVersion().setup), code);
+    endFault();
+    ExpectInstalled(OldVersion());
+}
+
 UniqueHandle SetupFixture::LockFile(const std::wstring& path)
 {
     UniqueHandle file(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));

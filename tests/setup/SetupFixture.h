@@ -8,6 +8,7 @@
 
 #include <gmock/gmock.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -101,6 +102,10 @@ protected:
     static DWORD UninstallInPlace();
     /// These arguments and the one with which the uninstaller runs in its place.
     static std::vector<std::wstring> InPlace(std::vector<std::wstring> arguments);
+    /// Asserts that the newer version's setup ends with this code and leaves the old version, which is looked
+    /// at when `endFault` has been called.
+    static void ExpectOldStays(
+        DWORD code, const std::function<void()>& endFault = [] {});
     /// A file that nobody else can open or move until the result is closed.
     static UniqueHandle LockFile(const std::wstring& path);
 
