@@ -2,6 +2,8 @@
 
 ; A key of the setup alone, so that it can be deleted as a whole.
 !define SAVED "Software\${PRODUCT} Setup"
+; Its value while it holds what is to be put back.
+!define UNRESTORED "not yet put back"
 
 ; Windows' handle of HKEY_LOCAL_MACHINE: 0x80000002 with its sign extended.
 !define LOCAL_MACHINE -2147483646
@@ -46,6 +48,9 @@
     ; First what another version's registration has added.
     DeleteRegKey HKLM "${KEY}"
     Call CopyKey
+    ${If} $2 <> 0
+      StrCpy $6 "failed"
+    ${EndIf}
   ${ElseIf} $2 == "missing"
     DeleteRegKey HKLM "${KEY}"
   ${EndIf}
@@ -121,9 +126,15 @@ FunctionEnd
 
 ; Sets the error flag if not everything could be saved: without that the registration must not be changed.
 Function SaveRegistration
+  ; What an earlier setup could not put back is what has to be put back if this one fails too.
+  ReadRegStr $2 HKLM "${SAVED}" ""
+  ClearErrors
+  ${If} $2 == "${UNRESTORED}"
+    Return
+  ${EndIf}
   DeleteRegKey HKLM "${SAVED}"
   ClearErrors
-  ; What an earlier setup saved is of no use now.
+  ; Anything else that an earlier setup saved is of no use now.
   !insertmacro ExpectNoKey "" "${SAVED}"
   ${If} ${Errors}
     SetErrors
@@ -133,10 +144,15 @@ Function SaveRegistration
   !insertmacro SaveKey entry "${ENTRY}"
 FunctionEnd
 
+; If a key cannot be put back, what is saved stays.
 Function RestoreRegistration
+  StrCpy $6 ""
+  WriteRegStr HKLM "${SAVED}" "" "${UNRESTORED}"
   !insertmacro ForEachRegistrationKey RestoreKey
   !insertmacro RestoreKey entry "${ENTRY}"
-  Call ForgetSavedRegistration
+  ${If} $6 == ""
+    Call ForgetSavedRegistration
+  ${EndIf}
 FunctionEnd
 
 Function ForgetSavedRegistration

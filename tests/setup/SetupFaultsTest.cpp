@@ -113,6 +113,27 @@ TEST_F(SetupFaultsTest, AnUpgradeWhoseRegistrationFailsLeavesTheOldDllAndItsRegi
     Install(NewVersion());
 }
 
+TEST_F(SetupFaultsTest, ARegistrationThatCannotBePutBackIsPutBackByTheNextSetupThatFails)
+{
+    Install(OldVersion());
+    const CInstalledState before = TakeState();
+    CObstacle addIn(Kind::Locked, HKEY_LOCAL_MACHINE, kAddInKey);
+    // When regsvr32 is started, so that it fails.
+    EXPECT_FALSE(EndAtCall(NewVersion().setup, {L"/S"}, "CreateProcessW", [&] {
+        addIn.Raise();
+        return false;
+    }));
+    addIn.Lower();
+    // As regsvr32 may leave it.
+    DeleteRegistryKey(HKEY_LOCAL_MACHINE, kAddInKey);
+    {
+        CObstacle entry(Kind::ReadOnly, HKEY_LOCAL_MACHINE, kEntryKey);
+        entry.Raise();
+        EXPECT_EQ(Run(NewVersion().setup), kEntryFailed);
+    }
+    EXPECT_TRUE(TakeState() == before) << testing::PrintToString(TakeState());
+}
+
 // Without its copy it would be lost when regsvr32 fails as well.
 TEST_F(SetupFaultsTest, ARegistrationThatCannotBeSavedIsNotTouched)
 {
