@@ -89,6 +89,9 @@ Section "" MAIN
   ${If} $9 != 0
     Call RestoreRegistration
     Call PutFilesBack
+    ${If} $9 == "?"
+      !insertmacro Fail "$(CannotStartRegsvr32)" ${EXIT_REGISTRATION}
+    ${EndIf}
     !insertmacro Fail "$(CannotRegister)" ${EXIT_REGISTRATION}
   ${EndIf}
   Call WriteEntry

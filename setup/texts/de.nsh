@@ -24,6 +24,7 @@
 !insertmacro Text CannotReplace "Die Datei konnte nicht ersetzt werden:$\r$\n$1$\r$\n$\r$\nWindows-Fehler $FileError: $FileErrorText"
 !insertmacro Text CannotSave "Die jetzige Registrierung des Add-Ins konnte nicht gesichert werden."
 !insertmacro Text CannotRegister "Das Add-In konnte nicht bei Outlook registriert werden (regsvr32 endete mit $9)."
+!insertmacro Text CannotStartRegsvr32 "Das Add-In konnte nicht bei Outlook registriert werden: regsvr32 konnte nicht gestartet werden."
 !insertmacro Text CannotWriteEntry "Der Eintrag in „Programme und Funktionen“ konnte nicht geschrieben werden."
 !insertmacro Text UninstallTitle "${PRODUCT} ${VERSION} deinstallieren"
 !insertmacro Text WillUninstall "Der ${PRODUCT} wird für alle Benutzer dieses Computers entfernt.$\r$\n$\r$\nOutlook darf geöffnet bleiben. Ihre Kontakte und E-Mails werden nicht verändert, und die Protokolldatei, die das Add-In vielleicht in Ihrem Profil geschrieben hat, bleibt erhalten.$\r$\n$\r$\nKlicken Sie auf Deinstallieren, um zu beginnen."

@@ -24,6 +24,7 @@
 !insertmacro Text CannotReplace "The file could not be replaced:$\r$\n$1$\r$\n$\r$\nWindows error $FileError: $FileErrorText"
 !insertmacro Text CannotSave "The add-in's present registration could not be saved."
 !insertmacro Text CannotRegister "The add-in could not be registered with Outlook (regsvr32 ended with $9)."
+!insertmacro Text CannotStartRegsvr32 "The add-in could not be registered with Outlook: regsvr32 could not be started."
 !insertmacro Text CannotWriteEntry "The entry in Programs and Features could not be written."
 !insertmacro Text UninstallTitle "Uninstall ${PRODUCT} ${VERSION}"
 !insertmacro Text WillUninstall "The ${PRODUCT} will be removed for all users of this computer.$\r$\n$\r$\nOutlook may stay open. Your contacts and mails are not touched, and the log file that the add-in may have written in your profile stays.$\r$\n$\r$\nClick Uninstall to begin."

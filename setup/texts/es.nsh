@@ -24,6 +24,7 @@
 !insertmacro Text CannotReplace "No se ha podido sustituir el archivo:$\r$\n$1$\r$\n$\r$\nError de Windows $FileError: $FileErrorText"
 !insertmacro Text CannotSave "No se ha podido guardar el registro actual del complemento."
 !insertmacro Text CannotRegister "No se ha podido registrar el complemento en Outlook (regsvr32 terminó con $9)."
+!insertmacro Text CannotStartRegsvr32 "No se ha podido registrar el complemento en Outlook: no se ha podido iniciar regsvr32."
 !insertmacro Text CannotWriteEntry "No se ha podido escribir la entrada de Programas y características."
 !insertmacro Text UninstallTitle "Desinstalar ${PRODUCT} ${VERSION}"
 !insertmacro Text WillUninstall "Se quitará ${PRODUCT} para todos los usuarios de este equipo.$\r$\n$\r$\nOutlook puede permanecer abierto. Sus contactos y mensajes no se modifican, y el archivo de registro que el complemento haya podido escribir en su perfil se conserva.$\r$\n$\r$\nHaga clic en Desinstalar para comenzar."

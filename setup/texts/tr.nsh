@@ -24,6 +24,7 @@
 !insertmacro Text CannotReplace "Dosya değiştirilemedi:$\r$\n$1$\r$\n$\r$\nWindows hatası $FileError: $FileErrorText"
 !insertmacro Text CannotSave "Eklentinin şimdiki kaydı yedeklenemedi."
 !insertmacro Text CannotRegister "Eklenti Outlook'a kaydedilemedi (regsvr32 $9 koduyla bitti)."
+!insertmacro Text CannotStartRegsvr32 "Eklenti Outlook'a kaydedilemedi: regsvr32 başlatılamadı."
 !insertmacro Text CannotWriteEntry "Programlar ve Özellikler'deki kayıt yazılamadı."
 !insertmacro Text UninstallTitle "${PRODUCT} ${VERSION} kaldırma"
 !insertmacro Text WillUninstall "${PRODUCT}, bu bilgisayarın tüm kullanıcıları için kaldırılacak.$\r$\n$\r$\nOutlook açık kalabilir. Kişilerinize ve iletilerinize dokunulmaz; eklentinin profilinize yazmış olabileceği günlük dosyası da kalır.$\r$\n$\r$\nBaşlamak için Kaldır düğmesini tıklatın."

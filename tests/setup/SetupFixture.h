@@ -25,6 +25,9 @@ inline constexpr wchar_t kSavedKey[] = L"Software\\ORVA Connector Setup";
 /// The name that a running setup holds.
 inline constexpr wchar_t kSetupMutex[] = L"Global\\OrvaConnectorSetup";
 
+/// With which a setup registers the DLL.
+inline constexpr wchar_t kRegsvr32[] = L"C:\\windows\\system32\\regsvr32.exe";
+
 /// The setup programs' exit codes.
 enum SetupExit : DWORD
 {

@@ -41,6 +41,8 @@ constexpr CSetupTexts kTexts[] = {
      .stillInstalled = L"The ORVA Connector is still installed.",
      .cannotSave = L"The add-in's present registration could not be saved.",
      .cannotRegister = L"The add-in could not be registered with Outlook (regsvr32 ended with 5).",
+     .cannotStartRegsvr32 =
+         L"The add-in could not be registered with Outlook: regsvr32 could not be started.",
      .cannotWriteEntry = L"The entry in Programs and Features could not be written.",
      .cannotUnregister = L"The add-in's registration could not be removed. Start the uninstallation again.",
      .cannotRemoveEntry =
@@ -80,6 +82,8 @@ constexpr CSetupTexts kTexts[] = {
      .stillInstalled = L"Der ORVA Connector ist weiterhin installiert.",
      .cannotSave = L"Die jetzige Registrierung des Add-Ins konnte nicht gesichert werden.",
      .cannotRegister = L"Das Add-In konnte nicht bei Outlook registriert werden (regsvr32 endete mit 5).",
+     .cannotStartRegsvr32 =
+         L"Das Add-In konnte nicht bei Outlook registriert werden: regsvr32 konnte nicht gestartet werden.",
      .cannotWriteEntry = L"Der Eintrag in „Programme und Funktionen“ konnte nicht geschrieben werden.",
      .cannotUnregister = L"Die Registrierung des Add-Ins konnte nicht entfernt werden. Starten Sie die "
                          L"Deinstallation noch einmal.",
@@ -119,6 +123,8 @@ constexpr CSetupTexts kTexts[] = {
      .stillInstalled = L"ORVA Connector sigue instalado.",
      .cannotSave = L"No se ha podido guardar el registro actual del complemento.",
      .cannotRegister = L"No se ha podido registrar el complemento en Outlook (regsvr32 terminó con 5).",
+     .cannotStartRegsvr32 =
+         L"No se ha podido registrar el complemento en Outlook: no se ha podido iniciar regsvr32.",
      .cannotWriteEntry = L"No se ha podido escribir la entrada de Programas y características.",
      .cannotUnregister =
          L"No se ha podido quitar el registro del complemento. Inicie la desinstalación de nuevo.",
@@ -157,6 +163,7 @@ constexpr CSetupTexts kTexts[] = {
      .stillInstalled = L"ORVA Connector hâlâ yüklü.",
      .cannotSave = L"Eklentinin şimdiki kaydı yedeklenemedi.",
      .cannotRegister = L"Eklenti Outlook'a kaydedilemedi (regsvr32 5 koduyla bitti).",
+     .cannotStartRegsvr32 = L"Eklenti Outlook'a kaydedilemedi: regsvr32 başlatılamadı.",
      .cannotWriteEntry = L"Programlar ve Özellikler'deki kayıt yazılamadı.",
      .cannotUnregister = L"Eklentinin kaydı kaldırılamadı. Kaldırmayı yeniden başlatın.",
      .cannotRemoveEntry = L"Programlar ve Özellikler'deki kayıt kaldırılamadı. Kaldırmayı yeniden başlatın.",

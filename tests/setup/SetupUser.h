@@ -44,6 +44,7 @@ struct CSetupTexts
     const wchar_t* stillInstalled;
     const wchar_t* cannotSave;
     const wchar_t* cannotRegister;
+    const wchar_t* cannotStartRegsvr32;
     const wchar_t* cannotWriteEntry;
     const wchar_t* cannotUnregister;
     const wchar_t* cannotRemoveEntry;
