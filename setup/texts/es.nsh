@@ -22,7 +22,7 @@
 ; NSIS's own message, to which it appends the file: the disk is full.
 !insertmacro Text ^ErrorWriting "No se ha cambiado nada en este equipo, porque no se ha podido escribir este archivo. Puede que no quede espacio en la unidad.$\r$\n$\r$\n"
 !insertmacro Text CannotReplace "No se ha podido sustituir el archivo:$\r$\n$1$\r$\n$\r$\nError de Windows $FileError: $FileErrorText"
-!insertmacro Text CannotSave "No se ha podido guardar el registro actual del complemento."
+!insertmacro Text CannotSave "No se ha podido guardar la inscripción actual del complemento en Outlook."
 !insertmacro Text CannotRegister "No se ha podido registrar el complemento en Outlook (regsvr32 terminó con $9)."
 !insertmacro Text CannotStartRegsvr32 "No se ha podido registrar el complemento en Outlook: no se ha podido iniciar regsvr32."
 !insertmacro Text CannotWriteEntry "No se ha podido escribir la entrada de Programas y características."
@@ -31,9 +31,9 @@
 !insertmacro Text Removing "Espere mientras se quita ${PRODUCT}."
 !insertmacro Text Unregistering "Quitando el complemento de Outlook"
 !insertmacro Text UninstalledTitle "${PRODUCT} se ha quitado"
-!insertmacro Text Uninstalled "Se han quitado el complemento, su carpeta y su registro en Outlook.$\r$\n$\r$\nEl archivo de registro, si lo había activado, sigue en %LOCALAPPDATA%\${PRODUCT}."
+!insertmacro Text Uninstalled "Se han quitado el complemento, su carpeta y su inscripción en Outlook.$\r$\n$\r$\nEl archivo de registro, si lo había activado, sigue en %LOCALAPPDATA%\${PRODUCT}."
 !insertmacro Text UninstalledInUse "Outlook todavía utiliza el complemento. Desaparecerá cuando se reinicie Outlook, y su último archivo cuando se reinicie Windows.$\r$\n$\r$\nEl archivo de registro, si lo había activado, sigue en %LOCALAPPDATA%\${PRODUCT}."
 !insertmacro Text CannotRemove "No se ha podido quitar el archivo:$\r$\n$1$\r$\n$\r$\nError de Windows $FileError: $FileErrorText$\r$\n$\r$\n${PRODUCT} sigue instalado."
-!insertmacro Text CannotUnregister "No se ha podido quitar el registro del complemento. Inicie la desinstalación de nuevo."
+!insertmacro Text CannotUnregister "No se ha podido quitar la inscripción del complemento en Outlook. Inicie la desinstalación de nuevo."
 !insertmacro Text CannotRemoveEntry "No se ha podido quitar la entrada de Programas y características. Inicie la desinstalación de nuevo."
 !macroundef Text

@@ -108,7 +108,7 @@ constexpr CSetupTexts kTexts[] = {
      .uninstallCaption = L"Desinstalar ORVA Connector {new}",
      .logStays = L"el archivo de registro que el complemento haya podido escribir en su perfil se conserva.",
      .uninstall = L"&Desinstalar",
-     .removed = L"Se han quitado el complemento, su carpeta y su registro en Outlook.",
+     .removed = L"Se han quitado el complemento, su carpeta y su inscripción en Outlook.",
      .disappears = L"Outlook todavía utiliza el complemento. Desaparecerá cuando se reinicie Outlook",
      .newer = L"La versión {new} de ORVA Connector está instalada. Es más reciente que la {old}, así que no "
               L"se ha cambiado nada.",
@@ -121,13 +121,13 @@ constexpr CSetupTexts kTexts[] = {
      .cannotReplace = L"No se ha podido sustituir el archivo:\r\n{module}\r\n\r\nError de Windows 32: ",
      .cannotRemove = L"No se ha podido quitar el archivo:\r\n{module}\r\n\r\nError de Windows 32: ",
      .stillInstalled = L"ORVA Connector sigue instalado.",
-     .cannotSave = L"No se ha podido guardar el registro actual del complemento.",
+     .cannotSave = L"No se ha podido guardar la inscripción actual del complemento en Outlook.",
      .cannotRegister = L"No se ha podido registrar el complemento en Outlook (regsvr32 terminó con 5).",
      .cannotStartRegsvr32 =
          L"No se ha podido registrar el complemento en Outlook: no se ha podido iniciar regsvr32.",
      .cannotWriteEntry = L"No se ha podido escribir la entrada de Programas y características.",
-     .cannotUnregister =
-         L"No se ha podido quitar el registro del complemento. Inicie la desinstalación de nuevo.",
+     .cannotUnregister = L"No se ha podido quitar la inscripción del complemento en Outlook. Inicie la "
+                         L"desinstalación de nuevo.",
      .cannotRemoveEntry = L"No se ha podido quitar la entrada de Programas y características. Inicie la "
                           L"desinstalación de nuevo.",
      .removing = L"Espere mientras se quita ORVA Connector.",
