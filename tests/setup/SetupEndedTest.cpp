@@ -8,11 +8,15 @@
 #include "setup/EndedProcess.h"
 #include "setup/RegistrationObstacle.h"
 #include "setup/SetupFixture.h"
+#include "setup/SetupUser.h"
 
 namespace orva::test
 {
 namespace
 {
+
+// The value of "LoadBehavior" with which Outlook loads an add-in at its start.
+constexpr DWORD kLoadAtStart = 3;
 
 class SetupEndedTest : public SetupFixture
 {
@@ -24,7 +28,8 @@ protected:
         std::wstring path;
         EXPECT_TRUE(WaitUntil([&] {
             path = RegisteredModule();
-            return FileExists(path);
+            return FileExists(path) &&
+                   RegistryDword(HKEY_LOCAL_MACHINE, kAddInKey, L"LoadBehavior") == kLoadAtStart;
         })) << testing::PrintToString(TakeState());
         EXPECT_NE(CAddInModule(path).Create(), nullptr);
         const auto module = ReadFileBytes(path);
@@ -45,40 +50,52 @@ protected:
 class SetupEndedAtAnyTimeTest : public SetupEndedTest, public testing::WithParamInterface<bool>
 {
 protected:
-    // Runs the newer version's setup and ends it so many milliseconds after it has begun to install.
-    static void RunFor(DWORD duration)
+    // Has the newer version's setup begin: started, or with its pages at the click that begins the
+    // installation.
+    static std::unique_ptr<CChildProcess> Begin()
     {
-        const bool isSilent = GetParam();
-        CChildProcess setup(
-            {.program = NewVersion().setup,
-             .arguments = isSilent ? std::vector<std::wstring>{L"/S"} : std::vector<std::wstring>{}});
-        if (!isSilent)
+        auto setup = std::make_unique<CChildProcess>(
+            CProcessOptions{.program = NewVersion().setup, .arguments = {GetParam() ? L"/S" : L""}});
+        if (!GetParam())
         {
-            const HWND page =
-                WaitForWindow({.process = setup.Id(), .className = kDialogClass, .childId = IDOK});
-            // At the first moment it has not begun.
-            EXPECT_TRUE(duration == 0 || WaitUntil([&] { return ClickButton(page, IDOK); }));
+            Press(Texts().replaces, kNext, setup->Id());
         }
-        setup.WaitForExit(duration);
-        setup.End();
+        return setup;
+    }
+
+    // The milliseconds from there to its end, or to its last page.
+    static DWORD Duration()
+    {
+        const std::unique_ptr<CChildProcess> setup = Begin();
+        const ULONGLONG start = GetTickCount64();
+        if (GetParam())
+        {
+            EXPECT_EQ(setup->WaitForExit(), kSetupDone);
+        }
+        else
+        {
+            WaitForPage(Texts().usesNew, setup->Id());
+        }
+        return static_cast<DWORD>(GetTickCount64() - start);
     }
 };
 
 TEST_P(SetupEndedAtAnyTimeTest, LeavesAWorkingAddInAndTheNextSetupCompletesTheWork)
 {
     Install(OldVersion());
-    const ULONGLONG start = GetTickCount64();
-    Install(OldVersion());
-    const auto duration = static_cast<DWORD>(GetTickCount64() - start);
+    const DWORD duration = Duration();
     const int moments = Repetitions(2, 40);
     for (int moment = 0; moment < moments; ++moment)
     {
         SCOPED_TRACE("moment " + std::to_string(moment));
         SetTestDeadline(kTestDeadline);
-        RunFor(duration * static_cast<DWORD>(moment) / static_cast<DWORD>(moments));
+        InstallOldAgain();
+        const std::unique_ptr<CChildProcess> setup = Begin();
+        // In the middle of each part: one of two is ended at a quarter and at three quarters.
+        setup->WaitForExit(duration * static_cast<DWORD>(2 * moment + 1) / static_cast<DWORD>(2 * moments));
+        setup->End();
         WorkingModule();
         Install(NewVersion());
-        InstallOldAgain();
     }
 }
 
@@ -88,24 +105,22 @@ INSTANTIATE_TEST_SUITE_P(WithPages, SetupEndedAtAnyTimeTest, testing::Values(fal
 // Each step of replacing a file is one of these calls.
 TEST_F(SetupEndedTest, BeforeAnyMoveOfAFileLeavesAWorkingAddIn)
 {
-    bool isEnded = true;
-    for (int move = 1; isEnded && move <= Repetitions(1, 20); ++move)
+    int moves = 0;
+    for (bool isEnded = true; isEnded; ++moves)
     {
-        SCOPED_TRACE("move " + std::to_string(move));
+        SCOPED_TRACE("before move " + std::to_string(moves + 1));
         SetTestDeadline(kTestDeadline);
-        Install(OldVersion());
-        {
-            const CAddInModule outlook(InstalledModule());
-            int count = 0;
-            isEnded = EndAtCall(NewVersion().setup, {L"/S"}, "MoveFileExW", [&] { return ++count == move; });
-            WorkingModule();
-            EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
-            EXPECT_EQ(RegisteredModule(), InstalledModule());
-        }
-        Install(NewVersion());
-        DeleteRegistryKey(HKEY_LOCAL_MACHINE, kEntryKey);
+        InstallOldAgain();
+        const CAddInModule outlook(InstalledModule());
+        int count = 0;
+        isEnded = EndAtCall(NewVersion().setup, {L"/S"}, "MoveFileExW", [&] { return count++ == moves; });
+        WorkingModule();
+        EXPECT_EQ(Run(NewVersion().setup), kSetupDone);
+        EXPECT_EQ(RegisteredModule(), InstalledModule());
     }
-    EXPECT_EQ(isEnded, !IsThorough());
+    // Of the notices, the uninstaller and the DLL; aside; again the DLL; and at the next start of Windows.
+    // The last setup made them all.
+    EXPECT_EQ(moves, 6 + 1);
 }
 
 // Neither can the new DLL be moved to its place nor the old one back.
