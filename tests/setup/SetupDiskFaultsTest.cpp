@@ -12,15 +12,15 @@ namespace
 class SetupDiskFaultsTest : public SetupFixture
 {
 protected:
-    // Skips the test unless the limit is one at which the setup can (or cannot) write what it needs for
-    // itself.
+    // Skips the test if the limit is that of the others: one at which the setup can, or cannot, write what it
+    // needs for itself.
     void SetUp() override
     {
         wchar_t limit[20] = L"";
         GetEnvironmentVariableW(L"ORVA_FILE_LIMIT", limit, 20);
         const std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
-        if (limit[0] == L'\0' ||
-            (wcstol(limit, nullptr, 10) < 100) != name.starts_with("InTheTemporaryFolder"))
+        ASSERT_NE(limit[0], L'\0') << "ORVA_FILE_LIMIT is not set";
+        if ((wcstol(limit, nullptr, 10) < 100) != name.starts_with("InTheTemporaryFolder"))
         {
             GTEST_SKIP() << "needs another ORVA_FILE_LIMIT";
         }
